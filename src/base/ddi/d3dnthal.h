@@ -1,0 +1,3 @@
+#pragma once
+
+// Included by winddi.h; a printer driver needs nothing of it.
