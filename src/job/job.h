@@ -1,0 +1,68 @@
+#pragma once
+
+#include "base/windows.h"
+
+#include <cstdint>
+
+#include "job/buffer.h"
+#include "job/client.h"
+#include "playback/context.h"
+
+namespace quillo {
+
+inline constexpr uint32_t kJobSignature = 0x44525347;  // the bytes "GSRD"
+
+enum JobState : uint32_t {
+  kJobValid = 0x1,
+  kDocumentEnded = 0x2,
+  kPageFilePending = 0x8,
+  kClientNotConnected = 0x10,
+  kJobFailed = 0x10000000,
+};
+
+/// One print job, from the first DrvStartDoc to DrvEndDoc: the record sink, the playback context
+/// and the connection to the client. Lives on its own private heap; destroying the heap ends it.
+/// Used on the engine's thread only.
+struct CQloPrinter {
+  uint32_t signature;
+  HANDLE printer;
+  uint32_t job_id;
+  uint32_t state;         // JobState
+  uint32_t record_count;  // writes into the sink
+  uint32_t pages_started;
+  uint32_t pages_sent;
+  DeviceMode* device_settings;  // on the private heap; overwritten by each REC_DEVMODE
+  PlaybackContext playback;     // with the two font tables: seen fonts, run list
+  Bstr printer_name;
+  Bstr document_name;
+  ComPtr<IQuilloClient> client;  // null = none
+  HRESULT com_result;            // of the job's CoInitializeEx
+  HANDLE heap;
+  CBuffer* record_buffer;
+  wchar_t font_folder[MAX_PATH];
+  wchar_t page_path[MAX_PATH];  // file of the current page
+  ComPtr<IQuilloPage> page_object;
+  Library resources;  // QXRES06X.dll; null when absent
+};
+
+/// Opens the job of a document. Null when memory is short; then nothing stays allocated.
+CQloPrinter* OpenJob(HANDLE printer, DWORD job_id);
+
+/// The record sink: takes a piece of the stream and plays every record that it completes. Always 1;
+/// `written` (may be null) gets `size`. A null job takes nothing.
+int32_t WriteJob(CQloPrinter* job, const void* bytes, uint32_t size, uint32_t* written);
+
+/// Begins a page. False for a null, foreign, invalid or failed job, when the client cannot be
+/// reached at the retry, and when the page metafile cannot be created.
+bool StartPage(CQloPrinter* job);
+
+/// Empties the record buffer, finishes the page and delivers it. True when the metafile was closed.
+bool SendPage(CQloPrinter* job);
+
+/// Writes the job files and tells the client that the document ended.
+void EndDocument(CQloPrinter* job);
+
+/// Sets the job-end event, closes an open page and destroys the job.
+void SignalEndAndDestroy(CQloPrinter* job);
+
+}  // namespace quillo

@@ -1,0 +1,68 @@
+#pragma once
+
+#include "base/windows.h"
+
+#include <cstddef>
+#include <cstdint>
+
+#include "base/heap_list.h"
+#include "capture/records/payloads.h"
+#include "config/device_mode.h"
+
+namespace quillo {
+
+class CFontMapManager;
+
+/// Largest bitmap that is drawn unreduced, in pixels.
+struct BitmapLimits {
+  int32_t width;
+  int32_t height;
+};
+
+/// What playback reads and sets of the job that its context is embedded in. All pointers are the
+/// job's and outlive the context.
+struct JobLink {
+  HANDLE printer;               // opens a printer DC for mask bitmaps
+  HANDLE heap;                  // the job's private heap
+  uint32_t* state_flags;        // playback sets kJobFailed
+  DeviceMode* device_settings;  // written by REC_DEVMODE; may be null
+  BitmapLimits bitmap_limits;
+  const wchar_t* font_directory;  // where embedded fonts go; empty = nothing is embedded
+  /// Announces an embedded font file to the client; S_OK as well when no client is connected.
+  HRESULT (*announce_font)(void* job, const wchar_t* path);
+  void* job;  // for announce_font
+};
+
+/// One entry of the seen-font list. The key is a LOGFONTW whose height went through the world
+/// transform.
+struct SeenFont {
+  uint32_t flag;  // 0
+  LOGFONTW key;
+};
+
+/// State of playback for one job. Objects named "current" are owned; objects named "previous" were
+/// in the DC before and are only put back.
+struct PlaybackContext {
+  PlaybackContext(const JobLink& link, CFontMapManager* translator)
+      : glyph_translator(translator), seen_fonts(link.heap), run_list(link.heap), job(link) {}
+
+  HDC page_dc = nullptr;  // metafile of the current page; null = no page is open
+  std::byte band_header[records::kBandHeaderBytes] = {};  // header of the page bitmap to come
+  records::Point page_value = {};  // physical offset of the last REC_PAGEVALUE
+  HGDIOBJ previous_pen = nullptr;
+  HGDIOBJ previous_brush = nullptr;
+  HGDIOBJ previous_font = nullptr;
+  HBRUSH current_brush = nullptr;
+  HPEN current_pen = nullptr;
+  HFONT current_font = nullptr;
+  uint32_t pen_brush_pending = 0;     // once 1, every REC_EXTCREATEPEN takes pen_brush
+  LOGBRUSH pen_brush = {};            // lbHatch of BS_DIBPATTERNPT is a copy on the job's heap
+  CFontMapManager* glyph_translator;  // null = nothing is translated; owned by the job
+  HeapList<SeenFont> seen_fonts;
+  HeapList<uint32_t> run_list;  // glyphs of each text run of the page
+  XFORM world_transform = {};   // last transform set, kept when the DC's is reset
+  uint32_t non_ascii_text_seen = 0;
+  JobLink job;
+};
+
+}  // namespace quillo
