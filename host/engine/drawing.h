@@ -1,0 +1,71 @@
+#pragma once
+
+#include "base/ddi.h"
+
+#include <cstddef>
+#include <cstdint>
+#include <memory>
+#include <vector>
+
+#include "host/engine/clip_shape.h"
+
+namespace quillo::host {
+
+/// A picture in memory, laid out as a DIB.
+struct BitmapSource {
+  LONG width = 0;               // pixels
+  LONG height = 0;              // pixels, always positive
+  uint16_t bits_per_pixel = 0;  // 1, 4, 8, 16, 24 or 32
+  bool top_down = false;        // order of the rows in `bits`
+  bool run_length = false;      // RLE4 or RLE8 by the depth; then bottom-up
+  uint32_t red_mask = 0;        // 16 and 32 bits: all zero means 5-5-5 and 8-8-8
+  uint32_t green_mask = 0;
+  uint32_t blue_mask = 0;
+  std::vector<uint32_t> palette;  // 0x00RRGGBB, up to 8 bits; missing entries are black
+  std::vector<std::byte> bits;    // rows of whole 32-bit words; missing bytes are zero
+
+  /// Bytes of one uncompressed row.
+  size_t Stride() const { return (static_cast<size_t>(width) * bits_per_pixel + 31) / 32 * 4; }
+};
+
+struct BrushDescription {
+  enum class Kind { kSolid, kHatched, kPattern };
+
+  Kind kind = Kind::kSolid;
+  COLORREF color = RGB(0, 0, 0);                // solid colour, or colour of the hatch lines
+  COLORREF background = RGB(255, 255, 255);     // between the lines of a hatch
+  ULONG hatch = HS_HORIZONTAL;                  // HS_HORIZONTAL to HS_DIAGCROSS
+  std::shared_ptr<const BitmapSource> pattern;  // a monochrome one brings its two colours along
+
+  static BrushDescription Solid(COLORREF color) {
+    BrushDescription brush;
+    brush.color = color;
+    return brush;
+  }
+};
+
+struct PenDescription {
+  BrushDescription brush;
+  bool geometric = false;        // else cosmetic: one device pixel wide
+  float width = 1;               // geometric: world units
+  ULONG join = JOIN_ROUND;       // JOIN_ROUND, JOIN_BEVEL, JOIN_MITER
+  ULONG end_cap = ENDCAP_ROUND;  // ENDCAP_ROUND, ENDCAP_SQUARE, ENDCAP_BUTT
+  float miter_limit = 10;
+  bool alternate = false;    // cosmetic: every other pixel (PS_ALTERNATE)
+  std::vector<float> style;  // dashes and gaps in turn; geometric: world units, cosmetic: style
+                             // units, whole numbers; empty: solid
+  XFORM world_to_device{1, 0, 0, 1, 0, 0};  // geometric: shape of the pen
+};
+
+/// Dashes and gaps of a cosmetic pen of style PS_SOLID to PS_DASHDOTDOT, in style units.
+std::vector<float> CosmeticStyle(DWORD pen_style);
+
+/// What of a DC applies to each drawing call.
+struct DrawState {
+  ClipShape clip;                 // device pixels
+  POINTL brush_origin{0, 0};      // device pixels
+  uint8_t rop2 = R2_COPYPEN;      // R2_BLACK to R2_WHITE
+  bool opaque_background = true;  // background mode; false: what hatches and masks leave out stays
+};
+
+}  // namespace quillo::host
