@@ -1,6 +1,5 @@
 #include "capture/records/conversions.h"
 
-#include <cmath>
 #include <gtest/gtest.h>
 
 namespace quillo::records {
@@ -14,13 +13,6 @@ TEST(FixToPixel, Halves_RoundTowardsPositiveInfinity) {
 }
 
 TEST(SwapRedBlue, OuterBytesStay) { EXPECT_EQ(SwapRedBlue(0xAB112233u), 0xAB332211u); }
-
-TEST(TruncateToInt, OutOfRange_Saturates) {
-  EXPECT_EQ(TruncateToInt(-2.9f), -2);
-  EXPECT_EQ(TruncateToInt(3e9f), INT32_MAX);
-  EXPECT_EQ(TruncateToInt(-INFINITY), INT32_MIN);
-  EXPECT_EQ(TruncateToInt(NAN), 0);
-}
 
 }  // namespace
 }  // namespace quillo::records

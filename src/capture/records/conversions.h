@@ -12,12 +12,4 @@ constexpr uint32_t SwapRedBlue(uint32_t colour) {
   return (colour & 0xFF00FF00u) | ((colour & 0xFFu) << 16) | ((colour >> 16) & 0xFFu);
 }
 
-/// Truncates towards zero; values outside i32 (and NaN) give the nearest limit (and 0).
-constexpr int32_t TruncateToInt(float value) {
-  if (!(value == value)) return 0;
-  if (value >= 2147483648.0f) return INT32_MAX;
-  if (value < -2147483648.0f) return INT32_MIN;
-  return static_cast<int32_t>(value);
-}
-
 }  // namespace quillo::records

@@ -1,0 +1,31 @@
+#pragma once
+
+#include <cstdint>
+
+#include "config/device_mode.h"
+#include "config/paper_units.h"
+
+namespace quillo {
+
+/// The sheet of a device mode: width and height as exact fractions, in landscape exchanged, and
+/// their SizeClass. Each output may be null. A paper number that nobody knows gives Letter.
+void LookUpPaperSize(const DeviceMode& mode, Fraction* width, Fraction* height,
+                     uint32_t* unit_class);
+
+/// Converts a size of a SizeClass into a PaperUnit, at the resolution of `mode`. Returns 1, or 0
+/// with `out` untouched when a pointer is null (`mode` may be null unless pixels are asked for).
+/// An unknown class or unit gives an extent of 0 by 0.
+int ConvertPaperSize(const DeviceMode* mode, const Fraction* width, const Fraction* height,
+                     uint32_t source_class, uint32_t target_unit, Extent* out);
+
+/// The margins of a device mode. Stores 1 (inches) as the unit of its margins. A null `out` or an
+/// unknown unit gets nothing written to `out`; with a null `out` the mode stays as it is, too.
+void GetMargins(DeviceMode& mode, Margins* out, uint32_t target_unit);
+
+/// The whole sheet.
+Extent SheetSize(const DeviceMode& mode, PaperUnit unit);
+
+/// The sheet less its margins, never below zero. Stores the margin unit as GetMargins does.
+Extent PrintableSize(DeviceMode& mode, PaperUnit unit);
+
+}  // namespace quillo
