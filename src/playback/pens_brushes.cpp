@@ -1,0 +1,140 @@
+#include "base/windows.h"
+
+#include <utility>
+
+#include "base/checked.h"
+#include "base/kernel_owners.h"
+#include "playback/actions.h"
+#include "playback/current_objects.h"
+
+// Pens and fill brushes of the page DC, and the brush that is kept for pens.
+namespace quillo {
+namespace {
+
+using namespace records;
+
+constexpr UINT kNoSavedStyle = 0xFFFFFFFF;
+
+// Whether the payload holds as many pattern bytes as a pattern brush announces.
+bool HoldsPattern(const CreateBrushPayload& record, Bytes payload) {
+  return record.style != BS_DIBPATTERNPT ||
+         RangeFits(payload.size(), kBrushPatternOffset, record.pattern_size);
+}
+
+// Fills an empty block from a brush record that holds its pattern. False when memory for the copy
+// of the pattern is short (the block then has a null pattern), and for styles that no capture
+// writes.
+bool CopyBrush(HANDLE heap, Bytes payload, LOGBRUSH& block) {
+  const auto record = LoadOrZero<CreateBrushPayload>(payload);
+  block.lbStyle = record.style;
+  block.lbColor = record.colour;
+  switch (record.style) {
+    case BS_SOLID:
+      return true;
+    case BS_HATCHED:
+      block.lbHatch = record.hatch;
+      return true;
+    case BS_DIBPATTERNPT: {
+      block.lbColor = DIB_RGB_COLORS;
+      HeapBlock pattern(record.pattern_size, heap, 0);
+      if (!pattern) return false;
+      std::memcpy(pattern.Get(), payload.data() + kBrushPatternOffset, record.pattern_size);
+      block.lbHatch = reinterpret_cast<ULONG_PTR>(pattern.Detach());
+      return true;
+    }
+    default:
+      return false;
+  }
+}
+
+// Frees a pattern copy and zeroes the block. The style alone tells whether there is a copy.
+void FreeBrush(HANDLE heap, LOGBRUSH& block) {
+  if (block.lbStyle == BS_DIBPATTERNPT && block.lbHatch != 0) {
+    HeapFree(heap, 0, reinterpret_cast<void*>(block.lbHatch));
+  }
+  block = {};
+}
+
+// Keeps a brush for the pens to come. The pending flag is meant never to be cleared again: from the
+// first such brush on, every extended pen of the job takes the stored one.
+void KeepPenBrush(PlaybackContext& context, Bytes payload) {
+  if (context.pen_brush_pending != 0) FreeBrush(context.job.heap, context.pen_brush);
+  CopyBrush(context.job.heap, payload, context.pen_brush);
+  context.pen_brush_pending = 1;
+}
+
+void SelectFillBrush(PlaybackContext& context, Bytes payload) {
+  ReleaseBrush(context);
+  LOGBRUSH block = {};
+  CopyBrush(context.job.heap, payload, block);
+  MakeCurrent(context.page_dc, CreateBrushIndirect(&block), context.current_brush,
+              context.previous_brush);
+  FreeBrush(context.job.heap, block);
+}
+
+// Cosmetic pens and pens one unit wide take a solid brush: makes `brush` one and returns its style,
+// or kNoSavedStyle where the brush stays. A cosmetic pen's width becomes 1 in the record itself.
+UINT ForceSolidBrush(MutableBytes payload, LOGBRUSH& brush) {
+  auto record = LoadOrZero<ExtCreatePenPayload>(payload);
+  UINT saved_style = kNoSavedStyle;
+  if ((record.style & PS_TYPE_MASK) == PS_COSMETIC) {
+    saved_style = std::exchange(brush.lbStyle, BS_SOLID);
+    record.width = 1;
+    Store(payload, offsetof(ExtCreatePenPayload, width), record.width);
+  }
+  if (record.width == 1) saved_style = std::exchange(brush.lbStyle, BS_SOLID);
+  return saved_style;
+}
+
+// The restore after a pen is inverted, and is meant to be: a style that was saved is not put back,
+// while a brush whose style stayed gets the "nothing saved" mark as its style. So a wide geometric
+// pen spoils the stored brush (its pattern copy then lives as long as the heap), and a thin pen
+// leaves it solid.
+void RestoreBrushStyleInverted(UINT saved_style, LOGBRUSH& brush) {
+  if (saved_style == kNoSavedStyle) brush.lbStyle = saved_style;
+}
+
+}  // namespace
+
+int32_t PlayCreatePen(PlaybackContext& context, MutableBytes payload) {
+  static_assert(sizeof(LOGPEN) == sizeof(CreatePenPayload));
+  ReleasePen(context);
+  const auto pen = LoadOrZero<LOGPEN>(payload);
+  MakeCurrent(context.page_dc, CreatePenIndirect(&pen), context.current_pen, context.previous_pen);
+  return 1;
+}
+
+int32_t PlayExtCreatePen(PlaybackContext& context, MutableBytes payload) {
+  const auto count = LoadOrZero<ExtCreatePenPayload>(payload).count;
+  const size_t entry_bytes = size_t{count} * sizeof(DWORD);
+  if (!RangeFits(payload.size(), kPenEntriesOffset, entry_bytes)) return 0;
+
+  ReleasePen(context);
+  LOGBRUSH black = {};
+  LOGBRUSH& brush = context.pen_brush_pending != 0 ? context.pen_brush : black;
+  const UINT saved_style = ForceSolidBrush(payload, brush);
+  const auto record = LoadOrZero<ExtCreatePenPayload>(payload);
+
+  // Without memory for the entries GDI gets none, and their count all the same.
+  HeapBlock entries;
+  if (count != 0) entries = HeapBlock(entry_bytes, context.job.heap, 0);
+  if (entries) std::memcpy(entries.Get(), payload.data() + kPenEntriesOffset, entry_bytes);
+
+  const HPEN pen = ExtCreatePen(record.style, record.width, &brush, count, entries.As<DWORD>());
+  MakeCurrent(context.page_dc, pen, context.current_pen, context.previous_pen);
+  RestoreBrushStyleInverted(saved_style, brush);
+  return 1;
+}
+
+int32_t PlayCreateBrush(PlaybackContext& context, MutableBytes payload) {
+  const auto record = LoadOrZero<CreateBrushPayload>(payload);
+  if (!HoldsPattern(record, payload)) return 0;
+  if (record.usage != kFillBrush) {
+    KeepPenBrush(context, payload);
+  } else {
+    SelectFillBrush(context, payload);
+  }
+  return 1;
+}
+
+}  // namespace quillo

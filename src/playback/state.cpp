@@ -1,0 +1,93 @@
+#include "base/windows.h"
+
+#include <algorithm>
+#include <cstring>
+
+#include "playback/actions.h"
+#include "playback/dispatcher.h"
+
+// Records that set the state of the page DC or of the playback context.
+namespace quillo {
+
+using namespace records;
+
+int32_t PlayNothing(PlaybackContext&, MutableBytes) { return 1; }
+
+int32_t PlayDibHeader(PlaybackContext& context, MutableBytes payload) {
+  const size_t size = std::min(payload.size(), sizeof context.band_header);
+  std::copy_n(payload.begin(), size, context.band_header);
+  return 1;
+}
+
+int32_t PlayDevMode(PlaybackContext& context, MutableBytes payload) {
+  DeviceMode* const settings = context.job.device_settings;
+  if (settings != nullptr && payload.data() != nullptr) {
+    std::memcpy(settings, payload.data(), std::min(payload.size(), sizeof *settings));
+  }
+  return 1;
+}
+
+int32_t PlayPageValue(PlaybackContext& context, MutableBytes payload) {
+  context.page_value = LoadOrZero<Point>(payload);
+  return 1;
+}
+
+int32_t PlaySaveDc(PlaybackContext& context, MutableBytes) {
+  SaveDC(context.page_dc);
+  return 1;
+}
+
+int32_t PlayRestoreDc(PlaybackContext& context, MutableBytes) {
+  ReleaseDrawingObjects(context);
+  RestoreDC(context.page_dc, -1);
+  return 1;
+}
+
+int32_t PlaySetWorldTransform(PlaybackContext& context, MutableBytes payload) {
+  const auto transform = LoadOrZero<XFORM>(payload);
+  static_assert(sizeof(XFORM) == sizeof(Transform));
+  SetGraphicsMode(context.page_dc, GM_ADVANCED);
+  SetWorldTransform(context.page_dc, &transform);
+  context.world_transform = transform;
+  return 1;
+}
+
+// The context's copy is meant to keep the transform last set: font look-up reads it.
+int32_t PlayResetWorldTransform(PlaybackContext& context, MutableBytes) {
+  ModifyWorldTransform(context.page_dc, nullptr, MWT_IDENTITY);
+  SetGraphicsMode(context.page_dc, GM_COMPATIBLE);
+  return 1;
+}
+
+int32_t PlaySetBkColor(PlaybackContext& context, MutableBytes payload) {
+  SetBkColor(context.page_dc, LoadOrZero<COLORREF>(payload));
+  return 1;
+}
+
+int32_t PlaySetBkMode(PlaybackContext& context, MutableBytes payload) {
+  SetBkMode(context.page_dc, LoadOrZero<int32_t>(payload));
+  return 1;
+}
+
+int32_t PlaySetMiterLimit(PlaybackContext& context, MutableBytes payload) {
+  SetMiterLimit(context.page_dc, LoadOrZero<float>(payload), nullptr);
+  return 1;
+}
+
+int32_t PlaySetPolyFillMode(PlaybackContext& context, MutableBytes payload) {
+  SetPolyFillMode(context.page_dc, LoadOrZero<int32_t>(payload));
+  return 1;
+}
+
+int32_t PlaySetBrushOrg(PlaybackContext& context, MutableBytes payload) {
+  const auto origin = LoadOrZero<Point>(payload);
+  SetBrushOrgEx(context.page_dc, origin.x, origin.y, nullptr);
+  return 1;
+}
+
+int32_t PlaySetRop2(PlaybackContext& context, MutableBytes payload) {
+  SetROP2(context.page_dc, LoadOrZero<int32_t>(payload));
+  return 1;
+}
+
+}  // namespace quillo
