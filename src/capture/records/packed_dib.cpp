@@ -1,0 +1,67 @@
+#include "capture/records/packed_dib.h"
+
+#include <cstring>
+
+#include "base/checked.h"
+
+namespace quillo::records {
+namespace {
+
+bool IsCarriedDepth(uint32_t bit_count) {
+  switch (bit_count) {
+    case 1:
+    case 4:
+    case 8:
+    case 16:
+    case 24:
+    case 32:
+      return true;
+    default:
+      return false;
+  }
+}
+
+bool IsRunLength(const DibHeader& header) {
+  return (header.compression == kDibRle8 && header.bit_count == 8) ||
+         (header.compression == kDibRle4 && header.bit_count == 4);
+}
+
+}  // namespace
+
+std::optional<uint64_t> DibBitsBytes(const DibHeader& header) {
+  if (header.width < 1 || header.height == 0 || !IsCarriedDepth(header.bit_count)) {
+    return std::nullopt;
+  }
+  const auto signed_height = int64_t{header.height};
+  const auto rows = static_cast<uint64_t>(signed_height < 0 ? -signed_height : signed_height);
+  return CheckedMultiply(DibRowBytes(static_cast<uint32_t>(header.width), header.bit_count), rows);
+}
+
+std::optional<PackedDib> LocatePackedDib(Bytes block, size_t offset) {
+  if (!RangeFits(block.size(), offset, sizeof(DibHeader))) return std::nullopt;
+  const Bytes dib = block.subspan(offset);
+  PackedDib found{};
+  DibHeader& header = found.info.header;
+  header = LoadOrZero<DibHeader>(dib);
+  if (header.size != sizeof(DibHeader)) return std::nullopt;
+
+  const auto bytes = DibBitsBytes(header);
+  const size_t start = PackedBitsOffset(header.bit_count);
+  if (!bytes || start > dib.size()) return std::nullopt;
+  const Bytes rest = dib.subspan(start);
+  if (IsRunLength(header) && !rest.empty()) {
+    found.bits = rest;
+  } else if (header.compression == kDibRgb && *bytes <= rest.size()) {
+    found.bits = rest.first(static_cast<size_t>(*bytes));
+  } else {
+    return std::nullopt;
+  }
+
+  const uint32_t table_colours = header.bit_count <= 8 ? 1u << header.bit_count : 0;
+  std::memcpy(found.info.colours, dib.data() + sizeof(DibHeader), table_colours * 4);
+  if (header.colours_used > table_colours) header.colours_used = 0;
+  header.size_image = static_cast<uint32_t>(found.bits.size());
+  return found;
+}
+
+}  // namespace quillo::records

@@ -1,0 +1,62 @@
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <optional>
+
+#include "base/bytes.h"
+
+// The packed bitmap that records carry: a header of 40 bytes, a colour table, the bits.
+namespace quillo::records {
+
+/// A BITMAPINFOHEADER.
+struct DibHeader {
+  uint32_t size;   // 40
+  int32_t width;   // pixels
+  int32_t height;  // rows; positive = bottom-up, negative = top-down
+  uint16_t planes;
+  uint16_t bit_count;
+  uint32_t compression;  // DibCompression
+  uint32_t size_image;   // bytes of the bits; 0 is usual where the geometry tells it
+  int32_t x_pels_per_metre;
+  int32_t y_pels_per_metre;
+  uint32_t colours_used;  // 0 = all that the depth allows
+  uint32_t colours_important;
+};
+static_assert(sizeof(DibHeader) == 40);
+
+enum DibCompression : uint32_t { kDibRgb = 0, kDibRle8 = 1, kDibRle4 = 2, kDibBitFields = 3 };
+
+/// Bytes from the header's start to the bits. The depth alone decides: a full colour table up to 8
+/// bits, one double word above, whatever compression and colour count say.
+constexpr size_t PackedBitsOffset(uint32_t bit_count) {
+  return sizeof(DibHeader) + 4 * (bit_count <= 8 ? size_t{1} << bit_count : 1);
+}
+
+/// Bytes of a row, padded to double words.
+constexpr uint64_t DibRowBytes(uint32_t width, uint32_t bit_count) {
+  return (uint64_t{width} * bit_count + 31) / 32 * 4;
+}
+
+/// Bytes of all rows of uncompressed bits. Nothing for a width below 1, no rows, a depth other than
+/// 1, 4, 8, 16, 24 and 32, and sizes beyond 64 bits.
+std::optional<uint64_t> DibBitsBytes(const DibHeader& header);
+
+/// Header and colour table in one piece, as GDI takes them.
+struct DibInfo {
+  DibHeader header;
+  uint32_t colours[256];  // 0x00RRGGBB; only the first 2^bit_count count, none above 8 bits
+};
+
+/// A packed DIB inside a record.
+struct PackedDib {
+  DibInfo info;  // a copy with true numbers: size_image is bits.size(), colours_used fits the table
+  Bytes bits;    // in place, at any address; of run-length bits all that the block holds
+};
+
+/// Finds the DIB that begins `offset` bytes into `block` and ends at the latest with it. Nothing
+/// when the header is not one (another size than 40, a depth or compression that no record
+/// carries), or when its bits would begin or end outside the block.
+std::optional<PackedDib> LocatePackedDib(Bytes block, size_t offset);
+
+}  // namespace quillo::records
