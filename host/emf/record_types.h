@@ -1,0 +1,24 @@
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <string>
+
+namespace quillo::host::emf {
+
+/// The record types, numbered as the file holds them. (Prefixed: `EOF` alone is a macro.)
+enum RecordType : uint32_t {
+#define QUILLO_EMF_RECORD(number, name, least_bytes) EMR_##name = number,
+#include "host/emf/record_list.h"
+#undef QUILLO_EMF_RECORD
+};
+
+inline constexpr uint32_t kRecordTypeEnd = EMR_CREATECOLORSPACEW + 1;
+
+/// "EMR_POLYGON16", or "record type 250" for a number that names none.
+std::string RecordName(uint32_t type);
+
+/// Bytes that a record of this type holds at least, type and size included; 8 for unknown types.
+size_t LeastRecordBytes(uint32_t type);
+
+}  // namespace quillo::host::emf
