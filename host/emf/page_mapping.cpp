@@ -36,8 +36,7 @@ FrameRect FrameOf(const MetafileHeader& header) {
             (double{1} * frame.bottom - frame.top) * y};
   }
   const RectL& bounds = header.bounds;
-  if (bounds.right >= bounds.left && bounds.bottom >= bounds.top &&
-      !(bounds == RectL{})) {
+  if (bounds.right >= bounds.left && bounds.bottom >= bounds.top && !(bounds == RectL{})) {
     return {static_cast<double>(bounds.left), static_cast<double>(bounds.top),
             double{1} * bounds.right - bounds.left + 1, double{1} * bounds.bottom - bounds.top + 1};
   }

@@ -18,7 +18,8 @@ struct FrameRect {
 };
 FrameRect FrameOf(const MetafileHeader& header);
 
-/// From pixels of the reference device to pixels of a page: the frame as large as the printable area
+/// From pixels of the reference device to pixels of a page: the frame as large as the printable
+/// area
 /// (`page`, device pixels) allows with its proportions, in the middle of the page.
 Transform FitFrame(const MetafileHeader& header, SizeL page);
 

@@ -117,10 +117,10 @@ void PageTransform::KeepProportions() {
   const auto unit = [](double viewport, double window, double millimeters, double pixels) {
     return std::fabs(viewport * millimeters / (pixels * window));
   };
-  const double x = unit(viewport_extent_.x, window_extent_.x, device_millimeters_.x,
-                        device_pixels_.x);
-  const double y = unit(viewport_extent_.y, window_extent_.y, device_millimeters_.y,
-                        device_pixels_.y);
+  const double x =
+      unit(viewport_extent_.x, window_extent_.x, device_millimeters_.x, device_pixels_.x);
+  const double y =
+      unit(viewport_extent_.y, window_extent_.y, device_millimeters_.y, device_pixels_.y);
   const auto cut = [](int32_t side, double ratio) {
     const int32_t rounded = Clamp(std::floor(side * ratio + 0.5));
     return rounded != 0 ? rounded : (side < 0 ? -1 : 1);
@@ -132,7 +132,11 @@ void PageTransform::KeepProportions() {
 Transform PageTransform::ToDevice() const {
   const double x = static_cast<double>(viewport_extent_.x) / window_extent_.x;
   const double y = static_cast<double>(viewport_extent_.y) / window_extent_.y;
-  return {x, 0, 0, y, viewport_origin_.x - window_origin_.x * x,
+  return {x,
+          0,
+          0,
+          y,
+          viewport_origin_.x - window_origin_.x * x,
           viewport_origin_.y - window_origin_.y * y};
 }
 

@@ -20,8 +20,8 @@ class PageTransform {
   void SetWindowOrigin(PointL origin) { window_origin_ = origin; }
   void SetViewportOrigin(PointL origin) { viewport_origin_ = origin; }
 
-  // Extents only change in MM_ISOTROPIC and MM_ANISOTROPIC, as in GDI; the calls do nothing in other
-  // modes. False when a side, or a divisor, is 0: then nothing changes either.
+  // Extents only change in MM_ISOTROPIC and MM_ANISOTROPIC, as in GDI; the calls do nothing in
+  // other modes. False when a side, or a divisor, is 0: then nothing changes either.
   bool SetWindowExtent(SizeL extent);
   bool SetViewportExtent(SizeL extent);
   bool ScaleWindowExtent(PointL multiply, PointL divide);

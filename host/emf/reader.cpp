@@ -12,9 +12,9 @@ namespace quillo::host::emf {
 
 namespace {
 
-constexpr uint32_t kSignature = 0x464D4520;          // " EMF"
-constexpr uint32_t kPlaceableWmfKey = 0x9AC6CDD7;    // of a placeable Windows metafile
-constexpr uint32_t kEmfPlusComment = 0x2B464D45;     // "EMF+"
+constexpr uint32_t kSignature = 0x464D4520;        // " EMF"
+constexpr uint32_t kPlaceableWmfKey = 0x9AC6CDD7;  // of a placeable Windows metafile
+constexpr uint32_t kEmfPlusComment = 0x2B464D45;   // "EMF+"
 constexpr uint16_t kEmfPlusHeader = 0x4001;
 constexpr size_t kHeaderBytes = 88;  // the shortest form; the longer ones append to it
 
@@ -26,13 +26,19 @@ struct Kind {
 
 // What people hand over by mistake.
 constexpr Kind kOtherKinds[] = {
-    {"%PDF", 4, "a PDF document"},        {"\x89PNG", 4, "a PNG picture"},
-    {"\xFF\xD8\xFF", 3, "a JPEG picture"}, {"GIF8", 4, "a GIF picture"},
-    {"BM", 2, "a bitmap"},                {"II*\0", 4, "a TIFF picture"},
-    {"MM\0*", 4, "a TIFF picture"},       {"PK\3\4", 4, "a ZIP archive or office document"},
+    {"%PDF", 4, "a PDF document"},
+    {"\x89PNG", 4, "a PNG picture"},
+    {"\xFF\xD8\xFF", 3, "a JPEG picture"},
+    {"GIF8", 4, "a GIF picture"},
+    {"BM", 2, "a bitmap"},
+    {"II*\0", 4, "a TIFF picture"},
+    {"MM\0*", 4, "a TIFF picture"},
+    {"PK\3\4", 4, "a ZIP archive or office document"},
     {"\x1F\x8B", 2, "compressed with gzip (decompress it first)"},
-    {"%!PS", 4, "a PostScript program"},  {"<svg", 4, "an SVG drawing"},
-    {"<?xml", 5, "an XML document"},      {"\1\0\x09\0", 4, "a Windows metafile (WMF)"},
+    {"%!PS", 4, "a PostScript program"},
+    {"<svg", 4, "an SVG drawing"},
+    {"<?xml", 5, "an XML document"},
+    {"\1\0\x09\0", 4, "a Windows metafile (WMF)"},
     {"\2\0\x09\0", 4, "a Windows metafile (WMF)"},
 };
 
@@ -69,9 +75,8 @@ void MetafileReader::ReadHeader() {
   }
   const auto size = LoadOrZero<uint32_t>(file_, 4);
   if (file_.size() < kHeaderBytes || size < kHeaderBytes || size > file_.size()) {
-    throw UnreadableMetafile("is damaged: record 1 (EMR_HEADER) declares " +
-                             std::to_string(size) + " bytes, the file holds " +
-                             std::to_string(file_.size()));
+    throw UnreadableMetafile("is damaged: record 1 (EMR_HEADER) declares " + std::to_string(size) +
+                             " bytes, the file holds " + std::to_string(file_.size()));
   }
 
   PayloadReader reader(file_.first(size));
@@ -89,7 +94,8 @@ void MetafileReader::ReadHeader() {
   header_.millimeters = reader.Read<SizeL>();
   if (header_.device.x <= 0 || header_.device.y <= 0 || header_.millimeters.x <= 0 ||
       header_.millimeters.y <= 0) {
-    throw UnreadableMetafile("is damaged: record 1 (EMR_HEADER) gives a reference device of no size");
+    throw UnreadableMetafile(
+        "is damaged: record 1 (EMR_HEADER) gives a reference device of no size");
   }
 
   const Record header_record{1, EMR_HEADER, file_.first(size)};
@@ -103,8 +109,8 @@ void MetafileReader::ReadHeader() {
     }
   }
   if (declared_bytes != file_.size()) {
-    Report(header_record, "declares " + std::to_string(declared_bytes) +
-                              " bytes, the file holds " + std::to_string(file_.size()));
+    Report(header_record, "declares " + std::to_string(declared_bytes) + " bytes, the file holds " +
+                              std::to_string(file_.size()));
   }
 }
 

@@ -1,12 +1,14 @@
 #pragma once
 
 #include <cmath>
+#include <initializer_list>
 
 #include "host/emf/geometry.h"
 
 namespace quillo::host::emf {
 
-/// An affine map of row vectors, as GDI writes it: x' = x·m11 + y·m21 + dx, y' = x·m12 + y·m22 + dy.
+/// An affine map of row vectors, as GDI writes it: x' = x·m11 + y·m21 + dx, y' = x·m12 + y·m22 +
+/// dy.
 struct Transform {
   double m11 = 1;
   double m12 = 0;
@@ -25,12 +27,9 @@ struct Transform {
 
   /// This map first, then `next`.
   Transform Then(const Transform& next) const {
-    return {m11 * next.m11 + m12 * next.m21,
-            m11 * next.m12 + m12 * next.m22,
-            m21 * next.m11 + m22 * next.m21,
-            m21 * next.m12 + m22 * next.m22,
-            dx * next.m11 + dy * next.m21 + next.dx,
-            dx * next.m12 + dy * next.m22 + next.dy};
+    return {m11 * next.m11 + m12 * next.m21,         m11 * next.m12 + m12 * next.m22,
+            m21 * next.m11 + m22 * next.m21,         m21 * next.m12 + m22 * next.m22,
+            dx * next.m11 + dy * next.m21 + next.dx, dx * next.m12 + dy * next.m22 + next.dy};
   }
 
   double Determinant() const { return m11 * m22 - m12 * m21; }
@@ -48,12 +47,8 @@ struct Transform {
   /// The inverse of a usable map.
   Transform Inverse() const {
     const double d = Determinant();
-    return {m22 / d,
-            -m12 / d,
-            -m21 / d,
-            m11 / d,
-            (m21 * dy - m22 * dx) / d,
-            (m12 * dx - m11 * dy) / d};
+    return {
+        m22 / d, -m12 / d, -m21 / d, m11 / d, (m21 * dy - m22 * dx) / d, (m12 * dx - m11 * dy) / d};
   }
 };
 

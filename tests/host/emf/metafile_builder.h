@@ -1,0 +1,67 @@
+#pragma once
+
+#include <cstdint>
+#include <initializer_list>
+#include <vector>
+
+#include "base/bytes.h"
+#include "host/emf/record_types.h"
+
+namespace quillo::host::emf {
+
+/// Bytes of an enhanced metafile, put together record by record. Every field is 32 bits wide unless
+/// it is appended as something else.
+class MetafileBuilder {
+ public:
+  /// Header of 88 bytes: a 100 x 50 pixel drawing on a device of 1000 x 500 pixels, 200 x 100 mm.
+  MetafileBuilder() {
+    Add(EMR_HEADER, {0,          0,          99,   49,    // bounds, pixels
+                     0,          0,          2000, 1000,  // frame, 0.01 mm
+                     0x464D4520, 0x00010000,              // signature, version
+                     0,          0,                       // bytes, records: set by Finish()
+                     16,                                  // handles
+                     0,          0,          0,  // description length, offset; palette entries
+                     1000,       500,            // device, pixels
+                     200,        100});          // device, mm
+  }
+
+  /// A record with these payload words; returns where it begins.
+  size_t Add(uint32_t type, const std::vector<uint32_t>& payload = {}) {
+    const size_t start = bytes_.size();
+    Append(type);
+    Append(static_cast<uint32_t>(8 + payload.size() * 4));
+    for (const uint32_t word : payload) Append(word);
+    ++records_;
+    return start;
+  }
+
+  /// Appends to the record added last.
+  template <typename T>
+  MetafileBuilder& Extend(size_t record, std::initializer_list<T> values) {
+    for (const T& value : values) Append(value);
+    Patch(record + 4, static_cast<uint32_t>(bytes_.size() - record));
+    return *this;
+  }
+
+  void Patch(size_t offset, uint32_t value) { Store(MutableBytes(bytes_), offset, value); }
+
+  /// Adds the end record and sets the header's counts.
+  std::vector<std::byte> Finish() {
+    Add(EMR_EOF, {0, 16, 20});
+    Patch(48, static_cast<uint32_t>(bytes_.size()));
+    Patch(52, records_);
+    return bytes_;
+  }
+
+ private:
+  template <typename T>
+  void Append(const T& value) {
+    bytes_.resize(bytes_.size() + sizeof(T));
+    Store(MutableBytes(bytes_), bytes_.size() - sizeof(T), value);
+  }
+
+  std::vector<std::byte> bytes_;
+  uint32_t records_ = 0;
+};
+
+}  // namespace quillo::host::emf

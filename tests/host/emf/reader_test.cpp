@@ -1,0 +1,178 @@
+#include "host/emf/reader.h"
+
+#include <gtest/gtest.h>
+#include <memory>
+#include <string>
+#include <string_view>
+
+#include "host/emf/metafile_builder.h"
+#include "host/emf/payload_reader.h"
+
+namespace quillo::host::emf {
+namespace {
+
+/// The reader's answer to `file`, every step taken: refusal, or the records and the faults.
+std::string Outcome(Bytes file) {
+  // A block of the exact size, so that the sanitizer sees every read behind the end.
+  const auto block = std::make_unique<std::byte[]>(file.size());
+  if (!file.empty()) std::memcpy(block.get(), file.data(), file.size());
+  try {
+    MetafileReader reader(Bytes(block.get(), file.size()));
+    std::string seen;
+    while (const auto record = reader.Next()) seen += RecordName(record->type) + " ";
+    for (const MetafileFault& fault : reader.faults()) seen += "| " + Describe(fault) + " ";
+    return seen;
+  } catch (const UnreadableMetafile& refusal) {
+    return std::string("refused: ") + refusal.what();
+  }
+}
+
+Bytes AsBytes(std::string_view text) { return std::as_bytes(std::span(text)); }
+
+TEST(MetafileReader, WellFormedFile_YieldsEveryRecord) {
+  MetafileBuilder file;
+  file.Add(EMR_SETPOLYFILLMODE, {2});
+  file.Add(EMR_BEGINPATH);
+  EXPECT_EQ(Outcome(file.Finish()), "EMR_HEADER EMR_SETPOLYFILLMODE EMR_BEGINPATH EMR_EOF ");
+}
+
+TEST(MetafileReader, Header_IsReadInEachLength) {
+  for (const std::initializer_list<uint32_t>& longer :
+       {std::initializer_list<uint32_t>{},
+        {0, 0, 0},                     // + pixel format
+        {0, 0, 0, 200000, 100000}}) {  // + micrometres
+    MetafileBuilder file;
+    file.Extend<uint32_t>(0, longer);
+    file.Extend<char16_t>(0, {u'a', u'\0', u'b', u'\0'});
+    file.Patch(60, 4);  // description length
+    file.Patch(64, static_cast<uint32_t>(88 + longer.size() * 4));
+    const auto bytes = file.Finish();
+    const MetafileReader reader(bytes);
+    EXPECT_EQ(reader.header().description, std::u16string(u"a\0b\0", 4));
+    EXPECT_EQ(reader.header().device, (SizeL{1000, 500}));
+    EXPECT_EQ(reader.header().millimeters, (SizeL{200, 100}));
+    EXPECT_EQ(reader.header().frame, (RectL{0, 0, 2000, 1000}));
+    EXPECT_EQ(reader.header().handle_count, 16u);
+    EXPECT_TRUE(reader.faults().empty());
+  }
+}
+
+TEST(MetafileReader, OtherKindsOfFile_AreNamed) {
+  using namespace std::string_view_literals;
+  const struct {
+    std::string_view file;
+    const char* says;
+  } cases[] = {
+      {""sv, "is empty"},
+      {"hello"sv, "does not begin with EMR_HEADER"},
+      {"\xD7\xCD\xC6\x9A...................."sv, "placeable Windows metafile"},
+      {"\1\0\x09\0\0\3"sv, "a Windows metafile (WMF)"},
+      {"%PDF-1.4"sv, "a PDF document"},
+      {"\1\0\0\0"sv, "damaged: record 1 (EMR_HEADER)"},
+  };
+  for (const auto& [file, says] : cases) {
+    EXPECT_NE(Outcome(AsBytes(file)).find(says), std::string::npos) << Outcome(AsBytes(file));
+  }
+}
+
+TEST(MetafileReader, EmfPlusComment_RefusedUnlessDual) {
+  for (const uint32_t dual : {0u, 1u}) {
+    MetafileBuilder file;
+    file.Add(EMR_GDICOMMENT, {32,                   // bytes of data
+                              0x2B464D45,           // "EMF+"
+                              0x4001 | dual << 16,  // EMF+ header, flags
+                              28, 16, 0xDBC01002, 0, 96, 96});
+    const std::string outcome = Outcome(file.Finish());
+    EXPECT_EQ(outcome.starts_with("refused: holds its drawing as EMF+"), dual == 0) << outcome;
+  }
+}
+
+TEST(MetafileReader, BrokenChain_NamesRecordAndFault) {
+  const struct {
+    size_t offset;  // into the second record
+    uint32_t value;
+    const char* says;
+  } cases[] = {
+      {4, 0, "record 2 (EMR_SETROP2): declares 0 bytes"},
+      {4, 7, "record 2 (EMR_SETROP2): declares 7 bytes"},
+      {4, 0xFFFFFFFC, "record 2 (EMR_SETROP2): declares 4294967292 bytes where"},
+      {4, 8, "record 2 (EMR_SETROP2): holds 8 bytes, needs 12"},
+      {4, 14, "record 2 (EMR_SETROP2): its size 14 is no multiple of 4"},
+  };
+  for (const auto& [offset, value, says] : cases) {
+    MetafileBuilder file;
+    const size_t record = file.Add(EMR_SETROP2, {13});
+    file.Patch(record + offset, value);
+    const std::string outcome = Outcome(file.Finish());
+    EXPECT_NE(outcome.find(says), std::string::npos) << outcome;
+  }
+}
+
+TEST(MetafileReader, HeaderThatDiffersFromTheFile_IsAFaultOnly) {
+  MetafileBuilder builder;
+  auto file = builder.Finish();
+  Store(MutableBytes(file), 48, uint32_t{7});   // bytes
+  Store(MutableBytes(file), 52, uint32_t{70});  // records
+  EXPECT_EQ(Outcome(file),
+            "EMR_HEADER EMR_EOF | record 1 (EMR_HEADER): declares 7 bytes, the file holds 108 "
+            "| record 2 (EMR_EOF): is record 2, the header declares 70 records ");
+}
+
+TEST(MetafileReader, EveryTruncation_IsRefusedOrLeavesAFault) {
+  MetafileBuilder builder;
+  for (uint32_t type = 1; type < kRecordTypeEnd; ++type) {
+    if (type != EMR_HEADER && type != EMR_EOF) {
+      builder.Add(type, std::vector<uint32_t>(LeastRecordBytes(type) / 4 - 2));
+    }
+  }
+  const auto file = builder.Finish();
+  EXPECT_EQ(Outcome(file).find('|'), std::string::npos);
+  for (size_t size = 0; size < file.size(); ++size) {
+    const std::string outcome = Outcome(Bytes(file).first(size));
+    EXPECT_TRUE(outcome.find('|') != std::string::npos || outcome.starts_with("refused"))
+        << size << ": " << outcome;
+  }
+}
+
+TEST(MetafileReader, ManyFaults_AreCountedNotKept) {
+  MetafileBuilder builder;
+  for (int i = 0; i < 1000; ++i) builder.Add(EMR_LINETO);
+  const auto file = builder.Finish();
+  MetafileReader reader(file);
+  while (reader.Next()) {
+  }
+  EXPECT_EQ(reader.faults().size(), MetafileReader::kMostFaults);
+  EXPECT_EQ(reader.fault_count(), 1000u);
+}
+
+TEST(PayloadReader, ShortRead_StaysFailed) {
+  MetafileBuilder builder;
+  builder.Add(EMR_POLYGON, {1, 2, 3});
+  const auto file = builder.Finish();
+  PayloadReader reader(Bytes(file).subspan(88, 20));
+  EXPECT_EQ(reader.Read<uint32_t>(), 1u);
+  EXPECT_TRUE(reader.ReadArray<uint32_t>(0x40000001).empty());  // 4 bytes, were it to wrap
+  EXPECT_FALSE(reader.ok());
+  EXPECT_EQ(reader.Read<uint32_t>(), 0u);
+  EXPECT_TRUE(reader.Slice(0, 4).empty());
+}
+
+TEST(PayloadReader, Slice_LiesInsideTheRecord) {
+  MetafileBuilder builder;
+  builder.Add(EMR_POLYGON, {1, 2, 3});
+  const auto file = builder.Finish();
+  const Bytes record = Bytes(file).subspan(88, 20);
+  const struct {
+    size_t offset;
+    size_t size;
+    bool fits;
+  } cases[] = {{8, 12, true}, {20, 0, true}, {8, 13, false}, {21, 0, false}, {8, SIZE_MAX, false}};
+  for (const auto& [offset, size, fits] : cases) {
+    PayloadReader reader(record);
+    EXPECT_EQ(reader.Slice(offset, size).size(), fits ? size : 0);
+    EXPECT_EQ(reader.ok(), fits) << offset << " " << size;
+  }
+}
+
+}  // namespace
+}  // namespace quillo::host::emf
