@@ -47,9 +47,10 @@ class HeapList {
     return nullptr;
   }
 
-  /// Copies the values in list order to `out`, which has room for Count() of them.
-  void CopyTo(T* out) const {
-    for (const Node* node = head_; node != nullptr; node = node->next) *out++ = node->value;
+  /// Visits the values in list order.
+  template <typename Visitor>
+  void ForEach(Visitor visit) const {
+    for (const Node* node = head_; node != nullptr; node = node->next) visit(node->value);
   }
 
  private:

@@ -10,7 +10,7 @@
 namespace quillo {
 
 uint32_t EmitBytes(DEVICE_PDEV& device, const void* bytes, uint32_t size) {
-  WriteJob(device.job, bytes, size, nullptr);
+  WriteJob(LivingJob(device), bytes, size, nullptr);
   return size;
 }
 
@@ -30,7 +30,7 @@ int32_t EmitRecordWhole(DEVICE_PDEV& device, uint32_t type, const void* payload,
   if (!record) return 0;
   std::memcpy(record.Get(), &header, sizeof header);
   std::memcpy(record.As<std::byte>() + sizeof header, payload, size);
-  return WriteJob(device.job, record.Get(), *total, nullptr);
+  return WriteJob(LivingJob(device), record.Get(), *total, nullptr);
 }
 
 }  // namespace quillo

@@ -46,7 +46,13 @@ struct DEVICE_PDEV {
   uint32_t brush_word;         // 0
   CQloPrinter* job;            // null before the first DrvStartDoc
   SIZEL surface_size;          // printable size in device pixels
+  uint32_t job_ended;          // 1 after DrvEndDoc: `job` stays as it was but lives no longer
 };
+
+/// The device's job while it lives, else null.
+inline CQloPrinter* LivingJob(const DEVICE_PDEV& device) {
+  return device.job_ended != 0 ? nullptr : device.job;
+}
 
 /// The record behind a handle, or null (without a last error) when it is not a living device.
 DEVICE_PDEV* FindDevice(DHPDEV handle);

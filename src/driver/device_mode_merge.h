@@ -1,0 +1,14 @@
+#pragma once
+
+#include "base/windows.h"
+
+#include "config/device_mode.h"
+
+namespace quillo {
+
+/// Takes over from the caller's device mode what this device honours. A null `caller` changes
+/// nothing. Of a foreign device mode only the public members up to dmYResolution are read; one of
+/// this driver gives its device name and private part as well.
+void MergeDeviceMode(DeviceMode& mode, const DEVMODEW* caller);
+
+}  // namespace quillo

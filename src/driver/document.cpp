@@ -1,0 +1,55 @@
+#include "base/ddi.h"
+
+#include "capture/writer.h"
+#include "driver/callbacks.h"
+#include "driver/device.h"
+#include "job/job.h"
+
+namespace quillo {
+
+namespace {
+
+/// The device of a page callback; a missing one sets the last error.
+DEVICE_PDEV* DeviceOf(const SURFOBJ* surface) {
+  DEVICE_PDEV* device = FindDevice(surface);
+  if (device == nullptr) SetLastError(ERROR_INVALID_PARAMETER);
+  return device;
+}
+
+}  // namespace
+
+BOOL APIENTRY DrvStartDoc(SURFOBJ* surface, LPWSTR /*document*/, DWORD job_id) noexcept {
+  DEVICE_PDEV* device = DeviceOf(surface);
+  if (device == nullptr) return FALSE;
+  // A document that continues on a reset device keeps its job.
+  if ((device->flags & kDocumentOpen) == 0) device->job = OpenJob(device->printer, job_id);
+
+  // A job that could not be opened shows itself in the page callbacks.
+  const records::Point offset = {device->physical_offset.x, device->physical_offset.y};
+  EmitRecordWhole(*device, records::REC_DEVMODE, &device->mode, sizeof device->mode);
+  EmitRecordWhole(*device, records::REC_PAGEVALUE, &offset, sizeof offset);
+  device->flags |= kDocumentOpen;
+  return TRUE;
+}
+
+BOOL APIENTRY DrvStartPage(SURFOBJ* surface) noexcept {
+  const DEVICE_PDEV* device = DeviceOf(surface);
+  return device != nullptr && StartPage(LivingJob(*device));
+}
+
+BOOL APIENTRY DrvSendPage(SURFOBJ* surface) noexcept {
+  const DEVICE_PDEV* device = DeviceOf(surface);
+  return device != nullptr && SendPage(LivingJob(*device));
+}
+
+BOOL APIENTRY DrvEndDoc(SURFOBJ* surface, FLONG /*flags*/) noexcept {
+  DEVICE_PDEV* device = DeviceOf(surface);
+  if (device == nullptr) return TRUE;
+  // An aborted document ends the same way.
+  EndDocument(LivingJob(*device));
+  SignalEndAndDestroy(LivingJob(*device));
+  device->job_ended = 1;
+  return TRUE;
+}
+
+}  // namespace quillo

@@ -1,0 +1,14 @@
+#pragma once
+
+#include "base/windows.h"
+
+#include "job/client.h"
+
+namespace quillo {
+
+/// Takes up the callback interface that the client left, marshalled, in the connection file of the
+/// job. The file is read once and deleted whatever happened. The failing HRESULT when there is no
+/// client; `client` is then empty.
+HRESULT OpenConnection(DWORD job_id, ComPtr<IQuilloClient>& client);
+
+}  // namespace quillo

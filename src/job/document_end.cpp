@@ -1,0 +1,54 @@
+#include "base/kernel_owners.h"
+#include "config/user_paths.h"
+#include "job/compound_file.h"
+#include "job/job.h"
+#include "job/job_paths.h"
+#include "job/notifications.h"
+#include "job/page.h"
+
+namespace quillo {
+
+namespace {
+
+constexpr wchar_t kFontsStream[] = L"FONTS OPTIONS";
+
+/// The LOGFONTW of every font that the job used, in order of first use.
+HeapBlock CollectFonts(const CQloPrinter& job) {
+  HeapBlock fonts(size_t{job.playback.seen_fonts.Count()} * sizeof(LOGFONTW), job.heap);
+  if (!fonts) return fonts;
+  auto* out = fonts.As<LOGFONTW>();
+  job.playback.seen_fonts.ForEach([&out](const SeenFont& font) { *out++ = font.key; });
+  return fonts;
+}
+
+/// Writes the font-options file, shows it to the client and deletes it: the client reads it during
+/// the call.
+void DeliverFontsFile(const CQloPrinter& job) {
+  const HeapBlock fonts = CollectFonts(job);
+  wchar_t folder[MAX_PATH];
+  JobPath path;
+  if (!fonts || UserTempFolder(folder, MAX_PATH) == 0 ||
+      !path.Format(L"%s\\%d.fpt", folder, static_cast<int>(job.job_id))) {
+    return;
+  }
+  ComPtr<IStorage> storage;
+  const auto size = static_cast<ULONG>(job.playback.seen_fonts.Count() * sizeof(LOGFONTW));
+  const HRESULT result =
+      WriteCompoundFile(path.Text(), kFontsStream, fonts.Get(), size, storage);
+  storage.Reset();
+  if (SUCCEEDED(result)) NotifyFontsFile(job, path.Text());
+  DeleteFileW(path.Text());
+}
+
+}  // namespace
+
+void EndDocument(CQloPrinter* job) {
+  if (job == nullptr || job->signature != kJobSignature || (job->state & kJobValid) == 0) return;
+  ClosePageMetafile(*job);
+  DropPageFile(*job);
+  DeliverFontsFile(*job);
+  NotifyDocumentEnd(*job);
+  job->state |= kDocumentEnded;
+}
+
+}  // namespace quillo

@@ -1,0 +1,22 @@
+#include "job/end_signal.h"
+
+#include "base/kernel_owners.h"
+
+namespace quillo {
+
+namespace {
+
+/// Of this driver generation's interface; part of the event's name.
+constexpr int kInterfaceVersion = 5;
+
+}  // namespace
+
+void SignalJobEnd(DWORD job_id) {
+  wchar_t name[64];
+  wsprintfW(name, L"Global\\VORNIXQUILLO5_JOB_END%d version%d", static_cast<int>(job_id),
+            kInterfaceVersion);
+  const KernelHandle event(CreateEventW(nullptr, TRUE, FALSE, name));
+  if (event) SetEvent(event.Get());
+}
+
+}  // namespace quillo

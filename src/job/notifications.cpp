@@ -1,0 +1,81 @@
+#include "job/notifications.h"
+
+#include "base/kernel_owners.h"
+#include "base/spooler_owners.h"
+
+namespace quillo {
+
+namespace {
+
+LONG IdOf(const CQloPrinter& job) { return static_cast<LONG>(job.job_id); }
+
+/// The job as the spooler knows it (a JOB_INFO_1W), or empty.
+HeapBlock ReadJobInfo(const CQloPrinter& job) {
+  DWORD needed = 0;
+  GetJobW(job.printer, job.job_id, 1, nullptr, 0, &needed);
+  // The job can change between the two calls: one more try with the size that it then asks for.
+  for (int attempt = 0; attempt < 2 && needed != 0; ++attempt) {
+    const DWORD size = needed;
+    HeapBlock info(size);
+    if (!info) break;
+    if (GetJobW(job.printer, job.job_id, 1, info.As<BYTE>(), size, &needed)) return info;
+    if (GetLastError() != ERROR_INSUFFICIENT_BUFFER) break;
+  }
+  return {};
+}
+
+}  // namespace
+
+bool ClientConnected(const CQloPrinter& job) {
+  return (job.state & kClientNotConnected) == 0 && job.client;
+}
+
+void NotifyJobStart(CQloPrinter& job) {
+  if (!ClientConnected(job)) return;
+  if (const HeapBlock info = ReadJobInfo(job)) {
+    const auto& names = *info.As<JOB_INFO_1W>();
+    job.printer_name.Reset(SysAllocString(names.pPrinterName));
+    job.document_name.Reset(SysAllocString(names.pDocument));
+  }
+  job.client->NotifyJobStart(job.printer_name.Get(), IdOf(job), job.document_name.Get());
+}
+
+void NotifyFontsFile(const CQloPrinter& job, const wchar_t* path) {
+  if (!ClientConnected(job)) return;
+  const Bstr file(SysAllocString(path));
+  if (file) job.client->NotifyFontsFile(job.printer_name.Get(), IdOf(job), 0, file.Get());
+}
+
+void NotifyDocumentEnd(const CQloPrinter& job) {
+  if (ClientConnected(job)) job.client->NotifyDocumentEnd(job.printer_name.Get(), IdOf(job));
+}
+
+void NotifyJobEnd(const CQloPrinter& job) {
+  if (ClientConnected(job)) job.client->NotifyJobEnd(job.printer_name.Get(), IdOf(job));
+}
+
+void NotifyPageError(const CQloPrinter& job) {
+  if (ClientConnected(job)) job.client->NotifyError(job.printer_name.Get(), IdOf(job), kPageError);
+}
+
+ComPtr<IQuilloPage> OpenClientPage(const CQloPrinter& job) {
+  if (!ClientConnected(job)) return {};
+  IDispatch* object = nullptr;
+  if (FAILED(job.client->GetPageObject(&object))) return {};
+  // The client's interface hands out its page interface itself; it is not queried for.
+  ComPtr<IQuilloPage> page(static_cast<IQuilloPage*>(object));
+  if (page) job.client->NotifyPageStart(job.printer_name.Get(), IdOf(job), page.Get());
+  return page;
+}
+
+void NotifyPage(const CQloPrinter& job, IQuilloPage& page) {
+  if (ClientConnected(job)) job.client->NotifyPage(job.printer_name.Get(), IdOf(job), &page);
+}
+
+HRESULT NotifyEmbeddedFont(const CQloPrinter& job, const wchar_t* path) {
+  if (!ClientConnected(job)) return S_OK;
+  const Bstr file(SysAllocString(path));
+  return file ? job.client->NotifyEmbeddedFont(file.Get()) : E_OUTOFMEMORY;
+}
+
+}  // namespace quillo

@@ -1,0 +1,112 @@
+#include "job/page.h"
+
+#include "base/gdi_owners.h"
+#include "config/paper_geometry.h"
+#include "config/printer_dc.h"
+#include "config/user_paths.h"
+#include "job/notifications.h"
+#include "job/text_runs.h"
+#include "playback/dispatcher.h"
+
+namespace quillo {
+
+namespace {
+
+constexpr wchar_t kPageFilePrefix[] = L"VXPrinter";
+
+/// Application and title, each ended by a null character.
+constexpr wchar_t kDescription[] = L"VORNIX Quillo\0Image\0";
+
+// Fixed arguments of the page object.
+constexpr LONG kPageFileKind = 1;
+constexpr LONG kPageMode = 3;
+
+/// Makes a new, empty file in the user's TEMP folder. The path is empty on failure.
+void TakePageFile(CQloPrinter& job) {
+  wchar_t folder[MAX_PATH];
+  job.page_path[0] = L'\0';
+  if (UserTempFolder(folder, MAX_PATH) == 0) return;
+  if (GetTempFileNameW(folder, kPageFilePrefix, 0, job.page_path) == 0) job.page_path[0] = L'\0';
+}
+
+/// Tells the page object about the page; the first failing call ends it.
+void DescribePage(IQuilloPage& page, const wchar_t* path, LONG dpi, const Extent& sheet) {
+  const Bstr file(SysAllocString(path));
+  if (!file) return;
+  if (FAILED(page.SetFile(file.Get(), kPageFileKind))) return;
+  if (FAILED(page.SetResolutionX(dpi))) return;
+  if (FAILED(page.SetResolutionY(dpi))) return;
+  if (FAILED(page.SetWidth(sheet.width))) return;
+  if (FAILED(page.SetHeight(sheet.height))) return;
+  page.SetMode(kPageMode);
+}
+
+/// A metafile on the job's own printer. `sheet` in tenths of a millimetre.
+MetafileDc CreatePageMetafile(const CQloPrinter& job, const Extent& sheet) {
+  if (job.page_path[0] == L'\0') return MetafileDc();
+  // Without its printer a page would be recorded at the screen's scale.
+  const CreatedDc reference = CreatePrinterDc(job.printer, &job.device_settings->pub);
+  if (!reference) return MetafileDc();
+  // Frames count in hundredths of a millimetre.
+  const RECT frame = {0, 0, sheet.width * 10, sheet.height * 10};
+  return MetafileDc(CreateEnhMetaFileW(reference.Get(), job.page_path, &frame, kDescription));
+}
+
+}  // namespace
+
+bool BeginPage(CQloPrinter& job) {
+  TakePageFile(job);
+  job.page_object = OpenClientPage(job);
+
+  DeviceMode& settings = *job.device_settings;
+  const Extent sheet = SheetSize(settings, PaperUnit::kTenthsOfMillimetre);
+  if (job.page_object) {
+    DescribePage(*job.page_object.Get(), job.page_path, ResolutionOf(settings.pub), sheet);
+  }
+
+  MetafileDc metafile = CreatePageMetafile(job, sheet);
+  if (!metafile) {
+    NotifyPageError(job);
+    DropPageFile(job);
+    return false;
+  }
+  job.playback.page_dc = metafile.Detach();
+
+  // Drawing in coordinates of the printable area lands at its place on the sheet.
+  Margins margins = {};
+  GetMargins(settings, &margins, static_cast<uint32_t>(PaperUnit::kDevicePixels));
+  SetViewportOrgEx(job.playback.page_dc, margins.left, margins.top, nullptr);
+  job.state |= kPageFilePending;
+  return true;
+}
+
+bool ClosePageMetafile(CQloPrinter& job) {
+  if (job.playback.page_dc == nullptr) return false;
+  ReleaseDrawingObjects(job.playback);
+  MetafileDc metafile(std::exchange(job.playback.page_dc, nullptr));
+  if (metafile.Close()) return true;
+  job.state |= kJobFailed;
+  return false;
+}
+
+bool FinishPage(CQloPrinter& job) {
+  const bool closed = ClosePageMetafile(job);
+  if (!closed) NotifyPageError(job);
+  if (closed && (job.state & kJobValid) != 0 && (job.state & kPageFilePending) != 0 &&
+      job.page_object) {
+    HandOverTextRuns(*job.page_object.Get(), job.playback.run_list);
+    NotifyPage(job, *job.page_object.Get());
+  }
+  DropPageFile(job);
+  job.playback.run_list.Clear();
+  return closed;
+}
+
+void DropPageFile(CQloPrinter& job) {
+  job.page_object.Reset();
+  if (job.page_path[0] != L'\0') DeleteFileW(job.page_path);
+  job.page_path[0] = L'\0';
+  job.state &= ~kPageFilePending;
+}
+
+}  // namespace quillo

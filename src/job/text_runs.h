@@ -1,0 +1,18 @@
+#pragma once
+
+#include "base/windows.h"
+
+#include <oaidl.h>
+
+#include <cstdint>
+
+#include "base/heap_list.h"
+
+namespace quillo {
+
+/// Hands the glyph counts of the page's text runs to the page object's property "TextRuns", as a
+/// one-dimensional array of VT_I4. A page object without the property is not given it; when it
+/// refuses the array, a message box tells why.
+void HandOverTextRuns(IDispatch& page, const HeapList<uint32_t>& run_list);
+
+}  // namespace quillo
