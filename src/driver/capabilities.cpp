@@ -19,6 +19,8 @@ constexpr ULONG kTextCaps = 0x1FFF;
 
 constexpr LONG kDefaultFontPoints = 10;
 
+static_assert(HT_PATSIZE_4x4_M == 3 && HT_PATSIZE_16x16_M == 15);
+
 /// The halftone cell (always its _M variant) for devices below a number of dots per inch.
 constexpr struct {
   uint32_t below_dpi;

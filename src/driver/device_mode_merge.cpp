@@ -26,9 +26,7 @@ void MergePaper(DeviceMode& mode, const DEVMODEW& caller) {
   mode.pub.dmPaperLength = static_cast<short>(sheet.height);
 }
 
-short UsableDpi(short dpi) {
-  return dpi >= kLowestDpi && dpi <= kHighestDpi ? dpi : kFallbackDpi;
-}
+short UsableDpi(short dpi) { return dpi >= kLowestDpi && dpi <= kHighestDpi ? dpi : kFallbackDpi; }
 
 void MergeQuality(DEVMODEW& mode, const DEVMODEW& caller) {
   if (caller.dmPrintQuality >= 0 || caller.dmYResolution != 0) {
@@ -46,8 +44,8 @@ void MergeDeviceMode(DeviceMode& mode, const DEVMODEW* caller) {
   if (caller == nullptr) return;
   const DWORD fields = mode.pub.dmFields & caller->dmFields;
 
-  if ((fields & DM_ORIENTATION) != 0 && (caller->dmOrientation == DMORIENT_PORTRAIT ||
-                                         caller->dmOrientation == DMORIENT_LANDSCAPE)) {
+  if ((fields & DM_ORIENTATION) != 0 &&
+      (caller->dmOrientation == DMORIENT_PORTRAIT || caller->dmOrientation == DMORIENT_LANDSCAPE)) {
     mode.pub.dmOrientation = caller->dmOrientation;
   }
   if ((fields & DM_PAPERSIZE) != 0) MergePaper(mode, *caller);

@@ -1,5 +1,7 @@
 #include "base/ddi.h"
 
+#include <cstddef>
+
 #include "base/module_instance.h"
 #include "capture/hooks.h"
 #include "driver/callbacks.h"
@@ -10,7 +12,8 @@ namespace {
 
 template <typename Function>
 PFN AsPfn(Function* function) {
-  return reinterpret_cast<PFN>(function);
+  // By way of the one function type that stands for any.
+  return reinterpret_cast<PFN>(reinterpret_cast<void (*)()>(function));
 }
 
 // The order is part of the interface.
@@ -53,8 +56,8 @@ BOOL WINAPI DllMain(HINSTANCE instance, DWORD reason, LPVOID /*reserved*/) {
   return TRUE;
 }
 
-/// Fills as much of `data` as `size` bytes hold. Always TRUE, whatever the engine's version: a short
-/// buffer simply gets less.
+/// Fills as much of `data` as `size` bytes hold. Always TRUE, whatever the engine's version: a
+/// short buffer simply gets less.
 BOOL APIENTRY DrvEnableDriver(ULONG /*engine_version*/, ULONG size, DRVENABLEDATA* data) {
   if (size >= sizeof(DRVENABLEDATA)) {
     data->pdrvfn = const_cast<DRVFN*>(quillo::kDriverFunctions);

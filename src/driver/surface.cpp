@@ -31,8 +31,8 @@ HSURF APIENTRY DrvEnableSurface(DHPDEV handle) noexcept {
   }
   const Extent printable = PrintableSize(device->mode, PaperUnit::kDevicePixels);
   device->surface_size = {printable.width, printable.height};
-  const HBITMAP bitmap = EngCreateBitmap(device->surface_size, RowBytes(printable.width),
-                                         BMF_24BPP, BMF_USERMEM, nullptr);
+  const HBITMAP bitmap = EngCreateBitmap(device->surface_size, RowBytes(printable.width), BMF_24BPP,
+                                         BMF_USERMEM, nullptr);
   device->surface = device->surface_bitmap = reinterpret_cast<HSURF>(bitmap);
   if (device->surface == nullptr) return nullptr;
   if (!EngAssociateSurface(device->surface, device->engine_device, kHooks)) {

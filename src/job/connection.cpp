@@ -10,9 +10,7 @@ namespace {
 /// The client writes the stream under exactly this name.
 constexpr wchar_t kConnectionStream[] = L"IQuilloConnectionPiont";
 
-bool FileExists(const wchar_t* path) {
-  return GetFileAttributesW(path) != INVALID_FILE_ATTRIBUTES;
-}
+bool FileExists(const wchar_t* path) { return GetFileAttributesW(path) != INVALID_FILE_ATTRIBUTES; }
 
 /// The file in the TEMP folder, or the one in the session's folder when the first does not exist.
 bool FindConnectionFile(DWORD job_id, JobPath& path) {

@@ -33,8 +33,7 @@ void DeliverFontsFile(const CQloPrinter& job) {
   }
   ComPtr<IStorage> storage;
   const auto size = static_cast<ULONG>(job.playback.seen_fonts.Count() * sizeof(LOGFONTW));
-  const HRESULT result =
-      WriteCompoundFile(path.Text(), kFontsStream, fonts.Get(), size, storage);
+  const HRESULT result = WriteCompoundFile(path.Text(), kFontsStream, fonts.Get(), size, storage);
   storage.Reset();
   if (SUCCEEDED(result)) NotifyFontsFile(job, path.Text());
   DeleteFileW(path.Text());

@@ -1,18 +1,16 @@
 #include "job/job.h"
 
 #include <new>
+#include <strsafe.h>
 
 #include "base/module_instance.h"
-#include "config/printer_settings.h"
+#include "config/stored_device_mode.h"
 #include "config/user_paths.h"
-#include "fonts/font_map.h"
 #include "job/connection.h"
 #include "job/end_signal.h"
 #include "job/notifications.h"
 #include "job/page.h"
-#include "playback/bitmap_limits.h"
 #include "playback/dispatcher.h"
-#include "playback/pens_brushes.h"
 
 namespace quillo {
 
@@ -61,23 +59,94 @@ Library LoadResources() {
   return Library(LoadLibraryW(path));
 }
 
-/// Opens the connection and announces the job on it.
-bool ConnectClient(CQloPrinter& job) {
-  if (FAILED(OpenConnection(job.job_id, job.client))) return false;
-  NotifyJobStart(job);
-  return true;
-}
+/// Gives back what the job holds, in the order that its parts need, and ends it with its heap.
+void DestroyJob(CQloPrinter* job) {
+  ClosePageMetafile(*job);
+  DropPageFile(*job);
 
-void LeaveCom(HRESULT entered) {
-  if (SUCCEEDED(entered)) CoUninitialize();
-}
+  HeapFree(job->heap, 0, std::exchange(job->device_settings, nullptr));
+  ReleaseDrawingObjects(job->playback);
+  job->playback.seen_fonts.Clear();
+  job->playback.run_list.Clear();
 
-/// Ends the object; its heap takes every block with it.
-void DestroyHeap(CQloPrinter* job) {
+  NotifyJobEnd(*job);
+  job->client.Reset();
+  if (SUCCEEDED(job->com_result)) CoUninitialize();
+
   const HANDLE heap = job->heap;
-  delete job->playback.glyph_translator;
   job->~CQloPrinter();
   HeapDestroy(heap);
 }
 
 }  // namespace
+
+CQloPrinter::CQloPrinter(HANDLE private_heap, HANDLE job_printer, DWORD id)
+    : printer(job_printer),
+      job_id(id),
+      playback(JobLink{.printer = job_printer,
+                       .heap = private_heap,
+                       .state_flags = &state,
+                       .device_settings = nullptr,
+                       .bitmap_limits = kDefaultBitmapLimits,
+                       .font_directory = font_folder,
+                       .announce_font = AnnounceFont,
+                       .job = this},
+               nullptr),
+      heap(private_heap),
+      record_buffer(private_heap) {}
+
+CQloPrinter* OpenJob(HANDLE printer, DWORD job_id) {
+  const HRESULT com_result = CoInitializeEx(nullptr, COINIT_MULTITHREADED);
+  const HANDLE heap = HeapCreate(0, kInitialHeapBytes, 0);
+  void* block = heap != nullptr ? HeapAlloc(heap, HEAP_ZERO_MEMORY, sizeof(CQloPrinter)) : nullptr;
+  if (block == nullptr) {
+    if (heap != nullptr) HeapDestroy(heap);
+    if (SUCCEEDED(com_result)) CoUninitialize();
+    return nullptr;
+  }
+  auto* job = new (block) CQloPrinter(heap, printer, job_id);
+  job->com_result = com_result;
+
+  MakeFontFolder(*job);
+  if (FAILED(OpenConnection(job_id, job->client))) job->state |= kClientNotConnected;
+  if (!ReadDeviceSettings(*job)) {
+    // The client has heard nothing of this job yet: it is let go without a word.
+    job->client.Reset();
+    DestroyJob(job);
+    return nullptr;
+  }
+  NotifyJobStart(*job);
+  job->resources = LoadResources();
+  return job;
+}
+
+bool StartPage(CQloPrinter* job) {
+  if (job == nullptr || job->signature != kJobSignature) return false;
+  if ((job->state & (kJobValid | kJobFailed)) != kJobValid) return false;
+  if ((job->state & kClientNotConnected) != 0) {
+    // One more try; the page after a failed one goes on without a client.
+    job->state &= ~kClientNotConnected;
+    if (FAILED(OpenConnection(job->job_id, job->client))) return false;
+    NotifyJobStart(*job);
+  }
+  ++job->pages_started;
+  if (BeginPage(*job)) return true;
+  job->state |= kJobFailed;
+  return false;
+}
+
+bool SendPage(CQloPrinter* job) {
+  if (job == nullptr) return false;
+  job->record_buffer.Reset();
+  ++job->pages_sent;
+  return FinishPage(*job);
+}
+
+void SignalEndAndDestroy(CQloPrinter* job) {
+  if (job == nullptr) return;
+  // The event comes before the last metafile is closed and before the client hears of the end.
+  SignalJobEnd(job->job_id);
+  DestroyJob(job);
+}
+
+}  // namespace quillo

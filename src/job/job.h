@@ -4,6 +4,7 @@
 
 #include <cstdint>
 
+#include "base/kernel_owners.h"
 #include "job/buffer.h"
 #include "job/client.h"
 #include "playback/context.h"
@@ -24,25 +25,27 @@ enum JobState : uint32_t {
 /// and the connection to the client. Lives on its own private heap; destroying the heap ends it.
 /// Used on the engine's thread only.
 struct CQloPrinter {
-  uint32_t signature;
+  CQloPrinter(HANDLE private_heap, HANDLE job_printer, DWORD id);
+
+  uint32_t signature = kJobSignature;
   HANDLE printer;
   uint32_t job_id;
-  uint32_t state;         // JobState
-  uint32_t record_count;  // writes into the sink
-  uint32_t pages_started;
-  uint32_t pages_sent;
-  DeviceMode* device_settings;  // on the private heap; overwritten by each REC_DEVMODE
-  PlaybackContext playback;     // with the two font tables: seen fonts, run list
+  uint32_t state = kJobValid;  // JobState
+  uint32_t record_count = 0;   // writes into the sink
+  uint32_t pages_started = 0;
+  uint32_t pages_sent = 0;
+  DeviceMode* device_settings = nullptr;  // on the private heap; overwritten by each REC_DEVMODE
+  PlaybackContext playback;               // with the two font tables: seen fonts and run list
   Bstr printer_name;
   Bstr document_name;
-  ComPtr<IQuilloClient> client;  // null = none
-  HRESULT com_result;            // of the job's CoInitializeEx
+  ComPtr<IQuilloClient> client;  // empty = none
+  HRESULT com_result = E_FAIL;   // of the job's CoInitializeEx
   HANDLE heap;
-  CBuffer* record_buffer;
-  wchar_t font_folder[MAX_PATH];
-  wchar_t page_path[MAX_PATH];  // file of the current page
-  ComPtr<IQuilloPage> page_object;
-  Library resources;  // QXRES06X.dll; null when absent
+  CBuffer record_buffer;
+  wchar_t font_folder[MAX_PATH] = {};  // where embedded fonts go; empty = nowhere
+  wchar_t page_path[MAX_PATH] = {};    // file of the current page; empty = none
+  ComPtr<IQuilloPage> page_object;     // the client's, for the current page
+  Library resources;                   // QXRES06X.dll; empty when absent
 };
 
 /// Opens the job of a document. Null when memory is short; then nothing stays allocated.

@@ -13,9 +13,8 @@ constexpr wchar_t kProperty[] = L"TextRuns";
 /// Shows the system's text of a COM error.
 void ShowComError(HRESULT error) {
   wchar_t text[512];
-  const DWORD length =
-      FormatMessageW(FORMAT_MESSAGE_FROM_SYSTEM | FORMAT_MESSAGE_IGNORE_INSERTS, nullptr,
-                     static_cast<DWORD>(error), 0, text, 512, nullptr);
+  const DWORD length = FormatMessageW(FORMAT_MESSAGE_FROM_SYSTEM | FORMAT_MESSAGE_IGNORE_INSERTS,
+                                      nullptr, static_cast<DWORD>(error), 0, text, 512, nullptr);
   if (length == 0) wsprintfW(text, L"0x%08X", static_cast<unsigned>(error));
   ShowMessageBox(text, L"Error", MB_SETFOREGROUND);
 }

@@ -2,9 +2,8 @@
 
 #include "base/windows.h"
 
-#include <oaidl.h>
-
 #include <cstdint>
+#include <oaidl.h>
 
 #include "base/heap_list.h"
 

@@ -19,6 +19,10 @@ struct BitmapLimits {
   int32_t height;
 };
 
+/// An A3 sheet at 600 dpi, in either orientation: 9922 pixels on its long side. A source as large
+/// as the sheet is drawn unreduced; beyond it, detail is lost to the printer anyway.
+inline constexpr BitmapLimits kDefaultBitmapLimits = {9922, 9922};
+
 /// What playback reads and sets of the job that its context is embedded in. All pointers are the
 /// job's and outlive the context.
 struct JobLink {
