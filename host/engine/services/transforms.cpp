@@ -1,6 +1,7 @@
 #include "host/engine/services/transforms.h"
 
 #include <cmath>
+#include <cstdint>
 #include <cstring>
 
 namespace quillo::host {
@@ -26,7 +27,7 @@ bool Invert(Matrix& m) {
 /// To the nearest integer, halves upwards; false when it does not fit.
 bool Round(double value, LONG& result) {
   const double rounded = std::floor(value + 0.5);
-  if (!(rounded >= MINLONG && rounded <= MAXLONG)) return false;
+  if (!(rounded >= INT32_MIN && rounded <= INT32_MAX)) return false;
   result = static_cast<LONG>(rounded);
   return true;
 }
