@@ -1,0 +1,36 @@
+// Font files (the seeds: any folder of fonts) or bare 'cmap' tables through reader and inverse map.
+#include <cstdlib>
+
+#include "fonts/font_bytes.h"
+#include "fonts/naive_inverse_map.h"
+
+namespace {
+
+using namespace quillo;
+
+void Check(bool holds) {
+  if (!holds) std::abort();
+}
+
+void TryTable(Bytes table) {
+  tests::MemoryCmap source(table);
+  const auto words = tests::ReadWords(source);
+  if (!words) return;
+  const fonts::Cmap4Table cmap(*words);
+  Check(cmap.SegmentCount() != 0 || cmap.MappedCount() == 0);
+  const auto map = tests::FastInverseMap(*words);
+  for (size_t glyph = 1; glyph < map.size(); ++glyph) {
+    Check(map[glyph] == fonts::kNoCharacter || cmap.GlyphOf(map[glyph]) == glyph);
+  }
+  // The naive map takes seconds for thousands of overlapping segments.
+  if (cmap.SegmentCount() < 64) Check(map == tests::NaiveInverseMap(*words));
+}
+
+}  // namespace
+
+extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
+  const Bytes input = std::as_bytes(std::span(data, size));
+  TryTable(tests::FindTable(input, tests::kCmapTag));
+  TryTable(input);
+  return 0;
+}
