@@ -1,0 +1,117 @@
+#include "driver/capabilities.h"
+
+#include <cstring>
+#include <gtest/gtest.h>
+
+namespace quillo {
+namespace {
+
+DEVICE_PDEV Device(short paper, short dpi) {
+  DEVICE_PDEV device = {};
+  BuildDefaultDeviceMode(device.mode, nullptr);
+  device.mode.pub.dmPaperSize = paper;
+  device.mode.pub.dmPrintQuality = device.mode.pub.dmYResolution = dpi;
+  device.resolution = {static_cast<uint32_t>(dpi), static_cast<uint32_t>(dpi)};
+  return device;
+}
+
+void SetMargins(DEVICE_PDEV& device, float left_inches, float top_inches) {
+  auto* bytes = reinterpret_cast<std::byte*>(&device.mode);
+  const auto store = [bytes](size_t offset, auto value) {
+    std::memcpy(bytes + offset, &value, sizeof value);
+  };
+  store(492, uint32_t{1});
+  store(1020, top_inches);
+  store(1028, left_inches);
+  for (const size_t divisor : {1024u, 1032u, 1040u, 1048u}) store(divisor, 1.0f);
+}
+
+TEST(DescribeGraphics, A4At600Dpi_WholeBlock) {
+  DEVICE_PDEV device = Device(DMPAPER_A4, 600);
+  const GDIINFO info = DescribeGraphics(device);
+
+  GDIINFO expected = {};
+  expected.ulVersion = 0x500;
+  expected.ulTechnology = 2;
+  expected.ulHorzSize = 210;
+  expected.ulVertSize = 297;
+  expected.ulHorzRes = 4960;
+  expected.ulVertRes = 7015;
+  expected.cBitsPixel = 24;
+  expected.cPlanes = 1;
+  expected.ulNumColors = 0xFFFFFFFF;
+  expected.ulLogPixelsX = expected.ulLogPixelsY = 600;
+  expected.flTextCaps = 0x1FFF;
+  expected.ulAspectX = expected.ulAspectY = 100;
+  expected.ulAspectXY = 141;
+  expected.xStyleStep = expected.yStyleStep = 1;
+  expected.denStyleStep = 3;
+  expected.szlPhysSize = {4960, 7015};
+  expected.ciDevice.Red = {6700, 3300, 0};
+  expected.ciDevice.Green = {2100, 7100, 0};
+  expected.ciDevice.Blue = {1400, 800, 0};
+  expected.ciDevice.AlignmentWhite = {3127, 3290, 0};
+  expected.ciDevice.RedGamma = expected.ciDevice.GreenGamma = expected.ciDevice.BlueGamma = 20000;
+  expected.ulPrimaryOrder = 4;
+  expected.ulHTPatternSize = 7;
+  expected.ulHTOutputFormat = 6;
+  expected.flHTFlags = 4;
+  EXPECT_EQ(std::memcmp(&info, &expected, sizeof info), 0);
+}
+
+TEST(DescribeGraphics, Margins_ShrinkThePrintableAreaAndOffsetIt) {
+  DEVICE_PDEV device = Device(DMPAPER_LETTER, 300);
+  SetMargins(device, 0.5f, 0.25f);
+  const GDIINFO info = DescribeGraphics(device);
+  EXPECT_EQ(info.ulHorzRes, 2550u - 150u);
+  EXPECT_EQ(info.ulVertRes, 3300u - 75u);
+  EXPECT_EQ(info.ulHorzSize, 215u - 12u);
+  EXPECT_EQ(info.szlPhysSize.cx, 2550);
+  EXPECT_EQ(info.ptlPhysOffset.x, 150);
+  EXPECT_EQ(info.ptlPhysOffset.y, 75);
+  EXPECT_EQ(device.physical_offset.x, 150);
+  EXPECT_EQ(device.physical_offset.y, 75);
+
+  SetMargins(device, 20.0f, 0.25f);
+  EXPECT_EQ(DescribeGraphics(device).ulHorzRes, 0u);
+}
+
+TEST(DescribeGraphics, HalftoneCell_StepsAtEachLimit) {
+  const struct {
+    short dpi;
+    ULONG cell;
+  } cases[] = {{96, 3},   {179, 3},   {180, 5},   {399, 5},   {400, 7},   {899, 7},  {900, 9},
+               {1199, 9}, {1200, 11}, {1799, 11}, {1800, 13}, {2399, 13}, {2400, 15}};
+  for (const auto& c : cases) {
+    DEVICE_PDEV device = Device(DMPAPER_LETTER, c.dpi);
+    EXPECT_EQ(DescribeGraphics(device).ulHTPatternSize, c.cell) << c.dpi;
+  }
+}
+
+TEST(DescribeDevice, Fonts_TenPoints) {
+  DEVICE_PDEV device = Device(DMPAPER_LETTER, 600);
+  device.palette = reinterpret_cast<HPALETTE>(uintptr_t{0x1234});
+  const DEVINFO info = DescribeDevice(device);
+  EXPECT_EQ(info.flGraphicsCaps, 0x0020053Eu);
+  EXPECT_EQ(info.flGraphicsCaps2, 0u);
+  EXPECT_EQ(info.iDitherFormat, static_cast<ULONG>(BMF_24BPP));
+  EXPECT_EQ(info.hpalDefault, device.palette);
+  EXPECT_EQ(info.cFonts, 0u);
+
+  const struct {
+    const LOGFONTW& font;
+    const wchar_t* face;
+    BYTE pitch_and_family;
+  } fonts[] = {{info.lfDefaultFont, L"Courier", 0x31},
+               {info.lfAnsiVarFont, L"Helvetica", 0x22},
+               {info.lfAnsiFixFont, L"Courier", 0x31}};
+  for (const auto& f : fonts) {
+    EXPECT_EQ(f.font.lfHeight, -83);
+    EXPECT_EQ(f.font.lfWeight, 400);
+    EXPECT_STREQ(f.font.lfFaceName, f.face);
+    EXPECT_EQ(f.font.lfPitchAndFamily, f.pitch_and_family);
+  }
+}
+
+}  // namespace
+}  // namespace quillo
