@@ -1,0 +1,20 @@
+# Holds the shipped driver's outside: exactly its four exports, and only system DLLs beside it.
+#   cmake -D DLL=... -D OBJDUMP=... -P check_exports.cmake
+execute_process(COMMAND "${OBJDUMP}" -p "${DLL}" OUTPUT_VARIABLE dump COMMAND_ERROR_IS_FATAL ANY)
+
+string(REGEX MATCH "\\[Ordinal/Name Pointer\\] Table.*" names "${dump}")
+string(REGEX MATCHALL "\\[ *[0-9]+\\] [A-Za-z_][A-Za-z0-9_]*" entries "${names}")
+list(TRANSFORM entries REPLACE "^\\[ *[0-9]+\\] " "")
+list(SORT entries)
+set(expected DllMain DrvDisableDriver DrvEnableDriver DrvQueryDriverInfo)
+if(NOT entries STREQUAL expected)
+  message(FATAL_ERROR "exports are ${entries}, wanted ${expected}")
+endif()
+
+string(REGEX MATCHALL "DLL Name: [^\n]+" imports "${dump}")
+list(TRANSFORM imports REPLACE "DLL Name: " "")
+foreach(library IN LISTS imports)
+  if(library MATCHES "libgcc|libstdc|winpthread")
+    message(FATAL_ERROR "links ${library} dynamically")
+  endif()
+endforeach()
