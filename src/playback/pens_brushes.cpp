@@ -4,6 +4,7 @@
 
 #include "base/checked.h"
 #include "base/kernel_owners.h"
+#include "capture/records/packed_dib.h"
 #include "playback/actions.h"
 #include "playback/current_objects.h"
 
@@ -21,29 +22,29 @@ bool HoldsPattern(const CreateBrushPayload& record, Bytes payload) {
          RangeFits(payload.size(), kBrushPatternOffset, record.pattern_size);
 }
 
-// Fills an empty block from a brush record that holds its pattern. False when memory for the copy
-// of the pattern is short (the block then has a null pattern), and for styles that no capture
-// writes.
-bool CopyBrush(HANDLE heap, Bytes payload, LOGBRUSH& block) {
+// A copy of a brush record's pattern that GDI can read without leaving it; empty when memory is
+// short or the pattern is no bitmap (one that did not pack is all zeros).
+HeapBlock CopyPattern(HANDLE heap, Bytes pattern) {
+  const auto dib = LocatePackedDib(pattern, 0);
+  if (!dib) return HeapBlock();
+  HeapBlock copy(pattern.size(), heap, 0);
+  if (!copy) return HeapBlock();
+  std::memcpy(copy.Get(), pattern.data(), pattern.size());
+  std::memcpy(copy.Get(), &dib->info.header, sizeof dib->info.header);
+  return copy;
+}
+
+// Fills an empty block from a brush record that holds its pattern. Without a copy of the pattern
+// the block gets a null one; a style that no capture writes stands alone.
+void CopyBrush(HANDLE heap, Bytes payload, LOGBRUSH& block) {
   const auto record = LoadOrZero<CreateBrushPayload>(payload);
   block.lbStyle = record.style;
   block.lbColor = record.colour;
-  switch (record.style) {
-    case BS_SOLID:
-      return true;
-    case BS_HATCHED:
-      block.lbHatch = record.hatch;
-      return true;
-    case BS_DIBPATTERNPT: {
-      block.lbColor = DIB_RGB_COLORS;
-      HeapBlock pattern(record.pattern_size, heap, 0);
-      if (!pattern) return false;
-      std::memcpy(pattern.Get(), payload.data() + kBrushPatternOffset, record.pattern_size);
-      block.lbHatch = reinterpret_cast<ULONG_PTR>(pattern.Detach());
-      return true;
-    }
-    default:
-      return false;
+  if (record.style == BS_HATCHED) block.lbHatch = record.hatch;
+  if (record.style == BS_DIBPATTERNPT) {
+    const Bytes pattern = payload.subspan(kBrushPatternOffset, record.pattern_size);
+    block.lbColor = DIB_RGB_COLORS;
+    block.lbHatch = reinterpret_cast<ULONG_PTR>(CopyPattern(heap, pattern).Detach());
   }
 }
 

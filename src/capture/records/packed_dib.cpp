@@ -51,6 +51,7 @@ std::optional<PackedDib> LocatePackedDib(Bytes block, size_t offset) {
   const Bytes rest = dib.subspan(start);
   if (IsRunLength(header) && !rest.empty()) {
     found.bits = rest;
+    header.size_image = static_cast<uint32_t>(rest.size());
   } else if (header.compression == kDibRgb && *bytes <= rest.size()) {
     found.bits = rest.first(static_cast<size_t>(*bytes));
   } else {
@@ -60,7 +61,6 @@ std::optional<PackedDib> LocatePackedDib(Bytes block, size_t offset) {
   const uint32_t table_colours = header.bit_count <= 8 ? 1u << header.bit_count : 0;
   std::memcpy(found.info.colours, dib.data() + sizeof(DibHeader), table_colours * 4);
   if (header.colours_used > table_colours) header.colours_used = 0;
-  header.size_image = static_cast<uint32_t>(found.bits.size());
   return found;
 }
 

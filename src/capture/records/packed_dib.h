@@ -50,7 +50,7 @@ struct DibInfo {
 
 /// A packed DIB inside a record.
 struct PackedDib {
-  DibInfo info;  // a copy with true numbers: size_image is bits.size(), colours_used fits the table
+  DibInfo info;  // a copy whose colours_used fits the table; run-length: size_image is bits.size()
   Bytes bits;    // in place, at any address; of run-length bits all that the block holds
 };
 

@@ -1,0 +1,131 @@
+#include "playback/dispatcher.h"
+
+#include <gtest/gtest.h>
+#include <random>
+
+#include "capture/records/types.h"
+#include "playback/page.h"
+
+namespace quillo::test {
+namespace {
+
+using namespace records;
+
+// A block that ends where the readable memory ends.
+class GuardedBlock {
+ public:
+  GuardedBlock()
+      : base_(static_cast<std::byte*>(
+            VirtualAlloc(nullptr, 2 * kPage, MEM_RESERVE | MEM_COMMIT, PAGE_READWRITE))) {
+    DWORD old = 0;
+    VirtualProtect(base_ + kPage, kPage, PAGE_NOACCESS, &old);
+  }
+  ~GuardedBlock() { VirtualFree(base_, 0, MEM_RELEASE); }
+  GuardedBlock(const GuardedBlock&) = delete;
+  GuardedBlock& operator=(const GuardedBlock&) = delete;
+
+  MutableBytes Last(size_t size) { return {base_ + kPage - size, size}; }
+
+ private:
+  static constexpr size_t kPage = 4096;
+  std::byte* base_;
+};
+
+TEST(DispatchRecord, TypesOutsideTheList_IgnoredAndDrawNothing) {
+  Page page;
+  for (const uint32_t type :
+       {0x10010000u, 0x10010010u, 0x10010030u, 0x10010031u, 0x10010032u, 0x10010033u, 0x10010034u,
+        0x10010035u, 0x10010037u, 0x10000008u, 0x1001FFFFu, 0u, UINT32_MAX}) {
+    EXPECT_EQ(page.Play(type, Payload(64)), 0) << std::hex << type;
+  }
+  EXPECT_TRUE(ReadRecords(page.Close().Get()).empty());
+}
+
+TEST(DispatchRecord, EveryTypeTooShort_RefusedWithoutDrawing) {
+  GuardedBlock block;
+  Page page;
+  for (const RecordInfo& info : kRecordInfos) {
+    if (info.rule != kNeedsPayload) continue;
+    for (uint32_t size = 0; size < info.payload_size; ++size) {
+      EXPECT_EQ(DispatchRecord(page.context, info.type, block.Last(size)), 0)
+          << info.name << ' ' << size;
+    }
+  }
+  EXPECT_TRUE(ReadRecords(page.Close().Get()).empty());
+}
+
+// Whatever the payload says, nothing behind its end is read: the test would not survive it.
+TEST(DispatchRecord, EveryTypeAnyContent_ReadsOnlyItsPayload) {
+  GuardedBlock block;
+  std::mt19937 random(1);
+  constexpr uint32_t kSmallNumbers[] = {0, 1, 2, 3, 6, 7, 24, 40, 0x10000, 0x7FFFFFFF, 0xFFFFFFFF};
+  for (const RecordInfo& info : kRecordInfos) {
+    SCOPED_TRACE(info.name);
+    Page page;
+    for (uint32_t size = info.payload_size; size < info.payload_size + 200; ++size) {
+      const MutableBytes payload = block.Last(size);
+      for (auto& byte : payload) byte = static_cast<std::byte>(random());
+      // Counts, sizes and offsets that are nearly right do more harm than noise.
+      for (size_t offset = 0; offset + 4 <= size && offset < 80; offset += 4) {
+        if (random() % 4 != 0) Store(payload, offset, kSmallNumbers[random() % 11]);
+      }
+      const int32_t result = DispatchRecord(page.context, info.type, payload);
+      const bool always_played = info.rule == kAnySize && info.type != REC_PAGEBITMAP;
+      EXPECT_TRUE(result == 1 || !always_played);
+    }
+  }
+}
+
+TEST(DispatchRecord, AnySizeTypesWithoutPayload_ReadZeros) {
+  Page page;
+  page.context.page_value = {7, 7};
+  EXPECT_EQ(page.Play(REC_PAGEVALUE, PayloadOf(uint8_t{5})), 1);
+  EXPECT_EQ(page.context.page_value.x, 5);
+  EXPECT_EQ(page.context.page_value.y, 0);
+  EXPECT_EQ(page.Play(REC_PAGEVALUE, PayloadOf(3, -4, 99)), 1);
+  EXPECT_EQ(page.context.page_value.y, -4);
+
+  EXPECT_EQ(page.Play(REC_SETTEXTALIGN, PayloadOf(uint32_t{TA_BASELINE})), 1);
+  EXPECT_EQ(page.Play(REC_SETTEXTALIGN), 1);
+  EXPECT_EQ(ReadRecords(page.Close().Get()), RecordDirect([](HDC dc) {
+              SetTextAlign(dc, TA_BASELINE);
+              SetTextAlign(dc, 0);
+            }));
+}
+
+TEST(DispatchRecord, HeaderAndSettings_CopiedUpToTheirSize) {
+  Page page;
+  page.context.page_value = {11, 12};  // stands behind the band header
+  EXPECT_EQ(page.Play(REC_DIBHEADER, Payload(60, std::byte{0xAB})), 1);
+  for (const std::byte byte : page.context.band_header) EXPECT_EQ(byte, std::byte{0xAB});
+  EXPECT_EQ(page.context.page_value.x, 11);
+  EXPECT_EQ(page.Play(REC_DIBHEADER, Payload(2)), 1);
+  EXPECT_EQ(page.context.band_header[1], std::byte{0});
+  EXPECT_EQ(page.context.band_header[2], std::byte{0xAB});
+
+  struct {
+    DeviceMode mode;
+    uint32_t behind;
+  } settings = {{}, 1234};
+  page.context.job.device_settings = &settings.mode;
+  EXPECT_EQ(page.Play(REC_DEVMODE, Payload(2000, std::byte{0x77})), 1);
+  EXPECT_EQ(settings.mode.private_part[kDriverExtra - 1], std::byte{0x77});
+  EXPECT_EQ(settings.behind, 1234u);
+  EXPECT_EQ(page.Play(REC_DEVMODE), 1);
+  page.context.job.device_settings = nullptr;
+  EXPECT_EQ(page.Play(REC_DEVMODE, Payload(1052)), 1);
+}
+
+TEST(DispatchRecord, WithoutPage_NothingHappens) {
+  Page page;
+  page.context.page_dc = nullptr;
+  for (const RecordInfo& info : kRecordInfos) {
+    const Payload payload(info.payload_size);
+    page.Play(info.type, payload);
+  }
+  ReleaseDrawingObjects(page.context);
+  page.context.page_dc = nullptr;
+}
+
+}  // namespace
+}  // namespace quillo::test

@@ -1,0 +1,64 @@
+#include "playback/page.h"
+
+#include <ostream>
+
+namespace quillo::test {
+namespace {
+
+int CALLBACK CollectRecord(HDC, HANDLETABLE*, const ENHMETARECORD* record, int, LPARAM out) {
+  if (record->iType == EMR_HEADER || record->iType == EMR_EOF) return 1;
+  const size_t words = record->nSize / sizeof(DWORD) - 2;
+  reinterpret_cast<EmfRecords*>(out)->push_back(
+      {record->iType, {record->dParm, record->dParm + words}});
+  return 1;
+}
+
+}  // namespace
+
+void PrintTo(const EmfRecord& record, std::ostream* out) {
+  *out << "record " << record.type << " {";
+  for (size_t i = 0; i < record.words.size() && i < 16; ++i) *out << ' ' << record.words[i];
+  *out << (record.words.size() > 16 ? " ...}" : " }");
+}
+
+EmfRecords ReadRecords(HENHMETAFILE metafile) {
+  EmfRecords records;
+  EnumEnhMetaFile(nullptr, metafile, CollectRecord, &records, nullptr);
+  return records;
+}
+
+EmfRecords RecordDirect(const std::function<void(HDC)>& draw) {
+  MetafileDc dc(CreateEnhMetaFileW(nullptr, nullptr, nullptr, nullptr));
+  draw(dc.Get());
+  return ReadRecords(dc.Close().Get());
+}
+
+Page::Page(size_t heap_limit)
+    : heap_(HeapCreate(0, 0, heap_limit)),
+      dc_(CreateEnhMetaFileW(nullptr, nullptr, nullptr, nullptr)),
+      context({.printer = nullptr,
+               .heap = heap_,
+               .state_flags = &state_flags_,
+               .device_settings = &settings,
+               .bitmap_limits = {},
+               .font_directory = L"",
+               .announce_font = nullptr,
+               .job = nullptr},
+              nullptr) {
+  context.page_dc = dc_.Get();
+}
+
+Page::~Page() {
+  ReleaseDrawingObjects(context);
+  context.seen_fonts.Clear();
+  context.run_list.Clear();
+  HeapDestroy(heap_);
+}
+
+EnhMetafile Page::Close() {
+  ReleaseDrawingObjects(context);
+  context.page_dc = nullptr;
+  return dc_.Close();
+}
+
+}  // namespace quillo::test

@@ -1,0 +1,26 @@
+#pragma once
+
+#include "base/windows.h"
+
+namespace quillo::test {
+
+/// Replaces one import of this program for a scope, so that a test can watch or fail a system call.
+/// The function's name as imported ("SetMiterLimit"); an import that the program does not have
+/// fails the test. `replacement` has the function's own signature.
+class ImportPatch {
+ public:
+  template <typename Function>
+  ImportPatch(const char* name, Function* replacement)
+      : ImportPatch(name, reinterpret_cast<void*>(replacement), 0) {}
+  ImportPatch(const ImportPatch&) = delete;
+  ImportPatch& operator=(const ImportPatch&) = delete;
+  ~ImportPatch();
+
+ private:
+  ImportPatch(const char* name, void* replacement, int);
+
+  void** entry_;    // of the import table; null when there is none
+  void* original_;  // what stood there
+};
+
+}  // namespace quillo::test
