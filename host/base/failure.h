@@ -1,0 +1,27 @@
+#pragma once
+
+#include "base/windows.h"
+
+#include <stdexcept>
+#include <string>
+
+namespace quillo::host {
+
+/// A system call that failed. The message says what could not be done, which call it was, and the
+/// system's own reason.
+class SystemFailure : public std::runtime_error {
+ public:
+  /// `what` reads like "cannot open the printer"; `error` is a Windows error code or an HRESULT.
+  SystemFailure(const std::string& what, const std::string& call, DWORD error = GetLastError());
+};
+
+/// Results that could not be written.
+class ResultFailure : public SystemFailure {
+ public:
+  using SystemFailure::SystemFailure;
+};
+
+/// The system's text for an error code or HRESULT, in one line: "Access denied. (error 5)".
+std::string DescribeError(DWORD error);
+
+}  // namespace quillo::host

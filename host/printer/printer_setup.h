@@ -1,0 +1,20 @@
+#pragma once
+
+#include <span>
+#include <string>
+
+#include "host/printer/ppd.h"
+
+namespace quillo::host {
+
+inline constexpr wchar_t kPrinterName[] = L"VORNIX Quillo 6";
+
+/// Makes sure that the spooler knows the printer.
+///
+/// On Windows an installed printer is used as it stands; a missing one is an error, since a driver
+/// is installed by its package. Under Wine the printer is registered on Wine's own printer driver,
+/// which makes the reference DCs of page metafiles; for the life of this process they have `dpi`
+/// and know `user_sizes` as the papers from DMPAPER_USER on. Throws SystemFailure.
+void EnsurePrinter(const std::wstring& name, int dpi, std::span<const PaperSize> user_sizes);
+
+}  // namespace quillo::host

@@ -1,0 +1,81 @@
+#include "host/printer/sheet.h"
+
+#include <algorithm>
+#include <cctype>
+#include <charconv>
+
+#include "host/base/text.h"
+#include "host/printer/paper_names.h"
+
+namespace quillo::host {
+
+namespace {
+
+std::string Simplified(std::string_view text) {
+  std::string simple;
+  for (const char c : text) {
+    if (c == ' ' || c == '_' || (c == '-' && !simple.empty())) continue;
+    simple += static_cast<char>(std::tolower(static_cast<unsigned char>(c)));
+  }
+  return simple;
+}
+
+/// Millimetres at the start of `text`, which loses them, in tenths; 0 when there are none or they
+/// do not fit a device mode.
+int16_t TakeMillimetres(std::string_view& text) {
+  double millimetres = 0;
+  const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), millimetres,
+                                            std::chars_format::fixed);
+  if (error != std::errc()) return 0;
+  text.remove_prefix(static_cast<size_t>(end - text.data()));
+  const double tenths = millimetres * 10 + 0.5;
+  return tenths >= 10 && tenths < INT16_MAX ? static_cast<int16_t>(tenths) : int16_t{0};
+}
+
+std::optional<Sheet> ParseSize(std::string_view text) {
+  Sheet sheet{.paper = DMPAPER_USER};
+  sheet.width = TakeMillimetres(text);
+  if (!text.starts_with('x')) return std::nullopt;
+  text.remove_prefix(1);
+  sheet.height = TakeMillimetres(text);
+  if (sheet.width == 0 || sheet.height == 0 || !(text.empty() || text == "mm")) return std::nullopt;
+  return sheet;
+}
+
+}  // namespace
+
+std::optional<Sheet> ParsePaper(std::string_view text) {
+  const std::string simple = Simplified(text);
+  for (const PaperName& known : PaperNames()) {
+    if (Simplified(known.name) == simple) return Sheet{.paper = known.paper};
+  }
+  return ParseSize(simple);
+}
+
+std::string DescribeSheet(const Sheet& sheet) {
+  const auto names = PaperNames();
+  const auto known = std::ranges::find(names, sheet.paper, &PaperName::paper);
+  std::string text = known != names.end()
+                         ? std::string(known->name)
+                         : FormatTenths(sheet.width) + " x " + FormatTenths(sheet.height) + " mm";
+  if (sheet.landscape) text += " landscape";
+  return text;
+}
+
+DeviceMode MakeDeviceMode(const std::wstring& printer, const Sheet& sheet, int dpi) {
+  DeviceMode mode;
+  BuildDefaultDeviceMode(mode, printer.c_str());
+  mode.pub.dmFields |= DM_YRESOLUTION;
+  mode.pub.dmOrientation = sheet.landscape ? DMORIENT_LANDSCAPE : DMORIENT_PORTRAIT;
+  mode.pub.dmPaperSize = sheet.paper;
+  mode.pub.dmPrintQuality = static_cast<short>(dpi);
+  mode.pub.dmYResolution = static_cast<short>(dpi);
+  if (sheet.paper == DMPAPER_USER) {
+    mode.pub.dmFields |= DM_PAPERWIDTH | DM_PAPERLENGTH;
+    mode.pub.dmPaperWidth = sheet.width;
+    mode.pub.dmPaperLength = sheet.height;
+  }
+  return mode;
+}
+
+}  // namespace quillo::host

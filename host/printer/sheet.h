@@ -1,0 +1,35 @@
+#pragma once
+
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <string_view>
+
+#include "config/device_mode.h"
+
+namespace quillo::host {
+
+/// What a page is printed on.
+struct Sheet {
+  int16_t paper = DMPAPER_LETTER;  // dmPaperSize
+  int16_t width = 0;               // DMPAPER_USER only: 0.1 mm, upright
+  int16_t height = 0;
+  bool landscape = false;
+
+  friend bool operator==(const Sheet&, const Sheet&) = default;
+};
+
+/// The upright sheet of a paper name such as "A4", or of a size such as "100x150.5" in millimetres.
+/// Letter case, blanks, '-' and '_' do not count. Nothing for an unknown name or an absurd size.
+std::optional<Sheet> ParsePaper(std::string_view text);
+
+/// "A4", "A4 landscape", "100 x 150.5 mm".
+std::string DescribeSheet(const Sheet& sheet);
+
+/// The device mode of this driver for a page on `sheet`. `dpi` lies in kLeastDpi to kMostDpi, the
+/// range that the driver takes.
+DeviceMode MakeDeviceMode(const std::wstring& printer, const Sheet& sheet, int dpi);
+inline constexpr int kLeastDpi = 50;
+inline constexpr int kMostDpi = 1600;
+
+}  // namespace quillo::host

@@ -1,0 +1,137 @@
+#include "base/windows.h"
+
+#include <cmath>
+#include <cstdlib>
+#include <gtest/gtest.h>
+
+#include "base/gdi_owners.h"
+#include "base/kernel_owners.h"
+#include "config/paper_geometry.h"
+#include "config/paper_table.h"
+#include "host/printer/paper_names.h"
+#include "host/printer/printer_setup.h"
+#include "host/printer/sheet.h"
+#include "host/printer/spool_job.h"
+
+namespace quillo::host {
+namespace {
+
+TEST(PaperNames, StandardForms_HaveOneNameEach) {
+  for (const PaperForm& form : StandardForms()) {
+    int names = 0;
+    for (const PaperName& name : PaperNames()) names += name.paper == form.paper ? 1 : 0;
+    EXPECT_EQ(names, 1) << form.paper;
+  }
+  EXPECT_EQ(PaperNames().size(), StandardForms().size());
+}
+
+TEST(ParsePaper, Texts_GiveSheetOrNothing) {
+  const struct {
+    const char* text;
+    std::optional<Sheet> sheet;
+  } cases[] = {
+      {"A4", Sheet{.paper = DMPAPER_A4}},
+      {"letter small", Sheet{.paper = DMPAPER_LETTERSMALL}},
+      {"env_c5", Sheet{.paper = DMPAPER_ENV_C5}},
+      {"100x150", Sheet{.paper = DMPAPER_USER, .width = 1000, .height = 1500}},
+      {"215.9 x 279.44 mm", Sheet{.paper = DMPAPER_USER, .width = 2159, .height = 2794}},
+      {"3276.6x1", Sheet{.paper = DMPAPER_USER, .width = 32766, .height = 10}},
+      {"3276.7x1", std::nullopt},
+      {"0.9x100", std::nullopt},
+      {"-5x100", std::nullopt},
+      {"1e3x100", std::nullopt},
+      {"nanx100", std::nullopt},
+      {"100x", std::nullopt},
+      {"x100", std::nullopt},
+      {"100x100x100", std::nullopt},
+      {"A99", std::nullopt},
+      {"", std::nullopt},
+  };
+  for (const auto& test : cases) EXPECT_EQ(ParsePaper(test.text), test.sheet) << test.text;
+}
+
+/// Reads the header of a metafile that is made for `dc` as pages are.
+ENHMETAHEADER HeaderFor(HDC dc, const RECT& frame) {
+  MetafileDc metafile_dc(CreateEnhMetaFileW(dc, nullptr, &frame, L"test\0test\0"));
+  const EnhMetafile metafile = metafile_dc.Close();
+  ENHMETAHEADER header{};
+  GetEnhMetaFileHeader(metafile.Get(), sizeof header, &header);
+  return header;
+}
+
+class PrinterAtResolution : public testing::TestWithParam<int> {};
+
+// What a page metafile takes from its reference DC must be to scale, whatever the sheet.
+TEST_P(PrinterAtResolution, ReferenceDc_MatchesSheetAndScale) {
+  const int dpi = GetParam();
+  const std::wstring printer = L"Quillo test " + std::to_wstring(dpi);
+  const PaperSize user_size{1234, 987};
+  EnsurePrinter(printer, dpi, {&user_size, 1});
+
+  std::vector<Sheet> sheets;
+  for (const PaperForm& form : StandardForms()) sheets.push_back({.paper = form.paper});
+  sheets.push_back({.paper = DMPAPER_USER, .width = 1234, .height = 987});
+  for (size_t i = 0, upright = sheets.size(); i < upright; ++i) {
+    sheets.push_back(sheets[i]);
+    sheets.back().landscape = true;
+  }
+
+  for (const Sheet& sheet : sheets) {
+    SCOPED_TRACE(DescribeSheet(sheet));
+    const DeviceMode mode = MakeDeviceMode(printer, sheet, dpi);
+    const CreatedDc dc(CreateDCW(nullptr, printer.c_str(), nullptr, &mode.pub));
+    ASSERT_TRUE(dc);
+    EXPECT_EQ(GetDeviceCaps(dc.Get(), LOGPIXELSX), dpi);
+    EXPECT_EQ(GetDeviceCaps(dc.Get(), LOGPIXELSY), dpi);
+
+    // At most the next whole millimetre, and the next whole pixel.
+    const Extent pixels = SheetSize(mode, PaperUnit::kDevicePixels);
+    const int most = dpi / 25 + 2;
+    const int width = GetDeviceCaps(dc.Get(), HORZRES);
+    const int height = GetDeviceCaps(dc.Get(), VERTRES);
+    EXPECT_TRUE(width >= pixels.width && width <= pixels.width + most) << width;
+    EXPECT_TRUE(height >= pixels.height && height <= pixels.height + most) << height;
+
+    const Extent tenths = SheetSize(mode, PaperUnit::kTenthsOfMillimetre);
+    const RECT frame{0, 0, tenths.width * 10, tenths.height * 10};
+    const ENHMETAHEADER header = HeaderFor(dc.Get(), frame);
+    EXPECT_EQ(header.rclFrame.right, frame.right);
+    EXPECT_EQ(header.rclFrame.bottom, frame.bottom);
+    const double true_width = header.szlMillimeters.cx * dpi / 25.4;
+    const double true_height = header.szlMillimeters.cy * dpi / 25.4;
+    EXPECT_LE(std::abs(header.szlDevice.cx - true_width), 1) << header.szlMillimeters.cx;
+    EXPECT_LE(std::abs(header.szlDevice.cy - true_height), 1) << header.szlMillimeters.cy;
+  }
+}
+
+INSTANTIATE_TEST_SUITE_P(Resolutions, PrinterAtResolution,
+                         testing::Values(kLeastDpi, 96, 127, 150, 300, 600, 1201, kMostDpi));
+
+TEST(SpoolJob, Names_ComeBackFromTheSpooler) {
+  EnsurePrinter(kPrinterName, 600, {});
+  const SpoolJob job(kPrinterName, L"Überblick");
+  DWORD needed = 0;
+  GetJobW(job.Printer(), job.Id(), 1, nullptr, 0, &needed);
+  std::vector<std::byte> buffer(needed);
+  auto* info = reinterpret_cast<JOB_INFO_1W*>(buffer.data());
+  ASSERT_TRUE(
+      GetJobW(job.Printer(), job.Id(), 1, reinterpret_cast<BYTE*>(buffer.data()), needed, &needed));
+  EXPECT_STREQ(info->pPrinterName, kPrinterName);
+  EXPECT_STREQ(info->pDocument, L"Überblick");
+}
+
+TEST(SpoolJob, IdTakenElsewhere_TakesTheNext) {
+  EnsurePrinter(kPrinterName, 600, {});
+  DWORD first = 0;
+  {
+    const SpoolJob job(kPrinterName, L"first");
+    first = job.Id();
+  }
+  const std::wstring claim = L"Local\\QuilloPrintJob" + std::to_wstring(first + 1);
+  const KernelHandle elsewhere(CreateMutexW(nullptr, FALSE, claim.c_str()));
+  const SpoolJob job(kPrinterName, L"second");
+  EXPECT_EQ(job.Id(), first + 2);
+}
+
+}  // namespace
+}  // namespace quillo::host
