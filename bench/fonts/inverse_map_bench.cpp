@@ -22,16 +22,16 @@ struct FontTables {
 };
 
 FontTables LoadFont(const char* path) {
-  const auto file = tests::ReadFile(path);
-  const Bytes cmap = tests::FindTable(file, tests::kCmapTag);
+  const auto file = test::ReadFile(path);
+  const Bytes cmap = test::FindTable(file, test::kCmapTag);
   FontTables tables;
-  for (size_t record = 4; record < 4 + 8 * tests::BigEndian(cmap, 2, 2); record += 8) {
-    if (tests::BigEndian(cmap, record, 4) != 0x00030001) continue;
-    const Bytes subtable = cmap.subspan(tests::BigEndian(cmap, record + 4, 4));
-    const Bytes exact = subtable.first(tests::BigEndian(subtable, 2, 2));
-    tables.cmap = tests::UnicodeCmap({exact.begin(), exact.end()});
+  for (size_t record = 4; record < 4 + 8 * test::BigEndian(cmap, 2, 2); record += 8) {
+    if (test::BigEndian(cmap, record, 4) != 0x00030001) continue;
+    const Bytes subtable = cmap.subspan(test::BigEndian(cmap, record + 4, 4));
+    const Bytes exact = subtable.first(test::BigEndian(subtable, 2, 2));
+    tables.cmap = test::UnicodeCmap({exact.begin(), exact.end()});
   }
-  const Bytes maxp = tests::FindTable(file, HB_TAG('m', 'a', 'x', 'p'));
+  const Bytes maxp = test::FindTable(file, HB_TAG('m', 'a', 'x', 'p'));
   tables.maxp.assign(maxp.begin(), maxp.end());
   return tables;
 }
@@ -41,7 +41,7 @@ void Own(benchmark::State& state, const FontTables& tables) {
   std::vector<uint16_t> words;
   std::vector<uint16_t> table;
   for (auto _ : state) {
-    tests::MemoryCmap source(tables.cmap);
+    test::MemoryCmap source(tables.cmap);
     words.assign((Cmap4Size(source) + 1) / 2, 0);
     if (!ReadCmap4(source, words)) std::abort();
     const fonts::Cmap4Table cmap(words);

@@ -13,24 +13,24 @@ void Check(bool holds) {
 }
 
 void TryTable(Bytes table) {
-  tests::MemoryCmap source(table);
-  const auto words = tests::ReadWords(source);
+  test::MemoryCmap source(table);
+  const auto words = test::ReadWords(source);
   if (!words) return;
   const fonts::Cmap4Table cmap(*words);
   Check(cmap.SegmentCount() != 0 || cmap.MappedCount() == 0);
-  const auto map = tests::FastInverseMap(*words);
+  const auto map = test::FastInverseMap(*words);
   for (size_t glyph = 1; glyph < map.size(); ++glyph) {
     Check(map[glyph] == fonts::kNoCharacter || cmap.GlyphOf(map[glyph]) == glyph);
   }
   // The naive map takes seconds for thousands of overlapping segments.
-  if (cmap.SegmentCount() < 64) Check(map == tests::NaiveInverseMap(*words));
+  if (cmap.SegmentCount() < 64) Check(map == test::NaiveInverseMap(*words));
 }
 
 }  // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
   const Bytes input = std::as_bytes(std::span(data, size));
-  TryTable(tests::FindTable(input, tests::kCmapTag));
+  TryTable(test::FindTable(input, test::kCmapTag));
   TryTable(input);
   return 0;
 }

@@ -90,8 +90,7 @@ CQloPrinter::CQloPrinter(HANDLE private_heap, HANDLE job_printer, DWORD id)
                        .bitmap_limits = kDefaultBitmapLimits,
                        .font_directory = font_folder,
                        .announce_font = AnnounceFont,
-                       .job = this},
-               nullptr),
+                       .job = this}),
       heap(private_heap),
       record_buffer(private_heap) {}
 

@@ -4,14 +4,14 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <memory>
 
 #include "base/heap_list.h"
 #include "capture/records/payloads.h"
 #include "config/device_mode.h"
+#include "fonts/font_map_manager.h"
 
 namespace quillo {
-
-class CFontMapManager;
 
 /// Largest bitmap that is drawn unreduced, in pixels.
 struct BitmapLimits {
@@ -47,8 +47,8 @@ struct SeenFont {
 /// State of playback for one job. Objects named "current" are owned; objects named "previous" were
 /// in the DC before and are only put back.
 struct PlaybackContext {
-  PlaybackContext(const JobLink& link, CFontMapManager* translator)
-      : glyph_translator(translator), seen_fonts(link.heap), run_list(link.heap), job(link) {}
+  explicit PlaybackContext(const JobLink& link)
+      : seen_fonts(link.heap), run_list(link.heap), job(link) {}
 
   HDC page_dc = nullptr;  // metafile of the current page; null = no page is open
   std::byte band_header[records::kBandHeaderBytes] = {};  // header of the page bitmap to come
@@ -59,9 +59,10 @@ struct PlaybackContext {
   HBRUSH current_brush = nullptr;
   HPEN current_pen = nullptr;
   HFONT current_font = nullptr;
-  uint32_t pen_brush_pending = 0;     // once 1, every REC_EXTCREATEPEN takes pen_brush
-  LOGBRUSH pen_brush = {};            // lbHatch of BS_DIBPATTERNPT is a copy on the job's heap
-  CFontMapManager* glyph_translator;  // null = nothing is translated; owned by the job
+  uint32_t pen_brush_pending = 0;  // once 1, every REC_EXTCREATEPEN takes pen_brush
+  LOGBRUSH pen_brush = {};         // lbHatch of BS_DIBPATTERNPT is a copy on the job's heap
+  std::unique_ptr<CFontMapManager> glyph_translator =
+      CFontMapManager::Create();  // null = nothing is translated
   HeapList<SeenFont> seen_fonts;
   HeapList<uint32_t> run_list;  // glyphs of each text run of the page
   XFORM world_transform = {};   // last transform set, kept when the DC's is reset

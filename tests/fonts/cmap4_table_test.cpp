@@ -5,7 +5,7 @@
 #include "fonts/cmap_builder.h"
 #include "fonts/font_bytes.h"
 
-namespace quillo::tests {
+namespace quillo::test {
 namespace {
 
 using fonts::Cmap4Table;
@@ -138,4 +138,4 @@ TEST(Cmap4Table, MappedCount_CountsSegmentBySegment) {
 }
 
 }  // namespace
-}  // namespace quillo::tests
+}  // namespace quillo::test

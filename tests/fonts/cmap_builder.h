@@ -5,7 +5,7 @@
 
 #include "base/bytes.h"
 
-namespace quillo::tests {
+namespace quillo::test {
 
 /// Big-endian bytes, appended.
 class BigEndianBytes {
@@ -81,4 +81,4 @@ inline std::vector<std::byte> UnicodeCmap(const std::vector<std::byte>& subtable
   return Cmap({{3, 1, 0}}, {subtable});
 }
 
-}  // namespace quillo::tests
+}  // namespace quillo::test

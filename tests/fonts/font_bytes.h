@@ -9,7 +9,7 @@
 #include "base/bytes.h"
 #include "fonts/cmap4_table.h"
 
-namespace quillo::tests {
+namespace quillo::test {
 
 /// A 'cmap' table in memory. Like GetFontData, a read that passes its end gives what there is.
 class MemoryCmap : public fonts::CmapSource {
@@ -64,4 +64,4 @@ inline Bytes FindTable(Bytes file, uint32_t tag) {
 
 inline constexpr uint32_t kCmapTag = 0x636D6170;
 
-}  // namespace quillo::tests
+}  // namespace quillo::test

@@ -8,7 +8,7 @@
 #include "fonts/naive_inverse_map.h"
 #include "support/corpus.h"
 
-namespace quillo::tests {
+namespace quillo::test {
 namespace {
 
 std::vector<uint16_t> WordsOf(const std::vector<SegmentFields>& segments,
@@ -117,4 +117,4 @@ TEST_P(FontCorpus, EveryFont_GivesTheNaiveMapOrNone) {
 INSTANTIATE_TEST_SUITE_P(Folders, FontCorpus, testing::Values("fonts", "fonts-broken"));
 
 }  // namespace
-}  // namespace quillo::tests
+}  // namespace quillo::test

@@ -5,7 +5,7 @@
 
 #include "fonts/inverse_map.h"
 
-namespace quillo::tests {
+namespace quillo::test {
 
 /// The inverse map by the letter of its definition: two passes over every character of every
 /// segment, a scan from the first segment for each. Empty where there is none.
@@ -53,4 +53,4 @@ inline std::vector<uint16_t> FastInverseMap(const std::vector<uint16_t>& words) 
   return table;
 }
 
-}  // namespace quillo::tests
+}  // namespace quillo::test

@@ -43,8 +43,7 @@ Page::Page(size_t heap_limit)
                .bitmap_limits = {},
                .font_directory = L"",
                .announce_font = nullptr,
-               .job = nullptr},
-              nullptr) {
+               .job = nullptr}) {
   context.page_dc = dc_.Get();
 }
 

@@ -10,7 +10,7 @@
 
 // Real files of other applications. They stand beside the checkout (../shared/corpus) and are not
 // part of it; tests over them skip with one line when they are absent.
-namespace quillo::tests {
+namespace quillo::test {
 
 /// All files below a folder of the corpus, sorted; empty when the corpus is absent.
 inline std::vector<std::filesystem::path> CorpusFiles(const char* folder) {
@@ -32,4 +32,4 @@ inline std::vector<std::byte> ReadFile(const std::filesystem::path& path) {
   return bytes;
 }
 
-}  // namespace quillo::tests
+}  // namespace quillo::test

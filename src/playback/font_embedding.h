@@ -1,0 +1,17 @@
+#pragma once
+
+#include "base/windows.h"
+
+#include "playback/context.h"
+
+namespace quillo {
+
+/// Copies the font of a face name that marks it as loaded from a temporary file (it holds ".tmp" in
+/// any letter case) whole into a file of that name in the job's font directory, and announces the
+/// file to the client. A client that refuses leaves no file.
+///
+/// False, and no file, for any other face name, for one that cannot name a file of the directory,
+/// without a directory, and when a step fails. True when the file was written.
+bool EmbedFont(const PlaybackContext& context, const LOGFONTW& font);
+
+}  // namespace quillo
