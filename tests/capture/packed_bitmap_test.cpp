@@ -77,6 +77,7 @@ TEST(SurfaceBits, RowsBeyondTheBits_DoNotFit) {
   const std::vector<std::byte> bits(12);
   EXPECT_TRUE((SurfaceBits{bits, 4, 3, true}.Fits()));
   EXPECT_FALSE((SurfaceBits{bits, 4, 4, true}.Fits()));
+  EXPECT_TRUE((SurfaceBits{bits, 4, 4, false}.Fits()));
   EXPECT_FALSE((SurfaceBits{bits, 0x80000000, 0xFFFFFFFF, true}.Fits()));
 }
 

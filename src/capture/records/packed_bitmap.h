@@ -44,13 +44,15 @@ struct SurfaceBits {
   uint32_t row_count;
   bool top_down;
 
-  /// Whether the rows lie inside the bits.
-  [[nodiscard]] bool Fits() const { return uint64_t{row_size} * row_count <= bits.size(); }
+  /// Whether rows that have to be turned round lie inside the bits.
+  [[nodiscard]] bool Fits() const {
+    return !top_down || uint64_t{row_size} * row_count <= bits.size();
+  }
 };
 
 /// Calls `take` with pieces of a surface's bits, in the order that makes them bottom-up: in one
 /// piece as they stand, or row by row from the last one when they are top-down, and then what is
-/// left behind the rows. The pieces add up to `bits`, whose rows must fit.
+/// left behind the rows. The pieces add up to `bits`, which must fit.
 template <typename Take>
 void ForEachPiece(const SurfaceBits& surface, Take take) {
   Bytes rest = surface.bits;

@@ -1,0 +1,25 @@
+#pragma once
+
+#include "base/ddi.h"
+
+#include <cstdint>
+
+#include "capture/records/payloads.h"
+#include "driver/device.h"
+
+namespace quillo {
+
+/// Fill mode of paths that are stroked or clip.
+inline constexpr uint32_t kNoFillMode = 0;
+
+/// Records a path between REC_BEGINPATH and REC_ENDPATH. `fill_mode` is kNoFillMode or the fill
+/// options (FP_*). `drawn` tells whether the path has anything in it.
+///
+/// False without a path, and on a curve whose number of points is not a multiple of 3; the latter
+/// sets the last error to ERROR_INVALID_PARAMETER and leaves the recorded path open.
+bool WritePath(DEVICE_PDEV& device, PATHOBJ* path, bool& drawn, uint32_t fill_mode);
+
+/// The engine's bounds of a path in device pixels; empty without a path.
+records::Rect PathBounds(PATHOBJ* path);
+
+}  // namespace quillo

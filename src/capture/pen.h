@@ -1,0 +1,19 @@
+#pragma once
+
+#include "base/ddi.h"
+
+#include <cstdint>
+
+#include "driver/device.h"
+
+namespace quillo {
+
+/// A width in world units as device pixels: scaled by the transform's m11 when there is a
+/// transform, rounded half up, saturated.
+int32_t DeviceWidth(float width, XFORMOBJ* transform);
+
+/// Records the brush of a pen and then the pen. A miter limit below 1 becomes 1, in the caller's
+/// attributes too. Without attributes (null) there is no pen, without a brush it is black.
+void WritePen(DEVICE_PDEV& device, LINEATTRS* attributes, XFORMOBJ* transform, BRUSHOBJ* brush);
+
+}  // namespace quillo
