@@ -61,6 +61,14 @@ class GlobalBlock : public Owner<GlobalBlockTraits> {
   }
 };
 
+/// Memory that a system function allocated for LocalFree.
+struct LocalBlockTraits {
+  using Type = void*;
+  static constexpr Type kNull = nullptr;
+  static void Release(Type block) { LocalFree(block); }
+};
+using LocalBlock = Owner<LocalBlockTraits>;
+
 /// A block of some heap, by default zero-filled and from the process heap.
 class HeapBlock {
  public:

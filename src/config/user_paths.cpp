@@ -3,7 +3,7 @@
 #include <userenv.h>
 #include <wtsapi32.h>
 
-#include "base/late_function.h"
+#include "base/late_library.h"
 
 namespace quillo {
 
@@ -17,23 +17,23 @@ constexpr DWORD kTempFolderValueBytes = MAX_PATH;
 
 /// The token of the thread, or of the process when the thread impersonates nobody.
 KernelHandle OpenCallersToken(DWORD access, BOOL open_as_self) {
+  const LateLibrary security(kSecurityLibrary);
   KernelHandle token;
-  const LateFunction<decltype(OpenThreadToken)> thread_token(kSecurityLibrary, "OpenThreadToken");
-  if (thread_token) {
-    if (thread_token(GetCurrentThread(), access, open_as_self, token.Receive())) return token;
+  if (auto* open = security.Find<decltype(OpenThreadToken)>("OpenThreadToken")) {
+    if (open(GetCurrentThread(), access, open_as_self, token.Receive())) return token;
     if (GetLastError() != ERROR_NO_TOKEN) return KernelHandle();
   }
-  const LateFunction<decltype(OpenProcessToken)> process_token(kSecurityLibrary,
-                                                               "OpenProcessToken");
-  if (process_token && process_token(GetCurrentProcess(), access, token.Receive())) return token;
+  auto* open = security.Find<decltype(OpenProcessToken)>("OpenProcessToken");
+  if (open != nullptr && open(GetCurrentProcess(), access, token.Receive())) return token;
   return KernelHandle();
 }
 
 /// The token of the user logged on to the current session, or the caller's.
 KernelHandle OpenToken(DWORD access, BOOL open_as_self) {
-  const LateFunction<decltype(WTSQueryUserToken)> query(L"WTSAPI32.DLL", "WTSQueryUserToken");
+  const LateLibrary sessions(L"WTSAPI32.DLL");
+  auto* query = sessions.Find<decltype(WTSQueryUserToken)>("WTSQueryUserToken");
   KernelHandle token;
-  if (query && query(WTS_CURRENT_SESSION, token.Receive())) return token;
+  if (query != nullptr && query(WTS_CURRENT_SESSION, token.Receive())) return token;
   return OpenCallersToken(access, open_as_self);
 }
 
@@ -83,24 +83,25 @@ DWORD UserTempFolder(wchar_t* buffer, DWORD size) {
     if (fallback_length == 0 || fallback_length >= kTempFolderCharacters) return 0;
   }
 
-  const LateFunction<decltype(ExpandEnvironmentStringsForUserW)> expand(
-      L"Userenv.dll", "ExpandEnvironmentStringsForUserW");
-  if (expand) {
-    if (expand(token.Get(), folder, buffer, size)) return size;
-    buffer[0] = L'\0';
-    return fallback_length;
+  const LateLibrary profiles(L"Userenv.dll");
+  auto* expand =
+      profiles.Find<decltype(ExpandEnvironmentStringsForUserW)>("ExpandEnvironmentStringsForUserW");
+  if (expand == nullptr) {
+    const DWORD length = GetTempPathW(size, buffer);
+    return length < size ? length : 0;
   }
-  const DWORD length = GetTempPathW(size, buffer);
-  return length < size ? length : 0;
+  if (expand(token.Get(), folder, buffer, size)) return size;
+  buffer[0] = L'\0';
+  return fallback_length;
 }
 
 bool PrintingUserSession(DWORD& session) {
-  const LateFunction<decltype(GetTokenInformation)> information(kSecurityLibrary,
-                                                                "GetTokenInformation");
   const KernelHandle token = OpenCallersToken(TOKEN_QUERY, TRUE);
+  const LateLibrary security(kSecurityLibrary);
+  auto* query = security.Find<decltype(GetTokenInformation)>("GetTokenInformation");
   DWORD size = 0;
-  return information && token &&
-         information(token.Get(), TokenSessionId, &session, sizeof(session), &size);
+  return token && query != nullptr &&
+         query(token.Get(), TokenSessionId, &session, sizeof(session), &size);
 }
 
 }  // namespace quillo

@@ -5,11 +5,13 @@
 #include <optional>
 #include <string>
 
+#include "support/late_functions.h"
 #include "support/registry_sandbox.h"
 
 namespace quillo {
 namespace {
 
+using test::LateFunctions;
 using test::RegistrySandbox;
 
 TEST(UserToken, IsAPrimaryTokenOfThisUser) {
@@ -19,6 +21,29 @@ TEST(UserToken, IsAPrimaryTokenOfThisUser) {
   DWORD size = 0;
   ASSERT_TRUE(GetTokenInformation(token.Get(), TokenType, &type, sizeof(type), &size));
   EXPECT_EQ(type, TokenPrimary);
+}
+
+TEST(UserToken, WithoutSessions_ThreadThenProcess) {
+  static int asked;
+  LateFunctions functions;
+  functions.Miss("WTSQueryUserToken");
+  EXPECT_TRUE(UserToken());
+  ASSERT_TRUE(ImpersonateSelf(SecurityImpersonation));
+  functions.Miss("OpenProcessToken");
+  EXPECT_TRUE(UserToken());
+  RevertToSelf();
+  EXPECT_FALSE(UserToken());
+  // A thread token that may not be opened is no reason to take the process's.
+  functions.Restore();
+  functions.Miss("WTSQueryUserToken");
+  functions.Replace(
+      "OpenThreadToken", +[](HANDLE, DWORD, BOOL, HANDLE*) WINAPI -> BOOL {
+        ++asked;
+        SetLastError(ERROR_ACCESS_DENIED);
+        return FALSE;
+      });
+  EXPECT_FALSE(UserToken());
+  EXPECT_EQ(asked, 1);
 }
 
 TEST(PrintingUserSession, IsThatOfTheCaller) {
@@ -45,7 +70,6 @@ class UserTempFolderTest : public testing::Test {
     wchar_t temp[MAX_PATH] = {};
     ASSERT_GT(GetTempPathW(MAX_PATH, temp), 0u);
     spoolers_ = temp;
-    SetEnvironmentVariableW(L"QUILLO_TEST", L"C:\\spooler");
   }
 
   static void Put(const wchar_t* name, const std::optional<Value>& value) {
@@ -104,6 +128,28 @@ TEST_F(UserTempFolderTest, EveryValue_FirstUsableWins) {
     EXPECT_EQ(UserTempFolder(folder, MAX_PATH), DWORD{MAX_PATH}) << c.what;
     EXPECT_EQ(std::wstring(folder), c.expected) << c.what;
   }
+}
+
+TEST_F(UserTempFolderTest, ExpansionMissingOrFailing) {
+  Put(L"TMP", Value{REG_SZ, Terminated(L"C:\\tmp")});
+  wchar_t folder[MAX_PATH];
+  LateFunctions functions;
+  functions.Miss("ExpandEnvironmentStringsForUserW");
+  EXPECT_EQ(UserTempFolder(folder, MAX_PATH), spoolers_.size());
+  EXPECT_EQ(std::wstring(folder), spoolers_);
+  EXPECT_EQ(UserTempFolder(folder, 3), 0u);
+
+  functions.Replace(
+      "ExpandEnvironmentStringsForUserW",
+      +[](HANDLE, const wchar_t*, wchar_t* out, DWORD) WINAPI -> BOOL {
+        lstrcpyW(out, L"half");
+        return FALSE;
+      });
+  EXPECT_EQ(UserTempFolder(folder, MAX_PATH), 0u);
+  EXPECT_STREQ(folder, L"");
+  Put(L"TMP", std::nullopt);
+  EXPECT_EQ(UserTempFolder(folder, MAX_PATH), spoolers_.size());
+  EXPECT_STREQ(folder, L"");
 }
 
 }  // namespace

@@ -16,6 +16,12 @@ class ImportPatch {
   ImportPatch& operator=(const ImportPatch&) = delete;
   ~ImportPatch();
 
+  /// The function itself, for a replacement that passes calls on. (Its name leads to the patch.)
+  template <typename Function>
+  [[nodiscard]] Function* Original() const {
+    return reinterpret_cast<Function*>(original_);
+  }
+
  private:
   ImportPatch(const char* name, void* replacement, int);
 
