@@ -1,0 +1,66 @@
+#include "base/ddi.h"
+
+#include <cstring>
+
+#include "capture/writer.h"
+#include "config/paper_geometry.h"
+#include "driver/callbacks.h"
+#include "driver/device.h"
+
+namespace quillo {
+
+namespace {
+
+constexpr uint32_t kPrivateNoOperation = 5000;
+constexpr uint32_t kPrivateJobMark = 5001;
+
+bool IsSupported(uint32_t escape) {
+  return escape == QUERYESCSUPPORT || escape == GETDEVICEUNITS || escape == kPrivateNoOperation ||
+         escape == kPrivateJobMark;
+}
+
+/// The printable size, then the left and top margins of the private settings; all device pixels.
+struct DeviceUnits {
+  int32_t width;
+  int32_t height;
+  int32_t left;
+  int32_t top;
+};
+
+DeviceUnits DeviceUnitsOf(DEVICE_PDEV& device) {
+  const Extent size = PrintableSize(device.mode, PaperUnit::kDevicePixels);
+  Margins margins;
+  GetMargins(device.mode, &margins, static_cast<uint32_t>(PaperUnit::kDevicePixels));
+  return {size.width, size.height, margins.left, margins.top};
+}
+
+}  // namespace
+
+/// Neither size is looked at: QUERYESCSUPPORT reads 4 bytes, GETDEVICEUNITS writes 16. Whatever
+/// fails answers 0 without a last error.
+ULONG APIENTRY DrvEscape(SURFOBJ* surface, ULONG escape, ULONG /*input_size*/, PVOID input,
+                         ULONG /*output_size*/, PVOID output) noexcept {
+  DEVICE_PDEV* device = FindDevice(surface);
+  switch (escape) {
+    case QUERYESCSUPPORT: {
+      uint32_t asked = 0;
+      if (input != nullptr) std::memcpy(&asked, input, sizeof(asked));
+      return IsSupported(asked);
+    }
+    case GETDEVICEUNITS: {
+      if (device == nullptr || output == nullptr) return 0;
+      const DeviceUnits units = DeviceUnitsOf(*device);
+      std::memcpy(output, &units, sizeof(units));
+      return 1;
+    }
+    case kPrivateNoOperation:
+      return 1;
+    case kPrivateJobMark:
+      if (device != nullptr) EmitRecord(*device, records::REC_ESCAPEMARK);
+      return 1;
+    default:
+      return 0;
+  }
+}
+
+}  // namespace quillo

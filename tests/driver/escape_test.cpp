@@ -1,0 +1,83 @@
+#include "base/ddi.h"
+
+#include <array>
+#include <cstring>
+#include <gtest/gtest.h>
+
+#include "driver/callbacks.h"
+#include "driver/device.h"
+#include "job/job.h"
+
+namespace quillo {
+namespace {
+
+class EscapeTest : public testing::Test {
+ protected:
+  EscapeTest() {
+    device_.signature = device_.closing_signature = kDeviceSignature;
+    BuildDefaultDeviceMode(device_.mode, nullptr);
+    device_.mode.pub.dmPrintQuality = DMRES_MEDIUM;
+    surface_.dhpdev = reinterpret_cast<DHPDEV>(&device_);
+  }
+
+  /// The sizes are not looked at, so none are given.
+  static ULONG Escape(SURFOBJ* surface, ULONG code, void* input, void* output) {
+    return quillo::DrvEscape(surface, code, 0, input, 0, output);
+  }
+
+  DEVICE_PDEV device_ = {};
+  SURFOBJ surface_ = {};
+};
+
+TEST_F(EscapeTest, Query_AnswersForTheFour) {
+  for (const auto& [code, supported] : {std::pair{8u, 1u},
+                                        {42u, 1u},
+                                        {5000u, 1u},
+                                        {5001u, 1u},
+                                        {0u, 0u},
+                                        {4999u, 0u},
+                                        {5002u, 0u}}) {
+    uint32_t asked = code;
+    EXPECT_EQ(Escape(&surface_, QUERYESCSUPPORT, &asked, nullptr), supported) << code;
+    EXPECT_EQ(Escape(nullptr, QUERYESCSUPPORT, &asked, nullptr), supported) << code;
+  }
+  EXPECT_EQ(Escape(&surface_, QUERYESCSUPPORT, nullptr, nullptr), 0u);
+}
+
+TEST_F(EscapeTest, DeviceUnits_ArePrintableSizeAndMargins) {
+  const uint32_t given = 1;
+  std::memcpy(device_.mode.private_part + 492 - sizeof(DEVMODEW), &given, sizeof(given));
+  const float margins[] = {1, 2, 1, 4, 1, 1, 3, 1};  // inches: top 1/2, left 1/4, right 1, bottom 3
+  std::memcpy(device_.mode.private_part + 1020 - sizeof(DEVMODEW), margins, sizeof(margins));
+
+  std::array<uint32_t, 5> units = {};
+  EXPECT_EQ(Escape(&surface_, GETDEVICEUNITS, nullptr, units.data()), 1u);
+  EXPECT_EQ(units, (std::array<uint32_t, 5>{2550 - 375, 3300 - 1050, 75, 150, 0}));
+}
+
+TEST_F(EscapeTest, BadArguments_AnswerZeroWithoutAnError) {
+  uint32_t units[4] = {};
+  SetLastError(1234);
+  EXPECT_EQ(Escape(&surface_, GETDEVICEUNITS, nullptr, nullptr), 0u);
+  EXPECT_EQ(Escape(nullptr, GETDEVICEUNITS, nullptr, units), 0u);
+  device_.closing_signature = 0;
+  EXPECT_EQ(Escape(&surface_, GETDEVICEUNITS, nullptr, units), 0u);
+  EXPECT_EQ(Escape(&surface_, 5001, nullptr, nullptr), 1u);
+  EXPECT_EQ(Escape(&surface_, 7, nullptr, nullptr), 0u);
+  EXPECT_EQ(GetLastError(), 1234u);
+}
+
+TEST_F(EscapeTest, JobMark_IsWrittenOnlyIntoAnOpenJob) {
+  EXPECT_EQ(Escape(&surface_, 5001, nullptr, nullptr), 1u);
+  device_.job = OpenJob(nullptr, 1);
+  ASSERT_NE(device_.job, nullptr);
+  EXPECT_EQ(Escape(&surface_, 5000, nullptr, nullptr), 1u);
+  EXPECT_EQ(device_.job->record_count, 0u);
+  EXPECT_EQ(Escape(&surface_, 5001, nullptr, nullptr), 1u);
+  EXPECT_EQ(device_.job->record_count, 1u);
+  EXPECT_TRUE(device_.job->record_buffer.Unread().empty());  // whole, and passed over
+  SignalEndAndDestroy(device_.job);
+}
+
+}  // namespace
+}  // namespace quillo
