@@ -3,6 +3,7 @@
 #include "base/ddi.h"
 
 #include <memory>
+#include <utility>
 
 #include "host/engine/path.h"
 
@@ -27,6 +28,8 @@ class ClipShape {
   ClipShape Combined(const ClipShape& other, int mode) const;
   ClipShape Offset(LONG dx, LONG dy) const;
 
+  /// Whether both share what they hold; equal shapes made apart are not known to be the same.
+  bool SameAs(const ClipShape& other) const { return state_ == other.state_; }
   bool Unbounded() const;
   bool Empty() const;
   /// The smallest rectangle around the shape.
@@ -36,7 +39,7 @@ class ClipShape {
   bool Contains(const RECTL& rect) const;
   bool Intersects(const RECTL& rect) const;
   /// The region behind the shape, in device pixels; owned by the shape.
-  HRGN Region() const;
+  HRGN Handle() const;
   /// Closed figures whose alternate fill is the shape; made at the first call and kept.
   const Path& Outline() const;
 

@@ -6,9 +6,12 @@
 #include <map>
 #include <optional>
 #include <string>
+#include <vector>
 
 #include "host/engine/canvas.h"
 #include "host/engine/driver_functions.h"
+#include "host/engine/services/clips.h"
+#include "host/engine/services/surfaces.h"
 
 namespace quillo::host {
 
@@ -26,7 +29,7 @@ struct DdiCalls {
 class Graphics : public Canvas {
  public:
   /// `surface` must have been associated with a device of `driver`, and outlive this object.
-  Graphics(const DriverFunctions& driver, const DEVINFO& device_info, SURFOBJ& surface);
+  Graphics(const DriverFunctions& driver, const DEVINFO& device_info, Surface& surface);
 
   void Stroke(const Path& path, const PenDescription& pen, const DrawState& state) override;
   void Fill(const Path& path, const BrushDescription& brush, FillMode mode,
@@ -45,6 +48,28 @@ class Graphics : public Canvas {
   const DdiCalls& Calls() const { return calls_; }
 
  private:
+  /// Calls a hook when the table has it and the surface asks for it; FALSE otherwise. A `hook` of 0
+  /// needs no asking for.
+  template <typename Function, typename... Arguments>
+  bool Hook(const char* name, Function function, FLONG hook, Arguments... arguments) {
+    if (function == nullptr || (surface_.hooks & hook) != hook) return false;
+    ++calls_.made[name];
+    return function(arguments...) != 0;
+  }
+  void Refused(const char* name) { ++calls_.refused[name]; }
+  void CountRealizations(unsigned count);
+
+  /// The clip of a call that draws within `bounds`; nothing when no pixel of them is left.
+  std::optional<ClipObject> ClipFor(const RECTL& bounds, const ClipShape& clip);
+  /// Runs of a path as this driver takes them: with its curves, or flattened.
+  std::vector<PathRun> RunsOf(const Path& path) const;
+
+  const DriverFunctions& driver_;
+  const FLONG capabilities_;  // GCAPS_*
+  Surface& surface_;
+  // The last clip cut to the surface, since calls in a row mostly have the same.
+  ClipShape last_clip_;
+  ClipShape last_clip_on_surface_;
   DdiCalls calls_;
 };
 

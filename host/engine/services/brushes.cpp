@@ -17,8 +17,9 @@ void* BrushObject::Allocate(ULONG bytes) {
 }
 
 void* BrushObject::Realization() {
-  if (pvRbrush == nullptr && pattern_.realize != nullptr &&
-      !pattern_.realize(this, pattern_.target, pattern_.pattern, pattern_.mask, pattern_.xlate,
+  if (pvRbrush != nullptr || pattern_.realize == nullptr) return pvRbrush;
+  ++realizations_;
+  if (!pattern_.realize(this, pattern_.target, pattern_.pattern, pattern_.mask, pattern_.xlate,
                         pattern_.hatch)) {
     realization_.clear();
     pvRbrush = nullptr;

@@ -35,10 +35,13 @@ class BrushObject : public BRUSHOBJ {
   void* Allocate(ULONG bytes);
   /// The driver's form, made at the first call; null when it cannot be made.
   void* Realization();
+  /// Calls of `realize` so far.
+  unsigned Realizations() const { return realizations_; }
 
  private:
   Pattern pattern_;
   std::vector<std::byte> realization_;
+  unsigned realizations_ = 0;
 };
 
 }  // namespace quillo::host

@@ -1,0 +1,94 @@
+#include "host/engine/driver_module.h"
+
+#include <cstring>
+#include <string_view>
+
+#include "host/engine/services/service_table.h"
+
+namespace quillo::host {
+namespace {
+
+void* FindService(std::string_view name) {
+  for (const EngineService& service : EngineServices()) {
+    if (name == service.name) return service.address;
+  }
+  return nullptr;
+}
+
+/// Whether only a graphics engine has a function of this name.
+bool IsEngineName(std::string_view name) {
+  return name.starts_with("Eng") || name.find("OBJ_") != std::string_view::npos;
+}
+
+void WriteEntry(void** entry, void* address) {
+  DWORD protection = 0;
+  if (!VirtualProtect(entry, sizeof *entry, PAGE_READWRITE, &protection)) {
+    throw DriverFailure("VirtualProtect on the driver's import table", GetLastError());
+  }
+  *entry = address;
+  VirtualProtect(entry, sizeof *entry, protection, &protection);
+}
+
+/// Points every engine service that the module imports by name to this process's own.
+void BindServices(HMODULE module) {
+  auto* base = reinterpret_cast<std::byte*>(module);
+  const auto* dos = reinterpret_cast<const IMAGE_DOS_HEADER*>(base);
+  const auto* headers = reinterpret_cast<const IMAGE_NT_HEADERS*>(base + dos->e_lfanew);
+  const IMAGE_DATA_DIRECTORY& directory =
+      headers->OptionalHeader.DataDirectory[IMAGE_DIRECTORY_ENTRY_IMPORT];
+  if (directory.VirtualAddress == 0) return;
+
+  const auto* library = reinterpret_cast<IMAGE_IMPORT_DESCRIPTOR*>(base + directory.VirtualAddress);
+  for (; library->Name != 0; ++library) {
+    const auto* lookup = reinterpret_cast<IMAGE_THUNK_DATA*>(base + library->OriginalFirstThunk);
+    auto* entries = reinterpret_cast<void**>(base + library->FirstThunk);
+    for (size_t i = 0; lookup[i].u1.AddressOfData != 0; ++i) {
+      if (IMAGE_SNAP_BY_ORDINAL(lookup[i].u1.Ordinal)) continue;
+      const auto* import =
+          reinterpret_cast<IMAGE_IMPORT_BY_NAME*>(base + lookup[i].u1.AddressOfData);
+      const std::string_view name(reinterpret_cast<const char*>(import->Name));
+      if (void* service = FindService(name)) {
+        WriteEntry(&entries[i], service);
+      } else if (IsEngineName(name)) {
+        throw DriverFailure("binding " + std::string(name) + ", which this engine does not offer,",
+                            ERROR_PROC_NOT_FOUND);
+      }
+    }
+  }
+}
+
+template <typename Function>
+Function Export(HMODULE module, const char* name) {
+  const FARPROC address = GetProcAddress(module, name);
+  if (address == nullptr) throw DriverFailure(std::string("finding ") + name, GetLastError());
+  return reinterpret_cast<Function>(reinterpret_cast<void (*)()>(address));
+}
+
+}  // namespace
+
+DriverModule::DriverModule(const std::wstring& path)
+    : module_(LoadLibraryExW(path.c_str(), nullptr, LOAD_WITH_ALTERED_SEARCH_PATH)) {
+  if (!module_) throw DriverFailure("loading the driver", GetLastError());
+  BindServices(module_.Get());
+
+  const auto query = Export<PFN_DrvQueryDriverInfo>(module_.Get(), "DrvQueryDriverInfo");
+  const auto enable = Export<PFN_DrvEnableDriver>(module_.Get(), "DrvEnableDriver");
+  const auto disable = Export<PFN_DrvDisableDriver>(module_.Get(), "DrvDisableDriver");
+
+  DWORD user_mode = 0, needed = 0;
+  SetLastError(ERROR_SUCCESS);
+  if (!query(DRVQUERY_USERMODE, &user_mode, sizeof user_mode, &needed) || user_mode == 0) {
+    throw DriverFailure("DrvQueryDriverInfo", GetLastError());
+  }
+  DRVENABLEDATA data{};
+  SetLastError(ERROR_SUCCESS);
+  if (!enable(DDI_DRIVER_VERSION_NT5_01_SP1, sizeof data, &data)) {
+    throw DriverFailure("DrvEnableDriver", GetLastError());
+  }
+  functions_ = DriverFunctions::FromTable(data);
+  disable_driver_ = disable;
+}
+
+DriverModule::~DriverModule() { disable_driver_(); }
+
+}  // namespace quillo::host

@@ -1,0 +1,48 @@
+#pragma once
+
+#include "base/ddi.h"
+
+#include <cstddef>
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "host/engine/graphics.h"
+#include "host/engine/print_device.h"
+
+namespace quillo::host {
+
+/// One document on a printer, page after page, each on its own sheet.
+///
+/// Every failure throws DriverFailure and leaves the session able to be destroyed: an open document
+/// is then ended with ED_ABORTDOC, and the device is torn down.
+class PrintSession {
+ public:
+  /// Enables the device for the first page. `driver` and the printer must outlive the session.
+  PrintSession(const DriverFunctions& driver, PrinterPort port, const DEVMODEW& first_mode);
+  ~PrintSession();
+  PrintSession(const PrintSession&) = delete;
+  PrintSession& operator=(const PrintSession&) = delete;
+
+  void StartDocument(const std::wstring& name, DWORD job_id);
+  /// Opens a page on the sheet of `mode`: when that is another device mode than the last page's, a
+  /// new device takes the document over (DrvResetPDEV). The result lives until SendPage.
+  Graphics& StartPage(const DEVMODEW& mode);
+  void SendPage();
+  void EndDocument();
+
+  /// The device in force; its capabilities give the printable size and the resolution.
+  const PrintDevice& Device() const { return *device_; }
+
+ private:
+  void Reset(const DEVMODEW& mode);
+
+  const DriverFunctions& driver_;
+  PrinterPort port_;
+  std::vector<std::byte> mode_;  // device mode of device_, with its private part
+  std::unique_ptr<PrintDevice> device_;
+  std::unique_ptr<Graphics> page_;  // while a page is open
+  bool document_open_ = false;
+};
+
+}  // namespace quillo::host

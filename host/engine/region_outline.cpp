@@ -1,0 +1,154 @@
+#include <algorithm>
+#include <cmath>
+#include <map>
+#include <new>
+
+#include "host/engine/polygons.h"
+
+namespace quillo::host {
+namespace {
+
+/// A corner of a region's border: exactly one horizontal and one vertical edge meet there. (Where
+/// two parts touch at a point, the borders run straight through each other.)
+struct Corner {
+  LONG x, y;
+  size_t beside;          // corner at the other end of the horizontal edge
+  size_t above_or_below;  // corner at the other end of the vertical edge
+  bool visited;
+};
+
+/// Finds the corners from the x positions where each band of a region begins and ends its spans.
+class CornerFinder {
+ public:
+  /// `edges` are the sorted x positions of all span ends below the line y (empty: nothing there).
+  void AddLine(LONG y, const std::vector<LONG>& edges) {
+    std::vector<LONG> turning;  // positions on one side of the line only
+    std::set_symmetric_difference(edges_above_.begin(), edges_above_.end(), edges.begin(),
+                                  edges.end(), std::back_inserter(turning));
+    for (size_t i = 0; i < turning.size(); ++i) {
+      const size_t index = corners_.size();
+      Corner corner{turning[i], y, i % 2 == 0 ? index + 1 : index - 1, 0, false};
+      if (const auto upper = open_.find(corner.x); upper != open_.end()) {
+        corner.above_or_below = upper->second;
+        corners_[upper->second].above_or_below = index;
+        open_.erase(upper);
+      } else {
+        open_.emplace(corner.x, index);
+      }
+      corners_.push_back(corner);
+    }
+    edges_above_ = edges;
+  }
+  std::vector<Corner>& Corners() { return corners_; }
+
+ private:
+  std::vector<LONG> edges_above_;
+  std::map<LONG, size_t> open_;  // vertical edges that go on downwards, with their upper corner
+  std::vector<Corner> corners_;
+};
+
+std::vector<RECT> RectanglesOf(HRGN region) {
+  std::vector<std::byte> buffer(GetRegionData(region, 0, nullptr));
+  auto* data = reinterpret_cast<RGNDATA*>(buffer.data());
+  if (buffer.empty() || GetRegionData(region, static_cast<DWORD>(buffer.size()), data) == 0) {
+    throw std::bad_alloc();
+  }
+  const auto* rects = reinterpret_cast<const RECT*>(data->Buffer);
+  return {rects, rects + data->rdh.nCount};
+}
+
+/// Distance of p from the line through a and b.
+double DistanceFromLine(const POINTFIX& p, const POINTFIX& a, const POINTFIX& b) {
+  const double dx = static_cast<double>(b.x) - a.x, dy = static_cast<double>(b.y) - a.y;
+  const double length = std::hypot(dx, dy);
+  if (length == 0)
+    return std::hypot(static_cast<double>(p.x) - a.x, static_cast<double>(p.y) - a.y);
+  return std::abs(dx * (static_cast<double>(p.y) - a.y) - dy * (static_cast<double>(p.x) - a.x)) /
+         length;
+}
+
+double Area(const Polygon& polygon) {
+  double area = 0;
+  for (size_t i = 0; i < polygon.size(); ++i) {
+    const POINTFIX &a = polygon[i], &b = polygon[(i + 1) % polygon.size()];
+    area += static_cast<double>(a.x) * b.y - static_cast<double>(b.x) * a.y;
+  }
+  return area / 2;
+}
+
+/// Drops points that lie less than a pixel beside the line between kept ones (Douglas and Peucker's
+/// algorithm, over the two halves of the closed polygon).
+Polygon StraightenSteps(const Polygon& polygon) {
+  constexpr double kTolerance = 0.99 * 16;
+  constexpr size_t kWorthwhile = 8;
+  if (polygon.size() <= kWorthwhile) return polygon;
+
+  std::vector<bool> kept(polygon.size() + 1);
+  const size_t middle = polygon.size() / 2;
+  kept[0] = kept[middle] = kept[polygon.size()] = true;
+  std::vector<std::pair<size_t, size_t>> pending{{0, middle}, {middle, polygon.size()}};
+  while (!pending.empty()) {
+    const auto [first, last] = pending.back();
+    pending.pop_back();
+    double farthest = kTolerance;
+    size_t split = 0;
+    for (size_t i = first + 1; i < last; ++i) {
+      const double distance =
+          DistanceFromLine(polygon[i], polygon[first], polygon[last % polygon.size()]);
+      if (distance > farthest) {
+        farthest = distance;
+        split = i;
+      }
+    }
+    if (split == 0) continue;
+    kept[split] = true;
+    pending.emplace_back(first, split);
+    pending.emplace_back(split, last);
+  }
+
+  Polygon straightened;
+  for (size_t i = 0; i < polygon.size(); ++i) {
+    if (kept[i]) straightened.push_back(polygon[i]);
+  }
+  // Shapes about as thin as the tolerance would lose their body: those stay as they are.
+  const double before = std::abs(Area(polygon)), after = std::abs(Area(straightened));
+  return straightened.size() >= 3 && std::abs(after - before) < before / 8 ? straightened : polygon;
+}
+
+}  // namespace
+
+std::vector<Polygon> OutlineRegion(HRGN region) {
+  const std::vector<RECT> rects = RectanglesOf(region);
+  CornerFinder finder;
+  // The rectangles come in bands: equal top and bottom, left to right, not touching each other.
+  for (size_t i = 0; i < rects.size();) {
+    const LONG top = rects[i].top, bottom = rects[i].bottom;
+    std::vector<LONG> edges;
+    for (; i < rects.size() && rects[i].top == top; ++i) {
+      edges.push_back(rects[i].left);
+      edges.push_back(rects[i].right);
+    }
+    finder.AddLine(top, edges);
+    const bool continues = i < rects.size() && rects[i].top == bottom;
+    if (!continues) finder.AddLine(bottom, {});
+  }
+
+  std::vector<Polygon> outline;
+  std::vector<Corner>& corners = finder.Corners();
+  for (size_t start = 0; start < corners.size(); ++start) {
+    if (corners[start].visited) continue;
+    Polygon polygon;
+    for (size_t at = start; !corners[at].visited; at = corners[at].beside) {
+      // The vertical edge goes first.
+      for (const size_t corner : {at, corners[at].above_or_below}) {
+        corners[corner].visited = true;
+        polygon.push_back({LTOFX(corners[corner].x), LTOFX(corners[corner].y)});
+      }
+      at = corners[at].above_or_below;
+    }
+    outline.push_back(StraightenSteps(polygon));
+  }
+  return outline;
+}
+
+}  // namespace quillo::host
