@@ -1,0 +1,145 @@
+#include "base/ddi.h"
+
+#include <cmath>
+#include <gtest/gtest.h>
+
+#include "host/engine/clip_shape.h"
+#include "host/engine/path.h"
+#include "host/engine/polygons.h"
+
+namespace quillo::host {
+namespace {
+
+/// A circle as four cubics, as GDI draws its ellipses.
+Path Circle(double x, double y, double radius) {
+  const double k = radius * 0.5522847498;
+  Path path;
+  path.MoveTo(x + radius, y);
+  path.BezierTo(x + radius, y - k, x + k, y - radius, x, y - radius);
+  path.BezierTo(x - k, y - radius, x - radius, y - k, x - radius, y);
+  path.BezierTo(x - radius, y + k, x - k, y + radius, x, y + radius);
+  path.BezierTo(x + k, y + radius, x + radius, y + k, x + radius, y);
+  path.CloseFigure();
+  return path;
+}
+
+TEST(Path, Flattened_StaysWithinAnEighthOfAPixel) {
+  for (const double radius : {0.5, 3.0, 40.0, 700.0, 30000.0}) {
+    const Path flat = Circle(0, 0, radius).Flattened();
+    ASSERT_FALSE(flat.HasBeziers());
+    const std::vector<POINTFIX>& points = flat.Figures().front().points;
+    const double curve_error = radius * 0.0003;  // of the cubics themselves
+    for (size_t i = 0; i + 1 < points.size(); ++i) {
+      const double x = (points[i].x + points[i + 1].x) / 32.0;
+      const double y = (points[i].y + points[i + 1].y) / 32.0;
+      EXPECT_NEAR(std::hypot(x, y), radius, 0.125 + curve_error) << radius;
+    }
+    EXPECT_LT(static_cast<double>(points.size()), 20 + 12 * std::sqrt(radius));
+  }
+}
+
+TEST(Path, Coordinates_AreClampedToTheFormat) {
+  EXPECT_EQ(ToFix(1.5), 24);
+  EXPECT_EQ(ToFix(-1.5), -24);
+  EXPECT_EQ(ToFix(1e30), -ToFix(-1e30));
+  EXPECT_GT(ToFix(1e30), 1 << 30);
+  EXPECT_EQ(ToFix(std::nan("")), 0);
+}
+
+TEST(Path, CloseFigure_NextFigureStartsWhereTheLastDid) {
+  Path path;
+  path.MoveTo(1.0, 2.0);
+  path.MoveTo(3.0, 4.0);
+  path.LineTo(5.0, 6.0);
+  path.CloseFigure();
+  path.LineTo(7.0, 8.0);
+  ASSERT_EQ(path.Figures().size(), 2u);
+  EXPECT_TRUE(path.Figures()[0].closed);
+  EXPECT_EQ(path.Figures()[1].points[0].x, 48);
+  EXPECT_EQ(path.Bounds().xRight, 112);
+}
+
+/// Whether filling the outline by the alternate rule gives the region back exactly.
+bool OutlineGivesRegion(const ClipShape& shape) {
+  const Region filled = FillPolygons(ToPolygons(shape.Outline()), FillMode::kAlternate);
+  return EqualRgn(filled.Get(), shape.Handle()) != FALSE;
+}
+
+TEST(ClipShape, OutlineOfCombinedRectangles_IsTheRegion) {
+  const auto rect = [](LONG l, LONG t, LONG r, LONG b) { return ClipShape(RECTL{l, t, r, b}); };
+  const ClipShape shapes[] = {
+      rect(0, 0, 10, 10).Combined(rect(5, 5, 20, 20), RGN_OR),
+      rect(0, 0, 30, 30).Combined(rect(10, 10, 20, 20), RGN_DIFF),  // a hole
+      rect(0, 0, 10, 10).Combined(rect(10, 10, 20, 20), RGN_OR),    // touching corners
+      rect(10, 0, 20, 10).Combined(rect(0, 10, 10, 20), RGN_OR),    // the other corners
+      rect(0, 0, 10, 5).Combined(rect(0, 9, 10, 14), RGN_OR),       // apart
+      rect(0, 0, 30, 30)
+          .Combined(rect(5, 5, 25, 25), RGN_XOR)            // a frame with
+          .Combined(rect(8, 8, 12, 30), RGN_OR),            // a bar through it
+      rect(0, 0, 9, 1).Combined(rect(4, 0, 5, 9), RGN_OR),  // a thin T
+  };
+  for (const ClipShape& shape : shapes) EXPECT_TRUE(OutlineGivesRegion(shape));
+}
+
+TEST(ClipShape, OutlineOfSlantedRegion_TakesFewPoints) {
+  const ClipShape circle = ClipShape::OfPath(Circle(500, 500, 400), FillMode::kAlternate);
+  const ClipShape copied = ClipShape::OfRegion(circle.Handle());  // knows its pixels only
+  const Path& outline = copied.Outline();
+  size_t points = 0;
+  for (const Figure& figure : outline.Figures()) points += figure.points.size();
+  EXPECT_LT(points, 300u);  // of some 3000 corners
+  EXPECT_GT(points, 20u);
+
+  // The corners of the steps lie up to a pixel beside the circle, and straight lines run between.
+  for (const POINTFIX& p : outline.Figures().front().points) {
+    EXPECT_NEAR(std::hypot(p.x / 16.0 - 500, p.y / 16.0 - 500), 400, 2);
+  }
+}
+
+TEST(ClipShape, PathCutByRectangles_KeepsItsExactOutline) {
+  Path triangle;
+  triangle.MoveTo(0.5, 0.25);
+  triangle.LineTo(100.0, 33.0);
+  triangle.LineTo(20.0, 90.0);
+  const ClipShape clip = ClipShape::OfPath(triangle, FillMode::kWinding);
+  ASSERT_EQ(clip.Outline().Figures().size(), 1u);
+  EXPECT_EQ(clip.Outline().Figures()[0].points.size(), 3u);
+  EXPECT_EQ(clip.Outline().Figures()[0].points[0].x, 8);
+  EXPECT_TRUE(clip.Outline().Figures()[0].closed);
+
+  const ClipShape cut = clip.Combined(ClipShape(RECTL{0, 0, 200, 50}), RGN_AND).Offset(3, 4);
+  EXPECT_EQ(cut.Outline().Figures()[0].points.size(), 4u);
+  EXPECT_EQ(cut.Outline().Bounds().yBottom, 54 * 16);
+  EXPECT_EQ(cut.Bounds().bottom, 54);
+}
+
+TEST(ClipShape, OverlappingWindingPath_IsOutlinedWithoutOverlap) {
+  Path path;
+  path.AddRectangle(0, 0, 20, 20);
+  path.AddRectangle(10, 10, 30, 30);
+  EXPECT_TRUE(OutlineGivesRegion(ClipShape::OfPath(path, FillMode::kWinding)));
+  EXPECT_TRUE(OutlineGivesRegion(ClipShape::OfPath(path, FillMode::kAlternate)));
+}
+
+TEST(ClipShape, Combined_UnboundedGivesWay) {
+  const ClipShape everything, rect(RECTL{1, 2, 3, 4});
+  EXPECT_TRUE(everything.Unbounded());
+  EXPECT_TRUE(everything.Combined(rect, RGN_AND).SameAs(rect));
+  EXPECT_TRUE(rect.Combined(everything, RGN_AND).SameAs(rect));
+  EXPECT_TRUE(everything.Offset(5, 5).Unbounded());
+  EXPECT_TRUE(rect.Combined(rect, RGN_DIFF).Empty());
+  EXPECT_FALSE(everything.Combined(rect, RGN_DIFF).Contains({0, 0, 5, 5}));
+  EXPECT_TRUE(everything.Combined(rect, RGN_DIFF).Contains({10, 10, 500, 500}));
+}
+
+TEST(ClipShape, HugePath_IsCutToWhatAPageCanHold) {
+  Path path;
+  path.AddRectangle(-1e8, -1e8, 1e8, 1e8);
+  path.AddRectangle(10, 10, 20, 20);
+  const ClipShape clip = ClipShape::OfPath(path, FillMode::kAlternate);
+  EXPECT_FALSE(clip.Intersects({12, 12, 18, 18}));
+  EXPECT_TRUE(clip.Contains({100, 100, 30000, 30000}));
+}
+
+}  // namespace
+}  // namespace quillo::host
