@@ -1,0 +1,250 @@
+#include "host/emf/playback.h"
+
+#include <algorithm>
+#include <utility>
+
+#include "host/emf/rounding.h"
+
+namespace quillo::host::emf {
+
+namespace {
+
+// A file of nothing but EMR_SAVEDC must not fill the memory with states.
+constexpr size_t kMostSaves = 10000;
+
+// Records that leave no trace on a page: what they say of colour management, fonts' identity or the
+// spooler's ways has no place in the driver's pages.
+constexpr uint32_t kWithoutTrace[] = {EMR_HEADER,
+                                      EMR_EOF,
+                                      EMR_GDICOMMENT,
+                                      EMR_SETMAPPERFLAGS,
+                                      EMR_REALIZEPALETTE,
+                                      EMR_SETICMMODE,
+                                      EMR_SETCOLORSPACE,
+                                      EMR_PIXELFORMAT,
+                                      EMR_STARTDOC,
+                                      EMR_FORCEUFIMAPPING,
+                                      EMR_SETLINKEDUFIS,
+                                      EMR_COLORCORRECTPALETTE,
+                                      EMR_SETICMPROFILEA,
+                                      EMR_SETICMPROFILEW,
+                                      EMR_COLORMATCHTOTARGETW};
+
+HandlerTable MakeHandlers() {
+  HandlerTable table{};
+  for (const uint32_t type : kWithoutTrace) table[type] = [](Playback&, PayloadReader&) {};
+  AddStateHandlers(table);
+  AddObjectHandlers(table);
+  AddLineHandlers(table);
+  AddShapeHandlers(table);
+  AddPathHandlers(table);
+  AddClipHandlers(table);
+  AddRegionHandlers(table);
+  return table;
+}
+
+}  // namespace
+
+PlayResult PlayMetafile(MetafileReader& reader, const Transform& to_page, Canvas& canvas) {
+  return Playback(reader, to_page, canvas).PlayAll();
+}
+
+Playback::Playback(MetafileReader& reader, const Transform& to_page, Canvas& canvas)
+    : reader_(reader),
+      canvas_(canvas),
+      device_to_page_(to_page),
+      to_page_(to_page),
+      state_(PageTransform(reader.header().device, reader.header().millimeters)) {}
+
+PlayResult Playback::PlayAll() {
+  while (const auto record = reader_.Next()) {
+    record_ = *record;
+    Play();
+  }
+  return std::move(result_);
+}
+
+void Playback::Play() {
+  static const HandlerTable kHandlers = MakeHandlers();
+  if (record_.type >= kRecordTypeEnd || RecordName(record_.type).starts_with("record")) {
+    Fault("no record has this type; it is passed over");
+    return;
+  }
+  const Handler handler = kHandlers[record_.type];
+  if (handler == nullptr) {
+    NotCarried();
+    return;
+  }
+  PayloadReader payload(record_.bytes);
+  handler(*this, payload);
+  if (!payload.ok()) {
+    Fault("is too short for what it announces (" + std::to_string(record_.bytes.size()) +
+          " bytes)");
+  }
+}
+
+bool Playback::Save() {
+  if (saved_.size() >= kMostSaves) return false;
+  saved_.push_back(state_);
+  return true;
+}
+
+bool Playback::Restore(int32_t level) {
+  const auto depth = static_cast<int64_t>(saved_.size());
+  const int64_t index = level < 0 ? depth + level : int64_t{level} - 1;
+  if (index < 0 || index >= depth) return false;
+  state_ = std::move(saved_[static_cast<size_t>(index)]);
+  saved_.erase(saved_.begin() + static_cast<ptrdiff_t>(index), saved_.end());
+  TransformChanged();
+  ClipChanged();
+  return true;
+}
+
+void Playback::TransformChanged() {
+  to_page_ = state_.world.Then(state_.page.ToDevice()).Then(device_to_page_);
+}
+
+void Playback::ClipChanged() { drawable_ = state_.meta.Combined(state_.clip, RGN_AND); }
+
+DrawState Playback::Drawing() const {
+  DrawState drawing;
+  drawing.clip = drawable_;
+  const PointD origin = device_to_page_.Apply(state_.brush_origin.x, state_.brush_origin.y);
+  drawing.brush_origin = {ToPixel(origin.x), ToPixel(origin.y)};
+  drawing.rop2 = static_cast<uint8_t>(state_.rop2);
+  drawing.opaque_background = state_.background_mode == OPAQUE;
+  return drawing;
+}
+
+FillMode Playback::PolyFillMode() const {
+  return state_.poly_fill_mode == WINDING ? FillMode::kWinding : FillMode::kAlternate;
+}
+
+COLORREF Playback::Resolve(COLORREF color) const {
+  constexpr COLORREF kPaletteIndex = 0x01000000;
+  if ((color & 0xFF000000) == kPaletteIndex) {
+    const std::vector<uint32_t>& colors = state_.palette->colors;
+    const size_t index = color & 0xFFFF;
+    if (index < colors.size()) {
+      const uint32_t entry = colors[index];
+      return RGB(entry >> 16 & 0xFF, entry >> 8 & 0xFF, entry & 0xFF);
+    }
+    return RGB(0, 0, 0);
+  }
+  return color & 0x00FFFFFF;
+}
+
+bool Playback::DescribeBrush(const BrushObject& object, BrushDescription& brush) {
+  brush = BrushDescription::Solid(Resolve(object.color));
+  brush.background = Resolve(state_.background_color);
+  switch (object.kind) {
+    case BrushObject::Kind::kNull:
+      return false;
+    case BrushObject::Kind::kSolid:
+      return true;
+    case BrushObject::Kind::kHatched:
+      brush.kind = BrushDescription::Kind::kHatched;
+      brush.hatch = object.hatch;
+      return true;
+    case BrushObject::Kind::kPattern:
+      brush.kind = BrushDescription::Kind::kPattern;
+      brush.pattern = object.pattern;
+      return true;
+    case BrushObject::Kind::kMonoPattern:
+      brush.kind = BrushDescription::Kind::kPattern;
+      brush.pattern = InTextColors(object.pattern);
+      return true;
+  }
+  return false;
+}
+
+/// `bitmap`, of one bit a pixel, in the colours that the DC has now.
+Shared<BitmapSource> Playback::InTextColors(const Shared<BitmapSource>& bitmap) {
+  const auto swapped = [](COLORREF color) {
+    return static_cast<uint32_t>(GetRValue(color) << 16 | GetGValue(color) << 8 | GetBValue(color));
+  };
+  const std::vector<uint32_t> colors = {swapped(Resolve(state_.text_color)),
+                                        swapped(Resolve(state_.background_color))};
+  if (mono_original_ != bitmap || mono_colored_->palette != colors) {
+    auto colored = std::make_shared<BitmapSource>(*bitmap);
+    colored->palette = colors;
+    mono_original_ = bitmap;
+    mono_colored_ = std::move(colored);
+  }
+  return mono_colored_;
+}
+
+void Playback::Stroke(const Path& outline) {
+  PenDescription pen;
+  if (state_.rop2 == R2_NOP || outline.Empty() || !DescribePen(outline, pen)) return;
+  canvas_.Stroke(outline, pen, Drawing());
+}
+
+void Playback::Fill(const Path& outline) {
+  BrushDescription brush;
+  if (state_.rop2 == R2_NOP || outline.Empty() || !DescribeBrush(*state_.brush, brush)) return;
+  canvas_.Fill(outline, brush, PolyFillMode(), Drawing());
+}
+
+void Playback::StrokeAndFill(const Path& outline) {
+  if (state_.rop2 == R2_NOP || outline.Empty()) return;
+  PenDescription pen;
+  BrushDescription brush;
+  const bool stroked = DescribePen(outline, pen);
+  const bool filled = DescribeBrush(*state_.brush, brush);
+  if (stroked && filled) {
+    canvas_.StrokeAndFill(outline, pen, brush, PolyFillMode(), Drawing());
+  } else if (stroked) {
+    canvas_.Stroke(outline, pen, Drawing());
+  } else if (filled) {
+    canvas_.Fill(outline, brush, PolyFillMode(), Drawing());
+  }
+}
+
+void Playback::StrokeLine(PointL end) {
+  const PointD from = to_page_.Apply(state_.position.x, state_.position.y);
+  const PointD to = to_page_.Apply(end.x, end.y);
+  Path line;
+  line.MoveTo(from.x, from.y);
+  line.LineTo(to.x, to.y);
+  PenDescription pen;
+  if (state_.rop2 == R2_NOP || !DescribePen(line, pen)) return;
+  canvas_.Line(ToPointFix(from.x, from.y), ToPointFix(to.x, to.y), pen, Drawing());
+}
+
+void Playback::DrawOutline(const Path& outline, bool closed_shape) {
+  if (in_path_) {
+    path_.path.Append(outline);
+    path_.figure_open = false;
+  } else if (closed_shape) {
+    StrokeAndFill(outline);
+  } else {
+    Stroke(outline);
+  }
+}
+
+void Playback::BeginPath() {
+  path_ = GrowingPath();
+  in_path_ = true;
+}
+
+void Playback::DropPath() {
+  path_ = GrowingPath();
+  in_path_ = false;
+}
+
+Path Playback::TakePath() {
+  in_path_ = false;
+  return std::exchange(path_, GrowingPath()).path;
+}
+
+Path& Playback::Continue(GrowingPath& path) const {
+  if (!path.figure_open) {
+    const PointD start = to_page_.Apply(state_.position.x, state_.position.y);
+    path.path.MoveTo(start.x, start.y);
+    path.figure_open = true;
+  }
+  return path.path;
+}
+
+}  // namespace quillo::host::emf

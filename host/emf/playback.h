@@ -1,0 +1,133 @@
+#pragma once
+
+#include "base/ddi.h"
+
+#include <array>
+#include <cstdint>
+#include <string>
+#include <vector>
+
+#include "host/emf/dc_state.h"
+#include "host/emf/object_table.h"
+#include "host/emf/payload_reader.h"
+#include "host/emf/player.h"
+#include "host/emf/record_types.h"
+#include "host/engine/canvas.h"
+
+namespace quillo::host::emf {
+
+/// A path that records add to one after the other.
+struct GrowingPath {
+  Path path;
+  bool figure_open = false;  // whether the last figure goes on at its end
+
+  void CloseFigure() {
+    if (figure_open) path.CloseFigure();
+    figure_open = false;
+  }
+};
+
+/// The DC that a metafile is played on: its state, its objects, its open path, and the canvas
+/// behind it. The handlers of the records (player_*.cpp) work on it.
+class Playback {
+ public:
+  Playback(MetafileReader& reader, const Transform& to_page, Canvas& canvas);
+
+  PlayResult PlayAll();
+
+  // -- State ----------------------------------------------------------------------------------
+  DcState& state() { return state_; }
+  ObjectTable& objects() { return objects_; }
+  /// Size of the handle table as the header declares it.
+  uint32_t handle_count() const { return reader_.header().handle_count; }
+  Canvas& canvas() { return canvas_; }
+  bool Save();
+  /// `level` as RestoreDC takes it: negative counts from the last save, positive from the first.
+  bool Restore(int32_t level);
+  /// After a change to the world or page transform.
+  void TransformChanged();
+  /// After a change to the clip or meta region.
+  void ClipChanged();
+
+  // -- Transforms -----------------------------------------------------------------------------
+  /// From logical units to page pixels.
+  const Transform& ToPage() const { return to_page_; }
+  /// From pixels of the reference device to page pixels.
+  const Transform& DeviceToPage() const { return device_to_page_; }
+
+  // -- Drawing --------------------------------------------------------------------------------
+  /// Everything of a DC that a drawing call takes along.
+  DrawState Drawing() const;
+  FillMode PolyFillMode() const;
+  /// The colour itself: palette indexes looked up, the flag byte gone.
+  COLORREF Resolve(COLORREF color) const;
+  /// Whether there is a brush; `brush` gets it as the engine takes it.
+  bool DescribeBrush(const BrushObject& object, BrushDescription& brush);
+  /// Whether there is a pen that draws; `pen` gets it as the engine takes it for this outline.
+  bool DescribePen(const Path& outline, PenDescription& pen);
+
+  // With the DC's pen and brush, as far as they draw.
+  void Stroke(const Path& outline);
+  void Fill(const Path& outline);
+  void StrokeAndFill(const Path& outline);
+  /// From the current position.
+  void StrokeLine(PointL end);
+  /// The outline of a record: into the open path; without one stroked, a closed shape filled too.
+  void DrawOutline(const Path& outline, bool closed_shape);
+
+  // -- Path -----------------------------------------------------------------------------------
+  bool InPath() const { return in_path_; }
+  void BeginPath();
+  void EndPath() { in_path_ = false; }
+  void DropPath();
+  /// The finished path, which is gone from the DC afterwards.
+  Path TakePath();
+  /// The path between begin and end, or the finished one.
+  GrowingPath& path() { return path_; }
+  /// What a record that goes on from the current position adds to: the path, or `alone`.
+  GrowingPath& PathOr(GrowingPath& alone) { return in_path_ ? path_ : alone; }
+  /// The path with a figure that goes on; where there is none, one begins at the current position.
+  Path& Continue(GrowingPath& path) const;
+
+  // -- Reports --------------------------------------------------------------------------------
+  void Fault(std::string what) { reader_.Report(record_, std::move(what)); }
+  void NotCarried() { ++result_.not_carried[RecordName(record_.type)]; }
+  const Record& record() const { return record_; }
+
+ private:
+  void Play();
+  Shared<BitmapSource> InTextColors(const Shared<BitmapSource>& bitmap);
+
+  MetafileReader& reader_;
+  Canvas& canvas_;
+  const Transform device_to_page_;
+  Transform to_page_;
+  DcState state_;
+  std::vector<DcState> saved_;
+  ClipShape drawable_;  // state_.clip and state_.meta together
+  ObjectTable objects_;
+  GrowingPath path_;
+  bool in_path_ = false;
+  Shared<BitmapSource> mono_original_;  // last used in text colours,
+  Shared<BitmapSource> mono_colored_;   // and so coloured
+  Record record_;                       // being played
+  PlayResult result_;
+};
+
+/// Draws one record. Reads all of it first: when the reader is not ok() afterwards, nothing is
+/// drawn and the record counts as damaged.
+using Handler = void (*)(Playback& dc, PayloadReader& record);
+
+/// Handler of each record type; null where there is none.
+using HandlerTable = std::array<Handler, kRecordTypeEnd>;
+
+// One for each file of handlers.
+void AddStateHandlers(HandlerTable& table);
+void AddObjectHandlers(HandlerTable& table);
+void AddLineHandlers(HandlerTable& table);
+void AddShapeHandlers(HandlerTable& table);
+void AddPathHandlers(HandlerTable& table);
+void AddClipHandlers(HandlerTable& table);
+void AddRegionHandlers(HandlerTable& table);
+
+}  // namespace quillo::host::emf

@@ -1,0 +1,211 @@
+// Records that create, select and delete pens, brushes, fonts and palettes.
+
+#include <utility>
+
+#include "host/emf/playback.h"
+
+namespace quillo::host::emf {
+
+namespace {
+
+void Store(Playback& dc, uint32_t index, Object object) {
+  if (index >= dc.handle_count()) {
+    dc.Fault("object " + std::to_string(index) + " is beyond the " +
+             std::to_string(dc.handle_count()) + " handles that the header declares");
+  }
+  dc.objects().Set(index, std::move(object));
+}
+
+/// Fills a brush of style BS_SOLID, BS_HOLLOW or BS_HATCHED; false for other styles.
+bool MakeBrush(Playback& dc, uint32_t style, COLORREF color, uint64_t hatch, BrushObject& brush) {
+  brush.color = color;
+  switch (style) {
+    case BS_SOLID:
+      brush.kind = BrushObject::Kind::kSolid;
+      return true;
+    case BS_HOLLOW:
+      brush.kind = BrushObject::Kind::kNull;
+      return true;
+    case BS_HATCHED:
+      break;
+    default:
+      return false;
+  }
+  // Behind the six hatches stand six that are one colour all over.
+  constexpr uint64_t kSolidColor = 6, kSolidText = 8, kSolidBackground = 10, kEnd = 12;
+  brush.kind = hatch < kSolidColor ? BrushObject::Kind::kHatched : BrushObject::Kind::kSolid;
+  brush.hatch = static_cast<uint32_t>(hatch);
+  if (hatch >= kSolidBackground) {
+    brush.color = dc.state().background_color;
+  } else if (hatch >= kSolidText) {
+    brush.color = dc.state().text_color;
+  }
+  if (hatch >= kEnd) dc.Fault("there is no hatch " + std::to_string(hatch));
+  return hatch < kEnd;
+}
+
+void CreateBrush(Playback& dc, PayloadReader& record) {
+  const auto index = record.Read<uint32_t>();
+  const auto style = record.Read<uint32_t>();
+  const auto color = record.Read<COLORREF>();
+  const auto hatch = record.Read<uint32_t>();
+  BrushObject brush;
+  if (!record.ok()) return;
+  if (!MakeBrush(dc, style, color, hatch, brush)) {
+    dc.Fault("there is no plain brush of style " + std::to_string(style));
+    return;
+  }
+  Store(dc, index, std::make_shared<const BrushObject>(brush));
+}
+
+void CreatePen(Playback& dc, PayloadReader& record) {
+  const auto index = record.Read<uint32_t>();
+  PenObject pen;
+  pen.style = record.Read<uint32_t>() & PS_STYLE_MASK;
+  const auto width = record.Read<int32_t>();
+  record.Skip(4);  // the second half of a POINT that holds the width
+  pen.width = width < 0 ? 0u - static_cast<uint32_t>(width) : static_cast<uint32_t>(width);
+  pen.brush.color = record.Read<COLORREF>();
+  if (record.ok()) Store(dc, index, std::make_shared<const PenObject>(std::move(pen)));
+}
+
+void ExtCreatePen(Playback& dc, PayloadReader& record) {
+  const auto index = record.Read<uint32_t>();
+  record.Skip(16);  // offsets and sizes of a bitmap
+  PenObject pen;
+  pen.simple = false;
+  pen.style = record.Read<uint32_t>();
+  pen.width = record.Read<uint32_t>();
+  const auto brush_style = record.Read<uint32_t>();
+  const auto color = record.Read<COLORREF>();
+  const auto hatch = record.Read<uint32_t>();
+  const auto dash_count = record.Read<uint32_t>();
+  if (pen.LineStyle() == PS_USERSTYLE) pen.dashes = record.ReadArray<uint32_t>(dash_count);
+  if (!record.ok()) return;
+  if (!MakeBrush(dc, brush_style, color, hatch, pen.brush)) {
+    dc.Fault("there is no brush of style " + std::to_string(brush_style) + " for a pen");
+    return;
+  }
+  Store(dc, index, std::make_shared<const PenObject>(std::move(pen)));
+}
+
+void CreateFont(Playback& dc, PayloadReader& record) {
+  const auto index = record.Read<uint32_t>();
+  FontObject font;
+  font.font = record.Read<LOGFONTW>();
+  font.font.lfFaceName[LF_FACESIZE - 1] = L'\0';
+  Store(dc, index, std::make_shared<const FontObject>(font));
+}
+
+/// A colour space holds its place in the table, so that its deletion finds it.
+void CreateOther(Playback& dc, PayloadReader& record) {
+  const auto index = record.Read<uint32_t>();
+  if (record.ok()) Store(dc, index, std::make_shared<const OtherObject>());
+}
+
+void SelectObject(Playback& dc, PayloadReader& record) {
+  const auto index = record.Read<uint32_t>();
+  const Object object = dc.objects().Get(index);
+  if (const auto* pen = std::get_if<Shared<PenObject>>(&object)) {
+    dc.state().pen = *pen;
+  } else if (const auto* brush = std::get_if<Shared<BrushObject>>(&object)) {
+    dc.state().brush = *brush;
+  } else if (const auto* font = std::get_if<Shared<FontObject>>(&object)) {
+    dc.state().font = *font;
+  } else {
+    dc.Fault("object " + std::to_string(index) + " is no pen, brush or font");
+  }
+}
+
+void DeleteObject(Playback& dc, PayloadReader& record) {
+  const auto index = record.Read<uint32_t>();
+  if (!dc.objects().Delete(index)) dc.Fault("there is no object " + std::to_string(index));
+}
+
+// -- Palettes ----------------------------------------------------------------------------------
+
+/// `count` PALETTEENTRYs: red, green, blue, flags.
+std::vector<uint32_t> ReadPaletteEntries(PayloadReader& record, size_t count) {
+  std::vector<uint32_t> colors = record.ReadArray<uint32_t>(count);
+  for (uint32_t& color : colors) color = SwapBytes(color) >> 8;
+  return colors;
+}
+
+void CreatePalette(Playback& dc, PayloadReader& record) {
+  const auto index = record.Read<uint32_t>();
+  record.Skip(2);  // version
+  const auto count = record.Read<uint16_t>();
+  PaletteObject palette{ReadPaletteEntries(record, count)};
+  if (record.ok()) Store(dc, index, std::make_shared<const PaletteObject>(std::move(palette)));
+}
+
+Shared<PaletteObject> FindPalette(Playback& dc, uint32_t index) {
+  const Object object = dc.objects().Get(index);
+  const auto* palette = std::get_if<Shared<PaletteObject>>(&object);
+  if (palette != nullptr) return *palette;
+  dc.Fault("object " + std::to_string(index) + " is no palette");
+  return nullptr;
+}
+
+void SelectPalette(Playback& dc, PayloadReader& record) {
+  if (auto palette = FindPalette(dc, record.Read<uint32_t>())) dc.state().palette = palette;
+}
+
+/// Puts a changed palette in the place of the old one, also where that is selected.
+void ReplacePalette(Playback& dc, uint32_t index, const Shared<PaletteObject>& old,
+                    PaletteObject changed) {
+  auto palette = std::make_shared<const PaletteObject>(std::move(changed));
+  if (dc.state().palette == old) dc.state().palette = palette;
+  dc.objects().Set(index, std::move(palette));
+}
+
+void SetPaletteEntries(Playback& dc, PayloadReader& record) {
+  const auto index = record.Read<uint32_t>();
+  const auto start = record.Read<uint32_t>();
+  const auto colors = ReadPaletteEntries(record, record.Read<uint32_t>());
+  if (!record.ok()) return;
+  const auto old = FindPalette(dc, index);
+  if (old == nullptr) return;
+  if (!RangeFits(old->colors.size(), start, colors.size())) {
+    dc.Fault("entries beyond the palette's end");
+    return;
+  }
+  PaletteObject changed = *old;
+  std::copy(colors.begin(), colors.end(), changed.colors.begin() + static_cast<ptrdiff_t>(start));
+  ReplacePalette(dc, index, old, std::move(changed));
+}
+
+void ResizePalette(Playback& dc, PayloadReader& record) {
+  constexpr uint32_t kMostEntries = 1024;  // as ResizePalette takes
+  const auto index = record.Read<uint32_t>();
+  const auto count = record.Read<uint32_t>();
+  const auto old = FindPalette(dc, index);
+  if (old == nullptr) return;
+  if (count > kMostEntries) {
+    dc.Fault("a palette of " + std::to_string(count) + " entries");
+    return;
+  }
+  PaletteObject changed = *old;
+  changed.colors.resize(count);
+  ReplacePalette(dc, index, old, std::move(changed));
+}
+
+}  // namespace
+
+void AddObjectHandlers(HandlerTable& table) {
+  table[EMR_CREATEBRUSHINDIRECT] = CreateBrush;
+  table[EMR_CREATEPEN] = CreatePen;
+  table[EMR_EXTCREATEPEN] = ExtCreatePen;
+  table[EMR_EXTCREATEFONTINDIRECTW] = CreateFont;
+  table[EMR_CREATECOLORSPACE] = CreateOther;
+  table[EMR_CREATECOLORSPACEW] = CreateOther;
+  table[EMR_SELECTOBJECT] = SelectObject;
+  table[EMR_DELETEOBJECT] = DeleteObject;
+  table[EMR_DELETECOLORSPACE] = DeleteObject;
+  table[EMR_CREATEPALETTE] = CreatePalette;
+  table[EMR_SELECTPALETTE] = SelectPalette;
+  table[EMR_SETPALETTEENTRIES] = SetPaletteEntries;
+  table[EMR_RESIZEPALETTE] = ResizePalette;
+}
+
+}  // namespace quillo::host::emf

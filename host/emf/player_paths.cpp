@@ -1,0 +1,64 @@
+// Records of the path bracket: begin, end, and what is made of a finished path.
+
+#include "host/emf/playback.h"
+#include "host/emf/widen.h"
+
+namespace quillo::host::emf {
+
+namespace {
+
+void BeginPath(Playback& dc, PayloadReader&) { dc.BeginPath(); }
+void EndPath(Playback& dc, PayloadReader&) { dc.EndPath(); }
+void AbortPath(Playback& dc, PayloadReader&) { dc.DropPath(); }
+
+void CloseFigure(Playback& dc, PayloadReader&) {
+  if (!dc.InPath()) {
+    dc.Fault("there is no open path");
+    return;
+  }
+  dc.path().CloseFigure();
+}
+
+// An open path is ended by the drawing: files exist whose writers forgot to do it.
+
+void FillPath(Playback& dc, PayloadReader&) { dc.Fill(dc.TakePath()); }
+void StrokePath(Playback& dc, PayloadReader&) { dc.Stroke(dc.TakePath()); }
+void StrokeAndFillPath(Playback& dc, PayloadReader&) { dc.StrokeAndFill(dc.TakePath()); }
+
+void FlattenPath(Playback& dc, PayloadReader&) { dc.path().path = dc.path().path.Flattened(); }
+
+void WidenPath(Playback& dc, PayloadReader&) {
+  PenDescription pen;
+  Path& path = dc.path().path;
+  if (dc.DescribePen(path, pen)) path = Widened(path, pen);
+}
+
+void SelectClipPath(Playback& dc, PayloadReader& record) {
+  const auto mode = record.Read<uint32_t>();
+  const Path path = dc.TakePath();
+  if (mode < RGN_AND || mode > RGN_COPY) {
+    dc.Fault("there is no way " + std::to_string(mode) + " to combine regions");
+    return;
+  }
+  DcState& state = dc.state();
+  const auto shape = ClipShape::OfPath(path, dc.PolyFillMode());
+  state.clip = state.clip.Combined(shape, static_cast<int>(mode));
+  dc.ClipChanged();
+}
+
+}  // namespace
+
+void AddPathHandlers(HandlerTable& table) {
+  table[EMR_BEGINPATH] = BeginPath;
+  table[EMR_ENDPATH] = EndPath;
+  table[EMR_ABORTPATH] = AbortPath;
+  table[EMR_CLOSEFIGURE] = CloseFigure;
+  table[EMR_FILLPATH] = FillPath;
+  table[EMR_STROKEPATH] = StrokePath;
+  table[EMR_STROKEANDFILLPATH] = StrokeAndFillPath;
+  table[EMR_FLATTENPATH] = FlattenPath;
+  table[EMR_WIDENPATH] = WidenPath;
+  table[EMR_SELECTCLIPPATH] = SelectClipPath;
+}
+
+}  // namespace quillo::host::emf

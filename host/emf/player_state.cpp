@@ -1,0 +1,169 @@
+// Records that change the DC's settings: modes, colours, mapping, transforms, save and restore.
+
+#include "host/emf/playback.h"
+
+namespace quillo::host::emf {
+
+namespace {
+
+/// A handler that puts the record's one number into `field` when it lies in [least, most].
+template <auto field, uint32_t least, uint32_t most>
+void SetNumber(Playback& dc, PayloadReader& record) {
+  const auto value = record.Read<uint32_t>();
+  if (value < least || value > most) {
+    dc.Fault("there is no mode " + std::to_string(value));
+    return;
+  }
+  dc.state().*field = value;
+}
+
+template <auto field>
+void SetColor(Playback& dc, PayloadReader& record) {
+  dc.state().*field = record.Read<uint32_t>();
+}
+
+void SetTextAlign(Playback& dc, PayloadReader& record) {
+  dc.state().text_align = record.Read<uint32_t>();
+}
+
+void SetMiterLimit(Playback& dc, PayloadReader& record) {
+  // The published format has an integer here; what GDI writes is a float. An integer of a sensible
+  // size reads as a float that is almost 0.
+  const auto as_float = record.Read<float>();
+  const auto as_integer = LoadOrZero<uint32_t>(record.record(), 8);
+  const float limit = as_integer < 0x00800000 ? static_cast<float>(as_integer) : as_float;
+  if (!(limit >= 1)) {
+    dc.Fault("a miter limit below 1");
+    return;
+  }
+  dc.state().miter_limit = limit;
+}
+
+void SetBrushOrigin(Playback& dc, PayloadReader& record) {
+  dc.state().brush_origin = record.Read<PointL>();
+}
+
+void SetTextJustification(Playback& dc, PayloadReader& record) {
+  dc.state().break_extra = record.Read<int32_t>();
+  dc.state().break_count = record.Read<uint32_t>();
+}
+
+void SetLayout(Playback& dc, PayloadReader& record) {
+  if ((record.Read<uint32_t>() & LAYOUT_RTL) != 0) dc.NotCarried();
+}
+
+// -- Mapping -----------------------------------------------------------------------------------
+
+void SetMapMode(Playback& dc, PayloadReader& record) {
+  const auto mode = record.Read<uint32_t>();
+  if (!dc.state().page.SetMapMode(mode)) {
+    dc.Fault("there is no mapping mode " + std::to_string(mode));
+  }
+  dc.TransformChanged();
+}
+
+template <auto set>
+void SetOrigin(Playback& dc, PayloadReader& record) {
+  (dc.state().page.*set)(record.Read<PointL>());
+  dc.TransformChanged();
+}
+
+template <auto set>
+void SetExtent(Playback& dc, PayloadReader& record) {
+  if (!(dc.state().page.*set)(record.Read<SizeL>())) dc.Fault("an extent of 0");
+  dc.TransformChanged();
+}
+
+template <auto scale>
+void ScaleExtent(Playback& dc, PayloadReader& record) {
+  PointL multiply, divide;
+  multiply.x = record.Read<int32_t>();
+  divide.x = record.Read<int32_t>();
+  multiply.y = record.Read<int32_t>();
+  divide.y = record.Read<int32_t>();
+  if (!(dc.state().page.*scale)(multiply, divide)) dc.Fault("an extent scaled by 0");
+  dc.TransformChanged();
+}
+
+// -- World transform ---------------------------------------------------------------------------
+
+Transform ReadTransform(PayloadReader& record) {
+  Transform map;
+  for (double* value : {&map.m11, &map.m12, &map.m21, &map.m22, &map.dx, &map.dy}) {
+    *value = record.Read<float>();
+  }
+  return map;
+}
+
+void ChangeWorld(Playback& dc, const Transform& world) {
+  if (!world.Usable()) {
+    dc.Fault("the transform has no inverse");
+    return;
+  }
+  dc.state().world = world;
+  dc.TransformChanged();
+}
+
+void SetWorldTransform(Playback& dc, PayloadReader& record) {
+  ChangeWorld(dc, ReadTransform(record));
+}
+
+void ModifyWorldTransform(Playback& dc, PayloadReader& record) {
+  constexpr uint32_t kSet = 4;  // MWT_SET
+  const Transform map = ReadTransform(record);
+  const Transform& world = dc.state().world;
+  switch (const auto mode = record.Read<uint32_t>()) {
+    case MWT_IDENTITY:
+      return ChangeWorld(dc, Transform());
+    case MWT_LEFTMULTIPLY:
+      return ChangeWorld(dc, map.Then(world));
+    case MWT_RIGHTMULTIPLY:
+      return ChangeWorld(dc, world.Then(map));
+    case kSet:
+      return ChangeWorld(dc, map);
+    default:
+      dc.Fault("there is no mode " + std::to_string(mode));
+  }
+}
+
+// -- Save and restore --------------------------------------------------------------------------
+
+void SaveState(Playback& dc, PayloadReader&) {
+  if (!dc.Save()) dc.Fault("too many saved states");
+}
+
+void RestoreState(Playback& dc, PayloadReader& record) {
+  const auto level = record.Read<int32_t>();
+  if (!dc.Restore(level)) dc.Fault("there is no saved state " + std::to_string(level));
+}
+
+}  // namespace
+
+void AddStateHandlers(HandlerTable& table) {
+  table[EMR_SETBKMODE] = SetNumber<&DcState::background_mode, TRANSPARENT, OPAQUE>;
+  table[EMR_SETPOLYFILLMODE] = SetNumber<&DcState::poly_fill_mode, ALTERNATE, WINDING>;
+  table[EMR_SETROP2] = SetNumber<&DcState::rop2, R2_BLACK, R2_WHITE>;
+  table[EMR_SETSTRETCHBLTMODE] = SetNumber<&DcState::stretch_mode, BLACKONWHITE, HALFTONE>;
+  table[EMR_SETARCDIRECTION] =
+      SetNumber<&DcState::arc_direction, AD_COUNTERCLOCKWISE, AD_CLOCKWISE>;
+  table[EMR_SETTEXTCOLOR] = SetColor<&DcState::text_color>;
+  table[EMR_SETBKCOLOR] = SetColor<&DcState::background_color>;
+  table[EMR_SETTEXTALIGN] = SetTextAlign;
+  table[EMR_SETMITERLIMIT] = SetMiterLimit;
+  table[EMR_SETBRUSHORGEX] = SetBrushOrigin;
+  table[EMR_SETTEXTJUSTIFICATION] = SetTextJustification;
+  table[EMR_SETLAYOUT] = SetLayout;
+  table[EMR_SETMAPMODE] = SetMapMode;
+  table[EMR_SETWINDOWORGEX] = SetOrigin<&PageTransform::SetWindowOrigin>;
+  table[EMR_SETVIEWPORTORGEX] = SetOrigin<&PageTransform::SetViewportOrigin>;
+  table[EMR_SETWINDOWEXTEX] = SetExtent<&PageTransform::SetWindowExtent>;
+  table[EMR_SETVIEWPORTEXTEX] = SetExtent<&PageTransform::SetViewportExtent>;
+  table[EMR_SCALEWINDOWEXTEX] = ScaleExtent<&PageTransform::ScaleWindowExtent>;
+  table[EMR_SCALEVIEWPORTEXTEX] = ScaleExtent<&PageTransform::ScaleViewportExtent>;
+  table[EMR_SETWORLDTRANSFORM] = SetWorldTransform;
+  table[EMR_MODIFYWORLDTRANSFORM] = ModifyWorldTransform;
+  table[EMR_SAVEDC] = SaveState;
+  table[EMR_RESTOREDC] = RestoreState;
+}
+
+}  // namespace quillo::host::emf
