@@ -23,8 +23,8 @@ struct BrushObject {
 
   Kind kind = Kind::kSolid;
   COLORREF color = 0;
-  uint32_t hatch = 0;                           // HS_HORIZONTAL to HS_DIAGCROSS
-  std::shared_ptr<const BitmapSource> pattern;  // not null for the two kinds with a bitmap
+  uint32_t hatch = 0;                             // HS_HORIZONTAL to HS_DIAGCROSS
+  std::shared_ptr<const BitmapSource> pattern{};  // not null for the two kinds with a bitmap
 };
 
 /// A pen as a record creates it.
@@ -32,8 +32,8 @@ struct PenObject {
   uint32_t style = PS_SOLID;  // PS_*: line style, end cap, join, cosmetic or geometric
   uint32_t width = 0;         // logical units; 0: one device pixel
   bool simple = true;         // from EMR_CREATEPEN: geometric unless its width is 0
-  BrushObject brush;
-  std::vector<uint32_t> dashes;  // of PS_USERSTYLE
+  BrushObject brush{};
+  std::vector<uint32_t> dashes{};  // of PS_USERSTYLE
 
   uint32_t LineStyle() const { return style & PS_STYLE_MASK; }
 };

@@ -14,21 +14,21 @@ constexpr size_t kMostSaves = 10000;
 
 // Records that leave no trace on a page: what they say of colour management, fonts' identity or the
 // spooler's ways has no place in the driver's pages.
-constexpr uint32_t kWithoutTrace[] = {EMR_HEADER,
-                                      EMR_EOF,
-                                      EMR_GDICOMMENT,
-                                      EMR_SETMAPPERFLAGS,
-                                      EMR_REALIZEPALETTE,
-                                      EMR_SETICMMODE,
-                                      EMR_SETCOLORSPACE,
-                                      EMR_PIXELFORMAT,
-                                      EMR_STARTDOC,
-                                      EMR_FORCEUFIMAPPING,
-                                      EMR_SETLINKEDUFIS,
-                                      EMR_COLORCORRECTPALETTE,
-                                      EMR_SETICMPROFILEA,
-                                      EMR_SETICMPROFILEW,
-                                      EMR_COLORMATCHTOTARGETW};
+constexpr uint32_t kWithoutTrace[] = {kEmrHEADER,
+                                      kEmrEOF,
+                                      kEmrGDICOMMENT,
+                                      kEmrSETMAPPERFLAGS,
+                                      kEmrREALIZEPALETTE,
+                                      kEmrSETICMMODE,
+                                      kEmrSETCOLORSPACE,
+                                      kEmrPIXELFORMAT,
+                                      kEmrSTARTDOC,
+                                      kEmrFORCEUFIMAPPING,
+                                      kEmrSETLINKEDUFIS,
+                                      kEmrCOLORCORRECTPALETTE,
+                                      kEmrSETICMPROFILEA,
+                                      kEmrSETICMPROFILEW,
+                                      kEmrCOLORMATCHTOTARGETW};
 
 HandlerTable MakeHandlers() {
   HandlerTable table{};

@@ -60,11 +60,11 @@ void SetMetaRegion(Playback& dc, PayloadReader&) {
 }  // namespace
 
 void AddClipHandlers(HandlerTable& table) {
-  table[EMR_INTERSECTCLIPRECT] = IntersectClipRect;
-  table[EMR_EXCLUDECLIPRECT] = ExcludeClipRect;
-  table[EMR_OFFSETCLIPRGN] = OffsetClip;
-  table[EMR_EXTSELECTCLIPRGN] = SelectClipRegion;
-  table[EMR_SETMETARGN] = SetMetaRegion;
+  table[kEmrINTERSECTCLIPRECT] = IntersectClipRect;
+  table[kEmrEXCLUDECLIPRECT] = ExcludeClipRect;
+  table[kEmrOFFSETCLIPRGN] = OffsetClip;
+  table[kEmrEXTSELECTCLIPRGN] = SelectClipRegion;
+  table[kEmrSETMETARGN] = SetMetaRegion;
 }
 
 }  // namespace quillo::host::emf

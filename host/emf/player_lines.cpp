@@ -194,24 +194,24 @@ void PlayPolyDraw(Playback& dc, PayloadReader& record) {
 }  // namespace
 
 void AddLineHandlers(HandlerTable& table) {
-  table[EMR_POLYLINE] = PlayPoly<PointL, false>;
-  table[EMR_POLYLINE16] = PlayPoly<PointS, false>;
-  table[EMR_POLYGON] = PlayPoly<PointL, true>;
-  table[EMR_POLYGON16] = PlayPoly<PointS, true>;
-  table[EMR_POLYPOLYLINE] = PlayPolyPoly<PointL, false>;
-  table[EMR_POLYPOLYLINE16] = PlayPolyPoly<PointS, false>;
-  table[EMR_POLYPOLYGON] = PlayPolyPoly<PointL, true>;
-  table[EMR_POLYPOLYGON16] = PlayPolyPoly<PointS, true>;
-  table[EMR_POLYBEZIER] = PlayPolyBezier<PointL>;
-  table[EMR_POLYBEZIER16] = PlayPolyBezier<PointS>;
-  table[EMR_POLYLINETO] = PlayPolyLineTo<PointL>;
-  table[EMR_POLYLINETO16] = PlayPolyLineTo<PointS>;
-  table[EMR_POLYBEZIERTO] = PlayPolyBezierTo<PointL>;
-  table[EMR_POLYBEZIERTO16] = PlayPolyBezierTo<PointS>;
-  table[EMR_POLYDRAW] = PlayPolyDraw<PointL>;
-  table[EMR_POLYDRAW16] = PlayPolyDraw<PointS>;
-  table[EMR_MOVETOEX] = PlayMoveTo;
-  table[EMR_LINETO] = PlayLineTo;
+  table[kEmrPOLYLINE] = PlayPoly<PointL, false>;
+  table[kEmrPOLYLINE16] = PlayPoly<PointS, false>;
+  table[kEmrPOLYGON] = PlayPoly<PointL, true>;
+  table[kEmrPOLYGON16] = PlayPoly<PointS, true>;
+  table[kEmrPOLYPOLYLINE] = PlayPolyPoly<PointL, false>;
+  table[kEmrPOLYPOLYLINE16] = PlayPolyPoly<PointS, false>;
+  table[kEmrPOLYPOLYGON] = PlayPolyPoly<PointL, true>;
+  table[kEmrPOLYPOLYGON16] = PlayPolyPoly<PointS, true>;
+  table[kEmrPOLYBEZIER] = PlayPolyBezier<PointL>;
+  table[kEmrPOLYBEZIER16] = PlayPolyBezier<PointS>;
+  table[kEmrPOLYLINETO] = PlayPolyLineTo<PointL>;
+  table[kEmrPOLYLINETO16] = PlayPolyLineTo<PointS>;
+  table[kEmrPOLYBEZIERTO] = PlayPolyBezierTo<PointL>;
+  table[kEmrPOLYBEZIERTO16] = PlayPolyBezierTo<PointS>;
+  table[kEmrPOLYDRAW] = PlayPolyDraw<PointL>;
+  table[kEmrPOLYDRAW16] = PlayPolyDraw<PointS>;
+  table[kEmrMOVETOEX] = PlayMoveTo;
+  table[kEmrLINETO] = PlayLineTo;
 }
 
 }  // namespace quillo::host::emf

@@ -193,19 +193,19 @@ void ResizePalette(Playback& dc, PayloadReader& record) {
 }  // namespace
 
 void AddObjectHandlers(HandlerTable& table) {
-  table[EMR_CREATEBRUSHINDIRECT] = CreateBrush;
-  table[EMR_CREATEPEN] = CreatePen;
-  table[EMR_EXTCREATEPEN] = ExtCreatePen;
-  table[EMR_EXTCREATEFONTINDIRECTW] = CreateFont;
-  table[EMR_CREATECOLORSPACE] = CreateOther;
-  table[EMR_CREATECOLORSPACEW] = CreateOther;
-  table[EMR_SELECTOBJECT] = SelectObject;
-  table[EMR_DELETEOBJECT] = DeleteObject;
-  table[EMR_DELETECOLORSPACE] = DeleteObject;
-  table[EMR_CREATEPALETTE] = CreatePalette;
-  table[EMR_SELECTPALETTE] = SelectPalette;
-  table[EMR_SETPALETTEENTRIES] = SetPaletteEntries;
-  table[EMR_RESIZEPALETTE] = ResizePalette;
+  table[kEmrCREATEBRUSHINDIRECT] = CreateBrush;
+  table[kEmrCREATEPEN] = CreatePen;
+  table[kEmrEXTCREATEPEN] = ExtCreatePen;
+  table[kEmrEXTCREATEFONTINDIRECTW] = CreateFont;
+  table[kEmrCREATECOLORSPACE] = CreateOther;
+  table[kEmrCREATECOLORSPACEW] = CreateOther;
+  table[kEmrSELECTOBJECT] = SelectObject;
+  table[kEmrDELETEOBJECT] = DeleteObject;
+  table[kEmrDELETECOLORSPACE] = DeleteObject;
+  table[kEmrCREATEPALETTE] = CreatePalette;
+  table[kEmrSELECTPALETTE] = SelectPalette;
+  table[kEmrSETPALETTEENTRIES] = SetPaletteEntries;
+  table[kEmrRESIZEPALETTE] = ResizePalette;
 }
 
 }  // namespace quillo::host::emf

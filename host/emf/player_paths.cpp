@@ -49,16 +49,16 @@ void SelectClipPath(Playback& dc, PayloadReader& record) {
 }  // namespace
 
 void AddPathHandlers(HandlerTable& table) {
-  table[EMR_BEGINPATH] = BeginPath;
-  table[EMR_ENDPATH] = EndPath;
-  table[EMR_ABORTPATH] = AbortPath;
-  table[EMR_CLOSEFIGURE] = CloseFigure;
-  table[EMR_FILLPATH] = FillPath;
-  table[EMR_STROKEPATH] = StrokePath;
-  table[EMR_STROKEANDFILLPATH] = StrokeAndFillPath;
-  table[EMR_FLATTENPATH] = FlattenPath;
-  table[EMR_WIDENPATH] = WidenPath;
-  table[EMR_SELECTCLIPPATH] = SelectClipPath;
+  table[kEmrBEGINPATH] = BeginPath;
+  table[kEmrENDPATH] = EndPath;
+  table[kEmrABORTPATH] = AbortPath;
+  table[kEmrCLOSEFIGURE] = CloseFigure;
+  table[kEmrFILLPATH] = FillPath;
+  table[kEmrSTROKEPATH] = StrokePath;
+  table[kEmrSTROKEANDFILLPATH] = StrokeAndFillPath;
+  table[kEmrFLATTENPATH] = FlattenPath;
+  table[kEmrWIDENPATH] = WidenPath;
+  table[kEmrSELECTCLIPPATH] = SelectClipPath;
 }
 
 }  // namespace quillo::host::emf

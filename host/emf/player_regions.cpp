@@ -82,10 +82,10 @@ void PaintRegion(Playback& dc, PayloadReader& record) {
 }  // namespace
 
 void AddRegionHandlers(HandlerTable& table) {
-  table[EMR_FILLRGN] = FillRegion;
-  table[EMR_FRAMERGN] = FrameRegion;
-  table[EMR_INVERTRGN] = InvertRegion;
-  table[EMR_PAINTRGN] = PaintRegion;
+  table[kEmrFILLRGN] = FillRegion;
+  table[kEmrFRAMERGN] = FrameRegion;
+  table[kEmrINVERTRGN] = InvertRegion;
+  table[kEmrPAINTRGN] = PaintRegion;
 }
 
 }  // namespace quillo::host::emf

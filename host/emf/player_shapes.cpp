@@ -174,14 +174,14 @@ void PlayAngleArc(Playback& dc, PayloadReader& record) {
 }  // namespace
 
 void AddShapeHandlers(HandlerTable& table) {
-  table[EMR_RECTANGLE] = PlayRectangle;
-  table[EMR_ELLIPSE] = PlayEllipse;
-  table[EMR_ROUNDRECT] = PlayRoundRect;
-  table[EMR_ARC] = PlayArc<ArcShape::kArc>;
-  table[EMR_CHORD] = PlayArc<ArcShape::kChord>;
-  table[EMR_PIE] = PlayArc<ArcShape::kPie>;
-  table[EMR_ARCTO] = PlayArcTo;
-  table[EMR_ANGLEARC] = PlayAngleArc;
+  table[kEmrRECTANGLE] = PlayRectangle;
+  table[kEmrELLIPSE] = PlayEllipse;
+  table[kEmrROUNDRECT] = PlayRoundRect;
+  table[kEmrARC] = PlayArc<ArcShape::kArc>;
+  table[kEmrCHORD] = PlayArc<ArcShape::kChord>;
+  table[kEmrPIE] = PlayArc<ArcShape::kPie>;
+  table[kEmrARCTO] = PlayArcTo;
+  table[kEmrANGLEARC] = PlayAngleArc;
 }
 
 }  // namespace quillo::host::emf

@@ -140,30 +140,30 @@ void RestoreState(Playback& dc, PayloadReader& record) {
 }  // namespace
 
 void AddStateHandlers(HandlerTable& table) {
-  table[EMR_SETBKMODE] = SetNumber<&DcState::background_mode, TRANSPARENT, OPAQUE>;
-  table[EMR_SETPOLYFILLMODE] = SetNumber<&DcState::poly_fill_mode, ALTERNATE, WINDING>;
-  table[EMR_SETROP2] = SetNumber<&DcState::rop2, R2_BLACK, R2_WHITE>;
-  table[EMR_SETSTRETCHBLTMODE] = SetNumber<&DcState::stretch_mode, BLACKONWHITE, HALFTONE>;
-  table[EMR_SETARCDIRECTION] =
+  table[kEmrSETBKMODE] = SetNumber<&DcState::background_mode, TRANSPARENT, OPAQUE>;
+  table[kEmrSETPOLYFILLMODE] = SetNumber<&DcState::poly_fill_mode, ALTERNATE, WINDING>;
+  table[kEmrSETROP2] = SetNumber<&DcState::rop2, R2_BLACK, R2_WHITE>;
+  table[kEmrSETSTRETCHBLTMODE] = SetNumber<&DcState::stretch_mode, BLACKONWHITE, HALFTONE>;
+  table[kEmrSETARCDIRECTION] =
       SetNumber<&DcState::arc_direction, AD_COUNTERCLOCKWISE, AD_CLOCKWISE>;
-  table[EMR_SETTEXTCOLOR] = SetColor<&DcState::text_color>;
-  table[EMR_SETBKCOLOR] = SetColor<&DcState::background_color>;
-  table[EMR_SETTEXTALIGN] = SetTextAlign;
-  table[EMR_SETMITERLIMIT] = SetMiterLimit;
-  table[EMR_SETBRUSHORGEX] = SetBrushOrigin;
-  table[EMR_SETTEXTJUSTIFICATION] = SetTextJustification;
-  table[EMR_SETLAYOUT] = SetLayout;
-  table[EMR_SETMAPMODE] = SetMapMode;
-  table[EMR_SETWINDOWORGEX] = SetOrigin<&PageTransform::SetWindowOrigin>;
-  table[EMR_SETVIEWPORTORGEX] = SetOrigin<&PageTransform::SetViewportOrigin>;
-  table[EMR_SETWINDOWEXTEX] = SetExtent<&PageTransform::SetWindowExtent>;
-  table[EMR_SETVIEWPORTEXTEX] = SetExtent<&PageTransform::SetViewportExtent>;
-  table[EMR_SCALEWINDOWEXTEX] = ScaleExtent<&PageTransform::ScaleWindowExtent>;
-  table[EMR_SCALEVIEWPORTEXTEX] = ScaleExtent<&PageTransform::ScaleViewportExtent>;
-  table[EMR_SETWORLDTRANSFORM] = SetWorldTransform;
-  table[EMR_MODIFYWORLDTRANSFORM] = ModifyWorldTransform;
-  table[EMR_SAVEDC] = SaveState;
-  table[EMR_RESTOREDC] = RestoreState;
+  table[kEmrSETTEXTCOLOR] = SetColor<&DcState::text_color>;
+  table[kEmrSETBKCOLOR] = SetColor<&DcState::background_color>;
+  table[kEmrSETTEXTALIGN] = SetTextAlign;
+  table[kEmrSETMITERLIMIT] = SetMiterLimit;
+  table[kEmrSETBRUSHORGEX] = SetBrushOrigin;
+  table[kEmrSETTEXTJUSTIFICATION] = SetTextJustification;
+  table[kEmrSETLAYOUT] = SetLayout;
+  table[kEmrSETMAPMODE] = SetMapMode;
+  table[kEmrSETWINDOWORGEX] = SetOrigin<&PageTransform::SetWindowOrigin>;
+  table[kEmrSETVIEWPORTORGEX] = SetOrigin<&PageTransform::SetViewportOrigin>;
+  table[kEmrSETWINDOWEXTEX] = SetExtent<&PageTransform::SetWindowExtent>;
+  table[kEmrSETVIEWPORTEXTEX] = SetExtent<&PageTransform::SetViewportExtent>;
+  table[kEmrSCALEWINDOWEXTEX] = ScaleExtent<&PageTransform::ScaleWindowExtent>;
+  table[kEmrSCALEVIEWPORTEXTEX] = ScaleExtent<&PageTransform::ScaleViewportExtent>;
+  table[kEmrSETWORLDTRANSFORM] = SetWorldTransform;
+  table[kEmrMODIFYWORLDTRANSFORM] = ModifyWorldTransform;
+  table[kEmrSAVEDC] = SaveState;
+  table[kEmrRESTOREDC] = RestoreState;
 }
 
 }  // namespace quillo::host::emf

@@ -69,7 +69,7 @@ MetafileReader::MetafileReader(Bytes file) : file_(file) {
 }
 
 void MetafileReader::ReadHeader() {
-  if (LoadOrZero<uint32_t>(file_) != EMR_HEADER ||
+  if (LoadOrZero<uint32_t>(file_) != kEmrHEADER ||
       (file_.size() >= 44 && LoadOrZero<uint32_t>(file_, 40) != kSignature)) {
     throw UnreadableMetafile(NameOtherKind(file_));
   }
@@ -98,7 +98,7 @@ void MetafileReader::ReadHeader() {
         "is damaged: record 1 (EMR_HEADER) gives a reference device of no size");
   }
 
-  const Record header_record{1, EMR_HEADER, file_.first(size)};
+  const Record header_record{1, kEmrHEADER, file_.first(size)};
   if (description_length != 0) {
     const size_t bytes = size_t{description_length} * sizeof(char16_t);
     if (RangeFits(size, description_offset, bytes)) {
@@ -119,10 +119,10 @@ void MetafileReader::RefuseEmfPlusOnly() {
   for (size_t at = 0; file_.size() - at >= 8;) {
     const auto type = LoadOrZero<uint32_t>(file_, at);
     const auto size = LoadOrZero<uint32_t>(file_, at + 4);
-    if (size < 8 || size > file_.size() - at || type == EMR_EOF) return;
+    if (size < 8 || size > file_.size() - at || type == kEmrEOF) return;
     PayloadReader comment(file_.subspan(at, size));
     at += size;
-    if (type != EMR_GDICOMMENT) continue;
+    if (type != kEmrGDICOMMENT) continue;
     comment.Skip(4);  // data size
     if (comment.Read<uint32_t>() != kEmfPlusComment) continue;
     const auto plus_type = comment.Read<uint16_t>();
@@ -154,7 +154,7 @@ std::optional<Record> MetafileReader::Step() {
   Record record{index_, LoadOrZero<uint32_t>(rest), rest};
   if (rest.size() < 8) {
     --record.index;
-    record.type = EMR_EOF;
+    record.type = kEmrEOF;
     Stop(record, "the file ends without it");
     return std::nullopt;
   }
@@ -167,7 +167,7 @@ std::optional<Record> MetafileReader::Step() {
   record.bytes = rest.first(size);
   at_ += size;
   if (size % 4 != 0) Report(record, "its size " + std::to_string(size) + " is no multiple of 4");
-  if (record.type == EMR_EOF) {
+  if (record.type == kEmrEOF) {
     ended_ = true;
     CheckEnd(record);
   }

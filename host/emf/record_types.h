@@ -6,14 +6,15 @@
 
 namespace quillo::host::emf {
 
-/// The record types, numbered as the file holds them. (Prefixed: `EOF` alone is a macro.)
+/// The record types, numbered as the file holds them. (Windows' own names for them are
+/// macros.)
 enum RecordType : uint32_t {
-#define QUILLO_EMF_RECORD(number, name, least_bytes) EMR_##name = number,
+#define QUILLO_EMF_RECORD(number, name, least_bytes) kEmr##name = number,
 #include "host/emf/record_list.h"
 #undef QUILLO_EMF_RECORD
 };
 
-inline constexpr uint32_t kRecordTypeEnd = EMR_CREATECOLORSPACEW + 1;
+inline constexpr uint32_t kRecordTypeEnd = kEmrCREATECOLORSPACEW + 1;
 
 /// "EMR_POLYGON16", or "record type 250" for a number that names none.
 std::string RecordName(uint32_t type);

@@ -15,7 +15,7 @@ class MetafileBuilder {
  public:
   /// Header of 88 bytes: a 100 x 50 pixel drawing on a device of 1000 x 500 pixels, 200 x 100 mm.
   MetafileBuilder() {
-    Add(EMR_HEADER, {0,          0,          99,   49,    // bounds, pixels
+    Add(kEmrHEADER, {0,          0,          99,   49,    // bounds, pixels
                      0,          0,          2000, 1000,  // frame, 0.01 mm
                      0x464D4520, 0x00010000,              // signature, version
                      0,          0,                       // bytes, records: set by Finish()
@@ -47,7 +47,7 @@ class MetafileBuilder {
 
   /// Adds the end record and sets the header's counts.
   std::vector<std::byte> Finish() {
-    Add(EMR_EOF, {0, 16, 20});
+    Add(kEmrEOF, {0, 16, 20});
     Patch(48, static_cast<uint32_t>(bytes_.size()));
     Patch(52, records_);
     return bytes_;

@@ -31,8 +31,8 @@ Bytes AsBytes(std::string_view text) { return std::as_bytes(std::span(text)); }
 
 TEST(MetafileReader, WellFormedFile_YieldsEveryRecord) {
   MetafileBuilder file;
-  file.Add(EMR_SETPOLYFILLMODE, {2});
-  file.Add(EMR_BEGINPATH);
+  file.Add(kEmrSETPOLYFILLMODE, {2});
+  file.Add(kEmrBEGINPATH);
   EXPECT_EQ(Outcome(file.Finish()), "EMR_HEADER EMR_SETPOLYFILLMODE EMR_BEGINPATH EMR_EOF ");
 }
 
@@ -78,7 +78,7 @@ TEST(MetafileReader, OtherKindsOfFile_AreNamed) {
 TEST(MetafileReader, EmfPlusComment_RefusedUnlessDual) {
   for (const uint32_t dual : {0u, 1u}) {
     MetafileBuilder file;
-    file.Add(EMR_GDICOMMENT, {32,                   // bytes of data
+    file.Add(kEmrGDICOMMENT, {32,                   // bytes of data
                               0x2B464D45,           // "EMF+"
                               0x4001 | dual << 16,  // EMF+ header, flags
                               28, 16, 0xDBC01002, 0, 96, 96});
@@ -101,7 +101,7 @@ TEST(MetafileReader, BrokenChain_NamesRecordAndFault) {
   };
   for (const auto& [offset, value, says] : cases) {
     MetafileBuilder file;
-    const size_t record = file.Add(EMR_SETROP2, {13});
+    const size_t record = file.Add(kEmrSETROP2, {13});
     file.Patch(record + offset, value);
     const std::string outcome = Outcome(file.Finish());
     EXPECT_NE(outcome.find(says), std::string::npos) << outcome;
@@ -121,7 +121,7 @@ TEST(MetafileReader, HeaderThatDiffersFromTheFile_IsAFaultOnly) {
 TEST(MetafileReader, EveryTruncation_IsRefusedOrLeavesAFault) {
   MetafileBuilder builder;
   for (uint32_t type = 1; type < kRecordTypeEnd; ++type) {
-    if (type != EMR_HEADER && type != EMR_EOF) {
+    if (type != kEmrHEADER && type != kEmrEOF) {
       builder.Add(type, std::vector<uint32_t>(LeastRecordBytes(type) / 4 - 2));
     }
   }
@@ -136,7 +136,7 @@ TEST(MetafileReader, EveryTruncation_IsRefusedOrLeavesAFault) {
 
 TEST(MetafileReader, ManyFaults_AreCountedNotKept) {
   MetafileBuilder builder;
-  for (int i = 0; i < 1000; ++i) builder.Add(EMR_LINETO);
+  for (int i = 0; i < 1000; ++i) builder.Add(kEmrLINETO);
   const auto file = builder.Finish();
   MetafileReader reader(file);
   while (reader.Next()) {
@@ -147,7 +147,7 @@ TEST(MetafileReader, ManyFaults_AreCountedNotKept) {
 
 TEST(PayloadReader, ShortRead_StaysFailed) {
   MetafileBuilder builder;
-  builder.Add(EMR_POLYGON, {1, 2, 3});
+  builder.Add(kEmrPOLYGON, {1, 2, 3});
   const auto file = builder.Finish();
   PayloadReader reader(Bytes(file).subspan(88, 20));
   EXPECT_EQ(reader.Read<uint32_t>(), 1u);
@@ -159,7 +159,7 @@ TEST(PayloadReader, ShortRead_StaysFailed) {
 
 TEST(PayloadReader, Slice_LiesInsideTheRecord) {
   MetafileBuilder builder;
-  builder.Add(EMR_POLYGON, {1, 2, 3});
+  builder.Add(kEmrPOLYGON, {1, 2, 3});
   const auto file = builder.Finish();
   const Bytes record = Bytes(file).subspan(88, 20);
   const struct {
