@@ -1,0 +1,354 @@
+#include "job/job.h"
+
+#include <gtest/gtest.h>
+#include <optional>
+
+#include "base/kernel_owners.h"
+#include "capture/records/types.h"
+#include "host/printer/printer_setup.h"
+#include "host/printer/sheet.h"
+#include "host/printer/spool_job.h"
+#include "support/import_patch.h"
+#include "support/recording_client.h"
+
+namespace quillo {
+namespace {
+
+using test::Line;
+using test::RecordingClient;
+
+bool Exists(const std::wstring& path) {
+  return GetFileAttributesW(path.c_str()) != INVALID_FILE_ATTRIBUTES;
+}
+
+/// Files in the TEMP folder that pages and jobs make.
+int LeftFiles() {
+  int count = 0;
+  for (const wchar_t* pattern : {L"\\VXP*.tmp", L"\\*.fpt", L"\\*.stg"}) {
+    WIN32_FIND_DATAW found;
+    const HANDLE search = FindFirstFileW((test::TempFolder() + pattern).c_str(), &found);
+    if (search == INVALID_HANDLE_VALUE) continue;
+    do {
+      ++count;
+    } while (FindNextFileW(search, &found));
+    FindClose(search);
+  }
+  return count;
+}
+
+class Job : public testing::Test {
+ protected:
+  static constexpr int kDpi = 300;
+
+  void SetUp() override {
+    // The client lives in this apartment, as it would in a process of its own.
+    ASSERT_TRUE(SUCCEEDED(CoInitializeEx(nullptr, COINIT_MULTITHREADED)));
+    host::EnsurePrinter(host::kPrinterName, kDpi, {});
+    spool_job_.emplace(host::kPrinterName, L"A document");
+    files_before_ = LeftFiles();
+  }
+  void TearDown() override {
+    EXPECT_EQ(LeftFiles(), files_before_);
+    EXPECT_EQ(client_.LivingPages(), 0);
+    CoUninitialize();
+  }
+
+  CQloPrinter* Open() {
+    CQloPrinter* job = OpenJob(spool_job_->Printer(), spool_job_->Id());
+    EXPECT_NE(job, nullptr);
+    const host::Sheet sheet{.paper = DMPAPER_A4};
+    const DeviceMode mode = host::MakeDeviceMode(host::kPrinterName, sheet, kDpi);
+    Send(job, records::REC_DEVMODE, &mode, sizeof mode);
+    return job;
+  }
+
+  static void Send(CQloPrinter* job, uint32_t type, const void* payload = nullptr,
+                   uint32_t size = 0) {
+    const uint32_t header[] = {type, size};
+    WriteJob(job, header, sizeof header, nullptr);
+    WriteJob(job, payload, size, nullptr);
+  }
+
+  void Close(CQloPrinter* job) {
+    EndDocument(job);
+    SignalEndAndDestroy(job);
+  }
+
+  std::string Named(const char* call) { return Line(call, " VORNIX Quillo 6/", spool_job_->Id()); }
+
+  std::vector<std::string> PageCalls(int page) {
+    return {"GetPageObject",
+            Named("NotifyPageStart") + Line(" page ", page),
+            "  file kind 1",
+            "  x dpi 300",
+            "  y dpi 300",
+            "  width 2100",
+            "  height 2970",
+            "  mode 3",
+            Named("NotifyPage") + Line(" page ", page)};
+  }
+
+  RecordingClient client_;
+  std::optional<host::SpoolJob> spool_job_;
+  int files_before_ = 0;
+};
+
+TEST_F(Job, ClientConnected_HearsEveryStepInOrder) {
+  for (const int pages : {0, 1, 3}) {
+    SCOPED_TRACE(pages);
+    client_.LeaveConnection(spool_job_->Id());
+    RecordingClient& client = client_;
+    client.calls.clear();
+    // A new page object counts on from the last job's.
+    static int page_number = 0;
+
+    CQloPrinter* job = Open();
+    EXPECT_FALSE(Exists(test::ConnectionPath(spool_job_->Id())));
+    std::vector<std::string> expected = {Named("NotifyJobStart") + " A document"};
+    for (int page = 0; page < pages; ++page) {
+      EXPECT_TRUE(StartPage(job));
+      EXPECT_TRUE(SendPage(job));
+      const auto calls = PageCalls(++page_number);
+      expected.insert(expected.end(), calls.begin(), calls.end());
+    }
+    Close(job);
+    expected.push_back(Named("NotifyFontsFile") + " 0");
+    expected.push_back(Named("NotifyDocumentEnd"));
+    expected.push_back(Named("NotifyJobEnd"));
+    EXPECT_EQ(client.calls, expected);
+  }
+}
+
+TEST_F(Job, PageFile_StandsDuringNotifyPageOnly) {
+  client_.LeaveConnection(spool_job_->Id());
+  std::wstring page_file;
+  ENHMETAHEADER header = {};
+  client_.on_page_file = [&](const wchar_t* path) {
+    page_file = path;
+    const HENHMETAFILE metafile = GetEnhMetaFileW(path);
+    EXPECT_NE(GetEnhMetaFileHeader(metafile, sizeof header, &header), 0u);
+    DeleteEnhMetaFile(metafile);
+  };
+  CQloPrinter* job = Open();
+  ASSERT_TRUE(StartPage(job));
+  const records::Rect rectangle = {10, 20, 110, 220};
+  Send(job, records::REC_RECTANGLE, &rectangle, sizeof rectangle);
+  EXPECT_TRUE(SendPage(job));
+  Close(job);
+
+  EXPECT_EQ(page_file.find(test::TempFolder() + L"\\VXP"), 0u);
+  EXPECT_FALSE(Exists(page_file));
+  EXPECT_EQ(header.rclFrame.right, 21000);
+  EXPECT_EQ(header.rclFrame.bottom, 29700);
+  EXPECT_GT(header.nRecords, 2u);
+  EXPECT_EQ(header.nDescription, 21u);
+}
+
+TEST_F(Job, FontsFile_ReadableDuringTheCallAndGoneAfter) {
+  client_.LeaveConnection(spool_job_->Id());
+  std::wstring fonts_file;
+  STATSTG stream_state = {};
+  client_.on_fonts_file = [&](const wchar_t* path) {
+    fonts_file = path;
+    ComPtr<IStorage> storage;
+    ASSERT_EQ(StgOpenStorage(path, nullptr, STGM_READ | STGM_SHARE_EXCLUSIVE, nullptr, 0,
+                             storage.Receive()),
+              S_OK);
+    ComPtr<IStream> stream;
+    ASSERT_EQ(storage->OpenStream(L"FONTS OPTIONS", nullptr, STGM_READ | STGM_SHARE_EXCLUSIVE, 0,
+                                  stream.Receive()),
+              S_OK);
+    stream->Stat(&stream_state, STATFLAG_NONAME);
+  };
+  CQloPrinter* job = Open();
+  for (const LONG height : {-10, -20, -10}) {
+    LOGFONTW font = {};
+    font.lfHeight = height;
+    lstrcpyW(font.lfFaceName, height == -20 ? L"Liberation Sans" : L"Liberation Mono");
+    Send(job, records::REC_CREATEFONT, &font, sizeof font);
+  }
+  Close(job);
+  EXPECT_EQ(fonts_file, test::TempFolder() + L"\\" + std::to_wstring(spool_job_->Id()) + L".fpt");
+  EXPECT_FALSE(Exists(fonts_file));
+  EXPECT_EQ(stream_state.cbSize.QuadPart, 2 * sizeof(LOGFONTW));
+}
+
+TEST_F(Job, NoClient_FirstPageRefusedThenUnconnected) {
+  CQloPrinter* job = Open();
+  EXPECT_FALSE(StartPage(job));
+  EXPECT_TRUE(StartPage(job));
+  EXPECT_TRUE(SendPage(job));
+  EXPECT_EQ(job->pages_started, 1u);
+  Close(job);
+  EXPECT_TRUE(client_.calls.empty());
+}
+
+TEST_F(Job, ClientAppearsAtAPage_ConnectedFromThere) {
+  CQloPrinter* job = Open();
+  client_.LeaveConnection(spool_job_->Id(), true);
+  EXPECT_TRUE(StartPage(job));
+  EXPECT_FALSE(Exists(test::ConnectionPath(spool_job_->Id(), true)));
+  EXPECT_TRUE(SendPage(job));
+  Close(job);
+  ASSERT_FALSE(client_.calls.empty());
+  EXPECT_EQ(client_.calls.front(), Named("NotifyJobStart") + " A document");
+  EXPECT_EQ(client_.calls.back(), Named("NotifyJobEnd"));
+}
+
+TEST_F(Job, ClientFailsEveryCall_PagesGoOn) {
+  client_.LeaveConnection(spool_job_->Id());
+  client_.answer = E_FAIL;
+  CQloPrinter* job = Open();
+  for (int page = 0; page < 2; ++page) {
+    EXPECT_TRUE(StartPage(job));
+    EXPECT_TRUE(SendPage(job));
+  }
+  Close(job);
+  const std::vector<std::string> expected = {Named("NotifyJobStart") + " A document",
+                                             "GetPageObject",
+                                             "GetPageObject",
+                                             Named("NotifyFontsFile") + " 0",
+                                             Named("NotifyDocumentEnd"),
+                                             Named("NotifyJobEnd")};
+  EXPECT_EQ(client_.calls, expected);
+}
+
+TEST_F(Job, ConnectionFileOfRubbish_DeletedAndUnconnected) {
+  const std::wstring path = test::ConnectionPath(spool_job_->Id());
+  {
+    const KernelHandle file(
+        CreateFileW(path.c_str(), GENERIC_WRITE, 0, nullptr, CREATE_ALWAYS, 0, nullptr));
+  }
+  CQloPrinter* job = Open();
+  EXPECT_FALSE(Exists(path));
+  EXPECT_NE(job->state & kClientNotConnected, 0u);
+  Close(job);
+}
+
+int message_boxes = 0;
+UINT message_box_style = 0;
+std::wstring message_box_caption;
+
+int WINAPI CountMessageBox(HWND, LPCWSTR, LPCWSTR caption, UINT style) {
+  ++message_boxes;
+  message_box_caption = caption;
+  message_box_style = style;
+  return IDOK;
+}
+
+TEST_F(Job, TextRuns_HandedOverByNameAndEmptied) {
+  const test::ImportPatch watch("MessageBoxW", CountMessageBox);
+  const struct {
+    bool known;
+    HRESULT answer;
+    int boxes;
+  } cases[] = {{false, S_OK, 0}, {true, S_OK, 0}, {true, E_FAIL, 1}};
+  for (const auto& c : cases) {
+    SCOPED_TRACE(testing::Message() << c.known << ", " << c.answer);
+    message_boxes = 0;
+    client_.text_runs.clear();
+    client_.has_text_runs = c.known;
+    client_.text_runs_answer = c.answer;
+    client_.LeaveConnection(spool_job_->Id());
+    CQloPrinter* job = Open();
+    for (int page = 0; page < 2; ++page) {
+      ASSERT_TRUE(StartPage(job));
+      for (uint32_t glyphs = 1; page == 0 && glyphs <= 3; ++glyphs) {
+        records::TextRunPayload run = {};
+        run.glyph_count = glyphs * 10;
+        Send(job, records::REC_TEXTRUN, &run, sizeof run);
+      }
+      EXPECT_TRUE(SendPage(job));
+    }
+    Close(job);
+    const std::vector<std::vector<int>> expected = {{10, 20, 30}, {}};
+    EXPECT_EQ(client_.text_runs, c.known ? expected : std::vector<std::vector<int>>());
+    EXPECT_EQ(message_boxes, c.boxes * 2);
+    if (c.boxes > 0) {
+      EXPECT_EQ(message_box_caption, L"Error");
+      EXPECT_EQ(message_box_style, static_cast<UINT>(MB_SETFOREGROUND));
+    }
+  }
+}
+
+UINT WINAPI NoTempFile(LPCWSTR, LPCWSTR, UINT, LPWSTR) { return 0; }
+
+TEST_F(Job, PageFileCannotBeMade_JobFails) {
+  client_.LeaveConnection(spool_job_->Id());
+  CQloPrinter* job = Open();
+  {
+    const test::ImportPatch full_disk("GetTempFileNameW", NoTempFile);
+    EXPECT_FALSE(StartPage(job));
+  }
+  EXPECT_NE(job->state & kJobFailed, 0u);
+  EXPECT_EQ(client_.calls.back(), Named("NotifyError") + " -295");
+  const size_t calls = client_.calls.size();
+  EXPECT_FALSE(StartPage(job));
+  EXPECT_EQ(client_.calls.size(), calls);
+  Close(job);
+}
+
+TEST_F(Job, PrinterGone_PageRefused) {
+  client_.LeaveConnection(spool_job_->Id());
+  CQloPrinter* job = Open();
+  job->printer = nullptr;
+  EXPECT_FALSE(StartPage(job));
+  EXPECT_EQ(client_.calls.back(), Named("NotifyError") + " -295");
+  job->printer = spool_job_->Printer();
+  Close(job);
+}
+
+TEST_F(Job, PageLeftOpen_ClosedAndDroppedAtTheEnd) {
+  client_.LeaveConnection(spool_job_->Id());
+  CQloPrinter* job = Open();
+  ASSERT_TRUE(StartPage(job));
+  Close(job);
+  for (const std::string& call : client_.calls)
+    EXPECT_EQ(call.find("NotifyPage "), std::string::npos);
+}
+
+TEST_F(Job, PiecesOfARecord_PlayedOnceWhole) {
+  CQloPrinter* job = Open();
+  const uint32_t header[] = {records::REC_PAGEVALUE, 8};
+  const records::Point offset = {12, 34};
+  WriteJob(job, header, sizeof header, nullptr);
+  WriteJob(job, &offset, 4, nullptr);
+  EXPECT_EQ(job->playback.page_value.x, 0);
+  uint32_t written = 0;
+  EXPECT_EQ(WriteJob(job, &offset.y, 4, &written), 1);
+  EXPECT_EQ(written, 4u);
+  EXPECT_EQ(job->playback.page_value.x, 12);
+  EXPECT_EQ(job->playback.page_value.y, 34);
+  EXPECT_TRUE(job->record_buffer.Unread().empty());
+
+  // A record cut off by the end of its page is dropped; the next page's are not taken for its rest.
+  WriteJob(job, header, sizeof header, nullptr);
+  SendPage(job);
+  const records::Point next = {56, 78};
+  Send(job, records::REC_ESCAPEMARK);
+  Send(job, records::REC_PAGEVALUE, &next, sizeof next);
+  EXPECT_EQ(job->playback.page_value.x, 56);
+  Close(job);
+}
+
+TEST_F(Job, End_SignalsTheEventAWaiterHolds) {
+  const std::wstring name =
+      L"Global\\VORNIXQUILLO5_JOB_END" + std::to_wstring(spool_job_->Id()) + L" version5";
+  const KernelHandle waiter(CreateEventW(nullptr, TRUE, FALSE, name.c_str()));
+  CQloPrinter* job = Open();
+  EndDocument(job);
+  EXPECT_EQ(WaitForSingleObject(waiter.Get(), 0), static_cast<DWORD>(WAIT_TIMEOUT));
+  SignalEndAndDestroy(job);
+  EXPECT_EQ(WaitForSingleObject(waiter.Get(), 0), static_cast<DWORD>(WAIT_OBJECT_0));
+}
+
+TEST(JobOperations, NoJob_RefusedQuietly) {
+  EXPECT_FALSE(StartPage(nullptr));
+  EXPECT_FALSE(SendPage(nullptr));
+  EndDocument(nullptr);
+  SignalEndAndDestroy(nullptr);
+  EXPECT_EQ(WriteJob(nullptr, "12345678", 8, nullptr), 1);
+}
+
+}  // namespace
+}  // namespace quillo
