@@ -83,6 +83,13 @@ class HeapBlock {
     std::swap(block_, other.block_);
     return *this;
   }
+  /// Takes over a block of `heap`; null gives an empty owner.
+  static HeapBlock Adopt(void* block, HANDLE heap = GetProcessHeap()) {
+    HeapBlock owner;
+    owner.heap_ = heap;
+    owner.block_ = block;
+    return owner;
+  }
   HeapBlock(const HeapBlock&) = delete;
   HeapBlock& operator=(const HeapBlock&) = delete;
   ~HeapBlock() {

@@ -1,0 +1,26 @@
+#pragma once
+
+#include <cstdint>
+
+#include "base/bytes.h"
+#include "base/function_ref.h"
+#include "imaging/dib_header.h"
+
+namespace quillo::imaging {
+
+/// Takes a row of a bitmap: its number in storage order, its bytes. Any result but 1 stops.
+using RowStore = FunctionRef<int(uint32_t row, Bytes data)>;
+
+/// Whether ConvertDibRows wants a scratch row.
+constexpr bool NeedsScratchRow(DibLayout layout) {
+  return layout != DibLayout::kRows && layout != DibLayout::kJpeg;
+}
+
+/// Turns the bits of a DIB into rows of `dib.bits_per_pixel`, from the top of the source buffer to
+/// its end, as rows 0, 1, 2 ... Rows that a run-length stream leaves empty are not stored.
+///
+/// `scratch` is a zeroed row of the result (empty when none is needed). -13 when `bits` is shorter
+/// than SourceSize; nothing is stored then.
+int ConvertDibRows(const Dib& dib, Bytes bits, MutableBytes scratch, RowStore store);
+
+}  // namespace quillo::imaging

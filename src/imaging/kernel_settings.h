@@ -1,0 +1,39 @@
+#pragma once
+
+#include "base/windows.h"
+
+#include <cstdint>
+
+namespace quillo::imaging {
+
+/// Reports progress: percent and the user value. Any result other than 1 stops the work and becomes
+/// its result.
+using StatusCallback = int (*)(int percent, void* user);
+
+/// The kernel's settings of one thread.
+struct KernelSettings {
+  uint32_t process_value;       // copied into every record
+  int32_t x_resolution;         // dots per inch; 150 when below 1
+  int32_t y_resolution;         // dots per inch; 150 when below 1
+  int64_t memory_threshold;     // bytes up to which a bitmap stays in memory; 16 MiB when below 1
+  int64_t tile_size;            // bytes; 16 MiB when below 1
+  int64_t memory_reserve;       // bytes to keep free; negative: a percentage of the memory
+  int64_t maximum_memory;       // bytes for one bitmap; negative: a percentage of the memory
+  uint32_t memory_type;         // of bitmaps that name none (storage.h)
+  uint32_t display_mode;        // display-mode flags
+  uint16_t display_table[256];  // levels; the identity after 0x0004 was set
+  StatusCallback status;        // or null
+  void* status_user;            //
+  wchar_t temporary_directory[MAX_PATH];  // empty: the user's TEMP folder
+};
+
+/// The calling thread's settings, made on first use. When that fails, one block for the process.
+KernelSettings& ThreadSettings();
+
+/// Drops the calling thread's settings: when a thread ends.
+void ReleaseThreadSettings();
+
+/// Drops the calling thread's settings and the slot: when the process lets the driver go.
+void ReleaseSettingsSlot();
+
+}  // namespace quillo::imaging

@@ -1,0 +1,16 @@
+#pragma once
+
+#include "imaging/bitmap_handle.h"
+
+namespace quillo::imaging {
+
+/// Initialises `upright` as the same picture, bottom row first, with storage of its own.
+/// Width and height change places where the axes were swapped. `source` is locked.
+int MakeUpright(const BitmapHandle& source, BitmapHandle* upright);
+
+/// Rearranges the pixels so that the view perspective becomes bottom row first, and the picture
+/// stays (MakeUpright in place). On failure the record is
+/// unchanged.
+int TurnUpright(BitmapHandle& record);
+
+}  // namespace quillo::imaging

@@ -1,0 +1,84 @@
+#include "imaging/rows.h"
+
+#include <cstring>
+
+#include "imaging/chunks.h"
+#include "imaging/temporary_file.h"
+#include "imaging/tiles.h"
+
+namespace quillo::imaging {
+namespace {
+
+class RowLock {
+ public:
+  explicit RowLock(const BitmapHandle& record)
+      : lock_(record.structure_size == kCurrentForm ? record.lock : nullptr) {
+    if (lock_ != nullptr) EnterCriticalSection(lock_);
+  }
+  ~RowLock() {
+    if (lock_ != nullptr) LeaveCriticalSection(lock_);
+  }
+  RowLock(const RowLock&) = delete;
+  RowLock& operator=(const RowLock&) = delete;
+
+ private:
+  CRITICAL_SECTION* lock_;
+};
+
+uint64_t OffsetOf(const BitmapHandle& record, uint32_t row) {
+  return uint64_t{row} * record.bytes_per_line;
+}
+
+Chunk* ChunksOf(const BitmapHandle& record) {
+  return reinterpret_cast<Chunk*>(record.data_address);
+}
+
+}  // namespace
+
+std::byte* RowAddress(const BitmapHandle& record, uint32_t row) {
+  if ((record.flags & (kCompressed | kDisk)) != 0 || record.data_address == nullptr) return nullptr;
+  if ((record.flags & kTiled) != 0) {
+    return TileRow(*reinterpret_cast<const TileTable*>(record.data_address), row,
+                   record.bytes_per_line);
+  }
+  return record.data_address + OffsetOf(record, row);
+}
+
+int FetchRow(const BitmapHandle& record, uint32_t row, MutableBytes out) {
+  const RowLock guard(record);
+  if (const std::byte* address = RowAddress(record, row)) {
+    std::memcpy(out.data(), address, record.bytes_per_line);
+    return kSuccess;
+  }
+  if ((record.flags & kDisk) != 0) {
+    return ReadAt(record.storage_handle, OffsetOf(record, row), out.data(), record.bytes_per_line)
+               ? kSuccess
+               : kFileError;
+  }
+  if ((record.flags & kCompressed) == 0) return kNoStorage;
+  FetchChunkRow(ChunksOf(record), row, out.first(record.bytes_per_line));
+  return kSuccess;
+}
+
+int StoreRow(const BitmapHandle& record, uint32_t row, Bytes data) {
+  const RowLock guard(record);
+  if (std::byte* address = RowAddress(record, row)) {
+    std::memcpy(address, data.data(), data.size());
+    return kSuccess;
+  }
+  if ((record.flags & kDisk) != 0) {
+    return WriteAt(record.storage_handle, OffsetOf(record, row), data.data(),
+                   static_cast<uint32_t>(data.size()))
+               ? kSuccess
+               : kFileError;
+  }
+  if ((record.flags & kCompressed) == 0) return kNoStorage;
+  return StoreChunkRow(ChunksOf(record), row, data) ? kSuccess : kOutOfMemory;
+}
+
+const std::byte* BorrowRow(const BitmapHandle& record, uint32_t row, MutableBytes scratch) {
+  if (const std::byte* address = RowAddress(record, row)) return address;
+  return FetchRow(record, row, scratch) == kSuccess ? scratch.data() : nullptr;
+}
+
+}  // namespace quillo::imaging

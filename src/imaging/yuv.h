@@ -1,0 +1,41 @@
+#pragma once
+
+#include <cstdint>
+
+#include "base/bytes.h"
+
+namespace quillo::imaging {
+
+// Rows of YUV pixels to 24-bit rows (blue first). Colours are BT.601, limited range, in 8 bits of
+// fraction:
+//   R = (298 (Y - 16)                 + 409 (V - 128) + 128) >> 8
+//   G = (298 (Y - 16) - 100 (U - 128) - 208 (V - 128) + 128) >> 8
+//   B = (298 (Y - 16) + 516 (U - 128)                 + 128) >> 8
+// limited to 0..255. `rgb` has room for width * 3 bytes; more is not written.
+
+/// One chroma sample for two pixels. Uses AVX2 where the machine has it.
+void PlanarRow420(const std::byte* y, const std::byte* u, const std::byte* v, uint32_t width,
+                  std::byte* rgb);
+/// The plain form of PlanarRow420, which defines its result.
+void PlanarRow420Plain(const std::byte* y, const std::byte* u, const std::byte* v, uint32_t width,
+                       std::byte* rgb);
+/// One chroma sample for four pixels.
+void PlanarRow410(const std::byte* y, const std::byte* u, const std::byte* v, uint32_t width,
+                  std::byte* rgb);
+
+// Packed rows; `width` is even, `source` holds a whole row.
+
+/// Bytes Y0 U Y1 V for two pixels.
+void Yuy2Row(Bytes source, uint32_t width, std::byte* rgb);
+/// Bytes U Y0 V Y1.
+void UyvyRow(Bytes source, uint32_t width, std::byte* rgb);
+/// Bytes Y0 V Y1 U.
+void YvyuRow(Bytes source, uint32_t width, std::byte* rgb);
+/// Bytes U0 Y0 V0 Y1 U4 Y2 V4 Y3 Y4 Y5 Y6 Y7 for eight pixels, chroma for four. Where the row ends
+/// in half a group, its last pixel repeats the luma before it, which is all that the row holds.
+void Packed411Row(Bytes source, uint32_t width, std::byte* rgb);
+/// Bytes Y0 U0 Y2 V0 for four pixels. Where the row ends in half a group, V is that of the group
+/// before (none: grey).
+void Packed211Row(Bytes source, uint32_t width, std::byte* rgb);
+
+}  // namespace quillo::imaging

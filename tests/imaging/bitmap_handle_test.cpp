@@ -1,0 +1,171 @@
+#include "imaging/bitmap_handle.h"
+
+#include <algorithm>
+#include <gtest/gtest.h>
+#include <vector>
+
+#include "imaging/kernel_settings.h"
+#include "imaging/storage.h"
+
+namespace quillo::imaging {
+namespace {
+
+struct InitCase {
+  uint32_t form;
+  uint32_t width;
+  uint32_t height;
+  uint32_t bits;
+  int result;
+};
+
+TEST(Init, ArgumentsAndForms_GiveTheirCodes) {
+  const InitCase cases[] = {
+      {kCurrentForm, 0, 0, 0, kSuccess},
+      {kOldForm, 0, 0, 0, kSuccess},
+      {271, 1, 1, 8, kWrongStructureSize},
+      {kCurrentForm, 1, 1, 9, kUnsupportedDepth},
+      {kCurrentForm, 1, 1, 0, kUnsupportedDepth},
+      {kOldForm, 16384, 0xFFFF0000u / 65536, 32, kSuccess},
+      {kOldForm, 1u << 29, 1, 64, kTooLargeForOldForm},
+      {kOldForm, 0x8000, 0x8000, 32, kTooLargeForOldForm},
+      {kCurrentForm, 0x8000, 0x8000, 32, kSuccess},
+      {kCurrentForm, 1u << 29, 1, 64, kInvalidArgument},
+  };
+  EXPECT_EQ(Init(nullptr, kCurrentForm, 1, 1, 8), kInvalidArgument);
+  for (const InitCase& c : cases) {
+    BitmapHandle record{};
+    EXPECT_EQ(Init(&record, c.form, c.width, c.height, c.bits), c.result)
+        << c.form << ' ' << c.width << 'x' << c.height << 'x' << c.bits;
+    const bool keeps_form = c.result != kTooLargeForOldForm && c.result != kWrongStructureSize;
+    EXPECT_EQ(record.structure_size, keeps_form ? c.form : 0);
+  }
+}
+
+TEST(Init, EveryDepth_DerivesItsFields) {
+  struct {
+    uint32_t bits, line, colours, order;
+    int32_t high;
+  } const cases[] = {
+      {1, 4, 2, 0, 0},    {2, 4, 4, 0, 1},    {3, 4, 8, 0, 2},   {4, 4, 16, 0, 3},
+      {5, 4, 32, 0, 4},   {6, 4, 64, 0, 5},   {7, 8, 128, 0, 6}, {8, 8, 256, 0, 7},
+      {12, 8, 0, 2, 11},  {16, 12, 0, 1, 15}, {24, 16, 0, 1, 7}, {32, 20, 0, 1, -1},
+      {48, 32, 0, 1, 15}, {64, 40, 0, 1, 15},
+  };
+  for (const auto& c : cases) {
+    BitmapHandle record{};
+    ASSERT_EQ(Init(&record, kCurrentForm, 5, 3, c.bits), kSuccess);
+    EXPECT_EQ(record.bytes_per_line, c.line) << c.bits;
+    EXPECT_EQ(record.data_size, c.line * 3) << c.bits;
+    EXPECT_EQ(record.large_data_size, c.line * 3) << c.bits;
+    EXPECT_EQ(record.colours, c.colours) << c.bits;
+    EXPECT_EQ(record.colour_order, c.order) << c.bits;
+    EXPECT_EQ(record.high_bit, c.high) << c.bits;
+    EXPECT_EQ(record.low_bit, c.high) << c.bits;
+    EXPECT_EQ(record.view_perspective, kBottomRowFirst);
+    EXPECT_EQ(record.percent, 100u);
+    EXPECT_EQ(record.x_resolution, 150u);
+    EXPECT_EQ(record.flags, 0u);
+  }
+}
+
+TEST(Init, OldForm_TouchesNothingBehindIt) {
+  BitmapHandle record;
+  std::memset(static_cast<void*>(&record), 0xA5, sizeof(record));
+  ASSERT_EQ(Create(&record, kOldForm, kMemoryTypeSection, 7, 5, 8, 0, nullptr, 0, nullptr, 0),
+            kSuccess);
+  Free(&record);
+  const auto* bytes = reinterpret_cast<const uint8_t*>(&record);
+  EXPECT_TRUE(std::all_of(bytes + kOldForm, bytes + kCurrentForm,
+                          [](uint8_t byte) { return byte == 0xA5; }));
+  EXPECT_EQ(record.structure_size, kOldForm);
+  EXPECT_EQ(record.flags, 0u);
+}
+
+TEST(Init, ThreadSettings_GoIntoTheRecord) {
+  KernelSettings& settings = ThreadSettings();
+  const KernelSettings before = settings;
+  settings.process_value = 77;
+  settings.x_resolution = 300;
+  settings.y_resolution = 600;
+  BitmapHandle record{};
+  Init(&record, kCurrentForm, 1, 1, 24);
+  settings = before;
+  EXPECT_EQ(record.process_value, 77u);
+  EXPECT_EQ(record.x_resolution, 300u);
+  EXPECT_EQ(record.y_resolution, 600u);
+}
+
+TEST(Create, Arguments_GiveTheirCodes) {
+  uint8_t data[64];
+  struct {
+    const char* name;
+    uint32_t type, width, bits, order, view;
+    uint64_t data_size;
+    int result;
+  } const cases[] = {
+      {"no pixels", 1, 0, 8, 0, 0, 0, kEmptyData},
+      {"no pixels comes before the type", 3, 0, 8, 0, 0, 0, kEmptyData},
+      {"unknown type", 3, 4, 8, 0, 0, 0, kInvalidArgument},
+      {"order 5 of 24 bits", 1, 4, 24, 5, 0, 0, kSuccess},
+      {"order 5 of 16 bits", 1, 4, 16, 5, 0, 0, kUnsupportedDepth},
+      {"view 8", 1, 4, 8, 0, 8, 0, kSuccess},
+      {"view 9", 1, 4, 8, 0, 9, 0, kInvalidArgument},
+      {"caller data", 2, 4, 8, 0, 0, 16, kSuccess},
+      {"caller data of another size", 2, 4, 8, 0, 0, 15, kInvalidArgument},
+  };
+  for (const auto& c : cases) {
+    BitmapHandle record{};
+    EXPECT_EQ(Create(&record, kCurrentForm, c.type, c.width, 4, c.bits, c.order, nullptr, c.view,
+                     c.data_size != 0 ? data : nullptr, c.data_size),
+              c.result)
+        << c.name;
+    EXPECT_EQ((record.flags & kAllocated) != 0, c.result == kSuccess) << c.name;
+    Free(&record);
+    EXPECT_EQ(record.flags, 0u) << c.name;
+  }
+}
+
+TEST(Create, Palettes_ComeFromRampCallerOrDefault) {
+  const PaletteEntry own[2] = {{1, 2, 3, 0}, {4, 5, 6, 0}};
+  BitmapHandle record{};
+  ASSERT_EQ(Create(&record, kCurrentForm, 1, 1, 1, 0, 0, own, 0, nullptr, 0), kSuccess);
+  EXPECT_EQ(record.bits_per_pixel, 8u);
+  EXPECT_EQ(record.view_perspective, kTopRowFirst);
+  EXPECT_EQ(PaletteOf(record)[77], (PaletteEntry{77, 77, 77, 0}));
+  Free(&record);
+  ASSERT_EQ(Create(&record, kCurrentForm, 1, 1, 1, 1, 0, own, 4, nullptr, 0), kSuccess);
+  EXPECT_EQ(PaletteOf(record)[1], own[1]);
+  Free(&record);
+  ASSERT_EQ(Create(&record, kCurrentForm, 1, 1, 1, 4, 0, nullptr, 4, nullptr, 0), kSuccess);
+  EXPECT_TRUE(IsDefaultPalette(PaletteOf(record)));
+  Free(&record);
+}
+
+TEST(Free, NullAndForeignRecords_AreLeftAlone) {
+  Free(nullptr);
+  BitmapHandle record{};
+  record.structure_size = 100;
+  record.flags = kAllocated | kDisk;
+  Free(&record);
+  EXPECT_EQ(record.flags, kAllocated | kDisk);
+}
+
+class CountingAttachment : public Attachment {
+ public:
+  int Resize(uint32_t, uint32_t) override { return kSuccess; }
+  void Release() override { ++released; }
+  int released = 0;
+};
+
+TEST(Free, AttachedObject_IsReleasedOnce) {
+  CountingAttachment attachment;
+  BitmapHandle record{};
+  Init(&record, kCurrentForm, 1, 1, 24);
+  record.attached_object = &attachment;
+  Free(&record);
+  Free(&record);
+  EXPECT_EQ(attachment.released, 1);
+}
+
+}  // namespace
+}  // namespace quillo::imaging
