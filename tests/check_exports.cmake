@@ -2,9 +2,10 @@
 #   cmake -D DLL=... -D OBJDUMP=... -P check_exports.cmake
 execute_process(COMMAND "${OBJDUMP}" -p "${DLL}" OUTPUT_VARIABLE dump COMMAND_ERROR_IS_FATAL ANY)
 
-string(REGEX MATCH "\\[Ordinal/Name Pointer\\] Table.*" names "${dump}")
-string(REGEX MATCHALL "\\[ *[0-9]+\\] [A-Za-z_][A-Za-z0-9_]*" entries "${names}")
-list(TRANSFORM entries REPLACE "^\\[ *[0-9]+\\] " "")
+string(REGEX MATCH "\\[Ordinal/Name Pointer\\] Table\n(\t\\[[^\n]*\n)*" names "${dump}")
+string(REGEX MATCHALL "[A-Za-z_][A-Za-z0-9_]*\n" entries "${names}")
+list(POP_FRONT entries)
+list(TRANSFORM entries STRIP)
 list(SORT entries)
 set(expected DllMain DrvDisableDriver DrvEnableDriver DrvQueryDriverInfo)
 if(NOT entries STREQUAL expected)
