@@ -21,6 +21,11 @@ class ResultFailure : public SystemFailure {
   using SystemFailure::SystemFailure;
 };
 
+/// Throws SystemFailure when `result` is a failure; `what` and `call` as there.
+inline void CheckResult(HRESULT result, const char* what, const char* call) {
+  if (FAILED(result)) throw SystemFailure(what, call, static_cast<DWORD>(result));
+}
+
 /// The system's text for an error code or HRESULT, in one line: "Access denied. (error 5)".
 std::string DescribeError(DWORD error);
 

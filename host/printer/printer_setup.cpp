@@ -9,6 +9,7 @@
 #include "base/spooler_owners.h"
 #include "host/base/failure.h"
 #include "host/base/named_mutex.h"
+#include "host/base/platform.h"
 #include "host/base/text.h"
 
 namespace quillo::host {
@@ -17,10 +18,6 @@ namespace {
 
 constexpr wchar_t kDescriptionFile[] = L"quillo.ppd";
 constexpr wchar_t kPlatformDriver[] = L"wineps.drv";
-
-bool RunsUnderWine() {
-  return GetProcAddress(GetModuleHandleW(L"ntdll.dll"), "wine_get_version") != nullptr;
-}
 
 PrinterHandle TryOpenPrinter(const std::wstring& name) {
   PrinterHandle printer;

@@ -1,0 +1,118 @@
+#include "host/client/client_process.h"
+
+#include <chrono>
+
+#include "host/base/failure.h"
+#include "host/base/text.h"
+
+namespace quillo::host {
+
+namespace {
+
+constexpr char kCannotStart[] = "cannot start the client process";
+constexpr auto kStartLimit = std::chrono::seconds(60);
+constexpr DWORD kEndLimit = 30'000;  // milliseconds
+
+/// A pipe whose one end a child process inherits.
+struct Pipe {
+  KernelHandle read;
+  KernelHandle write;
+};
+
+Pipe MakePipe(bool child_reads) {
+  SECURITY_ATTRIBUTES inherited{sizeof inherited, nullptr, TRUE};
+  Pipe pipe;
+  if (!CreatePipe(pipe.read.Receive(), pipe.write.Receive(), &inherited, 0) ||
+      !SetHandleInformation((child_reads ? pipe.write : pipe.read).Get(), HANDLE_FLAG_INHERIT, 0)) {
+    throw SystemFailure(kCannotStart, "CreatePipe");
+  }
+  return pipe;
+}
+
+/// The folder is the process's current one, so that its name need not pass a command line.
+KernelHandle StartProcess(const std::filesystem::path& program, std::wstring arguments,
+                          const std::filesystem::path& folder, HANDLE input, HANDLE output) {
+  STARTUPINFOW startup{};
+  startup.cb = sizeof startup;
+  startup.dwFlags = STARTF_USESTDHANDLES;
+  startup.hStdInput = input;
+  startup.hStdOutput = output;
+  startup.hStdError = GetStdHandle(STD_ERROR_HANDLE);
+  PROCESS_INFORMATION info{};
+  std::wstring command = L"\"" + program.wstring() + L"\" " + arguments;
+  if (!CreateProcessW(program.c_str(), command.data(), nullptr, nullptr, TRUE, CREATE_NO_WINDOW,
+                      nullptr, folder.c_str(), &startup, &info)) {
+    throw SystemFailure(kCannotStart, "CreateProcess");
+  }
+  const KernelHandle thread(info.hThread);
+  return KernelHandle(info.hProcess);
+}
+
+}  // namespace
+
+ClientProcess::ClientProcess(const std::filesystem::path& program, DWORD job_id,
+                             const std::filesystem::path& folder, ClientFault fault) {
+  Pipe input = MakePipe(true);
+  Pipe output = MakePipe(false);
+  const std::wstring arguments =
+      L"--client-mode " + std::to_wstring(job_id) + L" " + ToWide(NameOf(fault));
+  process_ = StartProcess(program, arguments, std::filesystem::absolute(folder), input.read.Get(),
+                          output.write.Get());
+  input_ = std::move(input.write);
+  output_ = std::move(output.read);
+  // The client's own ends close here: else its output would never end.
+  output.write.Reset();
+  input.read.Reset();
+
+  std::future<bool> ready = ready_.get_future();
+  reader_ = std::thread([this] { ReadLines(output_.Get()); });
+  const bool in_time = ready.wait_for(kStartLimit) == std::future_status::ready;
+  if (!in_time || !ready.get()) {
+    TerminateProcess(process_.Get(), 1);
+    reader_.join();
+    throw SystemFailure(kCannotStart, "waiting for the client",
+                        in_time ? ERROR_PROCESS_ABORTED : ERROR_TIMEOUT);
+  }
+}
+
+ClientProcess::~ClientProcess() {
+  if (reader_.joinable()) Finish();
+}
+
+ClientReport ClientProcess::Finish() {
+  input_.Reset();
+  if (WaitForSingleObject(process_.Get(), kEndLimit) != WAIT_OBJECT_0) {
+    TerminateProcess(process_.Get(), 1);
+  }
+  reader_.join();
+  DWORD exit_code = 1;
+  GetExitCodeProcess(process_.Get(), &exit_code);
+  report_.survived = exit_code == 0;
+  return std::move(report_);
+}
+
+void ClientProcess::ReadLines(HANDLE output) {
+  std::string text;
+  char buffer[4096];
+  DWORD read = 0;
+  while (ReadFile(output, buffer, sizeof buffer, &read, nullptr) && read != 0) {
+    text.append(buffer, read);
+    for (size_t end; (end = text.find('\n')) != std::string::npos; text.erase(0, end + 1)) {
+      TakeLine(text.substr(0, end));
+    }
+  }
+  if (!ready_known_) ready_.set_value(false);
+}
+
+void ClientProcess::TakeLine(const std::string& line) {
+  auto message = nlohmann::ordered_json::parse(line, nullptr, false);
+  if (!message.is_object()) return;
+  if (message.contains("ready") && !ready_known_) {
+    ready_known_ = true;
+    ready_.set_value(true);
+  }
+  if (message.contains("call")) report_.calls.push_back(std::move(message["call"]));
+  if (message.contains("job_end_event")) report_.job_end_event = message["job_end_event"] == true;
+}
+
+}  // namespace quillo::host

@@ -1,0 +1,52 @@
+#pragma once
+
+#include "base/windows.h"
+
+#include <filesystem>
+#include <future>
+#include <nlohmann/json.hpp>
+#include <string>
+#include <thread>
+
+#include "base/kernel_owners.h"
+#include "host/client/client_fault.h"
+
+namespace quillo::host {
+
+/// What a client received.
+struct ClientReport {
+  nlohmann::ordered_json calls = nlohmann::ordered_json::array();  // as ClientObject reports them
+  bool job_end_event = false;                                      // whether it was seen
+  bool survived = false;  // whether the client lived to the end of the job
+};
+
+/// The client of one job as its parent sees it. The client copies pages and fonts into a folder
+/// while the job runs.
+class ClientProcess {
+ public:
+  /// Starts `program` as the client of the job and waits until it can be called. Throws
+  /// SystemFailure.
+  ClientProcess(const std::filesystem::path& program, DWORD job_id,
+                const std::filesystem::path& folder, ClientFault fault);
+  /// Ends a client that still runs.
+  ~ClientProcess();
+  ClientProcess(const ClientProcess&) = delete;
+  ClientProcess& operator=(const ClientProcess&) = delete;
+
+  /// Tells the client that the job is over, and waits for its end.
+  ClientReport Finish();
+
+ private:
+  void ReadLines(HANDLE output);
+  void TakeLine(const std::string& line);
+
+  KernelHandle process_;
+  KernelHandle input_;   // the client's standard input; closing it ends the client
+  KernelHandle output_;  // the client's standard output
+  std::promise<bool> ready_;
+  bool ready_known_ = false;  // whether ready_ has its value
+  ClientReport report_;
+  std::thread reader_;  // fills ready_ and report_
+};
+
+}  // namespace quillo::host
