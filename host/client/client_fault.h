@@ -11,7 +11,7 @@ enum class ClientFault {
   kAbsent,           // there is no client
   kLate,             // comes after the job was opened, before its first page
   kFailing,          // every call answers a failure
-  kHanging,          // answers NotifyPage after three seconds
+  kHanging,          // answers the first NotifyPage after three seconds
   kDying,            // its process ends in NotifyPage
   kWithoutTextRuns,  // its page objects do not know the property
 };

@@ -69,9 +69,9 @@ HRESULT ClientObject::NotifyPageStart(BSTR printer, LONG job, IQuilloPage* page)
 }
 
 HRESULT ClientObject::NotifyPage(BSTR printer, LONG job, IQuilloPage* page) {
-  if (fault_ == ClientFault::kDying) TerminateProcess(GetCurrentProcess(), 1);
-  if (fault_ == ClientFault::kHanging) Sleep(3000);
   const int number = NumberOf(page);
+  if (fault_ == ClientFault::kDying) TerminateProcess(GetCurrentProcess(), 1);
+  if (fault_ == ClientFault::kHanging && number == 1) Sleep(3000);
   Json call{{"method", "NotifyPage"}, {"printer", Text(printer)}, {"job", job}, {"page", number}};
   if (number != 0) {
     call["page_object"] = Describe(page_->Description());
