@@ -1,0 +1,52 @@
+#include "support/capture_fixture.h"
+
+#include "capture/records/framing.h"
+#include "capture/records/types.h"
+#include "support/record_dump.h"
+
+namespace quillo::test {
+namespace {
+
+// The header of a record that never ends: the sink takes all that follows for its payload.
+constexpr records::RecordHeader kEndless = {records::REC_RAWDATA, 0xFFFFFFFF};
+
+}  // namespace
+
+CaptureTest::CaptureTest()
+    : heap_(HeapCreate(0, 0, 0)), job_(heap_.get(), /*job_printer=*/nullptr, /*id=*/1) {
+  device_.signature = device_.closing_signature = kDeviceSignature;
+  device_.resolution = {600, 300};
+  device_.remembered_colour = 0xFFFFFF;
+  device_.job = &job_;
+  surface_.dhpdev = reinterpret_cast<DHPDEV>(&device_);
+  surface_.sizlBitmap = {200, 100};
+  surface_.iType = STYPE_BITMAP;
+  SwallowStream();
+}
+
+void CaptureTest::SwallowStream() { WriteJob(&job_, &kEndless, sizeof kEndless, nullptr); }
+
+std::string CaptureTest::TakeRecords() {
+  const std::string text = DumpRecords(job_.record_buffer.Unread().subspan(sizeof kEndless));
+  job_.record_buffer.Reset();
+  SwallowStream();
+  return text;
+}
+
+std::string CaptureTest::TakeDrawing() {
+  static constexpr std::string_view kOpening = "REC_RESETWORLDTRANSFORM\nREC_SAVEDC\n";
+  static constexpr std::string_view kClosing = "REC_RESTOREDC\n";
+  std::string text = TakeRecords();
+  EXPECT_TRUE(text.starts_with(kOpening) && text.ends_with(kClosing)) << text;
+  if (text.size() < kOpening.size() + kClosing.size()) return text;
+  return text.substr(kOpening.size(), text.size() - kOpening.size() - kClosing.size());
+}
+
+void* WINAPI ScarceProcessHeap::Allocate(HANDLE heap, DWORD flags, SIZE_T bytes) {
+  if (heap == GetProcessHeap() && granted_-- <= 0) return nullptr;
+  static const auto system_allocate = reinterpret_cast<decltype(&HeapAlloc)>(
+      reinterpret_cast<void*>(GetProcAddress(GetModuleHandleW(L"kernel32"), "HeapAlloc")));
+  return system_allocate(heap, flags, bytes);
+}
+
+}  // namespace quillo::test

@@ -1,0 +1,53 @@
+#pragma once
+
+#include "base/ddi.h"
+
+#include <gtest/gtest.h>
+#include <memory>
+#include <string>
+
+#include "driver/device.h"
+#include "job/job.h"
+#include "support/import_patch.h"
+
+namespace quillo::test {
+
+/// A device of 600 x 300 dpi on a surface of 200 x 100 pixels, in a job that keeps the stream
+/// unplayed.
+class CaptureTest : public testing::Test {
+ protected:
+  CaptureTest();
+
+  /// What was recorded since the last call, as text.
+  std::string TakeRecords();
+
+  /// Like TakeRecords, of one drawing call: what stands between the bracketing records, which must
+  /// be there.
+  std::string TakeDrawing();
+
+  DEVICE_PDEV device_ = {};
+  SURFOBJ surface_ = {};  // of the device
+
+ private:
+  void SwallowStream();
+
+  struct HeapDeleter {
+    void operator()(HANDLE heap) const { HeapDestroy(heap); }
+  };
+  std::unique_ptr<void, HeapDeleter> heap_;
+  CQloPrinter job_;
+};
+
+/// For as long as it lives, the process heap grants so many allocations and no more. One at a time.
+class ScarceProcessHeap {
+ public:
+  explicit ScarceProcessHeap(int granted) { granted_ = granted; }
+
+ private:
+  static void* WINAPI Allocate(HANDLE heap, DWORD flags, SIZE_T bytes);
+
+  static inline int granted_ = 0;
+  ImportPatch patch_{"HeapAlloc", &Allocate};
+};
+
+}  // namespace quillo::test
