@@ -18,7 +18,7 @@ enum JobState : uint32_t {
   kDocumentEnded = 0x2,
   kPageFilePending = 0x8,
   kClientNotConnected = 0x10,
-  kJobFailed = 0x10000000,
+  kJobFailed = kJobFailedBit,
 };
 
 /// One print job, from the first DrvStartDoc to DrvEndDoc: the record sink, the playback context

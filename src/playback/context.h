@@ -10,25 +10,19 @@
 #include "capture/records/payloads.h"
 #include "config/device_mode.h"
 #include "fonts/font_map_manager.h"
+#include "playback/reduction.h"
 
 namespace quillo {
 
-/// Largest bitmap that is drawn unreduced, in pixels.
-struct BitmapLimits {
-  int32_t width;
-  int32_t height;
-};
-
-/// An A3 sheet at 600 dpi, in either orientation: 9922 pixels on its long side. A source as large
-/// as the sheet is drawn unreduced; beyond it, detail is lost to the printer anyway.
-inline constexpr BitmapLimits kDefaultBitmapLimits = {9922, 9922};
+/// In the job's state flags: the job has failed, no further page begins.
+inline constexpr uint32_t kJobFailedBit = 0x10000000;
 
 /// What playback reads and sets of the job that its context is embedded in. All pointers are the
 /// job's and outlive the context.
 struct JobLink {
   HANDLE printer;               // opens a printer DC for mask bitmaps
   HANDLE heap;                  // the job's private heap
-  uint32_t* state_flags;        // playback sets kJobFailed
+  uint32_t* state_flags;        // playback sets kJobFailedBit
   DeviceMode* device_settings;  // written by REC_DEVMODE; may be null
   BitmapLimits bitmap_limits;
   const wchar_t* font_directory;  // where embedded fonts go; empty = nothing is embedded

@@ -33,6 +33,11 @@ EmfRecords RecordDirect(const std::function<void(HDC)>& draw) {
   return ReadRecords(dc.Close().Get());
 }
 
+uintptr_t FreshObjectIndex() {
+  const Pen pen(CreatePen(PS_SOLID, 1, 0));
+  return reinterpret_cast<uintptr_t>(pen.Get()) & 0xFFFF;
+}
+
 Page::Page(size_t heap_limit)
     : heap_(HeapCreate(0, 0, heap_limit)),
       dc_(CreateEnhMetaFileW(nullptr, nullptr, nullptr, nullptr)),
@@ -40,7 +45,7 @@ Page::Page(size_t heap_limit)
                .heap = heap_,
                .state_flags = &state_flags_,
                .device_settings = &settings,
-               .bitmap_limits = {},
+               .bitmap_limits = kDefaultBitmapLimits,
                .font_directory = L"",
                .announce_font = nullptr,
                .job = nullptr}) {

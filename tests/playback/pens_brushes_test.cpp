@@ -81,12 +81,6 @@ TEST(PensAndBrushes, EachKind_SelectedAndReplaced) {
   }
 }
 
-// Freed handles are given out again, so what leaks makes the number of a fresh one grow.
-uintptr_t FreshObjectIndex() {
-  const Pen pen(CreatePen(PS_SOLID, 1, 0));
-  return reinterpret_cast<uintptr_t>(pen.Get()) & 0xFFFF;
-}
-
 TEST(PensAndBrushes, ManyOfEach_NoObjectLeft) {
   const auto play_page = [] {
     Page page;

@@ -1,0 +1,36 @@
+#pragma once
+
+#include "base/windows.h"
+
+#include "base/bytes.h"
+#include "imaging/bitmap_handle.h"
+#include "imaging/dib_section.h"
+#include "playback/reduction.h"
+
+namespace quillo {
+
+/// The source of a blit: a record's bitmap in the imaging kernel, and the memory DC that shows it.
+class SourceBitmap {
+ public:
+  /// Takes the packed DIB that begins `offset` bytes into `payload`. False when there is none or it
+  /// cannot be converted.
+  bool Load(Bytes payload, uint32_t offset);
+
+  /// Brings the bitmap to the limits. False when that fails; the bitmap is then of no use.
+  bool Reduce(BitmapLimits limits);
+
+  /// The DC to blit from, or null. Valid as long as this object.
+  HDC Present();
+
+  /// A coordinate or length of the bitmap as the record has it, in the bitmap as it is now.
+  [[nodiscard]] int Scaled(int value) const {
+    return MulDiv(value, scale_.numerator, scale_.denominator);
+  }
+
+ private:
+  imaging::BitmapScope bitmap_;
+  imaging::DibSectionDc dc_;  // of bitmap_, so it goes first
+  ReductionScale scale_;
+};
+
+}  // namespace quillo
