@@ -1,11 +1,15 @@
 #include "imaging/painters.h"
 
+#include <algorithm>
 #include <cstdlib>
 
 #include "base/kernel_owners.h"
+#include "imaging/area.h"
 #include "imaging/device_colours.h"
 #include "imaging/dib_section.h"
+#include "imaging/dither.h"
 #include "imaging/perspective.h"
+#include "imaging/pixel_bits.h"
 #include "imaging/resize.h"
 #include "imaging/rows.h"
 #include "imaging/storage_choice.h"
@@ -144,6 +148,122 @@ int PaintAsIs(const PaintJob& job, BitmapHandle& bitmap) {
   return shown ? Blit(job, shown, job.source) : PaintConverted(job, bitmap);
 }
 
+/// Size of the destination, mirrored or not.
+Geometry DestinationSize(const PaintJob& job, uint32_t bits) {
+  const auto length = [](LONG from, LONG to) {
+    return static_cast<uint32_t>(std::llabs(int64_t{to} - from));
+  };
+  const auto geometry = MakeGeometry(length(job.destination.left, job.destination.right),
+                                     length(job.destination.top, job.destination.bottom), bits);
+  return geometry.value_or(Geometry{});  // Create refuses what has no pixels
+}
+
+/// Scales to the destination's size and dithers there.
+int PaintDithered(const PaintJob& job, const BitmapHandle& bitmap) {
+  const Geometry size = DestinationSize(job, 24);
+  BitmapScope scaled;
+  {
+    BitmapScope colours;
+    int result = CopyConverted(job, bitmap, false, colours.Get());
+    if (result == kSuccess) result = MakeCopy(size.width, size.height, 24, nullptr, scaled.Get());
+    if (result == kSuccess) result = ResizeInto(colours.Get(), scaled.Get(), 0);
+    if (result != kSuccess) return result;
+  }
+  PaletteEntry palette[256];
+  const std::span<const PaletteEntry> device(palette, FillDitherPalette(job.device_depth, palette));
+  BitmapScope dithered;
+  int result = MakeCopy(size.width, size.height, job.device_depth, palette, dithered.Get());
+  if (result != kSuccess) return result;
+  const HeapBlock work(DitherWorkSize(size.width));
+  const HeapBlock colours(size.bytes_per_line);
+  const HeapBlock indexes(dithered->bytes_per_line);
+  if (!work || !colours || !indexes) return kOutOfMemory;
+  ErrorDiffuser diffuser(device, size.width, {work.As<std::byte>(), DitherWorkSize(size.width)});
+  for (uint32_t y = 0; y < size.height && result == kSuccess; ++y) {
+    const std::byte* row =
+        BorrowRow(*scaled.Get(), y, {colours.As<std::byte>(), size.bytes_per_line});
+    if (row == nullptr) return kFileError;
+    diffuser.Row(row, job.device_depth, indexes.As<std::byte>());
+    result = StoreRow(*dithered.Get(), y, {indexes.As<std::byte>(), dithered->bytes_per_line});
+  }
+  return result == kSuccess ? BlitWhole(job, *dithered.Get()) : result;
+}
+
+/// The part of a 1-bit bitmap that the job paints, with its bits moved to the start of the row.
+class BitRows {
+ public:
+  explicit BitRows(const PaintJob& job, const BitmapHandle& bitmap)
+      : rows_(job, bitmap),
+        part_(*MakeGeometry(rows_.Width(), rows_.Height(), 1)),
+        scratch_(part_.bytes_per_line) {}
+
+  explicit operator bool() const { return rows_ && scratch_; }
+  [[nodiscard]] const Geometry& Part() const { return part_; }
+
+  [[nodiscard]] const std::byte* Fetch(uint32_t y) const {
+    const std::byte* row = rows_.Fetch(y);
+    if (row == nullptr || rows_.Left() == 0) return row;
+    for (uint32_t x = 0; x < part_.width; ++x) {
+      StorePixelBits(scratch_.As<std::byte>(), 1, x, LoadPixelBits(row, 1, rows_.Left() + x));
+    }
+    return scratch_.As<std::byte>();
+  }
+
+ private:
+  SourceRows rows_;
+  Geometry part_;
+  HeapBlock scratch_;
+};
+
+/// Scales a 1-bit bitmap by `rule` into `copy`, which has the destination's size.
+int CopyByArea(const PaintJob& job, const BitmapHandle& bitmap, AreaRule rule, BitmapHandle& copy) {
+  const BitRows rows(job, bitmap);
+  const HeapBlock sums(size_t{copy.width} * sizeof(uint64_t));
+  const HeapBlock line(copy.bytes_per_line);
+  if (!rows || !sums || !line) return kOutOfMemory;
+  return ScaleByArea(
+      rule, rows.Part(), GeometryOf(copy), {sums.As<uint64_t>(), copy.width},
+      {line.As<std::byte>(), copy.bytes_per_line}, [&rows](uint32_t y) { return rows.Fetch(y); },
+      [&copy](uint32_t y, Bytes data) { return StoreRow(copy, y, data); },
+      Progress(nullptr, nullptr, copy.height));
+}
+
+/// Draws a black and white bitmap in 256 grey levels, those of its lookup table. `variant` 1 says
+/// that 1-pixels are black. Where it shrinks both ways, a pixel's level is the share of white in
+/// it; else every level is black or white, and GDI repeats the pixels.
+int PaintGrey(const PaintJob& job, const BitmapHandle& bitmap, int variant) {
+  PaletteEntry greys[256];
+  FillLookupPalette(bitmap, greys);
+  if (variant == 1) std::ranges::reverse(greys);
+  const Size from = SizeOf(job.source);
+  const Size to = SizeOf(job.destination);
+  const bool shrinks = to.width < from.width && to.height < from.height;
+  const Geometry reduced = DestinationSize(job, 8);
+  BitmapScope levels;
+  int result = shrinks ? MakeCopy(reduced.width, reduced.height, 8, greys, levels.Get())
+                       : MakeCopy(static_cast<uint32_t>(from.width),
+                                  static_cast<uint32_t>(from.height), 8, greys, levels.Get());
+  if (result == kSuccess) result = CopyByArea(job, bitmap, AreaRule::kLevels, *levels.Get());
+  return result == kSuccess ? BlitWhole(job, *levels.Get()) : result;
+}
+
+/// Draws a black and white bitmap scaled, in its two colours. Where it shrinks, black pixels stay:
+/// thin lines and dots do not vanish. `variant` 1 says that 1-pixels are black.
+int PaintTwoColours(const PaintJob& job, BitmapHandle& bitmap, int variant) {
+  const Geometry size = DestinationSize(job, 1);
+  const Size from = SizeOf(job.source);
+  const bool shrinks = size.width <= static_cast<uint32_t>(from.width) &&
+                       size.height <= static_cast<uint32_t>(from.height);
+  if (!shrinks) return PaintAsIs(job, bitmap);
+  BitmapScope copy;
+  int result = MakeCopy(size.width, size.height, 1, bitmap.palette, copy.Get());
+  if (result == kSuccess) {
+    const AreaRule rule = variant == 1 ? AreaRule::kAnySet : AreaRule::kAllSet;
+    result = CopyByArea(job, bitmap, rule, *copy.Get());
+  }
+  return result == kSuccess ? BlitWhole(job, *copy.Get()) : result;
+}
+
 }  // namespace
 
 int RunPainter(const PaintJob& job, BitmapHandle& record) {
@@ -152,8 +272,24 @@ int RunPainter(const PaintJob& job, BitmapHandle& record) {
     const int result = MakeUpright(record, upright.Get());
     return result == kSuccess ? RunPainter(job, *upright.Get()) : result;
   }
-  if (job.method == PaintMethod::kConvert) return PaintConverted(job, record);
-  return PaintAsIs(job, record);
+  const bool scales = SizeOf(job.source) != SizeOf(job.destination);
+  switch (job.method) {
+    case PaintMethod::kAsIs:
+      return PaintAsIs(job, record);
+    case PaintMethod::kConvert:
+      return PaintConverted(job, record);
+    case PaintMethod::kDither:
+      return PaintDithered(job, record);
+    case PaintMethod::kGreyBlackOnWhite:
+      return PaintGrey(job, record, 0);
+    case PaintMethod::kGreyWhiteOnBlack:
+      return PaintGrey(job, record, 1);
+    case PaintMethod::kTwoBlackOnWhite:
+      return scales ? PaintTwoColours(job, record, 0) : PaintAsIs(job, record);
+    case PaintMethod::kTwoWhiteOnBlack:
+      return scales ? PaintTwoColours(job, record, 1) : PaintAsIs(job, record);
+  }
+  return kInvalidArgument;
 }
 
 }  // namespace quillo::imaging

@@ -1,8 +1,10 @@
 #include "imaging/resize.h"
 
 #include "base/kernel_owners.h"
+#include "imaging/area.h"
 #include "imaging/kernel_settings.h"
 #include "imaging/nearest.h"
+#include "imaging/resample.h"
 #include "imaging/rows.h"
 #include "imaging/storage.h"
 
@@ -33,9 +35,72 @@ class RowPair {
   HeapBlock scratch_;
 };
 
+enum class Method { kNearest, kArea, kResample, kEnlarge };
+
+/// Flag bit 0 goes before bit 1, and bit 1 before bit 2.
+Method ChooseMethod(const BitmapHandle& source, const BitmapHandle& destination, uint32_t flags) {
+  if ((flags & kResizeArea) != 0 && source.bits_per_pixel == 1) return Method::kArea;
+  if ((flags & kResizeResample) != 0) return Method::kResample;
+  if ((flags & kResizeSmooth) == 0) return Method::kNearest;
+  const bool grows = destination.width > source.width || destination.height > source.height;
+  return grows ? Method::kEnlarge : Method::kResample;
+}
+
+/// The flags that count for a bitmap that is resized in place. A bit 0 that counts takes the place
+/// of bit 1, but gives way to bit 2.
+uint32_t FlagsInPlace(const BitmapHandle& record, uint32_t flags) {
+  if ((flags & kResizeArea) == 0) return flags;
+  const bool black_and_white =
+      record.bits_per_pixel == 1 && TestTwoColours(PaletteOf(record)) != TwoColours::kOther;
+  if (!black_and_white) return flags & ~kResizeArea;
+  return (flags & kResizeSmooth) != 0 ? kResizeSmooth : kResizeArea;
+}
+
+size_t WorkSize(Method method, const Geometry& source, const Geometry& destination) {
+  switch (method) {
+    case Method::kNearest:
+      return size_t{destination.width} * sizeof(uint32_t);
+    case Method::kArea:
+      return size_t{destination.width} * sizeof(uint64_t);
+    case Method::kResample:
+    case Method::kEnlarge:
+      break;
+  }
+  return ResampleWorkSize(source, destination);
+}
+
+int Scale(Method method, const BitmapHandle& source, const BitmapHandle& destination) {
+  const Geometry from = GeometryOf(source);
+  const Geometry to = GeometryOf(destination);
+  const RowPair rows(source, destination);
+  const HeapBlock row(to.bytes_per_line);
+  const size_t work_size = WorkSize(method, from, to);
+  const HeapBlock work(work_size);
+  if (!rows || !row || !work) return kOutOfMemory;
+  const auto fetch = [&rows](uint32_t y) { return rows.Fetch(y); };
+  const auto store = [&rows](uint32_t y, Bytes data) { return rows.Store(y, data); };
+  const MutableBytes line(row.As<std::byte>(), to.bytes_per_line);
+  const KernelSettings& settings = ThreadSettings();
+  const Progress progress(settings.status, settings.status_user, to.height);
+  switch (method) {
+    case Method::kNearest:
+      return ResizeNearest(from, to, {work.As<uint32_t>(), to.width}, line, fetch, store, progress);
+    case Method::kArea:
+      return ScaleByArea(AreaRule::kMajority, from, to, {work.As<uint64_t>(), to.width}, line,
+                         fetch, store, progress);
+    case Method::kResample:
+    case Method::kEnlarge:
+      break;
+  }
+  const CubicFilter filter =
+      method == Method::kEnlarge ? CubicFilter::kCatmullRom : CubicFilter::kMitchell;
+  return Resample(filter, FormatOf(source), from, to, {work.As<std::byte>(), work_size}, line,
+                  fetch, store, progress);
+}
+
 }  // namespace
 
-int ResizeInto(BitmapHandle* source, BitmapHandle* destination, uint32_t /*flags*/) {
+int ResizeInto(BitmapHandle* source, BitmapHandle* destination, uint32_t flags) {
   if (source == nullptr || destination == nullptr) return kInvalidArgument;
   if (!IsStructureSize(source->structure_size) || !IsStructureSize(destination->structure_size)) {
     return kWrongStructureSize;
@@ -49,18 +114,7 @@ int ResizeInto(BitmapHandle* source, BitmapHandle* destination, uint32_t /*flags
   const LockScope destination_lock(*destination);
   if (source_lock.Result() != kSuccess) return source_lock.Result();
   if (destination_lock.Result() != kSuccess) return destination_lock.Result();
-
-  const RowPair rows(*source, *destination);
-  const HeapBlock row(destination->bytes_per_line);
-  const HeapBlock columns(size_t{destination->width} * sizeof(uint32_t));
-  if (!rows || !row || !columns) return kOutOfMemory;
-  const KernelSettings& settings = ThreadSettings();
-  return ResizeNearest(
-      GeometryOf(*source), GeometryOf(*destination), {columns.As<uint32_t>(), destination->width},
-      {row.As<std::byte>(), destination->bytes_per_line},
-      [&rows](uint32_t y) { return rows.Fetch(y); },
-      [&rows](uint32_t y, Bytes data) { return rows.Store(y, data); },
-      Progress(settings.status, settings.status_user, destination->height));
+  return Scale(ChooseMethod(*source, *destination, flags), *source, *destination);
 }
 
 int SizeBitmap(BitmapHandle* record, int32_t new_width, int32_t new_height, uint32_t flags) {
@@ -72,7 +126,7 @@ int SizeBitmap(BitmapHandle* record, int32_t new_width, int32_t new_height, uint
   if (new_width < 1 || new_height < 1) return kInvalidArgument;
   BitmapScope fresh;
   int result = AllocateLike(*record, width, height, fresh.Get());
-  if (result == kSuccess) result = ResizeInto(record, fresh.Get(), flags);
+  if (result == kSuccess) result = ResizeInto(record, fresh.Get(), FlagsInPlace(*record, flags));
   if (result == kSuccess && record->attached_object != nullptr) {
     result = record->attached_object->Resize(width, height);
   }
