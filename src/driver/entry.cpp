@@ -74,7 +74,7 @@ BOOL APIENTRY DrvQueryDriverInfo(DWORD mode, PVOID buffer, DWORD size, PDWORD ne
     SetLastError(ERROR_INVALID_PARAMETER);
     return FALSE;
   }
-  *needed = sizeof(DWORD);
+  if (needed != nullptr) *needed = sizeof(DWORD);
   if (buffer == nullptr || size < sizeof(DWORD)) {
     SetLastError(ERROR_INSUFFICIENT_BUFFER);
     return FALSE;

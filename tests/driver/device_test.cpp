@@ -1,0 +1,222 @@
+#include "driver/device.h"
+
+#include <array>
+#include <cstdlib>
+#include <cstring>
+#include <gtest/gtest.h>
+#include <memory>
+#include <vector>
+
+#include "base/module_instance.h"
+#include "capture/hooks.h"
+#include "driver/callbacks.h"
+#include "host/engine/services/colors.h"
+#include "host/engine/services/guard.h"
+#include "host/engine/services/surfaces.h"
+
+extern "C" BOOL WINAPI DllMain(HINSTANCE instance, DWORD reason, LPVOID reserved);
+
+namespace quillo {
+namespace {
+
+class Device : public testing::Test {
+ protected:
+  void SetUp() override {
+    DllMain(GetModuleHandleW(nullptr), DLL_PROCESS_ATTACH, nullptr);
+    palettes_ = host::LivePaletteCount();
+  }
+  void TearDown() override { EXPECT_EQ(host::LivePaletteCount(), palettes_); }
+
+  static DHPDEV Enable(const DEVMODEW* mode = nullptr) {
+    return quillo::DrvEnablePDEV(const_cast<DEVMODEW*>(mode), nullptr, 0, nullptr, 0, nullptr, 0,
+                                 nullptr, nullptr, nullptr, nullptr);
+  }
+
+  host::EngineDevice engine_device_;
+  size_t palettes_ = 0;
+};
+
+TEST_F(Device, ShortBuffers_GetNoByteTooMany) {
+  GDIINFO whole_caps = {};
+  DEVINFO whole_info = {};
+  DHPDEV device = quillo::DrvEnablePDEV(nullptr, nullptr, 0, nullptr, sizeof whole_caps,
+                                        reinterpret_cast<ULONG*>(&whole_caps), sizeof whole_info,
+                                        &whole_info, nullptr, nullptr, nullptr);
+  ASSERT_NE(device, nullptr);
+  quillo::DrvDisablePDEV(device);
+
+  for (const ULONG size : std::array<ULONG, 6>{0, 1, 4, 103, sizeof(GDIINFO), 4096}) {
+    SCOPED_TRACE(size);
+    std::vector<std::byte> caps(8192, std::byte{0xEE});
+    std::vector<std::byte> info(8192, std::byte{0xEE});
+    device = quillo::DrvEnablePDEV(
+        nullptr, nullptr, 0, nullptr, size, reinterpret_cast<ULONG*>(caps.data()), size,
+        reinterpret_cast<DEVINFO*>(info.data()), nullptr, nullptr, nullptr);
+    ASSERT_NE(device, nullptr);
+    const size_t caps_size = std::min<size_t>(size, sizeof(GDIINFO));
+    const size_t info_size = std::min<size_t>(size, sizeof(DEVINFO));
+    EXPECT_EQ(std::memcmp(caps.data(), &whole_caps, caps_size), 0);
+    EXPECT_EQ(caps[caps_size], std::byte{0xEE});
+    EXPECT_EQ(info[info_size], std::byte{0xEE});
+    quillo::DrvDisablePDEV(device);
+  }
+}
+
+TEST_F(Device, Patterns_NoneOffered) {
+  std::array<HSURF, 4> patterns;
+  patterns.fill(reinterpret_cast<HSURF>(uintptr_t{0x77}));
+  const DHPDEV device =
+      quillo::DrvEnablePDEV(nullptr, nullptr, 3, patterns.data(), 0, nullptr, 0, nullptr, nullptr,
+                            nullptr, reinterpret_cast<HANDLE>(uintptr_t{0x1234}));
+  EXPECT_EQ(patterns[2], nullptr);
+  EXPECT_EQ(patterns[3], reinterpret_cast<HSURF>(uintptr_t{0x77}));
+  EXPECT_EQ(FindDevice(device)->printer, reinterpret_cast<HANDLE>(uintptr_t{0x1234}));
+  EXPECT_EQ(FindDevice(device)->remembered_colour, 0xFFFFFFu);
+  quillo::DrvDisablePDEV(device);
+}
+
+TEST_F(Device, EnableFailures_LeaveNothing) {
+  host::FailNextCall("EngCreatePalette");
+  EXPECT_EQ(Enable(), nullptr);
+
+  g_module_instance = nullptr;
+  EXPECT_EQ(Enable(), nullptr);
+  for (const DWORD reason : {0u, 2u, 3u}) {
+    EXPECT_TRUE(DllMain(GetModuleHandleW(nullptr), reason, nullptr));
+    EXPECT_EQ(g_module_instance, nullptr);
+  }
+}
+
+/// Handles that are no living device.
+std::vector<DHPDEV> ForeignHandles(DHPDEV freed) {
+  alignas(DEVICE_PDEV) static std::array<std::byte, 2 * sizeof(DEVICE_PDEV)> foreign;
+  const auto sign = [](uint32_t opening, uint32_t closing) {
+    DEVICE_PDEV device = {};
+    device.signature = opening;
+    device.closing_signature = closing;
+    return device;
+  };
+  static DEVICE_PDEV half_signed = sign(kDeviceSignature, 0);
+  static DEVICE_PDEV other_half = sign(0, kDeviceSignature);
+  static DEVICE_PDEV whole = sign(kDeviceSignature, kDeviceSignature);
+  const auto misaligned = reinterpret_cast<std::byte*>(&whole) + 4;
+  return {nullptr,
+          reinterpret_cast<DHPDEV>(uintptr_t{1}),
+          reinterpret_cast<DHPDEV>(uintptr_t{0x8000}),
+          reinterpret_cast<DHPDEV>(foreign.data()),
+          reinterpret_cast<DHPDEV>(&half_signed),
+          reinterpret_cast<DHPDEV>(&other_half),
+          reinterpret_cast<DHPDEV>(misaligned),
+          freed};
+}
+
+TEST_F(Device, ForeignHandle_RefusedWithLastError) {
+  const DHPDEV good = Enable();
+  const DHPDEV freed = Enable();
+  quillo::DrvDisablePDEV(freed);
+  int index = 0;
+  for (const DHPDEV handle : ForeignHandles(freed)) {
+    SCOPED_TRACE(index++);
+    const auto refused = [](auto result) {
+      const DWORD error = GetLastError();
+      SetLastError(0);
+      return !result && error == ERROR_INVALID_PARAMETER;
+    };
+    const auto done = [](auto&& call) {
+      call();
+      return false;
+    };
+    SetLastError(0);
+    EXPECT_TRUE(refused(quillo::DrvResetPDEV(handle, good)));
+    EXPECT_TRUE(refused(quillo::DrvResetPDEV(good, handle)));
+    EXPECT_TRUE(refused(done([handle] { quillo::DrvCompletePDEV(handle, nullptr); })));
+    EXPECT_TRUE(refused(done([handle] { quillo::DrvDisablePDEV(handle); })));
+    EXPECT_TRUE(refused(quillo::DrvEnableSurface(handle) != nullptr));
+    EXPECT_TRUE(refused(done([handle] { quillo::DrvDisableSurface(handle); })));
+
+    SURFOBJ surface = {};
+    surface.dhpdev = handle;
+    EXPECT_FALSE(quillo::DrvStartDoc(&surface, nullptr, 1));
+    EXPECT_FALSE(quillo::DrvStartPage(&surface));
+    EXPECT_FALSE(quillo::DrvSendPage(&surface));
+    EXPECT_TRUE(quillo::DrvEndDoc(&surface, 0));
+    EXPECT_FALSE(
+        quillo::DrvStrokePath(&surface, nullptr, nullptr, nullptr, nullptr, nullptr, nullptr, 0));
+    EXPECT_FALSE(quillo::DrvPaint(&surface, nullptr, nullptr, nullptr, 0));
+  }
+  EXPECT_FALSE(quillo::DrvStartDoc(nullptr, nullptr, 1));
+  EXPECT_TRUE(quillo::DrvEndDoc(nullptr, 0));
+  quillo::DrvDisablePDEV(good);
+}
+
+TEST_F(Device, Surface_SizeStrideAndHooks) {
+  const struct {
+    short width, height;  // 0.1 mm
+    short dpi;
+    LONG pixels, stride;
+  } cases[] = {{2159, 2794, 100, 850, 2552}, {6, 100, 50, 1, 4}, {16, 100, 50, 3, 12}};
+  for (const auto& c : cases) {
+    SCOPED_TRACE(c.width);
+    DEVMODEW mode = {};
+    mode.dmFields = DM_PAPERSIZE | DM_PRINTQUALITY;
+    mode.dmPaperSize = DMPAPER_USER;
+    mode.dmPaperWidth = c.width;
+    mode.dmPaperLength = c.height;
+    mode.dmPrintQuality = mode.dmYResolution = c.dpi;
+    const DHPDEV device = Enable(&mode);
+    quillo::DrvCompletePDEV(device, engine_device_.Handle());
+    const HSURF handle = quillo::DrvEnableSurface(device);
+    ASSERT_NE(handle, nullptr);
+    const SURFOBJ* surface = host::FindSurface(handle);
+    ASSERT_NE(surface, nullptr);
+    EXPECT_EQ(surface->sizlBitmap.cx, c.pixels);
+    EXPECT_EQ(std::abs(surface->lDelta), c.stride);
+    EXPECT_EQ(surface->iBitmapFormat, static_cast<ULONG>(BMF_24BPP));
+    EXPECT_EQ(FindDevice(device)->surface_size.cx, c.pixels);
+    quillo::DrvDisableSurface(device);
+    EXPECT_EQ(host::FindSurface(handle), nullptr);
+    EXPECT_EQ(FindDevice(device)->surface, nullptr);
+    quillo::DrvDisableSurface(device);
+    quillo::DrvDisablePDEV(device);
+  }
+}
+
+TEST_F(Device, SurfaceFailures_LeaveNothing) {
+  const DHPDEV device = Enable();
+  quillo::DrvCompletePDEV(device, engine_device_.Handle());
+  for (const char* service : {"EngCreateBitmap", "EngAssociateSurface"}) {
+    SCOPED_TRACE(service);
+    const size_t surfaces = host::LiveSurfaceCount();
+    host::FailNextCall(service);
+    EXPECT_EQ(quillo::DrvEnableSurface(device), nullptr);
+    EXPECT_EQ(FindDevice(device)->surface, nullptr);
+    EXPECT_EQ(host::LiveSurfaceCount(), surfaces);
+  }
+  quillo::DrvDisablePDEV(device);
+}
+
+TEST_F(Device, Reset_CarriesAnOpenDocument) {
+  const DHPDEV old_handle = Enable();
+  const DHPDEV new_handle = Enable();
+  DEVICE_PDEV& old_device = *FindDevice(old_handle);
+  DEVICE_PDEV& new_device = *FindDevice(new_handle);
+  old_device.document_word = 42;
+  old_device.remembered_colour = 0x123456;
+  EXPECT_TRUE(quillo::DrvResetPDEV(old_handle, new_handle));
+  EXPECT_EQ(new_device.document_word, 0u);
+  EXPECT_EQ(new_device.flags, 0u);
+
+  auto* job = reinterpret_cast<CQloPrinter*>(uintptr_t{0x5000});
+  old_device.job = job;
+  old_device.flags = kDocumentOpen | kDrawingRefused;
+  EXPECT_TRUE(quillo::DrvResetPDEV(old_handle, new_handle));
+  EXPECT_EQ(new_device.document_word, 42u);
+  EXPECT_EQ(new_device.job, job);
+  EXPECT_EQ(new_device.flags, static_cast<uint32_t>(kDocumentOpen));
+  EXPECT_EQ(new_device.remembered_colour, 0xFFFFFFu);
+  quillo::DrvDisablePDEV(old_handle);
+  quillo::DrvDisablePDEV(new_handle);
+}
+
+}  // namespace
+}  // namespace quillo
