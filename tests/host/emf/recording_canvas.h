@@ -1,0 +1,38 @@
+#pragma once
+
+#include "base/ddi.h"
+
+#include <string>
+#include <vector>
+
+#include "host/engine/canvas.h"
+
+namespace quillo::host::emf {
+
+/// Writes each drawing call down as a line of text.
+class RecordingCanvas : public Canvas {
+ public:
+  void Stroke(const Path& path, const PenDescription& pen, const DrawState& state) override;
+  void Fill(const Path& path, const BrushDescription& brush, FillMode mode,
+            const DrawState& state) override;
+  void StrokeAndFill(const Path& path, const PenDescription& pen, const BrushDescription& brush,
+                     FillMode mode, const DrawState& state) override;
+  void Line(POINTFIX from, POINTFIX to, const PenDescription& pen, const DrawState& state) override;
+  void Paint(const ClipShape& area, const BrushDescription& brush, const DrawState& state) override;
+  void BitBlt(const RECTL& target, uint8_t rop3, const BrushDescription* brush,
+              const BitmapSource* source, POINTL source_origin, const DrawState& state) override;
+  void StretchBlt(const RECTL& target, const BitmapSource& source, const RECTL& source_rect,
+                  uint8_t rop3, const BrushDescription* brush, ULONG stretch_mode,
+                  const DrawState& state) override;
+  SIZEL Size() const override { return {1000, 1000}; }
+
+  /// All calls, a line each, and forgets them.
+  std::string Take();
+
+ private:
+  void Log(std::string call, const DrawState& state);
+
+  std::string log_;
+};
+
+}  // namespace quillo::host::emf
