@@ -206,7 +206,7 @@ TEST(Player, Transforms_MapToThePage) {
     EXPECT_EQ(LastCall(records), call + kThinPen);
   }
   EXPECT_EQ(LastCall({{kEmrSETWINDOWORGEX, {1, 2}}, kLine}, {3, 0, 0, 2, 100, 50}),
-            std::string("Line 97,46 127,86") + kThinPen);
+            std::string("Line 97,46 127,86") + kThinPen + " | origin 100,50");
 }
 
 TEST(Player, PensAndBrushes_AreDescribed) {
