@@ -106,8 +106,8 @@ class FontEmbeddingTest : public testing::Test {
   FontEmbeddingTest() {
     wchar_t temp[MAX_PATH] = {};
     GetTempPathW(MAX_PATH, temp);
-    folder_ = std::filesystem::path(temp) /
-              (L"font-embedding-" + std::to_wstring(GetCurrentProcessId()));
+    folder_ =
+        std::filesystem::path(temp) / (L"font-embedding-" + std::to_wstring(GetCurrentProcessId()));
     std::filesystem::create_directories(folder_);
     folder_text_ = folder_.wstring();
     page_.context.job.font_directory = folder_text_.c_str();
@@ -218,7 +218,10 @@ TEST_F(FontEmbeddingTest, FaceName_MustMarkATemporaryFontAndNameAFile) {
     announced_.clear();
     EXPECT_EQ(EmbedFont(page_.context, font), c.embedded) << std::filesystem::path(c.face);
     EXPECT_EQ(announced_.size(), size_t{c.embedded});
-    if (!announced_.empty()) EXPECT_EQ(announced_[0], folder_ / c.face);
+    for (const auto& path : announced_) {
+      EXPECT_EQ(path, folder_ / c.face);
+      std::filesystem::remove(path);
+    }
   }
 }
 
