@@ -2,6 +2,8 @@
 
 #include <algorithm>
 
+#include "base/text.h"
+
 namespace quillo {
 
 namespace {
@@ -17,8 +19,8 @@ bool HasOwnShape(const DEVMODEW& mode) {
 
 void BuildDefaultDeviceMode(DeviceMode& mode, const wchar_t* device_name) {
   mode = {};
-  lstrcpynW(mode.pub.dmDeviceName, device_name != nullptr ? device_name : kDefaultDeviceName,
-            CCHDEVICENAME);
+  CopyPadded(mode.pub.dmDeviceName, device_name != nullptr ? device_name : kDefaultDeviceName,
+             CCHDEVICENAME);
   mode.pub.dmSpecVersion = kSpecVersion;
   mode.pub.dmDriverVersion = kDriverVersion;
   mode.pub.dmSize = sizeof(DEVMODEW);

@@ -1,0 +1,55 @@
+#include "config/custom_paper_list.h"
+
+#include <bitset>
+
+namespace quillo {
+
+namespace {
+
+using NumberSet = std::bitset<65536>;
+
+}  // namespace
+
+CustomPaper* Join(CustomPaper* head, CustomPaper* tail) {
+  CustomPaper** end = &head;
+  while (*end != nullptr) end = &(*end)->next;
+  *end = tail;
+  return head;
+}
+
+CustomPaper* TakeDuplicates(CustomPaper* head) {
+  NumberSet seen;
+  CustomPaper* taken = nullptr;
+  for (CustomPaper** link = &head; *link != nullptr;) {
+    CustomPaper* paper = *link;
+    if (!seen.test(paper->number)) {
+      seen.set(paper->number);
+      link = &paper->next;
+      continue;
+    }
+    *link = paper->next;
+    paper->next = taken;
+    taken = paper;
+  }
+  return taken;
+}
+
+const CustomPaper* FindPaper(const CustomPaper* head, uint16_t number) {
+  while (head != nullptr && head->number != number) head = head->next;
+  return head;
+}
+
+uint16_t UnusedPaperNumber(const CustomPaper* head) {
+  NumberSet used;
+  for (; head != nullptr; head = head->next) used.set(head->number);
+  for (uint32_t number = kFirstCustomPaperNumber; number <= kLastCustomPaperNumber; ++number) {
+    if (!used.test(number)) return static_cast<uint16_t>(number);
+  }
+  return 0;
+}
+
+SizeClass SizeClassOf(const CustomPaper& paper) {
+  return paper.kind == 1 ? kSizeTenthsOfInch : kSizeTenthsOfMillimetre;
+}
+
+}  // namespace quillo

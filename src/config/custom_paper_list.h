@@ -1,0 +1,43 @@
+#pragma once
+
+#include <cstdint>
+
+#include "config/paper_units.h"
+
+namespace quillo {
+
+/// A paper that the user defined, in a list of them.
+struct CustomPaper {
+  wchar_t name[64];   // ends in a terminator
+  uint16_t number;    // dmPaperSize, above 256
+  int16_t kind;       // 1: its size counts as tenths of an inch; kDeletedPaper: not saved; any
+                      // other: as tenths of a millimetre
+  uint16_t length;    // tenths of a millimetre
+  uint16_t width;     // tenths of a millimetre
+  CustomPaper* next;  // null at the end
+};
+
+inline constexpr int16_t kDeletedPaper = 0x1000;
+
+/// The numbers that custom papers can have.
+inline constexpr uint16_t kFirstCustomPaperNumber = 257;
+inline constexpr uint16_t kLastCustomPaperNumber = 32767;
+
+/// Puts one list behind another; either may be null. Returns the whole.
+CustomPaper* Join(CustomPaper* head, CustomPaper* tail);
+
+/// Takes every paper out whose number an earlier one of the list has. Returns those taken out, as a
+/// list.
+CustomPaper* TakeDuplicates(CustomPaper* head);
+
+/// The first paper of a number, or null.
+const CustomPaper* FindPaper(const CustomPaper* head, uint16_t number);
+
+/// The lowest number that no paper of the list has; 0 when no further paper can be added.
+uint16_t UnusedPaperNumber(const CustomPaper* head);
+
+/// How the paper geometry reads the size of a custom paper. It is stored in tenths of a millimetre
+/// all the same: meant so.
+SizeClass SizeClassOf(const CustomPaper& paper);
+
+}  // namespace quillo
