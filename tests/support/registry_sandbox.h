@@ -6,16 +6,16 @@
 
 namespace quillo::test {
 
-/// For as long as it lives, HKEY_CURRENT_USER and HKEY_LOCAL_MACHINE of this process are two empty
-/// keys of its own, removed at its end. One at a time.
-///
-/// Services outside the process (the spooler) are not touched; what they read inside it is.
+/// For as long as it lives, HKEY_CURRENT_USER and HKEY_LOCAL_MACHINE of this process are two keys
+/// of its own, removed at its end. They are empty but for a copy of what the spooler knows, so that
+/// printers can be opened and their data changed. One at a time.
 class RegistrySandbox {
  public:
   RegistrySandbox() {
     RegDeleteTreeW(HKEY_CURRENT_USER, kPath);
     active_ = RegCreateKeyW(HKEY_CURRENT_USER, kPath, root_.Receive()) == ERROR_SUCCESS &&
-              Override(HKEY_LOCAL_MACHINE, L"machine") && Override(HKEY_CURRENT_USER, L"user");
+              CopySpooler() && Override(HKEY_LOCAL_MACHINE, L"machine") &&
+              Override(HKEY_CURRENT_USER, L"user");
   }
   ~RegistrySandbox() {
     RegOverridePredefKey(HKEY_CURRENT_USER, nullptr);
@@ -33,6 +33,17 @@ class RegistrySandbox {
 
  private:
   static constexpr wchar_t kPath[] = L"Software\\Quillo test hives";
+  static constexpr wchar_t kSpooler[] = L"System\\CurrentControlSet\\Control\\Print";
+
+  bool CopySpooler() {
+    RegistryKey source;
+    if (RegOpenKeyW(HKEY_LOCAL_MACHINE, kSpooler, source.Receive()) != ERROR_SUCCESS) return true;
+    RegistryKey machine;
+    RegistryKey copy;
+    return RegCreateKeyW(root_.Get(), L"machine", machine.Receive()) == ERROR_SUCCESS &&
+           RegCreateKeyW(machine.Get(), kSpooler, copy.Receive()) == ERROR_SUCCESS &&
+           RegCopyTreeW(source.Get(), nullptr, copy.Get()) == ERROR_SUCCESS;
+  }
 
   bool Override(HKEY predefined, const wchar_t* name) {
     RegistryKey key;

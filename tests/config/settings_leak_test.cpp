@@ -1,0 +1,70 @@
+#include <gtest/gtest.h>
+
+#include "config/custom_papers.h"
+#include "config/printer_options.h"
+#include "config/settings_test.h"
+#include "config/stored_device_mode.h"
+#include "config/user_paths.h"
+
+namespace quillo {
+namespace {
+
+class SettingsLeakTest : public SettingsTest {};
+
+size_t HeapBytes() {
+  size_t bytes = 0;
+  PROCESS_HEAP_ENTRY entry = {};
+  while (HeapWalk(GetProcessHeap(), &entry)) {
+    if ((entry.wFlags & PROCESS_HEAP_ENTRY_BUSY) != 0) bytes += entry.cbData;
+  }
+  return bytes;
+}
+
+/// The lowest free kernel handle.
+uintptr_t FreshHandle() {
+  const KernelHandle event(CreateEventW(nullptr, TRUE, FALSE, nullptr));
+  return reinterpret_cast<uintptr_t>(event.Get());
+}
+
+void OneRound(HANDLE printer, const CustomPaper* papers) {
+  DeviceMode mode;
+  BuildDefaultDeviceMode(mode, kTestPrinter);
+  const PrinterSettings settings(printer);
+  ASSERT_EQ(WriteDeviceData(settings, mode), SETTINGS_OK);
+  ASSERT_TRUE(LoadStoredDeviceMode(printer, mode));
+  PrinterOptions options;
+  ASSERT_EQ(LoadOptions(settings, &options), SETTINGS_OK);
+  ASSERT_EQ(StoreOptions(settings, options), SETTINGS_OK);
+  ASSERT_EQ(SaveCustomPapers(kTestPrinter, papers), SETTINGS_OK);
+  CustomPaper paper;
+  mode.pub.dmPaperSize = 300;
+  ASSERT_TRUE(FindCustomPaper(mode.pub, paper));
+  ValueBuffer value;
+  settings.ReadLegacy(L"Options", &value);
+  settings.Read(L"absent", &value, SettingsPlace::kRegistry);
+  wchar_t folder[MAX_PATH];
+  UserTempFolder(folder, MAX_PATH);
+  DWORD session = 0;
+  ASSERT_TRUE(PrintingUserSession(session));
+}
+
+TEST_F(SettingsLeakTest, ThousandRounds_LeaveNothing) {
+  PutData(L"DriverFlags", Number(1));
+  PutData(L"RegistryKey", Terminated(L"Software\\Product"));
+  PutData(L"InfoKey", Number(1));
+  PutData(L"AboutString", Text(std::string("text")));
+  PutData(L"SaveFormatsCount", Number(1));
+  PutData(L"SaveFormats", Text(std::string(12, 'f')));
+  CustomPapers papers(NewCustomPaper());
+  papers.Get()->number = 300;
+
+  OneRound(printer_.Get(), papers.Get());
+  const size_t bytes = HeapBytes();
+  const uintptr_t handle = FreshHandle();
+  for (int i = 0; i < 1000; ++i) OneRound(printer_.Get(), papers.Get());
+  EXPECT_LT(HeapBytes(), bytes + 4096);
+  EXPECT_EQ(FreshHandle(), handle);
+}
+
+}  // namespace
+}  // namespace quillo
