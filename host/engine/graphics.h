@@ -4,7 +4,9 @@
 
 #include <cstdint>
 #include <map>
+#include <memory>
 #include <optional>
+#include <set>
 #include <string>
 #include <vector>
 
@@ -12,6 +14,7 @@
 #include "host/engine/driver_functions.h"
 #include "host/engine/services/clips.h"
 #include "host/engine/services/surfaces.h"
+#include "host/engine/text_layout.h"
 
 namespace quillo::host {
 
@@ -43,6 +46,19 @@ class Graphics : public Canvas {
   void StretchBlt(const RECTL& target, const BitmapSource& source, const RECTL& source_rect,
                   uint8_t rop3, const BrushDescription* brush, ULONG stretch_mode,
                   const DrawState& state) override;
+  void MaskBlt(const RECTL& target, uint16_t rop4, const BrushDescription* brush,
+               const BitmapSource& source, const RECTL& source_rect, const BitmapSource& mask,
+               POINTL mask_origin, const DrawState& state) override;
+  void PlgBlt(const std::array<POINTFIX, 3>& target, const BitmapSource& source,
+              const RECTL& source_rect, const BitmapSource* mask, POINTL mask_origin,
+              ULONG stretch_mode, const DrawState& state) override;
+  void AlphaBlend(const RECTL& target, const BitmapSource& source, const RECTL& source_rect,
+                  BLENDFUNCTION blend, const DrawState& state) override;
+  void TransparentBlt(const RECTL& target, const BitmapSource& source, const RECTL& source_rect,
+                      uint32_t key, const DrawState& state) override;
+  void GradientFill(std::span<const TRIVERTEX> vertices, std::span<const ULONG> mesh, ULONG mode,
+                    const DrawState& state) override;
+  double Text(const TextDescription& text, const DrawState& state) override;
   SIZEL Size() const override;
 
   const DdiCalls& Calls() const { return calls_; }
@@ -59,6 +75,23 @@ class Graphics : public Canvas {
   void Refused(const char* name) { ++calls_.refused[name]; }
   void CountRealizations(unsigned count);
 
+  /// The part of `bounds` that the clip and the surface can leave, as a rectangle around it.
+  RECTL Visible(const RECTL& bounds, const ClipShape& clip);
+  /// DrvBitBlt on an area whose pixels all have a source pixel, and a mask pixel where there is
+  /// one.
+  void RasterOperation(const RECTL& area, ROP4 rop4, const BrushDescription* brush,
+                       const BitmapSource* source, POINTL source_origin, const BitmapSource* mask,
+                       POINTL mask_origin, const DrawState& state);
+  /// Lays a picture of 32 bits with alpha over an area of its own size.
+  void LayOver(const RECTL& area, const BitmapSource& picture, const DrawState& state);
+  void FillTriangle(const TRIVERTEX (&corners)[3], const DrawState& state);
+
+  /// Fills a quadrangle given in device pixels, whatever the binary operation.
+  void FillPolygon(const PointD (&corners)[4], const BrushDescription& brush,
+                   const DrawState& state);
+  void DrawGlyphs(const TextDescription& text, const TextLayout& layout, const RECTL& cell,
+                  const std::optional<RECTL>& opaque, const DrawState& state);
+
   /// The clip of a call that draws within `bounds`; nothing when no pixel of them is left.
   std::optional<ClipObject> ClipFor(const RECTL& bounds, const ClipShape& clip);
   /// Runs of a path as this driver takes them: with its curves, or flattened.
@@ -70,6 +103,7 @@ class Graphics : public Canvas {
   // The last clip cut to the surface, since calls in a row mostly have the same.
   ClipShape last_clip_;
   ClipShape last_clip_on_surface_;
+  std::set<std::shared_ptr<const TextFont>> known_fonts_;  // the driver was asked about them
   DdiCalls calls_;
 };
 

@@ -1,9 +1,14 @@
 #include <algorithm>
+#include <cmath>
+#include <utility>
 
 #include "host/engine/brush_objects.h"
 #include "host/engine/graphics.h"
 #include "host/engine/picture_objects.h"
+#include "host/engine/raster.h"
 
+// The blits. What the driver does not hook (operations while stretching, parallelograms, colour
+// keys) is broken down into the hooks that it has, by way of pictures that the engine makes.
 namespace quillo::host {
 namespace {
 
@@ -13,77 +18,262 @@ constexpr uint8_t kSourceCopy = 0xCC;
 constexpr bool UsesSource(uint8_t rop3) { return ((rop3 >> 2 ^ rop3) & 0x33) != 0; }
 constexpr bool UsesBrush(uint8_t rop3) { return ((rop3 >> 4 ^ rop3) & 0x0F) != 0; }
 
+constexpr ROP4 SameOperation(uint8_t rop3) { return static_cast<ROP4>(rop3 << 8 | rop3); }
+
 RECTL Ordered(const RECTL& rect) {
   return {std::min(rect.left, rect.right), std::min(rect.top, rect.bottom),
           std::max(rect.left, rect.right), std::max(rect.top, rect.bottom)};
 }
 
+bool IsEmpty(const RECTL& rect) { return rect.left >= rect.right || rect.top >= rect.bottom; }
+
+SIZEL SizeOf(const RECTL& rect) { return {rect.right - rect.left, rect.bottom - rect.top}; }
+
+/// Cuts an unstretched area to where the picture, which starts at `origin` for the area's corner,
+/// has pixels; moves the corner and all given origins along.
+void CropArea(RECTL& area, const BitmapSource& picture, POINTL& origin, POINTL& other_origin) {
+  const LONG left = std::max<LONG>(0, -origin.x), top = std::max<LONG>(0, -origin.y);
+  area.right = std::min(area.right, area.left + (picture.width - origin.x));
+  area.bottom = std::min(area.bottom, area.top + (picture.height - origin.y));
+  area.left += left;
+  area.top += top;
+  for (POINTL* point : {&origin, &other_origin}) {
+    point->x += left;
+    point->y += top;
+  }
+}
+
+/// Cuts one axis of a stretch to the source's pixels, and the target by as much.
+void CropSpan(LONG& from, LONG& to, LONG count, LONG& target_from, LONG& target_to) {
+  const double scale = static_cast<double>(target_to - target_from) / (to - from);
+  const LONG lost_first = std::max<LONG>(0, -from), lost_last = std::max<LONG>(0, to - count);
+  from += lost_first;
+  to -= lost_last;
+  target_from += static_cast<LONG>(std::lround(lost_first * scale));
+  target_to -= static_cast<LONG>(std::lround(lost_last * scale));
+}
+
+/// False when nothing is left to stretch.
+bool CropStretch(RECTL& target, RECTL& source_rect, const BitmapSource& source) {
+  if (IsEmpty(source_rect)) return false;
+  CropSpan(source_rect.left, source_rect.right, source.width, target.left, target.right);
+  CropSpan(source_rect.top, source_rect.bottom, source.height, target.top, target.bottom);
+  return !IsEmpty(source_rect) && target.left != target.right && target.top != target.bottom;
+}
+
 }  // namespace
 
-void Graphics::BitBlt(const RECTL& target, uint8_t rop3, const BrushDescription* brush,
-                      const BitmapSource* source, POINTL source_origin, const DrawState& state) {
-  const bool with_source = source != nullptr && UsesSource(rop3);
-  const bool with_brush = brush != nullptr && UsesBrush(rop3);
-  RECTL area = target;
-  if (with_source) {
-    // Nothing is drawn where the source has no pixels.
-    area.left += std::max<LONG>(0, -source_origin.x);
-    area.top += std::max<LONG>(0, -source_origin.y);
-    area.right = std::min(area.right, target.left + (source->width - source_origin.x));
-    area.bottom = std::min(area.bottom, target.top + (source->height - source_origin.y));
-    source_origin.x += area.left - target.left;
-    source_origin.y += area.top - target.top;
-  }
-  if (area.left >= area.right || area.top >= area.bottom) return;
+RECTL Graphics::Visible(const RECTL& bounds, const ClipShape& clip) {
+  const auto intersect = [](const RECTL& a, const RECTL& b) -> RECTL {
+    return {std::max(a.left, b.left), std::max(a.top, b.top), std::min(a.right, b.right),
+            std::min(a.bottom, b.bottom)};
+  };
+  const RECTL whole{0, 0, surface_.sizlBitmap.cx, surface_.sizlBitmap.cy};
+  return intersect(intersect(bounds, whole), clip.Bounds());
+}
+
+void Graphics::RasterOperation(const RECTL& area, ROP4 rop4, const BrushDescription* brush,
+                               const BitmapSource* source, POINTL source_origin,
+                               const BitmapSource* mask, POINTL mask_origin,
+                               const DrawState& state) {
+  if (IsEmpty(area)) return;
   auto clip = ClipFor(area, state.clip);
   if (!clip) return;
 
-  std::optional<PictureObjects> picture;
-  if (with_source) picture.emplace(*source);
-  SURFOBJ* pixels = with_source ? picture->Source() : nullptr;
-  XLATEOBJ* translation = with_source ? picture->Translation() : nullptr;
-  if (with_source && rop3 == kSourceCopy) {
-    if (!Hook("DrvCopyBits", driver_.CopyBits, HOOK_COPYBITS, &surface_, pixels, &*clip,
-              translation, &area, &source_origin)) {
-      Refused("DrvCopyBits");
-    }
-    return;
-  }
+  std::optional<PictureObjects> pixels, mask_pixels;
   std::optional<BrushObjects> paint;
-  if (with_brush) paint.emplace(*brush, driver_.RealizeBrush, surface_);
+  if (source != nullptr) pixels.emplace(*source);
+  if (mask != nullptr) mask_pixels.emplace(*mask);
+  if (brush != nullptr) paint.emplace(*brush, driver_.RealizeBrush, surface_);
+  RECTL target = area;
   POINTL brush_origin = state.brush_origin;
-  const ROP4 rop4 = static_cast<ROP4>(rop3 << 8 | rop3);
-  if (!Hook("DrvBitBlt", driver_.BitBlt, HOOK_BITBLT, &surface_, pixels, nullptr, &*clip,
-            translation, &area, &source_origin, nullptr, with_brush ? paint->Brush() : nullptr,
-            &brush_origin, rop4)) {
+  if (!Hook("DrvBitBlt", driver_.BitBlt, HOOK_BITBLT, &surface_,
+            source != nullptr ? pixels->Source() : nullptr,
+            mask != nullptr ? mask_pixels->Source() : nullptr, &*clip,
+            source != nullptr ? pixels->Translation() : nullptr, &target, &source_origin,
+            &mask_origin, brush != nullptr ? paint->Brush() : nullptr, &brush_origin, rop4)) {
     Refused("DrvBitBlt");
   }
-  if (with_brush) CountRealizations(paint->Realizations());
+  if (brush != nullptr) CountRealizations(paint->Realizations());
+}
+
+void Graphics::BitBlt(const RECTL& target, uint8_t rop3, const BrushDescription* brush,
+                      const BitmapSource* source, POINTL source_origin, const DrawState& state) {
+  RECTL area = Ordered(target);
+  if (!UsesBrush(rop3)) brush = nullptr;
+  if (!UsesSource(rop3)) source = nullptr;
+  POINTL none{};
+  if (source != nullptr) CropArea(area, *source, source_origin, none);
+  if (source == nullptr || rop3 != kSourceCopy) {
+    const BitmapSource expanded = source != nullptr ? ExpandRuns(*source) : BitmapSource{};
+    RasterOperation(area, SameOperation(rop3), brush, source != nullptr ? &expanded : nullptr,
+                    source_origin, nullptr, {}, state);
+    return;
+  }
+
+  if (IsEmpty(area)) return;
+  auto clip = ClipFor(area, state.clip);
+  if (!clip) return;
+  PictureObjects picture(*source);
+  if (!Hook("DrvCopyBits", driver_.CopyBits, HOOK_COPYBITS, &surface_, picture.Source(), &*clip,
+            picture.Translation(), &area, &source_origin)) {
+    Refused("DrvCopyBits");
+  }
+}
+
+void Graphics::MaskBlt(const RECTL& target, uint16_t rop4, const BrushDescription* brush,
+                       const BitmapSource& source, const RECTL& source_rect,
+                       const BitmapSource& mask, POINTL mask_origin, const DrawState& state) {
+  const BitmapSource expanded = ExpandRuns(source);
+  const SIZEL size = SizeOf(source_rect);
+  if (SizeOf(target).cx == size.cx && SizeOf(target).cy == size.cy) {
+    RECTL area = target;
+    POINTL source_origin{source_rect.left, source_rect.top};
+    CropArea(area, source, source_origin, mask_origin);
+    CropArea(area, mask, mask_origin, source_origin);
+    RasterOperation(area, rop4, brush, &expanded, source_origin, &mask, mask_origin, state);
+    return;
+  }
+  if (IsEmpty(source_rect)) return;
+  const RECTL area = Visible(Ordered(target), state.clip);
+  if (IsEmpty(area)) return;
+  const RECTL mask_rect{mask_origin.x, mask_origin.y, mask_origin.x + size.cx,
+                        mask_origin.y + size.cy};
+  const BitmapSource stretched = StretchPart(expanded, source_rect, target, area);
+  const BitmapSource stretched_mask = ToMask(StretchPart(mask, mask_rect, target, area));
+  RasterOperation(area, rop4, brush, &stretched, {}, &stretched_mask, {}, state);
 }
 
 void Graphics::StretchBlt(const RECTL& target, const BitmapSource& source, const RECTL& source_rect,
                           uint8_t rop3, const BrushDescription* brush, ULONG stretch_mode,
                           const DrawState& state) {
-  const LONG width = source_rect.right - source_rect.left;
-  const LONG height = source_rect.bottom - source_rect.top;
-  if (target.right - target.left == width && target.bottom - target.top == height) {
+  const SIZEL to_size = SizeOf(target), from_size = SizeOf(source_rect);
+  if (!UsesSource(rop3) || (to_size.cx == from_size.cx && to_size.cy == from_size.cy)) {
     BitBlt(target, rop3, brush, &source, {source_rect.left, source_rect.top}, state);
     return;
   }
-  if (target.left == target.right || target.top == target.bottom || width <= 0 || height <= 0) {
+  RECTL to = target, from = source_rect;
+  if (!CropStretch(to, from, source)) return;
+  const BitmapSource expanded = ExpandRuns(source);
+  if (rop3 != kSourceCopy) {
+    const RECTL area = Visible(Ordered(to), state.clip);
+    if (IsEmpty(area)) return;
+    const BitmapSource stretched = StretchPart(expanded, from, to, area);
+    RasterOperation(area, SameOperation(rop3), UsesBrush(rop3) ? brush : nullptr, &stretched, {},
+                    nullptr, {}, state);
     return;
   }
-  auto clip = ClipFor(Ordered(target), state.clip);
-  if (!clip) return;
 
-  PictureObjects picture(source);
-  RECTL to = target, from = source_rect;
+  auto clip = ClipFor(Ordered(to), state.clip);
+  if (!clip) return;
+  PictureObjects picture(expanded);
   POINTL halftone_origin = state.brush_origin;
   if (!Hook("DrvStretchBlt", driver_.StretchBlt, HOOK_STRETCHBLT, &surface_, picture.Source(),
             nullptr, &*clip, picture.Translation(), nullptr, &halftone_origin, &to, &from, nullptr,
             stretch_mode)) {
     Refused("DrvStretchBlt");
   }
+}
+
+void Graphics::AlphaBlend(const RECTL& target, const BitmapSource& source, const RECTL& source_rect,
+                          BLENDFUNCTION blend, const DrawState& state) {
+  RECTL to = target, from = source_rect;
+  if (!CropStretch(to, from, source)) return;
+  auto clip = ClipFor(Ordered(to), state.clip);
+  if (!clip) return;
+
+  // A blend cannot mirror: the picture is turned before.
+  const bool mirrored = to.right < to.left || to.bottom < to.top;
+  BitmapSource prepared;
+  if (mirrored) {
+    prepared = CopyArgb(ExpandRuns(source), from, to.right < to.left, to.bottom < to.top, {});
+    from = {0, 0, prepared.width, prepared.height};
+    to = Ordered(to);
+  } else {
+    prepared = ExpandRuns(source);
+  }
+  PictureObjects picture(prepared);
+  BLENDOBJ blend_object{blend};
+  if (!Hook("DrvAlphaBlend", driver_.AlphaBlend, HOOK_ALPHABLEND, &surface_, picture.Source(),
+            &*clip, picture.Translation(), &to, &from, &blend_object)) {
+    Refused("DrvAlphaBlend");
+  }
+}
+
+void Graphics::LayOver(const RECTL& area, const BitmapSource& picture, const DrawState& state) {
+  AlphaBlend(area, picture, {0, 0, picture.width, picture.height},
+             {AC_SRC_OVER, 0, 255, AC_SRC_ALPHA}, state);
+}
+
+void Graphics::TransparentBlt(const RECTL& target, const BitmapSource& source,
+                              const RECTL& source_rect, uint32_t key, const DrawState& state) {
+  RECTL to = target, from = source_rect;
+  if (!CropStretch(to, from, source)) return;
+  const BitmapSource keyed =
+      CopyArgb(ExpandRuns(source), from, to.right < to.left, to.bottom < to.top, key & ~kOpaque);
+  LayOver(Ordered(to), keyed, state);
+}
+
+void Graphics::PlgBlt(const std::array<POINTFIX, 3>& target, const BitmapSource& source,
+                      const RECTL& source_rect, const BitmapSource* mask, POINTL mask_origin,
+                      ULONG stretch_mode, const DrawState& state) {
+  const auto [a, b, c] = target;
+  const auto round = [](FIX value) { return static_cast<LONG>(FXTOLROUND(value)); };
+  if (mask == nullptr && a.y == b.y && a.x == c.x) {  // upright
+    StretchBlt({round(a.x), round(a.y), round(b.x), round(c.y)}, source, source_rect, kSourceCopy,
+               nullptr, stretch_mode, state);
+    return;
+  }
+  const BitmapSource expanded = ExpandRuns(source);
+  const PixelReader pixels(expanded);
+  RECTL rect = source_rect;
+  if (mask == nullptr && a.x == b.x && a.y == c.y) {  // by a quarter turn
+    rect = {std::max<LONG>(rect.left, 0), std::max<LONG>(rect.top, 0),
+            std::min(rect.right, source.width), std::min(rect.bottom, source.height)};
+    if (IsEmpty(rect)) return;
+    const BitmapSource turned = Transpose(expanded, rect);
+    StretchBlt({round(a.x), round(a.y), round(c.x), round(b.y)}, turned,
+               {0, 0, turned.width, turned.height}, kSourceCopy, nullptr, stretch_mode, state);
+    return;
+  }
+
+  // Slanted: a picture of the bounding rectangle, transparent where the parallelogram is not.
+  const double ux = (b.x - a.x) / 16.0, uy = (b.y - a.y) / 16.0;
+  const double vx = (c.x - a.x) / 16.0, vy = (c.y - a.y) / 16.0;
+  const double determinant = ux * vy - uy * vx;
+  if (determinant == 0) return;
+  const double x0 = a.x / 16.0, y0 = a.y / 16.0;
+  const auto low = [](double start, double u, double v) {
+    return static_cast<LONG>(std::floor(start + std::min({0.0, u, v, u + v})));
+  };
+  const auto high = [](double start, double u, double v) {
+    return static_cast<LONG>(std::ceil(start + std::max({0.0, u, v, u + v})));
+  };
+  const RECTL area =
+      Visible({low(x0, ux, vx), low(y0, uy, vy), high(x0, ux, vx), high(y0, uy, vy)}, state.clip);
+  if (IsEmpty(area)) return;
+
+  std::optional<PixelReader> mask_pixels;
+  if (mask != nullptr) mask_pixels.emplace(*mask);
+  const SIZEL size = SizeOf(rect), area_size = SizeOf(area);
+  BitmapSource slanted = MakeArgb(area_size.cx, area_size.cy);
+  for (LONG y = 0; y < area_size.cy; ++y) {
+    for (LONG x = 0; x < area_size.cx; ++x) {
+      const double dx = area.left + x + 0.5 - x0, dy = area.top + y + 0.5 - y0;
+      const double along = (dx * vy - dy * vx) / determinant;
+      const double down = (dy * ux - dx * uy) / determinant;
+      if (along < 0 || along >= 1 || down < 0 || down >= 1) continue;
+      const LONG sx = static_cast<LONG>(along * size.cx), sy = static_cast<LONG>(down * size.cy);
+      if (!pixels.Holds(rect.left + sx, rect.top + sy)) continue;
+      const POINTL in_mask{mask_origin.x + sx, mask_origin.y + sy};
+      if (mask_pixels && (!mask_pixels->Holds(in_mask.x, in_mask.y) ||
+                          mask_pixels->Raw(in_mask.x, in_mask.y) == 0)) {
+        continue;
+      }
+      SetPixel(slanted, x, y, pixels.Color(rect.left + sx, rect.top + sy) | kOpaque);
+    }
+  }
+  LayOver(area, slanted, state);
 }
 
 }  // namespace quillo::host

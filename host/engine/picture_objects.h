@@ -2,9 +2,7 @@
 
 #include "base/ddi.h"
 
-#include <cstddef>
 #include <optional>
-#include <vector>
 
 #include "host/engine/drawing.h"
 #include "host/engine/services/colors.h"
@@ -25,7 +23,7 @@ class PictureObjects {
   XLATEOBJ* Translation() { return &*translation_; }
 
  private:
-  std::vector<std::byte> converted_;
+  BitmapSource converted_;
   std::optional<Surface> surface_;
   std::optional<XlateObject> translation_;
 };

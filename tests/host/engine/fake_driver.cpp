@@ -1,7 +1,10 @@
 #include "tests/host/engine/fake_driver.h"
 
-#include <map>
+#include <cmath>
+#include <iomanip>
 #include <sstream>
+
+#include "host/engine/services/surfaces.h"
 
 namespace quillo::host {
 namespace {
@@ -178,6 +181,90 @@ WINBOOL APIENTRY Paint(SURFOBJ*, CLIPOBJ* clip, BRUSHOBJ* brush, POINTL*, MIX) {
   return Note("Paint", Describe(brush) + ", " + Describe(clip));
 }
 
+/// Size, depth and, of small pictures, all pixels as the driver would copy them.
+std::string Describe(SURFOBJ* surface, XLATEOBJ* translation) {
+  if (surface == nullptr) return "-";
+  std::ostringstream text;
+  text << surface->sizlBitmap.cx << "x" << surface->sizlBitmap.cy << "x"
+       << BitsPerPixel(surface->iBitmapFormat);
+  if (surface->iBitmapFormat > BMF_32BPP) return text.str() + " rle";
+  text << std::hex << std::setfill('0');
+  if (translation != nullptr && translation->cEntries > 0 && translation->cEntries <= 4) {
+    text << " {";
+    for (ULONG i = 0; i < translation->cEntries; ++i) text << " " << translation->pulXlate[i];
+    text << " }";
+  }
+  const ULONG row_bytes =
+      (static_cast<ULONG>(surface->sizlBitmap.cx) * BitsPerPixel(surface->iBitmapFormat) + 7) / 8;
+  if (surface->cjBits > 64) return text.str();
+  for (LONG y = 0; y < surface->sizlBitmap.cy; ++y) {
+    const auto* row = static_cast<const uint8_t*>(surface->pvScan0) + y * surface->lDelta;
+    text << (y == 0 ? " " : "/");
+    for (ULONG i = 0; i < row_bytes; ++i) text << std::setw(2) << int{row[i]};
+  }
+  return text.str();
+}
+
+std::string Describe(const POINTL& p) { return std::to_string(p.x) + "," + std::to_string(p.y); }
+
+WINBOOL APIENTRY BitBlt(SURFOBJ*, SURFOBJ* source, SURFOBJ* mask, CLIPOBJ*, XLATEOBJ* translation,
+                        RECTL* target, POINTL* source_origin, POINTL* mask_origin, BRUSHOBJ* brush,
+                        POINTL*, ROP4 rop4) {
+  std::ostringstream text;
+  text << Describe(*target) << " rop " << std::hex << rop4;
+  if (brush != nullptr) text << ", " << Describe(brush);
+  if (source != nullptr) {
+    text << ", from " << Describe(*source_origin) << " of " << Describe(source, translation);
+  }
+  if (mask != nullptr) {
+    text << ", mask " << Describe(*mask_origin) << " of " << Describe(mask, nullptr);
+  }
+  return Note("BitBlt", text.str());
+}
+
+WINBOOL APIENTRY CopyBits(SURFOBJ*, SURFOBJ* source, CLIPOBJ*, XLATEOBJ* translation, RECTL* target,
+                          POINTL* origin) {
+  return Note("CopyBits", Describe(*target) + " from " + Describe(*origin) + " of " +
+                              Describe(source, translation));
+}
+
+WINBOOL APIENTRY StretchBlt(SURFOBJ*, SURFOBJ* source, SURFOBJ*, CLIPOBJ*, XLATEOBJ* translation,
+                            COLORADJUSTMENT*, POINTL*, RECTL* target, RECTL* rect, POINTL*,
+                            ULONG mode) {
+  return Note("StretchBlt", Describe(*target) + " from " + Describe(*rect) + " of " +
+                                Describe(source, translation) + ", mode " + std::to_string(mode));
+}
+
+WINBOOL APIENTRY AlphaBlend(SURFOBJ*, SURFOBJ* source, CLIPOBJ*, XLATEOBJ* translation,
+                            RECTL* target, RECTL* rect, BLENDOBJ* blend) {
+  return Note("AlphaBlend", Describe(*target) + " from " + Describe(*rect) + " of " +
+                                Describe(source, translation) + ", " +
+                                std::to_string(blend->BlendFunction.SourceConstantAlpha) + "/" +
+                                std::to_string(blend->BlendFunction.AlphaFormat));
+}
+
+WINBOOL APIENTRY TextOutHook(SURFOBJ*, STROBJ* string, FONTOBJ* font, CLIPOBJ*, RECTL*,
+                             RECTL* opaque, BRUSHOBJ* ink, BRUSHOBJ*, POINTL*, MIX) {
+  std::ostringstream text;
+  text << std::string(string->pwszOrg, string->pwszOrg + string->cGlyphs) << " accel " << std::hex
+       << string->flAccel << std::dec << ", " << Describe(ink);
+  if (opaque != nullptr) text << ", opaque " << Describe(*opaque);
+  ULONG count = 0;
+  GLYPHPOS* glyphs = nullptr;
+  bool more = true;
+  for (STROBJ_vEnumStart(string); more;) {
+    more = STROBJ_bEnum(string, &count, &glyphs) == TRUE;
+    text << ", at";
+    for (ULONG i = 0; i < count && i < 4; ++i) text << " " << Describe(glyphs[i].ptl);
+  }
+  XFORML matrix{};
+  XFORMOBJ_iGetXform(FONTOBJ_pxoGetXform(font), &matrix);
+  const double em = FONTOBJ_pifi(font)->fwdUnitsPerEm;
+  text << ", em " << std::lround(matrix.eM11 * em) << " " << std::lround(matrix.eM12 * em) << " "
+       << std::lround(matrix.eM21 * em) << " " << std::lround(matrix.eM22 * em);
+  return Note("TextOut", text.str());
+}
+
 }  // namespace
 
 FakeDriver::FakeDriver() {
@@ -198,6 +285,11 @@ FakeDriver::FakeDriver() {
   functions.StrokeAndFillPath = StrokeAndFillPath;
   functions.LineTo = LineTo;
   functions.Paint = Paint;
+  functions.BitBlt = BitBlt;
+  functions.CopyBits = CopyBits;
+  functions.StretchBlt = StretchBlt;
+  functions.AlphaBlend = AlphaBlend;
+  functions.TextOut = TextOutHook;
 }
 
 FakeDriver::~FakeDriver() { fake = nullptr; }

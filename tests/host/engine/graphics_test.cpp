@@ -1,27 +1,10 @@
-#include "host/engine/graphics.h"
-
-#include <gtest/gtest.h>
-
-#include "tests/host/engine/fake_driver.h"
+#include "tests/host/engine/graphics_fixture.h"
 
 namespace quillo::host {
 namespace {
 
-/// A page of 100 by 80 pixels on a fake driver.
-class GraphicsTest : public testing::Test {
+class DrawingTest : public GraphicsTest {
  protected:
-  GraphicsTest() : surface_(Surface::Allocate({100, 80}, BMF_24BPP, false, 0)) {
-    surface_->hooks = driver_.hooks;
-  }
-  Graphics Page() {
-    info_.flGraphicsCaps = driver_.graphics_caps;
-    return Graphics(driver_.functions, info_, *surface_);
-  }
-  using Calls = std::vector<std::string>;
-
-  FakeDriver driver_;
-  DEVINFO info_{};
-  std::unique_ptr<Surface> surface_;
   PenDescription thin_;
   BrushDescription red_ = BrushDescription::Solid(RGB(255, 0, 0));
 };
@@ -35,7 +18,7 @@ Path Triangle() {
   return path;
 }
 
-TEST_F(GraphicsTest, Stroke_PassesPathPenAndClip) {
+TEST_F(DrawingTest, Stroke_PassesPathPenAndClip) {
   Page().Stroke(Triangle(), thin_, {});
   PenDescription wide;
   wide.geometric = true;
@@ -52,7 +35,7 @@ TEST_F(GraphicsTest, Stroke_PassesPathPenAndClip) {
                    "rect 0,0,15,15"}));
 }
 
-TEST_F(GraphicsTest, Curves_AreFlattenedUnlessTheDriverTakesThem) {
+TEST_F(DrawingTest, Curves_AreFlattenedUnlessTheDriverTakesThem) {
   Path path;
   path.MoveTo(0.0, 0.0);
   path.LineTo(4.0, 0.0);
@@ -67,7 +50,7 @@ TEST_F(GraphicsTest, Curves_AreFlattenedUnlessTheDriverTakesThem) {
                    "[2: 0,1], trivial"}));
 }
 
-TEST_F(GraphicsTest, RefusedHooks_FallBack) {
+TEST_F(DrawingTest, RefusedHooks_FallBack) {
   driver_.refusing = "StrokeAndFillPath";
   Graphics page = Page();
   page.StrokeAndFill(Triangle(), thin_, red_, FillMode::kAlternate, {});
@@ -86,7 +69,7 @@ TEST_F(GraphicsTest, RefusedHooks_FallBack) {
   EXPECT_TRUE(page.Calls().refused.empty());
 }
 
-TEST_F(GraphicsTest, HookMissingOrNotAskedFor_IsReported) {
+TEST_F(DrawingTest, HookMissingOrNotAskedFor_IsReported) {
   surface_->hooks &= ~ULONG{HOOK_FILLPATH};
   Graphics page = Page();
   page.Fill(Triangle(), red_, FillMode::kAlternate, {});
@@ -97,7 +80,7 @@ TEST_F(GraphicsTest, HookMissingOrNotAskedFor_IsReported) {
   EXPECT_EQ(page.Calls().refused.at("DrvStrokePath"), 1u);
 }
 
-TEST_F(GraphicsTest, DrawingOutsideClipOrSurface_IsDropped) {
+TEST_F(DrawingTest, DrawingOutsideClipOrSurface_IsDropped) {
   Graphics page = Page();
   DrawState state;
   state.clip = ClipShape(RECTL{40, 40, 50, 50});
@@ -112,7 +95,7 @@ TEST_F(GraphicsTest, DrawingOutsideClipOrSurface_IsDropped) {
   EXPECT_TRUE(page.Calls().refused.empty());
 }
 
-TEST_F(GraphicsTest, ComplexClip_ComesAsOutlineCutToTheSurface) {
+TEST_F(DrawingTest, ComplexClip_ComesAsOutlineCutToTheSurface) {
   Path diamond;
   diamond.MoveTo(50.0, 20.0);
   diamond.LineTo(90.0, 60.0);
@@ -135,7 +118,7 @@ TEST_F(GraphicsTest, ComplexClip_ComesAsOutlineCutToTheSurface) {
   EXPECT_TRUE(driver_.calls.at(0).ends_with("trivial"));
 }
 
-TEST_F(GraphicsTest, Brushes_AreRealizedOnDemand) {
+TEST_F(DrawingTest, Brushes_AreRealizedOnDemand) {
   BrushDescription hatch;
   hatch.kind = BrushDescription::Kind::kHatched;
   hatch.hatch = HS_CROSS;

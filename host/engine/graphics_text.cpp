@@ -1,0 +1,156 @@
+#include <algorithm>
+#include <cmath>
+
+#include "host/engine/brush_objects.h"
+#include "host/engine/graphics.h"
+#include "host/engine/services/strings.h"
+#include "host/engine/text_layout.h"
+
+namespace quillo::host {
+namespace {
+
+/// Strings of more glyphs give their positions out in batches, as the glyph cache of a real engine
+/// makes them.
+constexpr size_t kGlyphsAtHand = 256;
+constexpr uint8_t kPatternCopy = 0xF0;
+
+LONG Round(double value) { return static_cast<LONG>(std::lround(value)); }
+
+/// The rectangle around points, in whole pixels.
+RECTL Around(std::initializer_list<PointD> points) {
+  double left = 1e9, top = 1e9, right = -1e9, bottom = -1e9;
+  for (const PointD& p : points) {
+    left = std::clamp(p.x, -1e9, left);
+    top = std::clamp(p.y, -1e9, top);
+    right = std::clamp(p.x, right, 1e9);
+    bottom = std::clamp(p.y, bottom, 1e9);
+  }
+  return {Round(left), Round(top), Round(right), Round(bottom)};
+}
+
+bool Contains(const RECTL& outer, const RECTL& inner) {
+  return outer.left <= inner.left && outer.top <= inner.top && outer.right >= inner.right &&
+         outer.bottom >= inner.bottom;
+}
+
+/// What the placing says about the line, for drivers to take short cuts by.
+FLONG Accelerators(const TextDescription& text, const TextLayout& layout) {
+  FLONG accelerators = text.glyph_indexes ? SO_GLYPHINDEX_TEXTOUT : 0;
+  if (layout.natural) accelerators |= SO_FLAG_DEFAULT_PLACEMENT;
+  if (!layout.straight) return accelerators | SO_DXDY;
+  const double dx = layout.end.x - layout.start.x, dy = layout.end.y - layout.start.y;
+  if (layout.start.y == layout.end.y) {
+    accelerators |= SO_HORIZONTAL | (dx < 0 ? SO_REVERSED : 0);
+  } else if (layout.start.x == layout.end.x) {
+    accelerators |= SO_VERTICAL | (dy < 0 ? SO_REVERSED : 0);
+  }
+  return accelerators;
+}
+
+}  // namespace
+
+double Graphics::Text(const TextDescription& text, const DrawState& state) {
+  const TextLayout layout = LayOut(text);
+  const TextFont& font = *text.font;
+
+  // The cell of the line: its length by the font's height.
+  const auto corner = [&](const PointD& end, double units) { return layout.Above(end, units); };
+  const PointD corners[] = {corner(layout.start, font.Ascent()), corner(layout.end, font.Ascent()),
+                            corner(layout.end, -font.Descent()),
+                            corner(layout.start, -font.Descent())};
+  const RECTL cell = Around({corners[0], corners[1], corners[2], corners[3]});
+  const bool upright = (layout.up.x == 0) != (layout.up.y == 0) &&
+                       (layout.start.x == layout.end.x || layout.start.y == layout.end.y);
+
+  // One opaque rectangle goes along with the text; a second one, or a slanted cell, goes before.
+  const BrushDescription background = BrushDescription::Solid(text.background);
+  std::optional<RECTL> opaque = text.opaque;
+  if (state.opaque_background && !text.text.empty()) {
+    if (!upright) {
+      if (opaque) BitBlt(*opaque, kPatternCopy, &background, nullptr, {}, state);
+      opaque.reset();
+      FillPolygon(corners, background, state);
+    } else if (!opaque || !Contains(*opaque, cell)) {
+      if (opaque) BitBlt(*opaque, kPatternCopy, &background, nullptr, {}, state);
+      opaque = cell;
+    }
+  }
+  if (text.text.empty()) {
+    if (opaque) BitBlt(*opaque, kPatternCopy, &background, nullptr, {}, state);
+    return 0;
+  }
+
+  DrawGlyphs(text, layout, cell, opaque, state);
+
+  // This kind of driver draws no bars by itself.
+  const BrushDescription ink = BrushDescription::Solid(text.color);
+  const auto draw_bar = [&](const TextFont::Bar& bar) {
+    // At least a pixel thick; the position is that of the bar's upper edge.
+    const double least = 1 / std::max(std::hypot(layout.up.x, layout.up.y), 1e-6);
+    const double bottom = bar.position - std::max<double>(bar.thickness, least);
+    const PointD outline[] = {layout.Above(layout.start, bar.position),
+                              layout.Above(layout.end, bar.position),
+                              layout.Above(layout.end, bottom), layout.Above(layout.start, bottom)};
+    FillPolygon(outline, ink, state);
+  };
+  if (font.Wanted().lfUnderline != 0) draw_bar(font.Underline());
+  if (font.Wanted().lfStrikeOut != 0) draw_bar(font.StrikeOut());
+  return layout.length;
+}
+
+void Graphics::FillPolygon(const PointD (&corners)[4], const BrushDescription& brush,
+                           const DrawState& state) {
+  Path outline;
+  outline.MoveTo(corners[0].x, corners[0].y);
+  for (int i = 1; i < 4; ++i) outline.LineTo(corners[i].x, corners[i].y);
+  outline.CloseFigure();
+  DrawState copying = state;
+  copying.rop2 = R2_COPYPEN;
+  Fill(outline, brush, FillMode::kAlternate, copying);
+}
+
+void Graphics::DrawGlyphs(const TextDescription& text, const TextLayout& layout, const RECTL& cell,
+                          const std::optional<RECTL>& opaque, const DrawState& state) {
+  const TextFont& font = *text.font;
+  // Glyphs may reach out of their cells, and stand beside them.
+  const double em = font.Metrics().fwdUnitsPerEm;
+  const LONG reach = Round(std::min(em * (std::hypot(layout.up.x, layout.up.y)), 1e6)) + 1;
+  RECTL bounds{cell.left - reach, cell.top - reach, cell.right + reach, cell.bottom + reach};
+  for (const PointD& p : layout.origins) {
+    const RECTL at = Around({p});
+    bounds = {std::min(bounds.left, at.left - reach), std::min(bounds.top, at.top - reach),
+              std::max(bounds.right, at.right + reach), std::max(bounds.bottom, at.bottom + reach)};
+  }
+  RECTL opaque_area = opaque.value_or(RECTL{});
+  if (opaque) {
+    bounds = {std::min(bounds.left, opaque_area.left), std::min(bounds.top, opaque_area.top),
+              std::max(bounds.right, opaque_area.right),
+              std::max(bounds.bottom, opaque_area.bottom)};
+  }
+  auto clip = ClipFor(bounds, state.clip);
+  if (!clip) return;
+
+  std::vector<GLYPHPOS> glyphs;
+  for (size_t i = 0; i < layout.glyphs.size(); ++i) {
+    const RECTL at = Around({layout.origins[i]});
+    glyphs.push_back({layout.glyphs[i], nullptr, {at.left, at.top}});
+  }
+  const size_t batch = glyphs.size() > kGlyphsAtHand ? kGlyphsAtHand : 0;
+  StringObject string(std::move(glyphs), text.text, Accelerators(text, layout), cell, batch);
+  FontObject realized(font.Metrics(), font.Names(), layout.font_to_device, font.FontType());
+  BrushObjects ink(BrushDescription::Solid(text.color), driver_.RealizeBrush, surface_);
+  BrushObjects background(BrushDescription::Solid(text.background), driver_.RealizeBrush, surface_);
+  if (known_fonts_.insert(text.font).second && driver_.GetGlyphMode != nullptr) {
+    ++calls_.made["DrvGetGlyphMode"];
+    driver_.GetGlyphMode(surface_.dhpdev, &realized);
+  }
+  POINTL origin = state.brush_origin;
+  if (!Hook("DrvTextOut", driver_.TextOut, HOOK_TEXTOUT, &surface_, &string, &realized, &*clip,
+            nullptr, opaque ? &opaque_area : nullptr, ink.Brush(),
+            opaque ? background.Brush() : nullptr, &origin,
+            static_cast<MIX>(R2_COPYPEN << 8 | R2_COPYPEN))) {
+    Refused("DrvTextOut");
+  }
+}
+
+}  // namespace quillo::host

@@ -1,0 +1,172 @@
+#include "host/engine/raster.h"
+
+#include "base/bytes.h"
+#include "host/engine/channels.h"
+
+namespace quillo::host {
+namespace {
+
+/// Where pixel `i` of a stretch of `length` target pixels (negative: mirrored) starting at `start`
+/// comes from, in a source span of `count` pixels starting at `first`.
+LONG SourceOf(LONG i, LONG start, LONG length, LONG first, LONG count) {
+  const double t = (i - start + 0.5) / length;
+  const LONG offset = static_cast<LONG>(t * count);
+  return first + (offset < 0 ? 0 : offset >= count ? count - 1 : offset);
+}
+
+}  // namespace
+
+PixelReader::PixelReader(const BitmapSource& picture) : picture_(picture) {}
+
+uint32_t PixelReader::Raw(LONG x, LONG y) const {
+  const LONG row = picture_.top_down ? y : picture_.height - 1 - y;
+  const size_t start = static_cast<size_t>(row) * picture_.Stride();
+  const size_t bits = picture_.bits_per_pixel;
+  const size_t bit = static_cast<size_t>(x) * bits;
+  const size_t offset = start + bit / 8;
+  if (bits == 32) return LoadOrZero<uint32_t>(picture_.bits, offset);
+  if (bits == 24) {
+    return LoadOrZero<uint16_t>(picture_.bits, offset) |
+           uint32_t{LoadOrZero<uint8_t>(picture_.bits, offset + 2)} << 16;
+  }
+  if (bits == 16) return LoadOrZero<uint16_t>(picture_.bits, offset);
+  const uint32_t byte = LoadOrZero<uint8_t>(picture_.bits, offset);
+  return byte >> (8 - bits - bit % 8) & ((1u << bits) - 1);
+}
+
+uint32_t PixelReader::Color(LONG x, LONG y) const {
+  const uint32_t raw = Raw(x, y);
+  if (picture_.bits_per_pixel <= 8) {
+    return raw < picture_.palette.size() ? picture_.palette[raw] & 0xFFFFFF : 0;
+  }
+  return ColorOf(raw, MasksOf(picture_));
+}
+
+BitmapSource MakeArgb(LONG width, LONG height) {
+  BitmapSource picture;
+  picture.width = width;
+  picture.height = height;
+  picture.bits_per_pixel = 32;
+  picture.top_down = true;
+  picture.bits.resize(picture.Stride() * static_cast<size_t>(height));
+  return picture;
+}
+
+BitmapSource CopyArgb(const BitmapSource& picture, const RECTL& rect, bool mirror_x, bool mirror_y,
+                      std::optional<uint32_t> key) {
+  const PixelReader pixels(picture);
+  const LONG width = rect.right - rect.left, height = rect.bottom - rect.top;
+  BitmapSource copy = MakeArgb(width, height);
+  for (LONG y = 0; y < height; ++y) {
+    for (LONG x = 0; x < width; ++x) {
+      uint32_t color = pixels.Color(rect.left + (mirror_x ? width - 1 - x : x),
+                                    rect.top + (mirror_y ? height - 1 - y : y));
+      if (key) color = (color & ~kOpaque) == *key ? 0 : color | kOpaque;
+      SetPixel(copy, x, y, color);
+    }
+  }
+  return copy;
+}
+
+BitmapSource StretchPart(const BitmapSource& source, const RECTL& rect, const RECTL& target,
+                         const RECTL& area) {
+  const PixelReader pixels(source);
+  const LONG width = area.right - area.left, height = area.bottom - area.top;
+  BitmapSource stretched = MakeArgb(width, height);
+  for (LONG y = 0; y < height; ++y) {
+    const LONG from_y = SourceOf(area.top + y, target.top, target.bottom - target.top, rect.top,
+                                 rect.bottom - rect.top);
+    for (LONG x = 0; x < width; ++x) {
+      const LONG from_x = SourceOf(area.left + x, target.left, target.right - target.left,
+                                   rect.left, rect.right - rect.left);
+      if (!pixels.Holds(from_x, from_y)) continue;
+      SetPixel(stretched, x, y, pixels.Color(from_x, from_y) & ~kOpaque);
+    }
+  }
+  return stretched;
+}
+
+BitmapSource ToMask(const BitmapSource& picture) {
+  const PixelReader pixels(picture);
+  BitmapSource mask;
+  mask.width = picture.width;
+  mask.height = picture.height;
+  mask.bits_per_pixel = 1;
+  mask.top_down = true;
+  mask.palette = {0x000000, 0xFFFFFF};
+  mask.bits.resize(mask.Stride() * static_cast<size_t>(mask.height));
+  for (LONG y = 0; y < mask.height; ++y) {
+    for (LONG x = 0; x < mask.width; ++x) {
+      if (pixels.Color(x, y) == 0) continue;
+      mask.bits[static_cast<size_t>(y) * mask.Stride() + static_cast<size_t>(x) / 8] |=
+          std::byte{0x80} >> x % 8;
+    }
+  }
+  return mask;
+}
+
+BitmapSource Transpose(const BitmapSource& picture, const RECTL& rect) {
+  const PixelReader pixels(picture);
+  const LONG width = rect.bottom - rect.top, height = rect.right - rect.left;
+  BitmapSource transposed = MakeArgb(width, height);
+  for (LONG y = 0; y < height; ++y) {
+    for (LONG x = 0; x < width; ++x) {
+      SetPixel(transposed, x, y, pixels.Color(rect.left + y, rect.top + x));
+    }
+  }
+  return transposed;
+}
+
+BitmapSource ExpandRuns(const BitmapSource& picture) {
+  if (!picture.run_length) return picture;
+  BitmapSource expanded = picture;
+  expanded.run_length = false;
+  expanded.bits.assign(expanded.Stride() * static_cast<size_t>(picture.height), std::byte{});
+
+  const bool nibbles = picture.bits_per_pixel == 4;
+  LONG x = 0, y = 0;  // rows from the bottom
+  const auto put = [&](uint8_t index) {
+    if (x < picture.width && y < picture.height) {
+      std::byte& byte = expanded.bits[static_cast<size_t>(y) * expanded.Stride() +
+                                      static_cast<size_t>(nibbles ? x / 2 : x)];
+      byte = !nibbles     ? std::byte{index}
+             : x % 2 == 0 ? (byte & std::byte{0x0F}) | std::byte{static_cast<uint8_t>(index << 4)}
+                          : (byte & std::byte{0xF0}) | std::byte{index};
+    }
+    ++x;
+  };
+  size_t at = 0;
+  const auto next = [&] { return LoadOrZero<uint8_t>(picture.bits, at++); };
+  while (at < picture.bits.size() && y < picture.height) {
+    const uint8_t count = next(), value = next();
+    if (count != 0) {  // one colour, or two by turns, repeated
+      for (int i = 0; i < count; ++i) {
+        put(!nibbles ? value : i % 2 == 0 ? value >> 4 : value & 0x0F);
+      }
+    } else if (value == 0) {  // end of the row
+      x = 0;
+      ++y;
+    } else if (value == 1) {  // end of the picture
+      break;
+    } else if (value == 2) {  // a step to the right and up
+      x += next();
+      y += next();
+    } else {  // pixels as they are, in whole 16-bit words
+      const size_t start = at;
+      for (int i = 0; i < value; ++i) {
+        if (!nibbles) {
+          put(next());
+        } else if (i % 2 == 0) {
+          put(LoadOrZero<uint8_t>(picture.bits, at) >> 4);
+        } else {
+          put(next() & 0x0F);
+        }
+      }
+      const size_t bytes = nibbles ? (value + 1u) / 2 : value;
+      at = start + (bytes + 1) / 2 * 2;
+    }
+  }
+  return expanded;
+}
+
+}  // namespace quillo::host

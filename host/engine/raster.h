@@ -1,0 +1,63 @@
+#pragma once
+
+#include "base/ddi.h"
+
+#include <cstdint>
+#include <cstring>
+#include <optional>
+
+#include "host/engine/drawing.h"
+
+namespace quillo::host {
+
+/// Pixels of a picture by position, rows from the top.
+class PixelReader {
+ public:
+  /// `picture` must outlive the reader and not be run-length coded.
+  explicit PixelReader(const BitmapSource& picture);
+
+  bool Holds(LONG x, LONG y) const {
+    return x >= 0 && y >= 0 && x < picture_.width && y < picture_.height;
+  }
+  /// The pixel as it stands: a palette index, or the channels where the picture has them.
+  uint32_t Raw(LONG x, LONG y) const;
+  /// 0x00RRGGBB; 32-bit pixels keep their highest byte.
+  uint32_t Color(LONG x, LONG y) const;
+
+ private:
+  const BitmapSource& picture_;
+};
+
+/// A black, fully transparent picture of 32 bits a pixel, top-down.
+BitmapSource MakeArgb(LONG width, LONG height);
+
+inline void SetPixel(BitmapSource& argb, LONG x, LONG y, uint32_t color) {
+  std::memcpy(
+      argb.bits.data() + static_cast<size_t>(y) * argb.Stride() + static_cast<size_t>(x) * 4,
+      &color, sizeof color);
+}
+
+inline constexpr uint32_t kOpaque = 0xFF000000;
+
+/// A rectangle of a picture as 32-bit pixels, mirrored where wanted. Pixels of the colour `key`
+/// become transparent, all others opaque; without a key the highest byte stays as it is.
+BitmapSource CopyArgb(const BitmapSource& picture, const RECTL& rect, bool mirror_x, bool mirror_y,
+                      std::optional<uint32_t> key);
+
+/// The part `area` of the picture that `rect` of the source makes when it is stretched to `target`
+/// (which may be mirrored), by nearest neighbour; black where the source has no pixel. `area` must
+/// lie inside `target`.
+BitmapSource StretchPart(const BitmapSource& source, const RECTL& rect, const RECTL& target,
+                         const RECTL& area);
+
+/// 1 bit a pixel: set where the picture is not black.
+BitmapSource ToMask(const BitmapSource& picture);
+
+/// The rectangle with its axes exchanged, and the picture in it.
+BitmapSource Transpose(const BitmapSource& picture, const RECTL& rect);
+
+/// The pixels of a run-length coded picture (Windows' RLE4 and RLE8); what the code leaves out or
+/// places outside stays index 0. Any other picture comes back as it is.
+BitmapSource ExpandRuns(const BitmapSource& picture);
+
+}  // namespace quillo::host

@@ -1,0 +1,36 @@
+#pragma once
+
+#include "base/ddi.h"
+
+#include <memory>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "host/engine/text_font.h"
+
+namespace quillo::host {
+
+/// One line of text and everything of a DC that places it.
+///
+/// Positions are laid out in text space: logical units, x along an unrotated line, y downwards, the
+/// reference point at its origin. `to_device` (2 by 2, no offset) takes it to device pixels; in
+/// GM_COMPATIBLE it is without mirroring, in GM_ADVANCED the whole transform of the DC.
+struct TextDescription {
+  std::shared_ptr<const TextFont> font;
+  std::wstring text;           // UTF-16, or glyph indexes
+  bool glyph_indexes = false;  // ETO_GLYPH_INDEX
+  double x = 0, y = 0;         // reference point, device pixels
+  XFORM to_device{1, 0, 0, 1, 0, 0};
+  UINT align = TA_LEFT | TA_TOP;  // TA_UPDATECP is the caller's business
+  std::vector<double> dx;         // advance of each unit along the line, logical units; empty: the
+                                  // font's own
+  std::vector<double> dy;         // ETO_PDY: step of each unit across the line, upwards; or empty
+  double character_extra = 0;     // added to each of the font's own advances, logical units
+  double break_extra = 0;         // added to each space among them
+  COLORREF color = RGB(0, 0, 0);
+  COLORREF background = RGB(255, 255, 255);  // of the opaque rectangle and the line's own cell
+  std::optional<RECTL> opaque;               // ETO_OPAQUE: device pixels
+};
+
+}  // namespace quillo::host

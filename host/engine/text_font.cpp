@@ -1,0 +1,141 @@
+#include "host/engine/text_font.h"
+
+#include <cmath>
+#include <cstddef>
+#include <new>
+#include <vector>
+
+namespace quillo::host {
+namespace {
+
+/// Outline metrics of the font that is selected, with the names behind them; empty for a font
+/// without outlines.
+std::vector<std::byte> OutlineMetrics(HDC dc) {
+  std::vector<std::byte> block(GetOutlineTextMetricsW(dc, 0, nullptr));
+  if (!block.empty()) {
+    GetOutlineTextMetricsW(dc, static_cast<UINT>(block.size()),
+                           reinterpret_cast<OUTLINETEXTMETRICW*>(block.data()));
+  }
+  return block;
+}
+
+/// A name of the metrics block; its members hold offsets although they are declared as pointers.
+std::wstring NameIn(const std::vector<std::byte>& block, const char* offset) {
+  const size_t start = reinterpret_cast<size_t>(offset);
+  if (start == 0 || start >= block.size()) return {};
+  return reinterpret_cast<const wchar_t*>(block.data() + start);
+}
+
+bool SameName(const std::wstring& a, const wchar_t* b) {
+  return CompareStringOrdinal(a.c_str(), -1, b, -1, TRUE) == CSTR_EQUAL;
+}
+
+}  // namespace
+
+TextFont::TextFont(const LOGFONTW& font) : wanted_(font), dc_(CreateCompatibleDC(nullptr)) {
+  LOGFONTW upright = font;
+  upright.lfWidth = upright.lfEscapement = upright.lfOrientation = 0;
+  upright.lfUnderline = upright.lfStrikeOut = FALSE;
+  upright.lfOutPrecision = OUT_TT_ONLY_PRECIS;
+  const auto open = [&](LONG height) {
+    upright.lfHeight = height;
+    Font opened(CreateFontIndirectW(&upright));
+    if (!dc_ || !opened || SelectObject(dc_.Get(), opened.Get()) == nullptr) throw std::bad_alloc();
+    font_ = std::move(opened);  // the one before is no longer selected
+    std::vector<std::byte> block = OutlineMetrics(dc_.Get());
+    if (block.empty()) throw std::bad_alloc();
+    return block;
+  };
+  const auto metrics_of = [](const std::vector<std::byte>& block) -> const OUTLINETEXTMETRICW& {
+    return *reinterpret_cast<const OUTLINETEXTMETRICW*>(block.data());
+  };
+
+  // First as wanted, for the units of the design, then at that many pixels.
+  std::vector<std::byte> block = open(font.lfHeight);
+  const TEXTMETRICW as_wanted = metrics_of(block).otmTextMetrics;
+  block = open(-static_cast<LONG>(metrics_of(block).otmEMSquare));
+  const OUTLINETEXTMETRICW& metrics = metrics_of(block);
+  names_ = {NameIn(block, metrics.otmpFamilyName), NameIn(block, metrics.otmpStyleName),
+            NameIn(block, metrics.otmpFaceName)};
+  Measure(metrics);
+
+  const wchar_t* wanted_name = font.lfFaceName + (font.lfFaceName[0] == L'@' ? 1 : 0);
+  substituted_ = *wanted_name != 0 && !SameName(names_.family, wanted_name) &&
+                 !SameName(names_.face, wanted_name);
+  const double em = metrics.otmEMSquare;
+  const double cell = ascent_ + descent_;
+  scale_y_ = font.lfHeight < 0   ? -font.lfHeight / em
+             : font.lfHeight > 0 ? font.lfHeight / cell
+                                 : (as_wanted.tmHeight - as_wanted.tmInternalLeading) / em;
+  const LONG average = metrics.otmTextMetrics.tmAveCharWidth;
+  scale_x_ = font.lfWidth != 0 && average != 0
+                 ? std::abs(static_cast<double>(font.lfWidth)) / average
+                 : scale_y_;
+}
+
+void TextFont::Measure(const OUTLINETEXTMETRICW& metrics) {
+  const TEXTMETRICW& text = metrics.otmTextMetrics;
+  ascent_ = text.tmAscent;
+  descent_ = text.tmDescent;
+  underline_ = {metrics.otmsUnderscorePosition, static_cast<int>(metrics.otmsUnderscoreSize)};
+  strike_out_ = {metrics.otmsStrikeoutPosition, static_cast<int>(metrics.otmsStrikeoutSize)};
+
+  const bool italic = (metrics.otmfsSelection & FM_SEL_ITALIC) != 0;
+  const bool bold = (metrics.otmfsSelection & FM_SEL_BOLD) != 0;
+  if (text.tmItalic != 0 && !italic) font_type_ |= FO_SIM_ITALIC;
+  if (text.tmWeight >= FW_BOLD && !bold) font_type_ |= FO_SIM_BOLD;
+
+  metrics_.lItalicAngle = metrics.otmItalicAngle;
+  metrics_.jWinCharSet = text.tmCharSet;
+  // In a TEXTMETRIC the lowest bit says that the pitch varies; here it says that it is fixed.
+  metrics_.jWinPitchAndFamily =
+      static_cast<BYTE>((text.tmPitchAndFamily & 0xF0) |
+                        (text.tmPitchAndFamily & TMPF_FIXED_PITCH ? VARIABLE_PITCH : FIXED_PITCH));
+  // A weight that the platform adds counts, since the page's font is chosen by it.
+  metrics_.usWinWeight = static_cast<USHORT>(text.tmWeight);
+  metrics_.flInfo = FM_INFO_TECH_TRUETYPE | FM_INFO_ARB_XFORMS | FM_INFO_RETURNS_OUTLINES |
+                    FM_INFO_1BPP | FM_INFO_4BPP | FM_INFO_RIGHT_HANDED;
+  metrics_.fsSelection = static_cast<USHORT>(metrics.otmfsSelection);
+  metrics_.fsType = static_cast<USHORT>(metrics.otmfsType);
+  metrics_.fwdUnitsPerEm = static_cast<FWORD>(metrics.otmEMSquare);
+  metrics_.fwdWinAscender = static_cast<FWORD>(text.tmAscent);
+  metrics_.fwdWinDescender = static_cast<FWORD>(text.tmDescent);
+  metrics_.fwdMacAscender = static_cast<FWORD>(metrics.otmMacAscent);
+  metrics_.fwdMacDescender = static_cast<FWORD>(metrics.otmMacDescent);
+  metrics_.fwdMacLineGap = static_cast<FWORD>(metrics.otmMacLineGap);
+  metrics_.fwdTypoAscender = static_cast<FWORD>(metrics.otmAscent);
+  metrics_.fwdTypoDescender = static_cast<FWORD>(metrics.otmDescent);
+  metrics_.fwdTypoLineGap = static_cast<FWORD>(metrics.otmLineGap);
+  metrics_.fwdAveCharWidth = static_cast<FWORD>(text.tmAveCharWidth);
+  metrics_.fwdMaxCharInc = static_cast<FWORD>(text.tmMaxCharWidth);
+  metrics_.fwdCapHeight = static_cast<FWORD>(metrics.otmsCapEmHeight);
+  metrics_.fwdXHeight = static_cast<FWORD>(metrics.otmsXHeight);
+  metrics_.fwdUnderscoreSize = static_cast<FWORD>(metrics.otmsUnderscoreSize);
+  metrics_.fwdUnderscorePosition = static_cast<FWORD>(metrics.otmsUnderscorePosition);
+  metrics_.fwdStrikeoutSize = static_cast<FWORD>(metrics.otmsStrikeoutSize);
+  metrics_.fwdStrikeoutPosition = static_cast<FWORD>(metrics.otmsStrikeoutPosition);
+  metrics_.wcFirstChar = text.tmFirstChar;
+  metrics_.wcLastChar = text.tmLastChar;
+  metrics_.wcDefaultChar = text.tmDefaultChar;
+  metrics_.wcBreakChar = text.tmBreakChar;
+  metrics_.ptlBaseline = {1, 0};
+  metrics_.ptlAspect = {1, 1};
+  metrics_.ptlCaret = {metrics.otmsCharSlopeRun, metrics.otmsCharSlopeRise};
+  metrics_.rclFontBox = {metrics.otmrcFontBox.left, metrics.otmrcFontBox.top,
+                         metrics.otmrcFontBox.right, metrics.otmrcFontBox.bottom};
+  metrics_.panose = metrics.otmPanoseNumber;
+}
+
+USHORT TextFont::GlyphOf(wchar_t unit) const {
+  const auto [entry, is_new] = glyphs_.try_emplace(unit, USHORT{0});
+  if (is_new) GetGlyphIndicesW(dc_.Get(), &unit, 1, &entry->second, 0);
+  return entry->second;
+}
+
+int TextFont::AdvanceOf(USHORT glyph) const {
+  const auto [entry, is_new] = advances_.try_emplace(glyph, 0);
+  if (is_new) GetCharWidthI(dc_.Get(), glyph, 1, nullptr, &entry->second);
+  return entry->second;
+}
+
+}  // namespace quillo::host

@@ -1,0 +1,66 @@
+#pragma once
+
+#include "base/ddi.h"
+
+#include <map>
+#include <string>
+
+#include "base/gdi_owners.h"
+#include "host/engine/services/fonts.h"
+
+namespace quillo::host {
+
+/// An installed font as an application selected it, opened at one pixel for each unit of its
+/// design, so that every measure is in font units.
+class TextFont {
+ public:
+  /// The outline font that the platform gives for `font`, or the nearest one that it has. Throws
+  /// std::bad_alloc when there is none at all.
+  explicit TextFont(const LOGFONTW& font);
+
+  const LOGFONTW& Wanted() const { return wanted_; }
+  /// Family name of the font that is really used.
+  const std::wstring& Family() const { return names_.family; }
+  /// Whether another family than the wanted one is used.
+  bool Substituted() const { return substituted_; }
+
+  /// Logical units for each font unit, along the line and across it.
+  double ScaleX() const { return scale_x_; }
+  double ScaleY() const { return scale_y_; }
+  /// Font units: extent above and below the baseline, and the bars (distance of the bar's middle
+  /// above the baseline, and its thickness).
+  struct Bar {
+    int position, thickness;
+  };
+  int Ascent() const { return ascent_; }
+  int Descent() const { return descent_; }
+  Bar Underline() const { return underline_; }
+  Bar StrikeOut() const { return strike_out_; }
+
+  /// The glyph of a UTF-16 unit; 0 when the font has none.
+  USHORT GlyphOf(wchar_t unit) const;
+  /// Advance of a glyph in font units.
+  int AdvanceOf(USHORT glyph) const;
+
+  const IFIMETRICS& Metrics() const { return metrics_; }
+  const FontNames& Names() const { return names_; }
+  FLONG FontType() const { return font_type_; }  // FO_*
+
+ private:
+  void Measure(const OUTLINETEXTMETRICW& metrics);
+
+  LOGFONTW wanted_;
+  Font font_;
+  CreatedDc dc_;  // has font_ selected, so that it goes first
+  FontNames names_;
+  bool substituted_ = false;
+  double scale_x_ = 1, scale_y_ = 1;
+  int ascent_ = 0, descent_ = 0;
+  Bar underline_{}, strike_out_{};
+  IFIMETRICS metrics_{};
+  FLONG font_type_ = FO_TYPE_TRUETYPE;
+  mutable std::map<wchar_t, USHORT> glyphs_;  // looked up before
+  mutable std::map<USHORT, int> advances_;
+};
+
+}  // namespace quillo::host

@@ -1,0 +1,109 @@
+#include "host/engine/text_layout.h"
+
+#include <cmath>
+#include <numbers>
+
+namespace quillo::host {
+namespace {
+
+/// A direction turned counterclockwise by tenths of a degree, in a space with y downwards.
+struct Turn {
+  explicit Turn(LONG tenths)
+      : cosine(std::cos(tenths * std::numbers::pi / 1800)),
+        sine(std::sin(tenths * std::numbers::pi / 1800)) {
+    // Quarter turns are exact, so that upright lines stay upright.
+    if (tenths % 900 == 0) {
+      cosine = std::round(cosine);
+      sine = std::round(sine);
+    }
+  }
+  PointD Apply(double x, double y) const { return {x * cosine + y * sine, y * cosine - x * sine}; }
+
+  double cosine, sine;
+};
+
+PointD ToDevice(const XFORM& m, const PointD& p) {
+  return {p.x * m.eM11 + p.y * m.eM21, p.x * m.eM12 + p.y * m.eM22};
+}
+
+/// How much of the line lies before the reference point.
+double PartBefore(UINT align) {
+  switch (align & TA_CENTER) {
+    case TA_CENTER:
+      return 0.5;
+    case TA_RIGHT:
+      return 1;
+    default:
+      return 0;
+  }
+}
+
+/// How far the baseline lies below the reference point, in font units.
+double BaselineBelow(UINT align, const TextFont& font) {
+  switch (align & (TA_BASELINE | TA_BOTTOM)) {
+    case TA_BASELINE:
+      return 0;
+    case TA_BOTTOM:
+      return -font.Descent();
+    default:
+      return font.Ascent();
+  }
+}
+
+}  // namespace
+
+TextLayout LayOut(const TextDescription& text) {
+  const TextFont& font = *text.font;
+  const Turn line(font.Wanted().lfEscapement), glyph(font.Wanted().lfOrientation);
+  TextLayout layout;
+
+  // Along the line and above it, in logical units.
+  std::vector<PointD> places;
+  PointD at{0, 0};
+  double natural = 0;  // where the font's own advances lead
+  const XFORM& m = text.to_device;
+  const double pixels =
+      std::hypot(ToDevice(m, line.Apply(1, 0)).x, ToDevice(m, line.Apply(1, 0)).y);
+  for (size_t i = 0; i < text.text.size(); ++i) {
+    const wchar_t unit = text.text[i];
+    const USHORT index = text.glyph_indexes ? static_cast<USHORT>(unit) : font.GlyphOf(unit);
+    layout.glyphs.push_back(index);
+    places.push_back(at);
+    // Half a pixel is what rounding to whole ones can move a glyph anyway.
+    if (std::abs(at.x - natural) * pixels > 0.5) layout.natural = false;
+    const double own = font.AdvanceOf(index) * font.ScaleX();
+    natural += own;
+    const bool space = !text.glyph_indexes && unit == L' ';
+    at.x += i < text.dx.size() ? text.dx[i]
+                               : own + text.character_extra + (space ? text.break_extra : 0);
+    if (i < text.dy.size() && text.dy[i] != 0) {
+      at.y += text.dy[i];
+      layout.natural = layout.straight = false;
+    }
+  }
+  layout.length = at.x;
+
+  // From the line to the page.
+  const double shift = -layout.length * PartBefore(text.align);
+  const double drop = BaselineBelow(text.align, font) * font.ScaleY();
+  const auto place = [&](double along, double above) {
+    const PointD device = ToDevice(m, line.Apply(along + shift, drop - above));
+    return PointD{text.x + device.x, text.y + device.y};
+  };
+  for (const PointD& p : places) layout.origins.push_back(place(p.x, p.y));
+  layout.start = place(0, 0);
+  layout.end = place(layout.length, 0);
+  layout.up = ToDevice(m, line.Apply(0, -font.ScaleY()));
+
+  const PointD right = ToDevice(m, glyph.Apply(font.ScaleX(), 0));
+  const PointD down = ToDevice(m, glyph.Apply(0, font.ScaleY()));
+  layout.font_to_device = {static_cast<float>(right.x),
+                           static_cast<float>(right.y),
+                           static_cast<float>(down.x),
+                           static_cast<float>(down.y),
+                           0,
+                           0};
+  return layout;
+}
+
+}  // namespace quillo::host
