@@ -1,9 +1,15 @@
 #include "base/windows.h"
 
-#include <cstdio>
 #include <cwchar>
+#include <exception>
+#include <string>
+#include <variant>
+#include <vector>
 
 #include "host/base/text.h"
+#include "host/cli/console.h"
+#include "host/cli/options.h"
+#include "host/cli/print_job.h"
 #include "host/client/client_main.h"
 
 namespace quillo::host {
@@ -15,6 +21,23 @@ int RunClientMode(wchar_t** arguments) {
   return RunClient(std::wcstoul(arguments[0], nullptr, 10), fault.value_or(ClientFault::kNone));
 }
 
+int RunCommand(const std::vector<std::string>& arguments) {
+  const std::variant<Options, Answer> parsed = ParseCommandLine(arguments);
+  if (const auto* answer = std::get_if<Answer>(&parsed)) {
+    Console().Write(answer->text,
+                    answer->exit_code == kPrinted ? STD_OUTPUT_HANDLE : STD_ERROR_HANDLE);
+    return answer->exit_code;
+  }
+  const Options& options = std::get<Options>(parsed);
+  Console console(options.quiet);
+  try {
+    return Print(options, console);
+  } catch (const std::exception& failure) {  // out of memory and the like
+    console.Problem(std::string("gave up: ") + failure.what());
+    return kDriverFailed;
+  }
+}
+
 }  // namespace
 }  // namespace quillo::host
 
@@ -23,5 +46,7 @@ int wmain(int count, wchar_t** arguments) {
   if (count == 4 && std::wcscmp(arguments[1], L"--client-mode") == 0) {
     return RunClientMode(arguments + 2);
   }
-  return 0;
+  std::vector<std::string> texts;
+  for (int i = 1; i < count; ++i) texts.push_back(ToUtf8(arguments[i]));
+  return RunCommand(texts);
 }

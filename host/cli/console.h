@@ -1,0 +1,33 @@
+#pragma once
+
+#include "base/windows.h"
+
+#include <string>
+#include <string_view>
+
+namespace quillo::host {
+
+/// Standard output and error, in UTF-8 or as the terminal wants it.
+class Console {
+ public:
+  /// `quiet`: only problems are shown.
+  explicit Console(bool quiet = false);
+
+  /// Writes `text` as it is to STD_OUTPUT_HANDLE or STD_ERROR_HANDLE.
+  void Write(std::string_view text, DWORD stream = STD_OUTPUT_HANDLE);
+  /// A line on standard error: what went wrong and what to do.
+  void Problem(const std::string& sentence);
+
+  /// A page is being printed: shown on a terminal, until PageDone replaces it.
+  void PageBegins(const std::string& line);
+  void PageDone(const std::string& line);
+
+ private:
+  void EraseProgress();
+
+  bool quiet_;
+  bool terminal_;  // whether standard output is one
+  bool progress_shown_ = false;
+};
+
+}  // namespace quillo::host

@@ -1,0 +1,47 @@
+#pragma once
+
+#include <cstdint>
+#include <filesystem>
+#include <map>
+#include <memory>
+#include <stdexcept>
+#include <string>
+#include <vector>
+
+#include "host/engine/canvas.h"
+
+namespace quillo::host {
+
+/// A file that is not printed. The message completes a sentence that begins with its name: "is
+/// empty".
+class UnreadableInput : public std::runtime_error {
+ public:
+  using std::runtime_error::runtime_error;
+};
+
+/// How pictures go onto a page.
+struct PageSetup {
+  int dpi;   // of the page
+  bool fit;  // into the printable area; else at their own size
+};
+
+/// What became of one page's drawing.
+struct DrawResult {
+  std::map<std::string, uint64_t> not_carried;  // records that are not on the page, by name
+  std::vector<std::string> faults;              // what is wrong with the input, a phrase each
+};
+
+/// An opened input: pages that are drawn one after the other.
+class PrintInput {
+ public:
+  virtual ~PrintInput() = default;
+  /// Whether DrawPage has a page to draw.
+  virtual bool HasPage() const = 0;
+  /// Draws the next page.
+  virtual DrawResult DrawPage(Canvas& canvas, const PageSetup& setup) = 0;
+};
+
+/// Opens a file of any kind that is printed; its content tells the kind. Throws UnreadableInput.
+std::unique_ptr<PrintInput> OpenInput(const std::filesystem::path& path);
+
+}  // namespace quillo::host

@@ -1,0 +1,60 @@
+#include "host/cli/metafile_input.h"
+
+#include "host/emf/page_mapping.h"
+#include "host/emf/player.h"
+#include "host/emf/record_types.h"
+
+namespace quillo::host {
+
+namespace {
+
+class MetafileInput : public PrintInput {
+ public:
+  explicit MetafileInput(std::vector<std::byte> content)
+      : content_(std::move(content)), reader_(content_) {}
+
+  bool HasPage() const override { return !drawn_; }
+
+  DrawResult DrawPage(Canvas& canvas, const PageSetup& setup) override {
+    drawn_ = true;
+    const SIZEL size = canvas.Size();
+    const emf::Transform to_page =
+        setup.fit ? emf::FitFrame(reader_.header(), {size.cx, size.cy})
+                  : emf::ActualSize(reader_.header(), static_cast<uint32_t>(setup.dpi));
+    const emf::PlayResult played = emf::PlayMetafile(reader_, to_page, canvas);
+
+    DrawResult result;
+    for (const auto& [name, count] : played.not_carried) {
+      result.not_carried[name] = static_cast<uint64_t>(count);
+    }
+    for (const emf::MetafileFault& fault : reader_.faults()) {
+      result.faults.push_back(emf::Describe(fault));
+    }
+    const size_t unnamed = reader_.fault_count() - reader_.faults().size();
+    if (unnamed != 0) result.faults.push_back(std::to_string(unnamed) + " more faults");
+    return result;
+  }
+
+ private:
+  const std::vector<std::byte> content_;
+  emf::MetafileReader reader_;
+  bool drawn_ = false;
+};
+
+}  // namespace
+
+bool LooksLikeMetafile(Bytes head) {
+  constexpr uint32_t kSignature = 0x464D4520;  // the bytes " EMF"
+  return LoadOrZero<uint32_t>(head, 40) == kSignature ||
+         LoadOrZero<uint32_t>(head) == emf::kEmrHEADER;
+}
+
+std::unique_ptr<PrintInput> OpenMetafile(std::vector<std::byte> content) {
+  try {
+    return std::make_unique<MetafileInput>(std::move(content));
+  } catch (const emf::UnreadableMetafile& refused) {
+    throw UnreadableInput(refused.what());
+  }
+}
+
+}  // namespace quillo::host

@@ -1,0 +1,41 @@
+#pragma once
+
+#include "base/windows.h"
+
+#include <filesystem>
+#include <nlohmann/json.hpp>
+#include <string>
+#include <vector>
+
+#include "config/paper_units.h"
+#include "host/cli/input.h"
+#include "host/cli/page_file.h"
+#include "host/client/client_process.h"
+#include "host/engine/graphics.h"
+
+namespace quillo::host {
+
+/// One page of the job, from its input to its files.
+struct PageReport {
+  std::string input;    // as the command line names it
+  std::string file;     // in the result folder; empty when the page did not arrive there
+  std::string preview;  // likewise
+  Extent sheet{};       // 0.1 mm
+  int dpi = 0;
+  DrawResult drawn;
+  DdiCalls calls;
+  PageContent content;
+};
+
+/// Everything that job.json says.
+struct JobReport {
+  std::string printer;
+  std::string document;
+  DWORD job_id = 0;
+  std::vector<PageReport> pages;
+  ClientReport client;
+};
+
+nlohmann::ordered_json ToJson(const JobReport& report);
+
+}  // namespace quillo::host

@@ -1,0 +1,28 @@
+#pragma once
+
+#include <filesystem>
+#include <nlohmann/json.hpp>
+#include <string>
+
+namespace quillo::host {
+
+/// The folder that the results of a job go to.
+class ResultFolder {
+ public:
+  /// Makes the folder when it is missing, and removes the results of an earlier job: its job.json
+  /// and the files that it names. Throws ResultFailure.
+  explicit ResultFolder(const std::filesystem::path& path);
+
+  const std::filesystem::path& Path() const { return path_; }
+  /// "page-0001.emf": the name under which the client keeps a page.
+  static std::string PageFile(int number, const char* extension);
+  /// Throws ResultFailure.
+  void WriteReport(const nlohmann::ordered_json& report) const;
+
+ private:
+  void RemoveEarlierResults() const;
+
+  std::filesystem::path path_;
+};
+
+}  // namespace quillo::host
