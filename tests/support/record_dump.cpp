@@ -14,7 +14,8 @@ namespace {
 using namespace records;
 
 /// How the payload of each type reads, a letter a field of 4 bytes: i signed, u unsigned, x in
-/// hexadecimal, f floating point; '*' repeats the last letter to the end. The rest are bytes.
+/// hexadecimal, f floating point; '*' repeats the last letter to the end. b is one byte, t UTF-16
+/// units to the end. The rest are bytes.
 const std::map<uint32_t, std::string>& FieldLetters() {
   static const std::map<uint32_t, std::string> letters = {
       {REC_CREATEPEN, "uiix"},
@@ -35,9 +36,9 @@ const std::map<uint32_t, std::string>& FieldLetters() {
       {REC_MASKBLT, "iiiiiiiixuu"},
       {REC_BITBLT, "iiiiiixu"},
       {REC_PATBLT, "iiiix"},
-      {REC_CREATEFONT, "iiiii"},
+      {REC_CREATEFONT, "iiiiibbbbbbbbt"},
       {REC_SETTEXTCOLOR, "x"},
-      {REC_EXTTEXTOUT, "iixiiiiuu"},
+      {REC_EXTTEXTOUT, "iixiiiiuut"},
       {REC_SETDIBITSTODEVICE, "iiiiiiu"},
       {REC_STRETCHBLT, "iiiiiiiiuxxxxxxuu"},
       {REC_SETTEXTALIGN, "u"},
@@ -46,6 +47,27 @@ const std::map<uint32_t, std::string>& FieldLetters() {
       {REC_ALPHABLEND, "iiiiiiiixu"},
   };
   return letters;
+}
+
+/// ASCII as it is, other units as \\xHEX; zero units at the end as their number.
+void DumpText(Bytes text, std::ostream& out) {
+  size_t zeros = 0;
+  out << '"';
+  for (size_t offset = 0; offset < text.size(); offset += 2) {
+    const auto unit = LoadOrZero<uint16_t>(text, offset);
+    if (unit == 0 && ++zeros != 0) continue;
+    for (; zeros != 0; --zeros) out << "\\x0";
+    if (unit < 128) {
+      out << static_cast<char>(unit);
+    } else {
+      out << std::hex << "\\x" << unit << std::dec;
+    }
+  }
+  out << "\"+" << zeros;
+}
+
+size_t FieldSize(char letter, size_t bytes_left) {
+  return letter == 't' ? bytes_left : letter == 'b' ? 1 : 4;
 }
 
 void DumpField(char letter, Bytes payload, size_t offset, std::ostream& out) {
@@ -60,6 +82,12 @@ void DumpField(char letter, Bytes payload, size_t offset, std::ostream& out) {
     case 'f':
       out << LoadOrZero<float>(payload, offset);
       break;
+    case 'b':
+      out << uint32_t{LoadOrZero<uint8_t>(payload, offset)};
+      break;
+    case 't':
+      DumpText(payload.subspan(offset), out);
+      break;
     default:
       out << std::hex << "0x" << LoadOrZero<uint32_t>(payload, offset) << std::dec;
   }
@@ -67,9 +95,13 @@ void DumpField(char letter, Bytes payload, size_t offset, std::ostream& out) {
 
 void DumpPayload(const std::string& letters, Bytes payload, std::ostream& out) {
   size_t offset = 0;
-  for (size_t i = 0; i < letters.size() && payload.size() - offset >= 4; offset += 4) {
+  for (size_t i = 0; i < letters.size();) {
     const bool repeat = letters[i] == '*';
-    DumpField(letters[repeat ? i - 1 : i], payload, offset, out);
+    const char letter = letters[repeat ? i - 1 : i];
+    const size_t size = FieldSize(letter, payload.size() - offset);
+    if (size > payload.size() - offset) break;
+    DumpField(letter, payload, offset, out);
+    offset += size;
     if (!repeat) ++i;
   }
   const Bytes rest = payload.subspan(offset);
