@@ -1,0 +1,179 @@
+#include <algorithm>
+#include <array>
+#include <gtest/gtest.h>
+#include <optional>
+
+#include "base/gdi_owners.h"
+#include "host/engine/driver_module.h"
+#include "host/engine/print_session.h"
+#include "host/printer/printer_setup.h"
+#include "host/printer/sheet.h"
+#include "host/printer/spool_job.h"
+#include "support/built_file.h"
+#include "support/recording_client.h"
+
+// Whole documents through the shipped driver: the engine of the print host on one side, a client on
+// the other.
+namespace quillo {
+namespace {
+
+using test::Line;
+using test::RecordingClient;
+
+constexpr int kDpi = 300;
+
+class Document : public testing::Test {
+ protected:
+  void SetUp() override {
+    ASSERT_TRUE(SUCCEEDED(CoInitializeEx(nullptr, COINIT_MULTITHREADED)));
+    host::EnsurePrinter(host::kPrinterName, kDpi, {});
+    driver_.emplace(test::BuiltFile(L"QXDRV06X.dll"));
+    spool_job_.emplace(host::kPrinterName, L"A document");
+    client_.LeaveConnection(spool_job_->Id());
+  }
+  void TearDown() override {
+    driver_.reset();
+    CoUninitialize();
+  }
+
+  static DeviceMode Mode(short paper, bool landscape) {
+    return host::MakeDeviceMode(host::kPrinterName,
+                                host::Sheet{.paper = paper, .landscape = landscape}, kDpi);
+  }
+
+  std::unique_ptr<host::PrintSession> Start(const DEVMODEW& mode) {
+    const host::PrinterPort port = {spool_job_->Printer(), host::kPrinterName, L"FILE:"};
+    auto session = std::make_unique<host::PrintSession>(driver_->Functions(), port, mode);
+    session->StartDocument(L"A document", spool_job_->Id());
+    return session;
+  }
+
+  RecordingClient client_;
+  std::optional<host::DriverModule> driver_;
+  std::optional<host::SpoolJob> spool_job_;
+};
+
+/// One of each kind of vector drawing: wide styled stroke, fill, both, hatch, clip of every kind.
+void DrawShapes(host::Graphics& page) {
+  host::Path curve;
+  curve.MoveTo(100, 100);
+  curve.BezierTo(200, 0, 300, 300, 400, 100);
+  curve.LineTo(400, 400);
+  curve.CloseFigure();
+  host::PenDescription pen;
+  pen.geometric = true;
+  pen.width = 5;
+  pen.style = {12, 6};
+  const auto fill = host::BrushDescription::Solid(RGB(200, 30, 40));
+  host::BrushDescription hatch;
+  hatch.kind = host::BrushDescription::Kind::kHatched;
+  hatch.hatch = HS_CROSS;
+
+  host::DrawState state;
+  page.Stroke(curve, pen, state);
+  page.Fill(curve, hatch, host::FillMode::kWinding, state);
+  state.clip = host::ClipShape(RECTL{150, 50, 300, 500});
+  page.StrokeAndFill(curve, pen, fill, host::FillMode::kAlternate, state);
+  state.clip = host::ClipShape::OfPath(curve, host::FillMode::kAlternate);
+  page.Paint(host::ClipShape(RECTL{0, 0, 500, 250}), fill, state);
+}
+
+/// Opens the file of a page.
+EnhMetafile OpenPage(const wchar_t* path) { return EnhMetafile(GetEnhMetaFileW(path)); }
+
+TEST_F(Document, ThreeSheets_OneJobWithEachPagesFrame) {
+  const struct {
+    short paper;
+    bool landscape;
+    LONG width, height;  // 0.01 mm
+  } sheets[] = {{DMPAPER_A4, false, 21000, 29700},
+                {DMPAPER_A3, true, 42000, 29700},
+                {DMPAPER_LETTER, false, 21590, 27940}};
+  std::vector<RECTL> frames;
+  std::vector<DWORD> records;
+  client_.on_page_file = [&](const wchar_t* path) {
+    ENHMETAHEADER header = {};
+    GetEnhMetaFileHeader(OpenPage(path).Get(), sizeof header, &header);
+    frames.push_back(header.rclFrame);
+    records.push_back(header.nRecords);
+  };
+
+  const auto session = Start(Mode(sheets[0].paper, sheets[0].landscape).pub);
+  for (const auto& sheet : sheets) {
+    const DeviceMode mode = Mode(sheet.paper, sheet.landscape);
+    DrawShapes(session->StartPage(mode.pub));
+    session->SendPage();
+  }
+  session->EndDocument();
+
+  ASSERT_EQ(frames.size(), std::size(sheets));
+  for (size_t i = 0; i < frames.size(); ++i) {
+    EXPECT_EQ(frames[i].right - frames[i].left, sheets[i].width) << i;
+    EXPECT_EQ(frames[i].bottom - frames[i].top, sheets[i].height) << i;
+    EXPECT_GT(records[i], 50u) << i;
+  }
+  const auto starts = std::ranges::count_if(
+      client_.calls, [](const std::string& call) { return call.starts_with("NotifyJobStart"); });
+  EXPECT_EQ(starts, 1);
+  EXPECT_EQ(client_.calls.back(), Line("NotifyJobEnd VORNIX Quillo 6/", spool_job_->Id()));
+}
+
+/// What the process holds. Wine does not count handles, so the next free ones stand for all.
+struct Holdings {
+  WORD gdi_object;
+  size_t kernel_handle;
+  size_t heap_bytes;
+
+  static Holdings Now() {
+    Holdings now = {};
+    const Pen pen(CreatePen(PS_SOLID, 3, RGB(1, 2, 3)));
+    now.gdi_object = LOWORD(reinterpret_cast<uintptr_t>(pen.Get()));
+    const KernelHandle event(CreateEventW(nullptr, TRUE, FALSE, nullptr));
+    now.kernel_handle = reinterpret_cast<size_t>(event.Get());
+    std::array<HANDLE, 64> heaps{};
+    const DWORD count = GetProcessHeaps(static_cast<DWORD>(heaps.size()), heaps.data());
+    for (DWORD i = 0; i < std::min<size_t>(count, heaps.size()); ++i) {
+      PROCESS_HEAP_ENTRY entry = {};
+      while (HeapWalk(heaps[i], &entry)) {
+        if ((entry.wFlags & PROCESS_HEAP_ENTRY_BUSY) != 0) now.heap_bytes += entry.cbData;
+      }
+    }
+    return now;
+  }
+};
+
+TEST_F(Document, TwoHundredPages_HoldNoMoreThanTwo) {
+  const DeviceMode mode = Mode(DMPAPER_A4, false);
+  const auto session = Start(mode.pub);
+  Holdings after_two = {};
+  for (int page = 1; page <= 200; ++page) {
+    DrawShapes(session->StartPage(mode.pub));
+    session->SendPage();
+    client_.calls.clear();
+    if (page == 2) after_two = Holdings::Now();
+  }
+  const Holdings after_all = Holdings::Now();
+  EXPECT_EQ(after_all.gdi_object, after_two.gdi_object);
+  EXPECT_EQ(after_all.kernel_handle, after_two.kernel_handle);
+  EXPECT_LT(after_all.heap_bytes, after_two.heap_bytes + 64 * 1024);
+  session->EndDocument();
+}
+
+TEST_F(Document, CallsAfterTheEnd_FindNoJob) {
+  const DeviceMode mode = Mode(DMPAPER_A4, false);
+  const auto session = Start(mode.pub);
+  session->StartPage(mode.pub);
+  session->SendPage();
+  SURFOBJ* surface = session->Device().Surface();
+  session->EndDocument();
+  client_.calls.clear();
+  const host::DriverFunctions& driver = driver_->Functions();
+  EXPECT_FALSE(driver.StartPage(surface));
+  EXPECT_FALSE(driver.SendPage(surface));
+  EXPECT_TRUE(driver.StartDoc(surface, nullptr, 1));
+  EXPECT_TRUE(driver.EndDoc(surface, ED_ABORTDOC));
+  EXPECT_TRUE(client_.calls.empty());
+}
+
+}  // namespace
+}  // namespace quillo
