@@ -7,9 +7,13 @@
 #include <variant>
 #include <vector>
 
+#include "base/bytes.h"
 #include "host/engine/drawing.h"
 
 namespace quillo::host::emf {
+
+/// 0x00BBGGRR to 0x00RRGGBB.
+inline uint32_t ToRgb(COLORREF color) { return SwapBytes(uint32_t{color}) >> 8; }
 
 /// A brush as a record creates it. Colours may still be palette indexes.
 struct BrushObject {

@@ -40,6 +40,7 @@ HandlerTable MakeHandlers() {
   AddPathHandlers(table);
   AddClipHandlers(table);
   AddRegionHandlers(table);
+  AddBitmapHandlers(table);
   return table;
 }
 
@@ -106,6 +107,15 @@ void Playback::TransformChanged() {
 
 void Playback::ClipChanged() { drawable_ = state_.meta.Combined(state_.clip, RGN_AND); }
 
+void Playback::StoreObject(uint32_t index, Object object) {
+  const uint32_t declared = reader_.header().handle_count;
+  if (index >= declared) {
+    Fault("object " + std::to_string(index) + " is beyond the " + std::to_string(declared) +
+          " handles that the header declares");
+  }
+  objects_.Set(index, std::move(object));
+}
+
 DrawState Playback::Drawing() const {
   DrawState drawing;
   drawing.clip = drawable_;
@@ -160,11 +170,8 @@ bool Playback::DescribeBrush(const BrushObject& object, BrushDescription& brush)
 
 /// `bitmap`, of one bit a pixel, in the colours that the DC has now.
 Shared<BitmapSource> Playback::InTextColors(const Shared<BitmapSource>& bitmap) {
-  const auto swapped = [](COLORREF color) {
-    return static_cast<uint32_t>(GetRValue(color) << 16 | GetGValue(color) << 8 | GetBValue(color));
-  };
-  const std::vector<uint32_t> colors = {swapped(Resolve(state_.text_color)),
-                                        swapped(Resolve(state_.background_color))};
+  const std::vector<uint32_t> colors = {ToRgb(Resolve(state_.text_color)),
+                                        ToRgb(Resolve(state_.background_color))};
   if (mono_original_ != bitmap || mono_colored_->palette != colors) {
     auto colored = std::make_shared<BitmapSource>(*bitmap);
     colored->palette = colors;

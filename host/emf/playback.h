@@ -38,8 +38,8 @@ class Playback {
   // -- State ----------------------------------------------------------------------------------
   DcState& state() { return state_; }
   ObjectTable& objects() { return objects_; }
-  /// Size of the handle table as the header declares it.
-  uint32_t handle_count() const { return reader_.header().handle_count; }
+  /// Puts a created object into the table; a place beyond the declared size is reported.
+  void StoreObject(uint32_t index, Object object);
   Canvas& canvas() { return canvas_; }
   bool Save();
   /// `level` as RestoreDC takes it: negative counts from the last save, positive from the first.
@@ -129,5 +129,6 @@ void AddShapeHandlers(HandlerTable& table);
 void AddPathHandlers(HandlerTable& table);
 void AddClipHandlers(HandlerTable& table);
 void AddRegionHandlers(HandlerTable& table);
+void AddBitmapHandlers(HandlerTable& table);
 
 }  // namespace quillo::host::emf

@@ -2,19 +2,12 @@
 
 #include <utility>
 
+#include "host/emf/bitmap_data.h"
 #include "host/emf/playback.h"
 
 namespace quillo::host::emf {
 
 namespace {
-
-void Store(Playback& dc, uint32_t index, Object object) {
-  if (index >= dc.handle_count()) {
-    dc.Fault("object " + std::to_string(index) + " is beyond the " +
-             std::to_string(dc.handle_count()) + " handles that the header declares");
-  }
-  dc.objects().Set(index, std::move(object));
-}
 
 /// Fills a brush of style BS_SOLID, BS_HOLLOW or BS_HATCHED; false for other styles.
 bool MakeBrush(Playback& dc, uint32_t style, COLORREF color, uint64_t hatch, BrushObject& brush) {
@@ -55,7 +48,7 @@ void CreateBrush(Playback& dc, PayloadReader& record) {
     dc.Fault("there is no plain brush of style " + std::to_string(style));
     return;
   }
-  Store(dc, index, std::make_shared<const BrushObject>(brush));
+  dc.StoreObject(index, std::make_shared<const BrushObject>(brush));
 }
 
 void CreatePen(Playback& dc, PayloadReader& record) {
@@ -66,12 +59,12 @@ void CreatePen(Playback& dc, PayloadReader& record) {
   record.Skip(4);  // the second half of a POINT that holds the width
   pen.width = width < 0 ? 0u - static_cast<uint32_t>(width) : static_cast<uint32_t>(width);
   pen.brush.color = record.Read<COLORREF>();
-  if (record.ok()) Store(dc, index, std::make_shared<const PenObject>(std::move(pen)));
+  if (record.ok()) dc.StoreObject(index, std::make_shared<const PenObject>(std::move(pen)));
 }
 
 void ExtCreatePen(Playback& dc, PayloadReader& record) {
   const auto index = record.Read<uint32_t>();
-  record.Skip(16);  // offsets and sizes of a bitmap
+  const DibPlace place = ReadDibPlace(record);
   PenObject pen;
   pen.simple = false;
   pen.style = record.Read<uint32_t>();
@@ -82,11 +75,19 @@ void ExtCreatePen(Playback& dc, PayloadReader& record) {
   const auto dash_count = record.Read<uint32_t>();
   if (pen.LineStyle() == PS_USERSTYLE) pen.dashes = record.ReadArray<uint32_t>(dash_count);
   if (!record.ok()) return;
-  if (!MakeBrush(dc, brush_style, color, hatch, pen.brush)) {
+  if (!place.Empty() && brush_style != BS_SOLID && brush_style != BS_HATCHED) {
+    // As BS_DIBPATTERN has it, the hatch says what the bitmap's colour table holds.
+    const bool device_bitmap = brush_style == BS_PATTERN;
+    pen.brush.pattern = ReadBitmap(dc, record, place, device_bitmap ? 0 : hatch & 0xFFFF);
+    if (pen.brush.pattern == nullptr) return;
+    pen.brush.kind = device_bitmap && pen.brush.pattern->bits_per_pixel == 1
+                         ? BrushObject::Kind::kMonoPattern
+                         : BrushObject::Kind::kPattern;
+  } else if (!MakeBrush(dc, brush_style, color, hatch, pen.brush)) {
     dc.Fault("there is no brush of style " + std::to_string(brush_style) + " for a pen");
     return;
   }
-  Store(dc, index, std::make_shared<const PenObject>(std::move(pen)));
+  dc.StoreObject(index, std::make_shared<const PenObject>(std::move(pen)));
 }
 
 void CreateFont(Playback& dc, PayloadReader& record) {
@@ -94,13 +95,13 @@ void CreateFont(Playback& dc, PayloadReader& record) {
   FontObject font;
   font.font = record.Read<LOGFONTW>();
   font.font.lfFaceName[LF_FACESIZE - 1] = L'\0';
-  Store(dc, index, std::make_shared<const FontObject>(font));
+  dc.StoreObject(index, std::make_shared<const FontObject>(font));
 }
 
 /// A colour space holds its place in the table, so that its deletion finds it.
 void CreateOther(Playback& dc, PayloadReader& record) {
   const auto index = record.Read<uint32_t>();
-  if (record.ok()) Store(dc, index, std::make_shared<const OtherObject>());
+  if (record.ok()) dc.StoreObject(index, std::make_shared<const OtherObject>());
 }
 
 void SelectObject(Playback& dc, PayloadReader& record) {
@@ -127,7 +128,7 @@ void DeleteObject(Playback& dc, PayloadReader& record) {
 /// `count` PALETTEENTRYs: red, green, blue, flags.
 std::vector<uint32_t> ReadPaletteEntries(PayloadReader& record, size_t count) {
   std::vector<uint32_t> colors = record.ReadArray<uint32_t>(count);
-  for (uint32_t& color : colors) color = SwapBytes(color) >> 8;
+  for (uint32_t& color : colors) color = ToRgb(color);
   return colors;
 }
 
@@ -136,7 +137,7 @@ void CreatePalette(Playback& dc, PayloadReader& record) {
   record.Skip(2);  // version
   const auto count = record.Read<uint16_t>();
   PaletteObject palette{ReadPaletteEntries(record, count)};
-  if (record.ok()) Store(dc, index, std::make_shared<const PaletteObject>(std::move(palette)));
+  if (record.ok()) dc.StoreObject(index, std::make_shared<const PaletteObject>(std::move(palette)));
 }
 
 Shared<PaletteObject> FindPalette(Playback& dc, uint32_t index) {

@@ -1,0 +1,64 @@
+#include "host/emf/bitmap_data.h"
+
+#include <utility>
+
+#include "host/pictures/picture_decoder.h"
+
+namespace quillo::host::emf {
+
+namespace {
+
+// A coded picture's pixels: 200 MB as it is decoded.
+constexpr uint64_t kMostCodedPixels = 1 << 26;
+
+BitmapSource FromDib(const Dib& dib) {
+  if (dib.coding == Dib::Coding::kJpeg || dib.coding == Dib::Coding::kPng) {
+    return PictureDecoder(dib.bits).Frame(0, kMostCodedPixels);
+  }
+  BitmapSource bitmap;
+  bitmap.width = dib.width;
+  bitmap.height = dib.height;
+  bitmap.bits_per_pixel = dib.depth;
+  bitmap.top_down = dib.top_down;
+  bitmap.run_length = dib.coding == Dib::Coding::kRunLength;
+  bitmap.red_mask = dib.red_mask;
+  bitmap.green_mask = dib.green_mask;
+  bitmap.blue_mask = dib.blue_mask;
+  bitmap.palette = dib.palette;
+  bitmap.bits.assign(dib.bits.begin(), dib.bits.end());
+  return bitmap;
+}
+
+}  // namespace
+
+DibPlace ReadDibPlace(PayloadReader& record) {
+  DibPlace place;
+  place.info_offset = record.Read<uint32_t>();
+  place.info_size = record.Read<uint32_t>();
+  place.bits_offset = record.Read<uint32_t>();
+  place.bits_size = record.Read<uint32_t>();
+  return place;
+}
+
+std::shared_ptr<const BitmapSource> ReadBitmap(Playback& dc, PayloadReader& record,
+                                               const DibPlace& place, uint32_t colors,
+                                               uint32_t rows) {
+  const Bytes info = record.Slice(place.info_offset, place.info_size);
+  const Bytes bits = record.Slice(place.bits_offset, place.bits_size);
+  if (!record.ok()) return nullptr;
+  std::string what;
+  const auto dib =
+      ParseDib(info, bits, static_cast<DibColors>(colors), rows, dc.state().palette->colors, what);
+  if (!dib) {
+    dc.Fault(std::move(what));
+    return nullptr;
+  }
+  try {
+    return std::make_shared<const BitmapSource>(FromDib(*dib));
+  } catch (const UnreadablePicture& refused) {
+    dc.Fault(std::string("its picture ") + refused.what());
+    return nullptr;
+  }
+}
+
+}  // namespace quillo::host::emf

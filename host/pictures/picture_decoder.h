@@ -1,0 +1,39 @@
+#pragma once
+
+#include "base/windows.h"
+
+#include <stdexcept>
+#include <wincodec.h>
+
+#include "base/bytes.h"
+#include "base/com_owners.h"
+#include "host/engine/drawing.h"
+
+namespace quillo::host {
+
+/// The bytes are no picture that can be decoded; the message completes a sentence that begins with
+/// the picture's name.
+class UnreadablePicture : public std::runtime_error {
+ public:
+  using std::runtime_error::runtime_error;
+};
+
+/// A picture file in memory (PNG, JPEG, BMP, TIFF, GIF), decoded by the platform. Needs COM on this
+/// thread.
+class PictureDecoder {
+ public:
+  /// `file` must outlive the decoder. Throws UnreadablePicture.
+  explicit PictureDecoder(Bytes file);
+
+  UINT FrameCount() const { return frame_count_; }
+  /// A frame's pixels, 24 bits each, rows from the top. Throws UnreadablePicture, also for frames
+  /// of more than `most_pixels`.
+  BitmapSource Frame(UINT index, uint64_t most_pixels) const;
+
+ private:
+  ComPtr<IWICImagingFactory> factory_;
+  ComPtr<IWICBitmapDecoder> decoder_;
+  UINT frame_count_ = 0;
+};
+
+}  // namespace quillo::host
