@@ -24,6 +24,19 @@ class RecordingCanvas : public Canvas {
   void StretchBlt(const RECTL& target, const BitmapSource& source, const RECTL& source_rect,
                   uint8_t rop3, const BrushDescription* brush, ULONG stretch_mode,
                   const DrawState& state) override;
+  void MaskBlt(const RECTL& target, uint16_t rop4, const BrushDescription* brush,
+               const BitmapSource& source, const RECTL& source_rect, const BitmapSource& mask,
+               POINTL mask_origin, const DrawState& state) override;
+  void PlgBlt(const std::array<POINTFIX, 3>& target, const BitmapSource& source,
+              const RECTL& source_rect, const BitmapSource* mask, POINTL mask_origin,
+              ULONG stretch_mode, const DrawState& state) override;
+  void AlphaBlend(const RECTL& target, const BitmapSource& source, const RECTL& source_rect,
+                  BLENDFUNCTION blend, const DrawState& state) override;
+  void TransparentBlt(const RECTL& target, const BitmapSource& source, const RECTL& source_rect,
+                      uint32_t key, const DrawState& state) override;
+  void GradientFill(std::span<const TRIVERTEX> vertices, std::span<const ULONG> mesh, ULONG mode,
+                    const DrawState& state) override;
+  double Text(const TextDescription& text, const DrawState& state) override;
   SIZEL Size() const override { return {1000, 1000}; }
 
   /// All calls, a line each, and forgets them.
