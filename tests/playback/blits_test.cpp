@@ -3,11 +3,11 @@
 #include <gtest/gtest.h>
 #include <winspool.h>
 
-#include "capture/records/packed_dib.h"
 #include "capture/records/types.h"
 #include "imaging/display_mode.h"
 #include "playback/canvas.h"
 #include "playback/page.h"
+#include "playback/picture.h"
 #include "support/import_patch.h"
 
 namespace quillo::test {
@@ -15,58 +15,10 @@ namespace {
 
 using namespace records;
 
-constexpr int kSourceWidth = 5;
-constexpr int kSourceHeight = 3;
 constexpr uint16_t kDepths[] = {1, 4, 8, 16, 24, 32};
-
-DibHeader HeaderOf(int32_t width, int32_t height, uint16_t bit_count) {
-  return {40, width, height, 1, bit_count, kDibRgb, 0, 0, 0, 0, 0};
-}
-
-// The colours of a picture of any depth: what its palette or its pixels mean, 0x00RRGGBB.
-constexpr uint32_t kPalette[] = {0x102030, 0xFF0000, 0x00FF00, 0x0000FF, 0xFFFF00, 0x123456};
-
-uint32_t PixelValue(uint16_t bit_count, int x, int y) {
-  const int n = y * kSourceWidth + x;
-  if (bit_count <= 8) return static_cast<uint32_t>(n % (bit_count == 1 ? 2 : 6));
-  return bit_count == 16 ? static_cast<uint32_t>(n * 2111) & 0x7FFF
-                         : static_cast<uint32_t>(n * 1000003) & 0xFFFFFF;
-}
-
-uint32_t PixelColour(uint16_t bit_count, int x, int y) {
-  const uint32_t value = PixelValue(bit_count, x, y);
-  if (bit_count <= 8) return kPalette[value];
-  if (bit_count != 16) return value;
-  const auto channel = [value](int shift) {
-    const uint32_t five = (value >> shift) & 31;
-    return five << 3 | five >> 2;
-  };
-  return channel(10) << 16 | channel(5) << 8 | channel(0);
-}
-
-// The picture as records carry it; `y` counts from the top.
-Payload PackedPicture(uint16_t bit_count) {
-  const auto row_bytes = static_cast<size_t>(DibRowBytes(kSourceWidth, bit_count));
-  const size_t start = PackedBitsOffset(bit_count);
-  Payload dib(start + row_bytes * kSourceHeight);
-  Store(MutableBytes(dib), 0, HeaderOf(kSourceWidth, kSourceHeight, bit_count));
-  const size_t colours = bit_count == 1 ? 2 : bit_count <= 8 ? 6 : 0;
-  std::memcpy(dib.data() + 40, kPalette, colours * 4);
-  for (int y = 0; y < kSourceHeight; ++y) {
-    const size_t row = start + row_bytes * static_cast<size_t>(kSourceHeight - 1 - y);
-    for (int x = 0; x < kSourceWidth; ++x) {
-      const uint32_t value = PixelValue(bit_count, x, y);
-      const size_t bit = static_cast<size_t>(x) * bit_count;
-      auto* at = dib.data() + row + bit / 8;
-      if (bit_count < 8) {
-        *at |= static_cast<std::byte>(value << (8 - bit_count - bit % 8));
-      } else {
-        std::memcpy(at, &value, bit_count / 8);
-      }
-    }
-  }
-  return dib;
-}
+constexpr Picture kPicture = {24};
+constexpr int kSourceWidth = kPicture.width;
+constexpr int kSourceHeight = kPicture.height;
 
 constexpr Rect kAt = {10, 20, 10 + kSourceWidth, 20 + kSourceHeight};
 constexpr Rect kWhole = {0, 0, kSourceWidth, kSourceHeight};
@@ -99,15 +51,15 @@ TEST(Blits, EveryDepth_PictureOnThePage) {
   for (const BlitCase& blit : kBlitCases) {
     for (const uint16_t bit_count : kDepths) {
       SCOPED_TRACE(testing::Message() << blit.name << ' ' << bit_count);
+      const Picture picture = {bit_count};
       Page page;
-      EXPECT_EQ(page.Play(blit.type, blit.record(PackedPicture(bit_count))), 1);
+      EXPECT_EQ(page.Play(blit.type, blit.record(picture.Packed())), 1);
       Canvas canvas(64, 64);
       canvas.Play(page.Close().Get());
       for (int y = 0; y < 64; ++y) {
         for (int x = 0; x < 64; ++x) {
           const bool inside = x >= kAt.left && x < kAt.right && y >= kAt.top && y < kAt.bottom;
-          const uint32_t expected =
-              inside ? PixelColour(bit_count, x - kAt.left, y - kAt.top) : 0xFFFFFF;
+          const uint32_t expected = inside ? picture.Colour(x - kAt.left, y - kAt.top) : 0xFFFFFF;
           ASSERT_EQ(canvas.Pixel(x, y), expected) << x << ',' << y;
         }
       }
@@ -116,7 +68,7 @@ TEST(Blits, EveryDepth_PictureOnThePage) {
 }
 
 TEST(Blits, PartOfTheSource_BeginsAtItsOrigin) {
-  const Payload dib = PackedPicture(24);
+  const Payload dib = kPicture.Packed();
   const Rect to = {1, 2, 4, 4};
   const std::pair<uint32_t, Payload> kRecords[] = {
       {REC_BITBLT, PayloadOf(to, 2, 1, uint32_t{SRCCOPY}, uint32_t{32}, dib)},
@@ -129,8 +81,8 @@ TEST(Blits, PartOfTheSource_BeginsAtItsOrigin) {
     EXPECT_EQ(page.Play(type, record), 1);
     Canvas canvas(8, 8);
     canvas.Play(page.Close().Get());
-    EXPECT_EQ(canvas.Pixel(1, 2), PixelColour(24, 2, 1));
-    EXPECT_EQ(canvas.Pixel(3, 3), PixelColour(24, 4, 2));
+    EXPECT_EQ(canvas.Pixel(1, 2), kPicture.Colour(2, 1));
+    EXPECT_EQ(canvas.Pixel(3, 3), kPicture.Colour(4, 2));
     EXPECT_EQ(canvas.Pixel(4, 3), 0xFFFFFFu);
   }
 }
@@ -139,7 +91,7 @@ TEST(Blits, NoBitmapWhereTheRecordSays_NothingDrawn) {
   Page page;
   for (const BlitCase& blit : kBlitCases) {
     SCOPED_TRACE(blit.name);
-    const Payload dib = PackedPicture(24);
+    const Payload dib = kPicture.Packed();
     // A bitmap that did not pack leaves zeros.
     EXPECT_EQ(page.Play(blit.type, blit.record(Payload(dib.size()))), 0);
     Payload record = blit.record(dib);
@@ -157,6 +109,7 @@ TEST(Blits, NoBitmapWhereTheRecordSays_NothingDrawn) {
 TEST(Blits, RunLengthSource_ConvertedWithItsTrueSize) {
   DibHeader header = HeaderOf(4, 2, 8);
   header.compression = kDibRle8;
+  constexpr auto& kPalette = Picture::kPalette;
   const Payload table = PayloadOf(kPalette, Payload(1024 - sizeof kPalette));
   // Two runs of two, end of line, four literal pixels, end of bitmap.
   constexpr uint8_t kStream[] = {2, 1, 2, 2, 0, 0, 0, 4, 3, 4, 5, 0, 0, 1};
@@ -245,6 +198,20 @@ TEST(Blits, SourceAboveTheLimits_ReducedWithItsRectangle) {
   }
 }
 
+TEST(AlphaBlend, AlphaOfThePixels_Blended) {
+  // Premultiplied: nothing, half a red, a whole green.
+  const Payload dib = PayloadOf(HeaderOf(3, 1, 32), 0u, 0x00000000u, 0x80800000u, 0xFF00FF00u);
+  Page page;
+  EXPECT_EQ(page.Play(REC_ALPHABLEND, PayloadOf(Rect{0, 0, 3, 1}, Rect{0, 0, 3, 1}, 0x01FF0000u,
+                                                uint32_t{40}, dib)),
+            1);
+  Canvas canvas(3, 1);
+  canvas.Play(page.Close().Get());
+  EXPECT_EQ(canvas.Pixel(0, 0), 0xFFFFFFu);
+  EXPECT_EQ(canvas.Pixel(1, 0), 0xFF7F7Fu);
+  EXPECT_EQ(canvas.Pixel(2, 0), 0x00FF00u);
+}
+
 COLORADJUSTMENT asked_adjustment;
 int adjustments;
 BOOL WINAPI WatchAdjustment(HDC, const COLORADJUSTMENT* adjustment) {
@@ -263,7 +230,7 @@ TEST(StretchBlt, AdjustmentModeAndOperation) {
   for (const uint32_t flag : {0u, 1u, 2u, 3u}) {
     Page page;
     page.Play(REC_STRETCHBLT, PayloadOf(kAt, kWhole, flag, adjustment, uint32_t{HALFTONE},
-                                        uint32_t{68}, PackedPicture(24)));
+                                        uint32_t{68}, kPicture.Packed()));
     EXPECT_EQ(GetStretchBltMode(page.context.page_dc), HALFTONE);
     EXPECT_EQ(asked.rop, static_cast<DWORD>(SRCCOPY));
   }
@@ -320,7 +287,7 @@ TEST(MaskBlt, BlackAndWhiteMask_MadeOnThePrinter) {
   const ImportPatch mask_blt("MaskBlt", WatchMaskBlt);
   Page page;
   page.context.job.printer = reinterpret_cast<HANDLE>(0x1234);
-  EXPECT_EQ(page.Play(REC_MASKBLT, MaskBltRecord(PackedPicture(24), Mask(0xA5))), 1);
+  EXPECT_EQ(page.Play(REC_MASKBLT, MaskBltRecord(kPicture.Packed(), Mask(0xA5))), 1);
   EXPECT_EQ(asked_settings, &page.settings.pub);
   EXPECT_EQ(asked_mask.bitmap.bmBitsPixel * asked_mask.bitmap.bmPlanes, 1);
   EXPECT_EQ(asked_mask.bitmap.bmWidth, 8);
@@ -331,7 +298,7 @@ TEST(MaskBlt, BlackAndWhiteMask_MadeOnThePrinter) {
 }
 
 TEST(MaskBlt, WithoutPrinterMaskOrSource_NothingDrawn) {
-  const Payload source = PackedPicture(24);
+  const Payload source = kPicture.Packed();
   const Payload mask = Mask(0xA5);
   Page page;
   EXPECT_EQ(page.Play(REC_MASKBLT, MaskBltRecord(source, mask)), 0);  // no printer
@@ -345,7 +312,7 @@ TEST(MaskBlt, WithoutPrinterMaskOrSource_NothingDrawn) {
   const ImportPatch dc("CreateDCW", FakeCreateDc);
   EXPECT_EQ(page.Play(REC_MASKBLT, MaskBltRecord(Payload(source.size()), mask)), 0);
   EXPECT_EQ(page.Play(REC_MASKBLT, MaskBltRecord(source, Payload(mask.size()))), 0);
-  EXPECT_EQ(page.Play(REC_MASKBLT, MaskBltRecord(source, PackedPicture(4))), 0);
+  EXPECT_EQ(page.Play(REC_MASKBLT, MaskBltRecord(source, Picture{4}.Packed())), 0);
   EXPECT_TRUE(ReadRecords(page.Close().Get()).empty());
 }
 
@@ -387,7 +354,8 @@ TEST(Blits, ManyOfEach_NoObjectLeft) {
   const auto play_page = [] {
     Page page;
     for (int i = 0; i < 20; ++i) {
-      for (const BlitCase& blit : kBlitCases) page.Play(blit.type, blit.record(PackedPicture(8)));
+      for (const BlitCase& blit : kBlitCases)
+        page.Play(blit.type, blit.record(Picture{8}.Packed()));
     }
   };
   play_page();

@@ -25,9 +25,10 @@ class Canvas {
   Canvas& operator=(const Canvas&) = delete;
   ~Canvas() { dc_.Reset(); }
 
-  void Play(HENHMETAFILE metafile) { EnumEnhMetaFile(nullptr, metafile, Draw, dc_.Get(), nullptr); }
-
-  [[nodiscard]] HDC Dc() const { return dc_.Get(); }
+  void Play(HENHMETAFILE metafile) {
+    SetGraphicsMode(dc_.Get(), GM_ADVANCED);  // what metafiles are stored for
+    EnumEnhMetaFile(nullptr, metafile, Draw, dc_.Get(), nullptr);
+  }
 
   /// 0x00RRGGBB; the origin is at the top left.
   [[nodiscard]] uint32_t Pixel(int x, int y) const {

@@ -5,6 +5,7 @@
 
 #include "capture/records/types.h"
 #include "playback/page.h"
+#include "playback/picture.h"
 
 namespace quillo::test {
 namespace {
@@ -73,6 +74,39 @@ TEST(DispatchRecord, EveryTypeAnyContent_ReadsOnlyItsPayload) {
       const bool always_played = info.rule == kAnySize && info.type != REC_PAGEBITMAP;
       EXPECT_TRUE(result == 1 || !always_played);
     }
+  }
+}
+
+// A bitmap record that is right but for one field is played or refused, and read no further.
+TEST(DispatchRecord, BitmapRecordWithOneWrongField_ReadsOnlyItsPayload) {
+  const Payload dib = Picture{.bit_count = 8}.Packed();
+  const auto size = static_cast<uint32_t>(dib.size());
+  const Rect r = {0, 0, 5, 3};
+  const std::pair<uint32_t, Payload> kRecords[] = {
+      {REC_BITBLT, PayloadOf(r, 0, 0, 0u, 32u, dib)},
+      {REC_STRETCHBLT, PayloadOf(r, r, 0u, Payload(24), 3u, 68u, dib)},
+      {REC_ALPHABLEND, PayloadOf(r, r, 0x00FF0000u, 40u, dib)},
+      {REC_SETDIBITSTODEVICE, PayloadOf(r, 0, 0, 28u, dib)},
+      {REC_MASKBLT, PayloadOf(r, 0, 0, 0, 0, 0u, 44u, 44u, dib)},
+      {REC_CREATEBRUSH, PayloadOf(uint32_t{BS_DIBPATTERNPT}, 0u, 0u, 0u, size, dib, uint8_t{0})},
+      {REC_CREATEBRUSH, PayloadOf(uint32_t{BS_DIBPATTERNPT}, 0u, 0u, 1u, size, dib, uint8_t{0})},
+  };
+  constexpr uint32_t kNumbers[] = {0,  1,  2,   4,   15,         16,         24,
+                                   32, 41, 124, 300, 0x7FFFFFFF, 0x80000000, 0xFFFFFFFF};
+  GuardedBlock block;
+  for (const auto& [type, record] : kRecords) {
+    Page page;
+    const MutableBytes payload = block.Last(record.size());
+    const size_t fields_end = record.size() - dib.size() + sizeof(DibHeader);
+    for (size_t offset = 0; offset + 4 <= fields_end; offset += 2) {
+      for (const uint32_t number : kNumbers) {
+        std::copy(record.begin(), record.end(), payload.begin());
+        Store(payload, offset, number);
+        DispatchRecord(page.context, type, payload);
+      }
+    }
+    page.Play(REC_EXTCREATEPEN, PayloadOf(uint32_t{PS_GEOMETRIC}, 3u, 0u, 0u));
+    EXPECT_EQ(page.StateFlags(), 0u);
   }
 }
 

@@ -29,13 +29,17 @@ EmfRecords RecordDirect(const std::function<void(HDC)>& draw);
 
 using Payload = std::vector<std::byte>;
 
+inline void AppendBytes(Payload& payload, const void* bytes, size_t size) {
+  if (size == 0) return;
+  payload.resize(payload.size() + size);
+  std::memcpy(payload.data() + payload.size() - size, bytes, size);
+}
 inline void AppendPart(Payload& payload, const Payload& bytes) {
-  payload.insert(payload.end(), bytes.begin(), bytes.end());
+  AppendBytes(payload, bytes.data(), bytes.size());
 }
 template <typename T>
 void AppendPart(Payload& payload, const T& value) {
-  payload.resize(payload.size() + sizeof value);
-  std::memcpy(payload.data() + payload.size() - sizeof value, &value, sizeof value);
+  AppendBytes(payload, &value, sizeof value);
 }
 
 /// The bytes of values one behind the other.

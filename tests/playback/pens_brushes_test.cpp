@@ -1,8 +1,8 @@
 #include <gtest/gtest.h>
 
-#include "capture/records/packed_dib.h"
 #include "capture/records/types.h"
 #include "playback/page.h"
+#include "playback/picture.h"
 #include "support/import_patch.h"
 
 namespace quillo::test {
@@ -16,8 +16,7 @@ Payload SolidBrush(COLORREF colour, uint32_t usage) {
 
 // A pattern of 8x8 pixels, 1 bit each.
 Payload PatternBrush(uint32_t usage) {
-  const DibHeader header = {40, 8, 8, 1, 1, kDibRgb, 0, 0, 0, 0, 0};
-  const Payload pattern = PayloadOf(header, 0u, 0xFFFFFFu, Payload(32, std::byte{0xA5}));
+  const Payload pattern = Picture{.bit_count = 1, .width = 8, .height = 8}.Packed();
   return PayloadOf(uint32_t{BS_DIBPATTERNPT}, 0x112233u, 0u, usage,
                    static_cast<uint32_t>(pattern.size()), pattern, uint8_t{0});
 }
@@ -226,7 +225,7 @@ TEST(PenBrush, Pattern_OwnCopyOfTheBytes) {
 
 TEST(PenBrush, NoMemoryForThePattern_PendingWithNone) {
   Page page(0x10000);
-  const DibHeader header = {40, 1000, 1000, 1, 8, kDibRgb, 0, 0, 0, 0, 0};
+  const DibHeader header = HeaderOf(1000, 1000, 8);
   const uint32_t size = 40 + 1024 + 1000 * 1000;
   const auto record = [&](uint32_t usage) {
     return PayloadOf(uint32_t{BS_DIBPATTERNPT}, 0u, 0u, usage, size, header,
