@@ -41,18 +41,22 @@ HandlerTable MakeHandlers() {
   AddClipHandlers(table);
   AddRegionHandlers(table);
   AddBitmapHandlers(table);
+  AddTextHandlers(table);
   return table;
 }
 
 }  // namespace
 
-PlayResult PlayMetafile(MetafileReader& reader, const Transform& to_page, Canvas& canvas) {
-  return Playback(reader, to_page, canvas).PlayAll();
+PlayResult PlayMetafile(MetafileReader& reader, const Transform& to_page, Canvas& canvas,
+                        const PlayOptions& options) {
+  return Playback(reader, to_page, canvas, options).PlayAll();
 }
 
-Playback::Playback(MetafileReader& reader, const Transform& to_page, Canvas& canvas)
+Playback::Playback(MetafileReader& reader, const Transform& to_page, Canvas& canvas,
+                   const PlayOptions& options)
     : reader_(reader),
       canvas_(canvas),
+      options_(options),
       device_to_page_(to_page),
       to_page_(to_page),
       state_(PageTransform(reader.header().device, reader.header().millimeters)) {}

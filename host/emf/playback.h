@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "host/emf/dc_state.h"
+#include "host/emf/font_cache.h"
 #include "host/emf/object_table.h"
 #include "host/emf/payload_reader.h"
 #include "host/emf/player.h"
@@ -31,7 +32,8 @@ struct GrowingPath {
 /// behind it. The handlers of the records (player_*.cpp) work on it.
 class Playback {
  public:
-  Playback(MetafileReader& reader, const Transform& to_page, Canvas& canvas);
+  Playback(MetafileReader& reader, const Transform& to_page, Canvas& canvas,
+           const PlayOptions& options);
 
   PlayResult PlayAll();
 
@@ -40,7 +42,9 @@ class Playback {
   ObjectTable& objects() { return objects_; }
   /// Puts a created object into the table; a place beyond the declared size is reported.
   void StoreObject(uint32_t index, Object object);
+  FontCache& fonts() { return fonts_; }
   Canvas& canvas() { return canvas_; }
+  const PlayOptions& options() const { return options_; }
   bool Save();
   /// `level` as RestoreDC takes it: negative counts from the last save, positive from the first.
   bool Restore(int32_t level);
@@ -92,7 +96,7 @@ class Playback {
   // -- Reports --------------------------------------------------------------------------------
   void Fault(std::string what) { reader_.Report(record_, std::move(what)); }
   void NotCarried() { ++result_.not_carried[RecordName(record_.type)]; }
-  const Record& record() const { return record_; }
+  PlayResult& result() { return result_; }
 
  private:
   void Play();
@@ -100,12 +104,14 @@ class Playback {
 
   MetafileReader& reader_;
   Canvas& canvas_;
+  const PlayOptions options_;
   const Transform device_to_page_;
   Transform to_page_;
   DcState state_;
   std::vector<DcState> saved_;
   ClipShape drawable_;  // state_.clip and state_.meta together
   ObjectTable objects_;
+  FontCache fonts_;
   GrowingPath path_;
   bool in_path_ = false;
   Shared<BitmapSource> mono_original_;  // last used in text colours,
@@ -130,5 +136,6 @@ void AddPathHandlers(HandlerTable& table);
 void AddClipHandlers(HandlerTable& table);
 void AddRegionHandlers(HandlerTable& table);
 void AddBitmapHandlers(HandlerTable& table);
+void AddTextHandlers(HandlerTable& table);
 
 }  // namespace quillo::host::emf

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstdint>
 #include <map>
 #include <string>
 
@@ -9,14 +10,39 @@
 
 namespace quillo::host::emf {
 
+/// What to do with glyph indexes of a font that is not installed: they are numbers of the glyphs of
+/// another font than the one that stands in.
+enum class GlyphOrder {
+  kAsSubstitute,  // draw them when the substitute keeps the common order: character - 29 for ASCII
+  kAssume,        // draw them with any substitute
+  kDrop,          // do not draw them
+};
+
+struct PlayOptions {
+  GlyphOrder glyph_order = GlyphOrder::kAsSubstitute;
+};
+
+/// How a font of the metafile came out.
+struct FontUse {
+  std::wstring used;            // family that was really used
+  bool substituted = false;     // it is another one than was asked for
+  uint64_t characters = 0;      // drawn: characters, and glyph indexes that are sure
+  uint64_t assumed_glyphs = 0;  // drawn through the substitute's order of glyphs
+  uint64_t dropped_glyphs = 0;  // not drawn
+};
+
 struct PlayResult {
   /// Records that could not be carried to the page, by name.
   std::map<std::string, int> not_carried;
+  /// By the face name that the metafile asks for.
+  std::map<std::wstring, FontUse> fonts;
 };
 
 /// Draws the records that `reader` has before it. What is wrong with them stands in the reader's
-/// faults afterwards; a damaged record is passed over, and the rest is drawn.
+/// faults afterwards; a damaged record is passed over, and the rest is drawn. Needs COM on this
+/// thread (bitmaps that are coded as JPEG or PNG).
 /// `to_page`: from pixels of the reference device to pixels of the canvas (see page_mapping.h).
-PlayResult PlayMetafile(MetafileReader& reader, const Transform& to_page, Canvas& canvas);
+PlayResult PlayMetafile(MetafileReader& reader, const Transform& to_page, Canvas& canvas,
+                        const PlayOptions& options = {});
 
 }  // namespace quillo::host::emf

@@ -1,0 +1,268 @@
+// Records that draw text, as UTF-16, in a code page, or as glyph indexes.
+
+#include <algorithm>
+#include <cmath>
+#include <numbers>
+
+#include "host/emf/playback.h"
+#include "host/emf/region_data.h"
+#include "host/emf/rounding.h"
+
+namespace quillo::host::emf {
+
+namespace {
+
+// Options that only records have.
+constexpr uint32_t kNoRectangle = 0x100;
+constexpr uint32_t kSmallCharacters = 0x200;
+
+/// A line of text as its record gives it.
+struct TextLine {
+  PointL reference;  // logical
+  uint32_t options = 0;
+  bool advanced = false;  // recorded in the advanced graphics mode
+  RectL rectangle;        // logical; with ETO_OPAQUE or ETO_CLIPPED
+  std::wstring text;
+  std::vector<double> dx;
+  std::vector<double> dy;
+};
+
+constexpr uint32_t kAdvanced = 2;  // GM_ADVANCED
+
+// -- Characters ----------------------------------------------------------------------------------
+
+UINT CodePageOf(BYTE charset) {
+  CHARSETINFO info{};
+  // The "pointer" is the number itself.
+  if (!TranslateCharsetInfo(reinterpret_cast<DWORD*>(static_cast<uintptr_t>(charset)), &info,
+                            TCI_SRCCHARSET)) {
+    return CP_ACP;
+  }
+  return info.ciACP;
+}
+
+/// Text of a code page as UTF-16; the advances of a character's bytes are joined.
+void Widen(Bytes bytes, BYTE charset, TextLine& line) {
+  const auto* text = reinterpret_cast<const char*>(bytes.data());
+  const bool symbols = charset == SYMBOL_CHARSET;
+  const UINT code_page = symbols ? CP_ACP : CodePageOf(charset);
+  std::vector<double> dx;
+  for (size_t i = 0; i < bytes.size();) {
+    const size_t size =
+        !symbols && i + 1 < bytes.size() && IsDBCSLeadByteEx(code_page, static_cast<BYTE>(text[i]))
+            ? 2
+            : 1;
+    wchar_t units[2] = {static_cast<unsigned char>(text[i]), 0};
+    int count = 1;
+    if (!symbols) {
+      count = MultiByteToWideChar(code_page, 0, text + i, static_cast<int>(size), units, 2);
+    }
+    line.text.append(units, static_cast<size_t>(std::max(count, 0)));
+    double advance = 0;
+    for (size_t byte = i; byte < i + size && byte < line.dx.size(); ++byte) {
+      advance += line.dx[byte];
+    }
+    for (int unit = 0; unit < count; ++unit) dx.push_back(unit == 0 ? advance : 0);
+    i += size;
+  }
+  if (!line.dx.empty()) line.dx = std::move(dx);
+}
+
+/// The line's characters, `count` of them at `offset`.
+void ReadCharacters(Playback& dc, PayloadReader& record, size_t offset, size_t count, bool wide,
+                    TextLine& line) {
+  if (count == 0) return;
+  wide = wide || (line.options & ETO_GLYPH_INDEX) != 0;  // glyph indexes have 16 bits everywhere
+  const Bytes bytes = record.Slice(offset, wide ? count * 2 : count);
+  if (!record.ok()) return;
+  if (wide) {
+    line.text.resize(count);
+    std::memcpy(line.text.data(), bytes.data(), bytes.size());
+  } else {
+    Widen(bytes, dc.state().font->font.lfCharSet, line);
+  }
+}
+
+/// The advances of `count` characters at `offset`; 0: the record has none.
+void ReadAdvances(PayloadReader& record, size_t offset, size_t count, TextLine& line) {
+  if (offset == 0 || count == 0) return;
+  const size_t numbers = (line.options & ETO_PDY) != 0 ? 2 : 1;
+  const Bytes bytes = record.Slice(offset, count * numbers * 4);
+  for (size_t i = 0; record.ok() && i < count; ++i) {
+    line.dx.push_back(LoadOrZero<int32_t>(bytes, i * numbers * 4));
+    if (numbers == 2) line.dy.push_back(LoadOrZero<int32_t>(bytes, i * numbers * 4 + 4));
+  }
+}
+
+/// The EMRTEXT part that four record types share. Offsets in it count from the record's start.
+TextLine ReadLine(Playback& dc, PayloadReader& record, bool advanced, bool wide) {
+  TextLine line;
+  line.advanced = advanced;
+  line.reference = record.Read<PointL>();
+  const auto count = record.Read<uint32_t>();
+  const auto text_offset = record.Read<uint32_t>();
+  line.options = record.Read<uint32_t>();
+  line.rectangle = record.Read<RectL>();
+  const auto advance_offset = record.Read<uint32_t>();
+  ReadAdvances(record, advance_offset, count, line);
+  ReadCharacters(dc, record, text_offset, count, wide, line);
+  return line;
+}
+
+// -- Drawing -------------------------------------------------------------------------------------
+
+/// Whether glyph indexes may be used with `font`. Where it stands in for a font that is missing,
+/// they mean something only when the two have the same order of glyphs.
+bool GlyphsFit(const TextFont& font, GlyphOrder order) {
+  if (!font.Substituted() || order == GlyphOrder::kAssume) return true;
+  if (order == GlyphOrder::kDrop) return false;
+  // The order that most fonts keep for ASCII.
+  for (wchar_t character = L' '; character <= L'~'; ++character) {
+    if (font.GlyphOf(character) != character - 29) return false;
+  }
+  return true;
+}
+
+/// Notes the line among the fonts' uses; false when it cannot be drawn.
+bool CountUse(Playback& dc, const TextLine& line, const TextFont& font) {
+  FontUse& use = dc.result().fonts[font.Wanted().lfFaceName];
+  use.used = font.Family();
+  use.substituted = font.Substituted();
+  const bool indexes = (line.options & ETO_GLYPH_INDEX) != 0;
+  if (!indexes) {
+    use.characters += line.text.size();
+    return true;
+  }
+  if (!GlyphsFit(font, dc.options().glyph_order)) {
+    use.dropped_glyphs += line.text.size();
+    dc.NotCarried();
+    return false;
+  }
+  (font.Substituted() ? use.assumed_glyphs : use.characters) += line.text.size();
+  return true;
+}
+
+/// From logical units to the page for text: in the compatible graphics mode never mirrored.
+XFORM TextTransform(const Playback& dc, bool advanced) {
+  const Transform& map = dc.ToPage();
+  const auto number = [](double value) { return static_cast<float>(value); };
+  if (!advanced && map.KeepsAxes()) {
+    return {number(std::fabs(map.m11)), 0, 0, number(std::fabs(map.m22)), 0, 0};
+  }
+  return {number(map.m11), number(map.m12), number(map.m21), number(map.m22), 0, 0};
+}
+
+/// The opaque rectangle, and the clip to it. What no RECTL can hold is drawn at once.
+void ApplyRectangle(Playback& dc, const TextLine& line, TextDescription& text, DrawState& drawing) {
+  if ((line.options & kNoRectangle) != 0) return;
+  const Transform& map = dc.ToPage();
+  const RectL& rect = line.rectangle;
+  if ((line.options & ETO_OPAQUE) != 0) {
+    if (map.KeepsAxes()) {
+      text.opaque = ToPixelRect(map, rect.left, rect.top, rect.right, rect.bottom);
+    } else {
+      dc.canvas().Paint(MapRectangle(rect, map), BrushDescription::Solid(text.background), drawing);
+    }
+  }
+  if ((line.options & ETO_CLIPPED) != 0) {
+    drawing.clip = drawing.clip.Combined(MapRectangle(rect, map), RGN_AND);
+  }
+}
+
+void MoveBehind(Playback& dc, double length) {
+  const UINT align = dc.state().text_align;
+  if ((align & TA_UPDATECP) == 0 || (align & TA_CENTER) == TA_CENTER) return;
+  const double along = (align & TA_CENTER) == TA_RIGHT ? -length : length;
+  const double angle = dc.state().font->font.lfEscapement * std::numbers::pi / 1800;
+  PointL& position = dc.state().position;
+  position.x = ToPixel(position.x + along * std::cos(angle));
+  position.y = ToPixel(position.y - along * std::sin(angle));
+}
+
+void DrawLine(Playback& dc, const TextLine& line) {
+  const DcState& state = dc.state();
+  if (dc.InPath()) {
+    dc.NotCarried();  // outlines of glyphs in a path
+    return;
+  }
+  TextDescription text;
+  text.font = dc.fonts().Find(state.font->font);
+  if (text.font == nullptr) {
+    dc.Fault("there is no font for its text");
+    return;
+  }
+  text.background = dc.Resolve(state.background_color);
+  DrawState drawing = dc.Drawing();
+  drawing.rop2 = R2_COPYPEN;
+  ApplyRectangle(dc, line, text, drawing);
+  if (!line.text.empty() && CountUse(dc, line, *text.font)) text.text = line.text;
+  if (text.text.empty() && !text.opaque) return;
+
+  const PointL& reference = (state.text_align & TA_UPDATECP) != 0 ? state.position : line.reference;
+  const PointD at = dc.ToPage().Apply(reference.x, reference.y);
+  text.x = at.x;
+  text.y = at.y;
+  text.glyph_indexes = (line.options & ETO_GLYPH_INDEX) != 0;
+  text.to_device = TextTransform(dc, line.advanced);
+  text.align = state.text_align;
+  text.dx = line.dx;
+  text.dy = line.dy;
+  if (state.break_count != 0) {
+    text.break_extra = static_cast<double>(state.break_extra) / state.break_count;
+  }
+  text.color = dc.Resolve(state.text_color);
+  MoveBehind(dc, dc.canvas().Text(text, drawing));
+}
+
+template <bool wide>
+void PlayExtTextOut(Playback& dc, PayloadReader& record) {
+  record.Skip(sizeof(RectL));  // bounds
+  const bool advanced = record.Read<uint32_t>() == kAdvanced;
+  record.Skip(8);  // millimetres for each unit, in the compatible mode
+  const TextLine line = ReadLine(dc, record, advanced, wide);
+  if (record.ok()) DrawLine(dc, line);
+}
+
+template <bool wide>
+void PlayPolyTextOut(Playback& dc, PayloadReader& record) {
+  record.Skip(sizeof(RectL));  // bounds
+  const bool advanced = record.Read<uint32_t>() == kAdvanced;
+  record.Skip(8);  // millimetres for each unit, in the compatible mode
+  const auto count = record.Read<uint32_t>();
+  size_t characters = 0;
+  for (uint32_t i = 0; i < count; ++i) {
+    const TextLine line = ReadLine(dc, record, advanced, wide);
+    if (!record.ok()) return;
+    characters += line.text.size();
+    if (characters > record.record().size()) {
+      dc.Fault("its strings lie on one another");
+      return;
+    }
+    DrawLine(dc, line);
+  }
+}
+
+void PlaySmallTextOut(Playback& dc, PayloadReader& record) {
+  TextLine line;
+  line.reference = record.Read<PointL>();
+  const auto count = record.Read<uint32_t>();
+  line.options = record.Read<uint32_t>();
+  line.advanced = record.Read<uint32_t>() == kAdvanced;
+  record.Skip(8);  // millimetres for each unit, in the compatible mode
+  if ((line.options & kNoRectangle) == 0) line.rectangle = record.Read<RectL>();
+  const size_t offset = record.record().size() - record.left();
+  ReadCharacters(dc, record, offset, count, (line.options & kSmallCharacters) == 0, line);
+  if (record.ok()) DrawLine(dc, line);
+}
+
+}  // namespace
+
+void AddTextHandlers(HandlerTable& table) {
+  table[kEmrEXTTEXTOUTW] = PlayExtTextOut<true>;
+  table[kEmrEXTTEXTOUTA] = PlayExtTextOut<false>;
+  table[kEmrPOLYTEXTOUTW] = PlayPolyTextOut<true>;
+  table[kEmrPOLYTEXTOUTA] = PlayPolyTextOut<false>;
+  table[kEmrSMALLTEXTOUT] = PlaySmallTextOut;
+}
+
+}  // namespace quillo::host::emf
