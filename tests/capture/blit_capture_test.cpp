@@ -13,19 +13,27 @@
 namespace quillo {
 namespace {
 
-// Header of a packed bitmap on the test's device, in hexadecimal, up to the pels per metre.
-std::string Head(uint8_t width, uint8_t height, uint8_t bit_count) {
-  char text[81];
-  std::snprintf(text, sizeof text, "28000000%02x000000%02x0000000100%02x000000000000000000", width,
-                height, bit_count);
-  return text + std::string("c05d0000e02e00000000000000000000");
-}
+// The pictures are 3 x 2 pixels; these are their packed forms on the test's device.
+const std::string kHeader24 =
+    "2800000003000000020000000100180000000000"
+    "00000000c05d0000e02e00000000000000000000"
+    "00000000";
+const std::string kHeader1 =
+    "2800000003000000020000000100010000000000"
+    "00000000c05d0000e02e00000000000000000000";
+const std::string kMaskColours = "00ffff00ffffff00";
+const std::string kRow0 = "0102030405060708090a0b0c", kRow1 = "0d0e0f101112131415161718";
+const std::string kMaskBits = "a000000040000000";
+const std::string kPacked = "[" + kHeader24 + kRow0 + kRow1 + "]\n";
+const std::string kPackedBoth =
+    "[" + kHeader24 + kRow0 + kRow1 + kHeader1 + kMaskColours + kMaskBits + "]\n";
+const std::string kZeros = "[" + std::string(2 * 52, '0') + "]\n";
 
-constexpr char kMaskColours[] = "00ffff00ffffff00";
+const std::string kClip = "BEGINPATH\nRECTANGLE 1 1 5 5\nENDPATH\nSELECTCLIPPATH\n";
+const std::string kBrush = "CREATEBRUSH 0 0x332211 0 0 0 [00]\n";
 
 class BlitTest : public test::CaptureTest {
  protected:
-  // Everything that the hooks take, as a drawing of a 3 x 2 picture of 24 bits.
   RECTL target_rect_ = {1, 2, 4, 4};
   RECTL source_rect_ = {0, 0, 3, 2};
   POINTL source_origin_ = {5, 6};
@@ -35,107 +43,90 @@ class BlitTest : public test::CaptureTest {
                                    13, 14, 15, 16, 17, 18, 19, 20, 21, 22, 23, 24};
   std::array<uint8_t, 8> mask_bits_ = {0xA0, 0, 0, 0, 0x40, 0, 0, 0};
   host::Surface source_{{3, 2}, BMF_24BPP, false, bits_.data(), 24, 12};
-  host::Surface boundless_{{3, 2}, BMF_24BPP, false, nullptr, 8, 12};
-  host::Surface jpeg_{{3, 2}, BMF_JPEG, false, bits_.data(), 24, 12};
   host::Surface mask_{{3, 2}, BMF_1BPP, false, mask_bits_.data(), 8, 4};
+  host::Surface no_bits_{{3, 2}, BMF_24BPP, false, nullptr, 8, 12};
+  host::Surface no_format_{{3, 2}, BMF_JPEG, false, bits_.data(), 24, 12};
   host::BrushObject brush_{0x112233};
-  host::ClipObject cutting_{DC_RECT, {2, 2, 4, 4}};
-
-  const std::string packed_ =
-      Head(3, 2, 24) + "00000000" + "0102030405060708090a0b0c" + "0d0e0f101112131415161718";
-  const std::string packed_mask_ = Head(3, 2, 1) + kMaskColours + "a000000040000000";
-  const std::string clip_records_ =
-      "REC_BEGINPATH\nREC_RECTANGLE 1 1 5 5\nREC_ENDPATH\nREC_SELECTCLIPPATH\n";
+  host::ClipObject clip_{DC_RECT, {2, 2, 4, 4}};
 
   std::string BitBlt(SURFOBJ* source, SURFOBJ* mask, ROP4 rop4, BRUSHOBJ* brush = nullptr) {
-    EXPECT_TRUE(quillo::DrvBitBlt(&surface_, source, mask, &cutting_, nullptr, &target_rect_,
+    EXPECT_TRUE(quillo::DrvBitBlt(&surface_, source, mask, &clip_, nullptr, &target_rect_,
                                   &source_origin_, &mask_origin_, brush, &brush_origin_, rop4));
+    return TakeDrawing();
+  }
+  std::string StretchBlt(SURFOBJ* source, SURFOBJ* mask, COLORADJUSTMENT* adjustment = nullptr) {
+    EXPECT_TRUE(quillo::DrvStretchBlt(&surface_, source, mask, &clip_, nullptr, adjustment, nullptr,
+                                      &target_rect_, &source_rect_, nullptr, HALFTONE));
+    return TakeDrawing();
+  }
+  std::string CopyBits(SURFOBJ* source, CLIPOBJ* clip, XLATEOBJ* translation = nullptr) {
+    EXPECT_TRUE(
+        quillo::DrvCopyBits(&surface_, source, clip, translation, &target_rect_, &source_origin_));
+    return TakeDrawing();
+  }
+  std::string AlphaBlend(SURFOBJ* source, BLENDOBJ* blend) {
+    EXPECT_TRUE(quillo::DrvAlphaBlend(&surface_, source, &clip_, nullptr, &target_rect_,
+                                      &source_rect_, blend));
     return TakeDrawing();
   }
 };
 
 TEST_F(BlitTest, BitBlt_SourceAndMaskChooseTheRecord) {
-  const std::string brush = "REC_CREATEBRUSH 0 0x332211 0 0 0 [00]\nREC_SETBRUSHORG 9 10\n";
-  EXPECT_EQ(BitBlt(nullptr, nullptr, 0xF0F0, &brush_),
-            brush + clip_records_ + "REC_PATBLT 1 2 4 4 0xf00021\n");
-  EXPECT_EQ(BitBlt(nullptr, &mask_, 0xAACC), clip_records_ + "REC_PATBLT 1 2 4 4 0xcc0020\n");
+  const std::string brush = kBrush + "SETBRUSHORG 9 10\n";
+  EXPECT_EQ(BitBlt(nullptr, nullptr, 0xF0F0, &brush_), brush + kClip + "PATBLT 1 2 4 4 0xf00021\n");
+  EXPECT_EQ(BitBlt(nullptr, &mask_, 0xAACC), kClip + "PATBLT 1 2 4 4 0xcc0020\n");
   EXPECT_EQ(BitBlt(&source_, nullptr, 0xCCCC, &brush_),
-            brush + clip_records_ + "REC_BITBLT 1 2 4 4 5 6 0xcc0020 32 [" + packed_ + "]\n");
-  EXPECT_EQ(BitBlt(&source_, &mask_, 0xAACC), clip_records_ +
-                                                  "REC_MASKBLT 1 2 4 4 5 6 7 8 0xaacc 112 44 [" +
-                                                  packed_ + packed_mask_ + "]\n");
+            brush + kClip + "BITBLT 1 2 4 4 5 6 0xcc0020 32 " + kPacked);
+  EXPECT_EQ(BitBlt(&source_, &mask_, 0xAACC),
+            kClip + "MASKBLT 1 2 4 4 5 6 7 8 0xaacc 112 44 " + kPackedBoth);
 }
 
-TEST_F(BlitTest, BitBlt_WhatCannotBePacked) {
-  // Without bits: the plain copy carries zeros, the masked one is dropped.
-  EXPECT_EQ(
-      BitBlt(&boundless_, nullptr, 0xCCCC),
-      clip_records_ + "REC_BITBLT 1 2 4 4 5 6 0xcc0020 32 [" + std::string(2 * 52, '0') + "]\n");
-  EXPECT_EQ(BitBlt(&boundless_, &mask_, 0xAACC), clip_records_);
-  EXPECT_EQ(BitBlt(&source_, &boundless_, 0xAACC), clip_records_);
-  // Without a packed format there is no size, and no record at all.
-  EXPECT_EQ(BitBlt(&jpeg_, nullptr, 0xCCCC), clip_records_);
-  EXPECT_EQ(BitBlt(&jpeg_, &mask_, 0xAACC), clip_records_);
+// Without bits the plain copies carry zeros and the others are dropped; without a packed format
+// there is no size, and no record at all.
+TEST_F(BlitTest, WhatCannotBePacked_DiffersByRecord) {
+  BLENDOBJ blend = {{1, 2, 3, 4}};
+  EXPECT_EQ(BitBlt(&no_bits_, nullptr, 0xCCCC), kClip + "BITBLT 1 2 4 4 5 6 0xcc0020 32 " + kZeros);
+  EXPECT_EQ(CopyBits(&no_bits_, &clip_), kClip + "SETDIBITSTODEVICE 1 2 4 4 5 6 28 " + kZeros);
+  EXPECT_EQ(BitBlt(&no_bits_, &mask_, 0xAACC), kClip);
+  EXPECT_EQ(BitBlt(&source_, &no_bits_, 0xAACC), kClip);
+  EXPECT_EQ(AlphaBlend(&no_bits_, &blend), kClip);
+  EXPECT_EQ(StretchBlt(&no_bits_, nullptr), kClip);
+  EXPECT_EQ(BitBlt(&no_format_, nullptr, 0xCCCC), kClip);
+  EXPECT_EQ(BitBlt(&no_format_, &mask_, 0xAACC), kClip);
+  for (SURFOBJ* source : {static_cast<SURFOBJ*>(&no_format_), static_cast<SURFOBJ*>(nullptr)}) {
+    EXPECT_EQ(CopyBits(source, &clip_), kClip);
+    EXPECT_EQ(AlphaBlend(source, &blend), kClip);
+    EXPECT_EQ(StretchBlt(source, nullptr), kClip);
+  }
 }
 
-TEST_F(BlitTest, BitBlt_NullArguments_ReadAsNothing) {
+TEST_F(BlitTest, NullArguments_ReadAsNothing) {
   EXPECT_TRUE(quillo::DrvBitBlt(&surface_, &source_, &mask_, nullptr, nullptr, nullptr, nullptr,
                                 nullptr, &brush_, nullptr, 0xAACC));
-  EXPECT_EQ(TakeDrawing(),
-            "REC_CREATEBRUSH 0 0x332211 0 0 0 [00]\nREC_MASKBLT 0 0 0 0 0 0 0 0 0xaacc 112 44 [" +
-                packed_ + packed_mask_ + "]\n");
+  EXPECT_EQ(TakeDrawing(), kBrush + "MASKBLT 0 0 0 0 0 0 0 0 0xaacc 112 44 " + kPackedBoth);
+  EXPECT_TRUE(quillo::DrvPaint(&surface_, nullptr, nullptr, nullptr, R2_COPYPEN));
+  EXPECT_EQ(TakeDrawing(), "SETROP2 13\nFILLRECT 0 0 200 100\n");
+  EXPECT_EQ(AlphaBlend(&source_, nullptr), kClip);
 }
 
 TEST_F(BlitTest, Paint_FillsTheBoundsOfTheClip) {
-  const std::string brush = "REC_CREATEBRUSH 0 0x332211 0 0 0 [00]\n";
-  EXPECT_TRUE(quillo::DrvPaint(&surface_, &cutting_, &brush_, &brush_origin_, 0x0D10));
-  EXPECT_EQ(TakeDrawing(), brush + "REC_SETBRUSHORG 9 10\nREC_SETROP2 16\n" + clip_records_ +
-                               "REC_FILLRECT 2 2 4 4\n");
-  EXPECT_TRUE(quillo::DrvPaint(&surface_, nullptr, nullptr, nullptr, R2_COPYPEN));
-  EXPECT_EQ(TakeDrawing(), "REC_SETROP2 13\nREC_FILLRECT 0 0 200 100\n");
+  EXPECT_TRUE(quillo::DrvPaint(&surface_, &clip_, &brush_, &brush_origin_, 0x0D10));
+  EXPECT_EQ(TakeDrawing(),
+            kBrush + "SETBRUSHORG 9 10\nSETROP2 16\n" + kClip + "FILLRECT 2 2 4 4\n");
 }
 
 TEST_F(BlitTest, StretchBlt_StreamsTheSource) {
-  const auto stretch = [this](SURFOBJ* source, SURFOBJ* mask, COLORADJUSTMENT* adjustment) {
-    EXPECT_TRUE(quillo::DrvStretchBlt(&surface_, source, mask, &cutting_, nullptr, adjustment,
-                                      nullptr, &target_rect_, &source_rect_, nullptr, HALFTONE));
-    return TakeDrawing();
-  };
+  const std::string record = kClip + "STRETCHBLT 1 2 4 4 0 0 3 2 ";
   COLORADJUSTMENT adjustment = {24, 1, 2, 3, 4, 5, 6, 7, 8, 9, 10, 11};
-  EXPECT_EQ(stretch(&source_, nullptr, nullptr),
-            clip_records_ + "REC_STRETCHBLT 1 2 4 4 0 0 3 2 0 0x0 0x0 0x0 0x0 0x0 0x0 4 68 [" +
-                packed_ + "]\n");
-  EXPECT_EQ(stretch(&source_, nullptr, &adjustment),
-            clip_records_ +
-                "REC_STRETCHBLT 1 2 4 4 0 0 3 2 1 0x10018 0x30002 0x50004 0x70006 0x90008 0xb000a"
-                " 4 68 [" +
-                packed_ + "]\n");
+  EXPECT_EQ(StretchBlt(&source_, nullptr), record + "0 0x0 0x0 0x0 0x0 0x0 0x0 4 68 " + kPacked);
+  EXPECT_EQ(StretchBlt(&source_, nullptr, &adjustment),
+            record + "1 0x10018 0x30002 0x50004 0x70006 0x90008 0xb000a 4 68 " + kPacked);
+  EXPECT_EQ(StretchBlt(&source_, &mask_), kClip);
   source_.fjBitmap |= BMF_TOPDOWN;
-  EXPECT_EQ(stretch(&source_, nullptr, nullptr),
-            clip_records_ + "REC_STRETCHBLT 1 2 4 4 0 0 3 2 0 0x0 0x0 0x0 0x0 0x0 0x0 4 68 [" +
-                Head(3, 2, 24) + "00000000" + "0d0e0f101112131415161718" +
-                "0102030405060708090a0b0c" + "]\n");
-  // A record whose bitmap could not follow would swallow the records behind it.
-  source_.sizlBitmap.cy = 3;
-  for (SURFOBJ* source : {static_cast<SURFOBJ*>(nullptr), static_cast<SURFOBJ*>(&source_),
-                          static_cast<SURFOBJ*>(&boundless_), static_cast<SURFOBJ*>(&jpeg_)}) {
-    EXPECT_EQ(stretch(source, nullptr, nullptr), clip_records_);
-  }
-  EXPECT_EQ(stretch(&mask_, &mask_, nullptr), clip_records_);
-}
-
-TEST_F(BlitTest, CopyBits_SourceKinds) {
-  const auto copy = [this](SURFOBJ* source) {
-    EXPECT_TRUE(
-        quillo::DrvCopyBits(&surface_, source, &cutting_, nullptr, &target_rect_, &source_origin_));
-    return TakeDrawing();
-  };
-  EXPECT_EQ(copy(&source_),
-            clip_records_ + "REC_SETDIBITSTODEVICE 1 2 4 4 5 6 28 [" + packed_ + "]\n");
-  EXPECT_EQ(copy(&boundless_), clip_records_ + "REC_SETDIBITSTODEVICE 1 2 4 4 5 6 28 [" +
-                                   std::string(2 * 52, '0') + "]\n");
-  EXPECT_EQ(copy(&jpeg_), clip_records_);
-  EXPECT_EQ(copy(nullptr), clip_records_);
+  EXPECT_EQ(StretchBlt(&source_, nullptr),
+            record + "0 0x0 0x0 0x0 0x0 0x0 0x0 4 68 [" + kHeader24 + kRow1 + kRow0 + "]\n");
+  source_.sizlBitmap.cy = 3;  // more rows than bits
+  EXPECT_EQ(StretchBlt(&source_, nullptr), kClip);
 }
 
 TEST_F(BlitTest, CopyBits_FromTheDevice_IsWhite) {
@@ -158,22 +149,12 @@ TEST_F(BlitTest, CopyBits_NoDevice_InvalidParameter) {
   EXPECT_EQ(GetLastError(), static_cast<DWORD>(ERROR_INVALID_PARAMETER));
 }
 
-TEST_F(BlitTest, AlphaBlend_DroppedWithoutBits) {
+TEST_F(BlitTest, AlphaBlend_CarriesTheBlendFunction) {
   BLENDOBJ blend = {{1, 2, 3, 4}};
-  const auto alpha_blend = [this](SURFOBJ* source, BLENDOBJ* object) {
-    EXPECT_TRUE(quillo::DrvAlphaBlend(&surface_, source, &cutting_, nullptr, &target_rect_,
-                                      &source_rect_, object));
-    return TakeDrawing();
-  };
-  EXPECT_EQ(alpha_blend(&source_, &blend),
-            clip_records_ + "REC_ALPHABLEND 1 2 4 4 0 0 3 2 0x4030201 40 [" + packed_ + "]\n");
-  EXPECT_EQ(alpha_blend(&boundless_, &blend), clip_records_);
-  EXPECT_EQ(alpha_blend(&jpeg_, &blend), clip_records_);
-  EXPECT_EQ(alpha_blend(nullptr, &blend), clip_records_);
-  EXPECT_EQ(alpha_blend(&source_, nullptr), clip_records_);
+  EXPECT_EQ(AlphaBlend(&source_, &blend),
+            kClip + "ALPHABLEND 1 2 4 4 0 0 3 2 0x4030201 40 " + kPacked);
 }
 
-// The colour table of a 1-bit picture, as it is packed with a translation object.
 TEST_F(BlitTest, ColourTable_ComesFromTheTranslation) {
   host::XlateObject full({0x00332211, 0x00665544});
   host::XlateObject vectorless = full;
@@ -182,33 +163,28 @@ TEST_F(BlitTest, ColourTable_ComesFromTheTranslation) {
   palette.flXlate = 0;
   host::XlateObject shorter({0x00332211});
   host::XlateObject longer({0x00332211, 0x00665544, 0x00998877});
-  const struct {
-    XLATEOBJ* translation;
-    const char* table;
-  } cases[] = {{nullptr, kMaskColours},           {&full, "1122330044556600"},
-               {&vectorless, "1122330044556600"}, {&palette, "1122330044556600"},
-               {&shorter, "1122330000000000"},    {&longer, "1122330044556600"}};
-  for (const auto& c : cases) {
-    EXPECT_TRUE(quillo::DrvCopyBits(&surface_, &mask_, nullptr, c.translation, &target_rect_,
-                                    &source_origin_));
-    EXPECT_EQ(TakeDrawing(), "REC_SETDIBITSTODEVICE 1 2 4 4 5 6 28 [" + Head(3, 2, 1) + c.table +
-                                 "a000000040000000]\n");
+  const std::string both = "1122330044556600";
+  const std::pair<XLATEOBJ*, std::string> cases[] = {
+      {nullptr, kMaskColours}, {&full, both},   {&vectorless, both},
+      {&palette, both},        {&longer, both}, {&shorter, "1122330000000000"}};
+  for (const auto& [translation, table] : cases) {
+    EXPECT_EQ(CopyBits(&mask_, nullptr, translation),
+              "SETDIBITSTODEVICE 1 2 4 4 5 6 28 [" + kHeader1 + table + kMaskBits + "]\n");
   }
 }
 
 TEST_F(BlitTest, SurfaceToPackedBitmap_SizesAndRefusals) {
-  EXPECT_EQ(PackedBitmapSize(nullptr), 0u);
-  EXPECT_EQ(PackedBitmapSize(&boundless_), 52u);
+  std::array<std::byte, 68> packed = {};
   uint32_t size = 0;
   EXPECT_TRUE(SurfaceToPackedBitmap(nullptr, &source_, nullptr, nullptr, size));
-  EXPECT_EQ(size, 68u);
-  std::array<std::byte, 68> packed = {};
+  EXPECT_EQ(size, packed.size());
   EXPECT_TRUE(SurfaceToPackedBitmap(nullptr, &source_, nullptr, packed.data(), size));
   EXPECT_EQ(LoadOrZero<int32_t>(packed, 24), 6000);
   size = 67;
   EXPECT_FALSE(SurfaceToPackedBitmap(nullptr, &source_, nullptr, packed.data(), size));
-  EXPECT_FALSE(SurfaceToPackedBitmap(nullptr, &boundless_, nullptr, nullptr, size));
+  EXPECT_FALSE(SurfaceToPackedBitmap(nullptr, &no_bits_, nullptr, nullptr, size));
   EXPECT_EQ(size, 0u);
+  EXPECT_EQ(PackedBitmapSize(&no_bits_), 52u);
 }
 
 }  // namespace

@@ -1,5 +1,6 @@
 #include "base/ddi.h"
 
+#include <algorithm>
 #include <functional>
 
 #include "capture/hooks.h"
@@ -15,18 +16,14 @@
 namespace quillo {
 namespace {
 
-// Every hook that draws, on one set of arguments: a cosmetic line, a triangle, a small picture.
+// The hooks that draw, on one set of arguments: a cosmetic line, a corner, a picture of one pixel.
 class DrawingCallTest : public test::CaptureTest {
  protected:
-  struct Call {
-    const char* name;
-    std::function<BOOL(SURFOBJ*)> draw;
-  };
-
-  host::PathObject path_{{{PD_BEGINSUBPATH, {{0, 0}, {160, 0}, {160, 160}}}}};
+  host::PathObject corner_{{{PD_BEGINSUBPATH, {{0, 0}, {160, 0}, {160, 160}}}}};
+  host::PathObject nothing_{{}};
   host::PathObject malformed_{{{PD_BEGINSUBPATH | PD_BEZIERS, {{0, 0}, {16, 16}}}}};
   host::BrushObject brush_{0x112233};
-  host::BrushObject other_brush_{0x445566};
+  host::BrushObject fill_brush_{0x445566};
   LINEATTRS attributes_ = {};
   POINTL origin_ = {};
   RECTL rect_ = {0, 0, 1, 1};
@@ -34,106 +31,100 @@ class DrawingCallTest : public test::CaptureTest {
   host::Surface source_{{1, 1}, BMF_32BPP, false, &pixel_, 4, 4};
   BLENDOBJ blend_ = {};
 
-  std::vector<Call> Calls(PATHOBJ* path) {
-    return {
-        {"DrvStrokePath",
-         [=, this](SURFOBJ* s) {
-           return quillo::DrvStrokePath(s, path, nullptr, nullptr, &brush_, &origin_, &attributes_,
-                                        R2_COPYPEN);
-         }},
-        {"DrvFillPath",
-         [=, this](SURFOBJ* s) {
-           return quillo::DrvFillPath(s, path, nullptr, &brush_, &origin_, R2_COPYPEN,
-                                      FP_WINDINGMODE);
-         }},
-        {"DrvStrokeAndFillPath",
-         [=, this](SURFOBJ* s) {
-           return quillo::DrvStrokeAndFillPath(s, path, nullptr, nullptr, &brush_, &attributes_,
-                                               &other_brush_, &origin_, R2_WHITE, FP_ALTERNATEMODE);
-         }},
-        {"DrvBitBlt",
-         [=, this](SURFOBJ* s) {
-           return quillo::DrvBitBlt(s, &source_, nullptr, nullptr, nullptr, &rect_, &origin_,
-                                    nullptr, nullptr, nullptr, 0xCCCC);
-         }},
-        {"DrvPaint",
-         [=, this](SURFOBJ* s) {
-           return quillo::DrvPaint(s, nullptr, &brush_, &origin_, R2_COPYPEN);
-         }},
-        {"DrvStretchBlt",
-         [=, this](SURFOBJ* s) {
-           return quillo::DrvStretchBlt(s, &source_, nullptr, nullptr, nullptr, nullptr, nullptr,
-                                        &rect_, &rect_, nullptr, COLORONCOLOR);
-         }},
-        {"DrvCopyBits",
-         [=, this](SURFOBJ* s) {
-           return quillo::DrvCopyBits(s, &source_, nullptr, nullptr, &rect_, &origin_);
-         }},
-        {"DrvAlphaBlend",
-         [=, this](SURFOBJ* s) {
-           return quillo::DrvAlphaBlend(s, &source_, nullptr, nullptr, &rect_, &rect_, &blend_);
-         }},
-    };
+  BOOL StrokePath(SURFOBJ* surface, PATHOBJ* path, CLIPOBJ* clip = nullptr) {
+    return quillo::DrvStrokePath(surface, path, clip, nullptr, &brush_, &origin_, &attributes_,
+                                 R2_WHITE);
   }
+  BOOL FillPath(SURFOBJ* surface, PATHOBJ* path) {
+    return quillo::DrvFillPath(surface, path, nullptr, &fill_brush_, &origin_, R2_COPYPEN,
+                               FP_WINDINGMODE);
+  }
+  BOOL StrokeAndFillPath(SURFOBJ* surface, PATHOBJ* path) {
+    return quillo::DrvStrokeAndFillPath(surface, path, nullptr, nullptr, &brush_, &attributes_,
+                                        &fill_brush_, &origin_, R2_WHITE, FP_ALTERNATEMODE);
+  }
+
+  struct Call {
+    const char* name;
+    std::function<BOOL(SURFOBJ*)> draw;
+  };
+  // clang-format off
+  const Call calls_[8] = {
+      {"DrvStrokePath", [this](SURFOBJ* s) { return StrokePath(s, &corner_); }},
+      {"DrvFillPath", [this](SURFOBJ* s) { return FillPath(s, &corner_); }},
+      {"DrvStrokeAndFillPath", [this](SURFOBJ* s) { return StrokeAndFillPath(s, &corner_); }},
+      {"DrvBitBlt", [this](SURFOBJ* s) {
+         return quillo::DrvBitBlt(s, &source_, nullptr, nullptr, nullptr, &rect_, &origin_, nullptr,
+                                  nullptr, nullptr, 0xCCCC); }},
+      {"DrvPaint", [this](SURFOBJ* s) {
+         return quillo::DrvPaint(s, nullptr, &brush_, &origin_, R2_COPYPEN); }},
+      {"DrvStretchBlt", [this](SURFOBJ* s) {
+         return quillo::DrvStretchBlt(s, &source_, nullptr, nullptr, nullptr, nullptr, nullptr,
+                                      &rect_, &rect_, nullptr, COLORONCOLOR); }},
+      {"DrvCopyBits", [this](SURFOBJ* s) {
+         return quillo::DrvCopyBits(s, &source_, nullptr, nullptr, &rect_, &origin_); }},
+      {"DrvAlphaBlend", [this](SURFOBJ* s) {
+         return quillo::DrvAlphaBlend(s, &source_, nullptr, nullptr, &rect_, &rect_, &blend_); }},
+  };
+  // clang-format on
 };
 
-const std::string kTriangle =
-    "REC_BEGINPATH\nREC_SETBKCOLOR 0xffffff\nREC_MOVETO 0 0\nREC_LINETO 10 0\nREC_LINETO 10 10\n"
-    "REC_ENDPATH\n";
-const std::string kPen = "REC_CREATEBRUSH 0 0x332211 0 1 0 [00]\nREC_CREATEPEN 0 0 0 0x332211\n";
+const std::string kPen = "CREATEBRUSH 0 0x332211 0 1 0 [00]\nCREATEPEN 0 0 0 0x332211\n";
+const std::string kCorner =
+    "BEGINPATH\nSETBKCOLOR 0xffffff\nMOVETO 0 0\nLINETO 10 0\nLINETO 10 10\nENDPATH\n";
+const std::string kFillBrush = "CREATEBRUSH 0 0x665544 0 0 0 [00]\nSETBRUSHORG 0 0\n";
 
 TEST_F(DrawingCallTest, StrokePath_RecordsInOrder) {
   host::ClipObject clip(DC_RECT, {0, 0, 5, 5});
-  EXPECT_TRUE(quillo::DrvStrokePath(&surface_, &path_, &clip, nullptr, &brush_, nullptr,
-                                    &attributes_, R2_WHITE));
+  EXPECT_TRUE(StrokePath(&surface_, &corner_, &clip));
   EXPECT_EQ(TakeDrawing(), kPen +
-                               "REC_SETROP2 0\nREC_BEGINPATH\nREC_RECTANGLE -1 -1 6 6\nREC_ENDPATH"
-                               "\nREC_SELECTCLIPPATH\n" +
-                               kTriangle + "REC_STROKEPATH\n");
+                               "SETROP2 0\nBEGINPATH\nRECTANGLE -1 -1 6 6\nENDPATH\n"
+                               "SELECTCLIPPATH\n" +
+                               kCorner + "STROKEPATH\n");
   EXPECT_EQ(device_.remembered_colour, 0x112233u);
 
   host::ClipObject holding(DC_RECT, {0, 0, 10, 10});
-  host::PathObject nothing({});
   brush_.iSolidColor = 0xFFFFFFFF;
-  EXPECT_TRUE(quillo::DrvStrokePath(&surface_, &nothing, &holding, nullptr, &brush_, nullptr,
+  EXPECT_TRUE(quillo::DrvStrokePath(&surface_, &corner_, &holding, nullptr, &brush_, nullptr,
                                     nullptr, R2_COPYPEN));
-  EXPECT_EQ(TakeDrawing(), "REC_SETROP2 13\n");
-  EXPECT_EQ(device_.remembered_colour, 0x112233u);
+  EXPECT_TRUE(TakeDrawing().starts_with("SETROP2 13\nBEGINPATH\nSETBKCOLOR 0x332211\n"));
+  EXPECT_EQ(device_.remembered_colour, 0x332211u);
 }
 
 TEST_F(DrawingCallTest, FillPath_RecordsInOrder) {
-  const std::string fill =
-      "REC_SETPOLYFILLMODE 2\nREC_CREATEBRUSH 0 0x332211 0 0 0 [00]\nREC_SETBRUSHORG 0 0\n"
-      "REC_SETROP2 13\nREC_FILLPATH\n";
-  EXPECT_TRUE(Calls(&path_)[1].draw(&surface_));
-  EXPECT_EQ(TakeDrawing(), kTriangle + fill);
-  // The fill stands there even where nothing was drawn.
-  host::PathObject nothing({});
-  EXPECT_TRUE(Calls(&nothing)[1].draw(&surface_));
+  const std::string fill = "SETPOLYFILLMODE 2\n" + kFillBrush + "SETROP2 13\nFILLPATH\n";
+  EXPECT_TRUE(FillPath(&surface_, &corner_));
+  EXPECT_EQ(TakeDrawing(), kCorner + fill);
+  // Unlike a stroke, a fill of nothing is recorded.
+  EXPECT_TRUE(FillPath(&surface_, &nothing_));
   EXPECT_EQ(TakeDrawing(), fill);
+  EXPECT_TRUE(StrokePath(&surface_, &nothing_));
+  EXPECT_EQ(TakeDrawing(), kPen + "SETROP2 0\n");
 }
 
 TEST_F(DrawingCallTest, StrokeAndFillPath_RecordsInOrder) {
-  EXPECT_TRUE(Calls(&path_)[2].draw(&surface_));
-  EXPECT_EQ(TakeDrawing(), kPen + "REC_SETROP2 0\n" + kTriangle +
-                               "REC_SETPOLYFILLMODE 1\nREC_CREATEBRUSH 0 0x665544 0 0 0 [00]\n"
-                               "REC_SETBRUSHORG 0 0\nREC_SETROP2 0\nREC_STROKEANDFILLPATH\n");
+  EXPECT_TRUE(StrokeAndFillPath(&surface_, &corner_));
+  EXPECT_EQ(TakeDrawing(), kPen + "SETROP2 0\n" + kCorner + "SETPOLYFILLMODE 1\n" + kFillBrush +
+                               "SETROP2 0\nSTROKEANDFILLPATH\n");
   EXPECT_EQ(device_.remembered_colour, 0x112233u);
 }
 
-TEST_F(DrawingCallTest, PathFailures_CloseTheBracketAndChangeNoColour) {
+TEST_F(DrawingCallTest, PathFailures_CloseTheBracketAndKeepTheColour) {
   for (PATHOBJ* path : {static_cast<PATHOBJ*>(nullptr), static_cast<PATHOBJ*>(&malformed_)}) {
-    for (const size_t hook : {0u, 1u, 2u}) {
-      const Call call = Calls(path)[hook];
-      SetLastError(0);
-      device_.remembered_colour = 0;
-      EXPECT_FALSE(call.draw(&surface_)) << call.name;
-      const bool named = path != nullptr || hook != 0;
-      EXPECT_EQ(GetLastError(), static_cast<DWORD>(named ? ERROR_INVALID_PARAMETER : 0));
-      const std::string records = TakeDrawing();
-      EXPECT_EQ(records.find("REC_ENDPATH"), std::string::npos) << records;
-      EXPECT_EQ(device_.remembered_colour, 0u);
-    }
+    device_.remembered_colour = 0;
+    SetLastError(0);
+    EXPECT_FALSE(StrokePath(&surface_, path));
+    EXPECT_EQ(GetLastError(), static_cast<DWORD>(path != nullptr ? ERROR_INVALID_PARAMETER : 0));
+    EXPECT_EQ(TakeDrawing().find("ENDPATH"), std::string::npos);
+    SetLastError(0);
+    EXPECT_FALSE(FillPath(&surface_, path));
+    EXPECT_EQ(GetLastError(), static_cast<DWORD>(ERROR_INVALID_PARAMETER));
+    EXPECT_EQ(TakeDrawing().find("FILLPATH"), std::string::npos);
+    SetLastError(0);
+    EXPECT_FALSE(StrokeAndFillPath(&surface_, path));
+    EXPECT_EQ(GetLastError(), static_cast<DWORD>(ERROR_INVALID_PARAMETER));
+    EXPECT_EQ(TakeDrawing().find("FILLPATH"), std::string::npos);
+    EXPECT_EQ(device_.remembered_colour, 0u);
   }
 }
 
@@ -142,53 +133,47 @@ TEST_F(DrawingCallTest, DeviceState_DecidesWhetherACallIsRecorded) {
   foreign.closing_signature = 0;
   SURFOBJ foreign_surface = surface_;
   foreign_surface.dhpdev = reinterpret_cast<DHPDEV>(&foreign);
-  for (const Call& call : Calls(&path_)) {
-    EXPECT_FALSE(call.draw(nullptr)) << call.name;
-    EXPECT_FALSE(call.draw(&foreign_surface)) << call.name;
-    device_.flags = kDrawingRefused;
-    EXPECT_FALSE(call.draw(&surface_)) << call.name;
-    device_.flags = kDrawingRefused | kDrawingDiscarded;
-    EXPECT_FALSE(call.draw(&surface_)) << call.name;
+  for (const Call& call : calls_) {
+    SCOPED_TRACE(call.name);
+    EXPECT_FALSE(call.draw(nullptr));
+    EXPECT_FALSE(call.draw(&foreign_surface));
+    for (const uint32_t flags : {kDrawingRefused | 0u, kDrawingRefused | kDrawingDiscarded}) {
+      device_.flags = flags;
+      EXPECT_FALSE(call.draw(&surface_));
+    }
     device_.flags = kDrawingDiscarded;
-    EXPECT_TRUE(call.draw(&surface_)) << call.name;
-    EXPECT_EQ(TakeRecords(), "") << call.name;
+    EXPECT_TRUE(call.draw(&surface_));
+    EXPECT_EQ(TakeRecords(), "");
     device_.flags = kDocumentOpen;
-    EXPECT_TRUE(call.draw(&surface_)) << call.name;
+    EXPECT_TRUE(call.draw(&surface_));
     TakeDrawing();
   }
-}
-
-TEST_F(DrawingCallTest, NoJob_NothingHappens) {
   device_.job = nullptr;
-  for (const Call& call : Calls(&path_)) EXPECT_TRUE(call.draw(&surface_)) << call.name;
-  EXPECT_EQ(TakeRecords(), "");
-}
-
-TEST_F(DrawingCallTest, LineTo_NeverRecords) {
+  for (const Call& call : calls_) EXPECT_TRUE(call.draw(&surface_)) << call.name;
   EXPECT_FALSE(quillo::DrvLineTo(&surface_, nullptr, &brush_, 0, 0, 1, 1, &rect_, R2_COPYPEN));
-  EXPECT_EQ(TakeRecords(), "");
 }
 
-// Without memory single records are missing; the calls succeed and the stream stays well formed.
-TEST_F(DrawingCallTest, ScarceMemory_DropsRecordsAndNothingElse) {
-  for (const Call& call : Calls(&path_)) {
+// Without memory single records are missing; the call succeeds and the stream stays well formed.
+TEST_F(DrawingCallTest, EveryFailingAllocation_DropsOneRecord) {
+  const auto record_count = [](const std::string& text) { return std::ranges::count(text, '\n'); };
+  for (const Call& call : calls_) {
+    SCOPED_TRACE(call.name);
+    device_.remembered_colour = 0xFFFFFF;
     EXPECT_TRUE(call.draw(&surface_));
     const std::string whole = TakeDrawing();
     for (int granted = 0;; ++granted) {
+      ASSERT_LT(granted, 20);
       device_.remembered_colour = 0xFFFFFF;
-      {
-        const test::ScarceProcessHeap scarce(granted);
-        EXPECT_TRUE(call.draw(&surface_)) << call.name;
-      }
+      const test::FailingAllocation failure(granted);
+      EXPECT_TRUE(call.draw(&surface_));
       const std::string records = TakeDrawing();
-      EXPECT_EQ(records.find("incomplete"), std::string::npos) << call.name;
-      if (granted == 0 && std::string_view(call.name) != "DrvStretchBlt") {
-        EXPECT_EQ(records.find(' '), std::string::npos) << records;  // no record with a payload
-      }
+      EXPECT_EQ(records.find("incomplete"), std::string::npos);
       if (records == whole) break;
-      ASSERT_LT(granted, 20) << call.name;
+      EXPECT_EQ(record_count(records) + 1, record_count(whole));
     }
-    device_.remembered_colour = 0xFFFFFF;
+    const test::FailingAllocation none(0, /*rest=*/true);
+    EXPECT_TRUE(call.draw(&surface_));
+    TakeDrawing();
   }
 }
 
@@ -207,13 +192,10 @@ TEST_F(DrawingCallTest, EveryRecordType_FramedAndParsedBack) {
     EXPECT_EQ(TakeRecords(), expected);
     EXPECT_EQ(EmitRecordWhole(device_, type, payload, size), 1);
     EXPECT_EQ(TakeRecords(), expected);
-    const test::ScarceProcessHeap scarce(0);
+    const test::FailingAllocation failure(0);
     EXPECT_EQ(EmitRecordWhole(device_, type, payload, size), 0);
-    for (size_t cut = 0; cut < stream.size(); ++cut) {
-      EXPECT_FALSE(records::NextFrame(MutableBytes(stream).first(cut)));
-    }
+    EXPECT_EQ(TakeRecords(), "");
   }
-  EXPECT_EQ(TakeRecords(), "");
 }
 
 }  // namespace

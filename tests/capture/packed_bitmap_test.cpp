@@ -31,28 +31,6 @@ TEST(PackedSize, NoBitCountOrTooLarge_Nothing) {
   EXPECT_FALSE(PackedSize(5, UINT32_MAX - 43));
 }
 
-TEST(PackedHead, Fields_StandInTheirPlaces) {
-  const DibInfo head = MakePackedHead({24, kDibRgb}, 7, 5, {600, 300});
-  const uint32_t expected[] = {40, 7, 5, 1 | 24 << 16, 0, 0, 24000, 12000, 0, 0, 0};
-  ASSERT_EQ(PackedHeadBytes(head).size(), sizeof expected);
-  EXPECT_EQ(std::memcmp(PackedHeadBytes(head).data(), expected, sizeof expected), 0);
-}
-
-TEST(PackedHead, NoDevice_6000PelsPerMetre) {
-  const DibInfo head = MakePackedHead({24, kDibRgb}, 1, 1, {0, 0});
-  EXPECT_EQ(head.header.x_pels_per_metre, 6000);
-  EXPECT_EQ(head.header.y_pels_per_metre, 6000);
-}
-
-TEST(PackedHead, Mask_CarriesItsEightBytes) {
-  DibInfo head = MakePackedHead({1, kDibRgb}, 1, 1, {});
-  SetMaskColours(head);
-  const uint8_t expected[] = {0x00, 0xFF, 0xFF, 0x00, 0xFF, 0xFF, 0xFF, 0x00};
-  ASSERT_EQ(PackedHeadBytes(head).size(), sizeof head.header + sizeof expected);
-  EXPECT_EQ(
-      std::memcmp(PackedHeadBytes(head).data() + sizeof head.header, expected, sizeof expected), 0);
-}
-
 // The pieces of a surface that holds `text`, in square brackets.
 std::string Pieces(const std::string& text, uint32_t row_size, uint32_t rows, bool top_down) {
   const SurfaceBits surface = {std::as_bytes(std::span(text)), row_size, rows, top_down};

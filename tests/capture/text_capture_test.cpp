@@ -19,7 +19,7 @@ namespace {
 constexpr XFORML kIdentity = {1, 0, 0, 1, 0, 0};
 constexpr XFORML kHalf = {0.5f, 0, 0, 0.5f, 100, 50};  // font space is twice as fine as the page
 constexpr XFORML kFlat = {1, 0, 2, 0, 0, 0};           // has no inverse
-const char* const kHalfRecord = "REC_SETWORLDTRANSFORM 0.5 0 0 0.5 100 50\n";
+const char* const kHalfRecord = "SETWORLDTRANSFORM 0.5 0 0 0.5 100 50\n";
 
 /// Glyphs one behind the other, 10 pixels apart and slowly sinking.
 std::vector<GLYPHPOS> Glyphs(size_t count) {
@@ -55,11 +55,11 @@ class TextCaptureTest : public test::CaptureTest {
 
 /// The font, its colours and the opaque rectangle's mode as DrvTextOut records them for `font_`.
 const std::string kState =
-    "REC_CREATEFONT 0 0 0 0 0 0 0 0 0 0 0 0 0 \"Family\"+26\nREC_SETTEXTCOLOR 0x332211\n"
-    "REC_SETBKMODE 1\n";
+    "CREATEFONT 0 0 0 0 0 0 0 0 0 0 0 0 0 \"Family\"+26\nSETTEXTCOLOR 0x332211\n"
+    "SETBKMODE 1\n";
 
 std::string RunAt(const std::string& place, size_t count) {
-  return "REC_SETTEXTALIGN 24\nREC_TEXTRUN " + place + " 0 0 0 0 0 " + std::to_string(count) +
+  return "SETTEXTALIGN 24\nTEXTRUN " + place + " 0 0 0 0 0 " + std::to_string(count) +
          " [000000000000]\n";
 }
 
@@ -108,22 +108,22 @@ TEST_F(TextCaptureTest, WriteFont_DescribesTheFontInItsUnits) {
   for (const Case& c : cases) {
     host::FontObject font(c.metrics, {c.family, L"Style", L"Full"}, kIdentity, c.font_type);
     EXPECT_TRUE(WriteFont(device_, &font)) << c.what;
-    EXPECT_EQ(TakeRecords(), "REC_CREATEFONT " + c.record + "\n") << c.what;
+    EXPECT_EQ(TakeRecords(), "CREATEFONT " + c.record + "\n") << c.what;
   }
 }
 
 TEST_F(TextCaptureTest, TextRun_GoesWholeOrGlyphByGlyph) {
-  const std::string one = "REC_EXTTEXTOUT 120 70 0x0 0 0 200 100 1 0 \"a\"+1\n";
-  const std::string all = "REC_EXTTEXTOUT 120 70 0x0 0 0 200 100 3 0 \"abc\"+1\n";
+  const std::string one = "EXTTEXTOUT 120 70 0x0 0 0 200 100 1 0 \"a\"+1\n";
+  const std::string all = "EXTTEXTOUT 120 70 0x0 0 0 200 100 3 0 \"abc\"+1\n";
   const auto glyphs = [](const std::string& second, const std::string& third) {
-    return "REC_BEGINGLYPHRUNS\nREC_EXTTEXTOUT 120 70 0x0 0 0 200 100 1 0 \"a\"+1\n"
-           "REC_EXTTEXTOUT " +
+    return "BEGINGLYPHRUNS\nEXTTEXTOUT 120 70 0x0 0 0 200 100 1 0 \"a\"+1\n"
+           "EXTTEXTOUT " +
            second +
            " 0x0 0 0 200 100 1 0 \"b\"+1\n"
-           "REC_EXTTEXTOUT " +
-           third + " 0x0 0 0 200 100 1 0 \"c\"+1\nREC_ENDGLYPHRUNS\n";
+           "EXTTEXTOUT " +
+           third + " 0x0 0 0 200 100 1 0 \"c\"+1\nENDGLYPHRUNS\n";
   };
-  const std::string single = "REC_BEGINGLYPHRUNS\n" + one + "REC_ENDGLYPHRUNS\n";
+  const std::string single = "BEGINGLYPHRUNS\n" + one + "ENDGLYPHRUNS\n";
   const struct {
     const char* what;
     std::wstring text;
@@ -169,13 +169,13 @@ TEST_F(TextCaptureTest, TextRun_IsRecordedInFontSpace) {
   const auto text = String(L"ab", SO_GLYPHINDEX_TEXTOUT | SO_HORIZONTAL);
   EXPECT_TRUE(WriteTextRun(device_, {text.pgp, 2}, text, &font.Transform(), &opaque, text.pwszOrg));
   EXPECT_EQ(TakeRecords(), RunAt("40 40", 2) +
-                               "REC_BEGINGLYPHRUNS\n"
-                               "REC_EXTTEXTOUT 40 40 0x12 -20 -20 20 20 1 0 \"a\"+1\n"
-                               "REC_EXTTEXTOUT 60 40 0x12 -20 -20 20 20 1 0 \"b\"+1\n"
-                               "REC_ENDGLYPHRUNS\n");
+                               "BEGINGLYPHRUNS\n"
+                               "EXTTEXTOUT 40 40 0x12 -20 -20 20 20 1 0 \"a\"+1\n"
+                               "EXTTEXTOUT 60 40 0x12 -20 -20 20 20 1 0 \"b\"+1\n"
+                               "ENDGLYPHRUNS\n");
   EXPECT_TRUE(WriteTextRun(device_, {text.pgp, 1}, text, &font.Transform(), nullptr, text.pwszOrg));
   EXPECT_EQ(TakeRecords(),
-            RunAt("40 40", 1) + "REC_EXTTEXTOUT 40 40 0x10 -200 -100 200 100 1 0 \"a\"+1\n");
+            RunAt("40 40", 1) + "EXTTEXTOUT 40 40 0x10 -200 -100 200 100 1 0 \"a\"+1\n");
 }
 
 TEST_F(TextCaptureTest, TextRun_WithoutCharacters_RecordsNone) {
@@ -184,8 +184,7 @@ TEST_F(TextCaptureTest, TextRun_WithoutCharacters_RecordsNone) {
     text.pwszOrg = nullptr;
     EXPECT_TRUE(Draw(&text, &font_));
     const std::string records = TakeDrawing();
-    EXPECT_NE(records.find("REC_EXTTEXTOUT 120 70 0x0 0 0 200 100 0 0 \"\"+1\n"),
-              std::string::npos);
+    EXPECT_NE(records.find("EXTTEXTOUT 120 70 0x0 0 0 200 100 0 0 \"\"+1\n"), std::string::npos);
   }
 }
 
@@ -196,10 +195,10 @@ TEST_F(TextCaptureTest, TextOut_RecordsStateThenRuns) {
   auto text = String(L"ab", SO_FLAG_DEFAULT_PLACEMENT);
   EXPECT_TRUE(Draw(&text, &font_, &opaque, &opaque_brush, &clip));
   EXPECT_EQ(TakeDrawing(),
-            "REC_BEGINPATH\nREC_RECTANGLE -1 -1 6 6\nREC_ENDPATH\nREC_SELECTCLIPPATH\n"
-            "REC_CREATEFONT 0 0 0 0 0 0 0 0 0 0 0 0 0 \"Family\"+26\nREC_SETTEXTCOLOR 0x332211\n"
-            "REC_SETBKCOLOR 0x665544\nREC_SETBKMODE 2\n" +
-                RunAt("120 70", 2) + "REC_EXTTEXTOUT 120 70 0x2 0 0 10 10 2 0 \"ab\"+1\n");
+            "BEGINPATH\nRECTANGLE -1 -1 6 6\nENDPATH\nSELECTCLIPPATH\n"
+            "CREATEFONT 0 0 0 0 0 0 0 0 0 0 0 0 0 \"Family\"+26\nSETTEXTCOLOR 0x332211\n"
+            "SETBKCOLOR 0x665544\nSETBKMODE 2\n" +
+                RunAt("120 70", 2) + "EXTTEXTOUT 120 70 0x2 0 0 10 10 2 0 \"ab\"+1\n");
   EXPECT_EQ(device_.remembered_colour, 0x665544u);
 }
 
@@ -209,27 +208,26 @@ TEST_F(TextCaptureTest, BrushesThatAreNotSolid_GiveBlackOnWhite) {
   auto text = String(L"", 0);
   EXPECT_TRUE(Draw(&text, &font_, nullptr, &opaque_brush));
   EXPECT_EQ(TakeDrawing(),
-            "REC_CREATEFONT 0 0 0 0 0 0 0 0 0 0 0 0 0 \"Family\"+26\nREC_SETTEXTCOLOR 0x0\n"
-            "REC_SETBKCOLOR 0xffffff\nREC_SETBKMODE 1\n");
+            "CREATEFONT 0 0 0 0 0 0 0 0 0 0 0 0 0 \"Family\"+26\nSETTEXTCOLOR 0x0\n"
+            "SETBKCOLOR 0xffffff\nSETBKMODE 1\n");
 }
 
 TEST_F(TextCaptureTest, VerticalString_SetsItsAlignmentInVain) {
   auto text = String(L"a", SO_VERTICAL);
   EXPECT_TRUE(Draw(&text, &font_));
   EXPECT_EQ(TakeDrawing(),
-            "REC_CREATEFONT 0 0 0 0 0 0 0 0 0 0 0 0 0 \"Family\"+26\nREC_SETTEXTALIGN 30\n"
-            "REC_SETTEXTCOLOR 0x332211\nREC_SETBKMODE 1\n" +
+            "CREATEFONT 0 0 0 0 0 0 0 0 0 0 0 0 0 \"Family\"+26\nSETTEXTALIGN 30\n"
+            "SETTEXTCOLOR 0x332211\nSETBKMODE 1\n" +
                 RunAt("120 70", 1) +
-                "REC_BEGINGLYPHRUNS\nREC_EXTTEXTOUT 120 70 0x0 0 0 200 100 1 0 \"a\"+1\n"
-                "REC_ENDGLYPHRUNS\n");
+                "BEGINGLYPHRUNS\nEXTTEXTOUT 120 70 0x0 0 0 200 100 1 0 \"a\"+1\n"
+                "ENDGLYPHRUNS\n");
 }
 
 TEST_F(TextCaptureTest, PositionsInBatches_GiveARunEach) {
   auto text = String(L"abcde", SO_FLAG_DEFAULT_PLACEMENT, /*batch=*/2);
-  const std::string runs =
-      RunAt("120 70", 2) + "REC_EXTTEXTOUT 120 70 0x0 0 0 200 100 2 0 \"ab\"+1\n" +
-      RunAt("140 72", 2) + "REC_EXTTEXTOUT 140 72 0x0 0 0 200 100 2 0 \"cd\"+1\n" +
-      RunAt("160 74", 1) + "REC_EXTTEXTOUT 160 74 0x0 0 0 200 100 1 0 \"e\"+1\n";
+  const std::string runs = RunAt("120 70", 2) + "EXTTEXTOUT 120 70 0x0 0 0 200 100 2 0 \"ab\"+1\n" +
+                           RunAt("140 72", 2) + "EXTTEXTOUT 140 72 0x0 0 0 200 100 2 0 \"cd\"+1\n" +
+                           RunAt("160 74", 1) + "EXTTEXTOUT 160 74 0x0 0 0 200 100 1 0 \"e\"+1\n";
   EXPECT_TRUE(Draw(&text, &font_));
   EXPECT_EQ(TakeDrawing(), kState + runs);
   EXPECT_TRUE(Draw(&text, &font_));  // the enumeration starts anew
@@ -239,19 +237,19 @@ TEST_F(TextCaptureTest, PositionsInBatches_GiveARunEach) {
 TEST_F(TextCaptureTest, Transform_IsResetBehindTheBracketOnSuccessAndInsideOnFailure) {
   auto text = String(L"a", 0);
   host::FontObject scaled({}, {L"Family", L"", L""}, kHalf);
-  const std::string open = "REC_RESETWORLDTRANSFORM\nREC_SAVEDC\n";
+  const std::string open = "RESETWORLDTRANSFORM\nSAVEDC\n";
   EXPECT_TRUE(Draw(&text, &scaled));
   EXPECT_EQ(TakeRecords(), open + kHalfRecord + kState + RunAt("40 40", 1) +
-                               "REC_EXTTEXTOUT 40 40 0x0 -200 -100 200 100 1 0 \"a\"+1\n"
-                               "REC_RESTOREDC\nREC_RESETWORLDTRANSFORM\n");
+                               "EXTTEXTOUT 40 40 0x0 -200 -100 200 100 1 0 \"a\"+1\n"
+                               "RESTOREDC\nRESETWORLDTRANSFORM\n");
 
   host::FailNextCall("FONTOBJ_pifi");
   EXPECT_FALSE(Draw(&text, &scaled));
-  EXPECT_EQ(TakeRecords(), open + kHalfRecord + "REC_RESETWORLDTRANSFORM\nREC_RESTOREDC\n");
+  EXPECT_EQ(TakeRecords(), open + kHalfRecord + "RESETWORLDTRANSFORM\nRESTOREDC\n");
 
   host::FailNextCall("FONTOBJ_pifi");
   EXPECT_FALSE(Draw(&text, &font_));
-  EXPECT_EQ(TakeRecords(), open + "REC_RESTOREDC\n");
+  EXPECT_EQ(TakeRecords(), open + "RESTOREDC\n");
 }
 
 TEST_F(TextCaptureTest, RunThatCannotBeHad_EndsTheCallAsFailed) {
@@ -259,9 +257,9 @@ TEST_F(TextCaptureTest, RunThatCannotBeHad_EndsTheCallAsFailed) {
   auto text = String(L"a", 0);
   EXPECT_FALSE(Draw(&text, &flat));
   EXPECT_EQ(TakeRecords(),
-            "REC_RESETWORLDTRANSFORM\nREC_SAVEDC\n"
-            "REC_SETWORLDTRANSFORM 1 0 2 0 0 0\n" +
-                kState + "REC_RESETWORLDTRANSFORM\nREC_RESTOREDC\n");
+            "RESETWORLDTRANSFORM\nSAVEDC\n"
+            "SETWORLDTRANSFORM 1 0 2 0 0 0\n" +
+                kState + "RESETWORLDTRANSFORM\nRESTOREDC\n");
 
   auto batches = String(L"abcd", SO_FLAG_DEFAULT_PLACEMENT, /*batch=*/2);
   host::FailNextCall("STROBJ_bEnum");
@@ -309,11 +307,11 @@ TEST_F(TextCaptureTest, PayloadsThatFindNoMemory_AreDroppedSilently) {
   auto text = String(L"abc", SO_HORIZONTAL);
   BOOL drawn = FALSE;
   {
-    const test::ScarceProcessHeap heap(0);
+    const test::FailingAllocation no_memory(0, /*rest=*/true);
     drawn = Draw(&text, &font_);
   }
   EXPECT_TRUE(drawn);
-  EXPECT_EQ(TakeDrawing(), "REC_BEGINGLYPHRUNS\nREC_ENDGLYPHRUNS\n");
+  EXPECT_EQ(TakeDrawing(), "BEGINGLYPHRUNS\nENDGLYPHRUNS\n");
 }
 
 TEST(GetGlyphMode, AnyFont_IsBits) {

@@ -34,16 +34,19 @@ std::string CaptureTest::TakeRecords() {
 }
 
 std::string CaptureTest::TakeDrawing() {
-  static constexpr std::string_view kOpening = "REC_RESETWORLDTRANSFORM\nREC_SAVEDC\n";
-  static constexpr std::string_view kClosing = "REC_RESTOREDC\n";
+  static constexpr std::string_view kOpening = "RESETWORLDTRANSFORM\nSAVEDC\n";
+  static constexpr std::string_view kClosing = "RESTOREDC\n";
   std::string text = TakeRecords();
   EXPECT_TRUE(text.starts_with(kOpening) && text.ends_with(kClosing)) << text;
   if (text.size() < kOpening.size() + kClosing.size()) return text;
   return text.substr(kOpening.size(), text.size() - kOpening.size() - kClosing.size());
 }
 
-void* WINAPI ScarceProcessHeap::Allocate(HANDLE heap, DWORD flags, SIZE_T bytes) {
-  if (heap == GetProcessHeap() && granted_-- <= 0) return nullptr;
+void* WINAPI FailingAllocation::Allocate(HANDLE heap, DWORD flags, SIZE_T bytes) {
+  if (heap == GetProcessHeap()) {
+    const int left = granted_--;
+    if (left == 0 || (left < 0 && rest_)) return nullptr;
+  }
   static const auto system_allocate = reinterpret_cast<decltype(&HeapAlloc)>(
       reinterpret_cast<void*>(GetProcAddress(GetModuleHandleW(L"kernel32"), "HeapAlloc")));
   return system_allocate(heap, flags, bytes);

@@ -38,15 +38,20 @@ class CaptureTest : public testing::Test {
   CQloPrinter job_;
 };
 
-/// For as long as it lives, the process heap grants so many allocations and no more. One at a time.
-class ScarceProcessHeap {
+/// For as long as it lives, some allocations from the process heap fail. One at a time.
+class FailingAllocation {
  public:
-  explicit ScarceProcessHeap(int granted) { granted_ = granted; }
+  /// The one after `granted` successful ones fails; with `rest`, all that follow it too.
+  explicit FailingAllocation(int granted, bool rest = false) {
+    granted_ = granted;
+    rest_ = rest;
+  }
 
  private:
   static void* WINAPI Allocate(HANDLE heap, DWORD flags, SIZE_T bytes);
 
   static inline int granted_ = 0;
+  static inline bool rest_ = false;
   ImportPatch patch_{"HeapAlloc", &Allocate};
 };
 

@@ -6,10 +6,10 @@
 
 namespace quillo::test {
 
-/// A record stream as text, one line a record: its name, its fields (colours, operation codes and
-/// flags in hexadecimal), and what stands behind them: counted numbers one by one, text in
-/// quotes with the number of zero units behind it, bytes of bitmaps in brackets. A record that is
-/// cut off ends the text with "incomplete".
+/// A record stream as text, one line a record: its name without REC_, its fields (colours,
+/// operation codes and flags in hexadecimal), and what stands behind them: counted numbers one by
+/// one, text in quotes with the number of zero units behind it, bytes of bitmaps in brackets. A
+/// record that is cut off ends the text with "incomplete".
 std::string DumpRecords(Bytes stream);
 
 }  // namespace quillo::test
