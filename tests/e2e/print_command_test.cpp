@@ -1,0 +1,173 @@
+#include "base/windows.h"
+
+#include <filesystem>
+#include <fstream>
+#include <gtest/gtest.h>
+
+#include "base/gdi_owners.h"
+#include "e2e/command.h"
+
+// The print command as its users meet it: the shipped driver, the client in its own process.
+namespace quillo::test {
+namespace {
+
+namespace fs = std::filesystem;
+using Json = nlohmann::ordered_json;
+
+class PrintCommand : public testing::Test {
+ protected:
+  PrintCommand() {
+    fs::remove_all(folder_);
+    fs::create_directories(folder_);
+    for (const wchar_t* name : {L"a.emf", L"b.emf", L"ü c.emf"}) DrawInput(folder_ / name);
+  }
+  ~PrintCommand() override { fs::remove_all(folder_); }
+
+  /// A red square in the middle of a square picture.
+  static void DrawInput(const fs::path& path) {
+    const RECT frame{0, 0, 10'000, 10'000};
+    MetafileDc dc(CreateEnhMetaFileW(nullptr, path.c_str(), &frame, nullptr));
+    const int side =
+        MulDiv(100, GetDeviceCaps(dc.Get(), HORZRES), GetDeviceCaps(dc.Get(), HORZSIZE));
+    const Brush red(CreateSolidBrush(RGB(255, 0, 0)));
+    const SelectScope filled_with(dc.Get(), red.Get());
+    Rectangle(dc.Get(), side / 4, side / 4, side * 3 / 4, side * 3 / 4);
+    const EnhMetafile closed = dc.Close();
+  }
+
+  std::wstring Quoted(const wchar_t* name) const {
+    return L" \"" + (folder_ / name).wstring() + L"\"";
+  }
+  CommandResult Print(const std::wstring& arguments) {
+    return RunPrint(arguments + L" -o" + Quoted(L"out"));
+  }
+
+  const fs::path folder_ = fs::temp_directory_path() / L"quillo print";
+  const fs::path out_ = folder_ / L"out";
+};
+
+ENHMETAHEADER HeaderOf(const fs::path& page) {
+  ENHMETAHEADER header{};
+  const EnhMetafile metafile(GetEnhMetaFileW(page.c_str()));
+  EXPECT_NE(GetEnhMetaFileHeader(metafile.Get(), sizeof header, &header), 0u) << page;
+  return header;
+}
+
+TEST_F(PrintCommand, ThreeSheets_AreThreePagesOfOneJob) {
+  const CommandResult result =
+      Print(L"--paper A4" + Quoted(L"a.emf") + L" --paper A3 --landscape" + Quoted(L"b.emf") +
+            L" --paper Letter --portrait" + Quoted(L"ü c.emf") + L" --document \"Drei Blätter\"");
+  EXPECT_EQ(result.exit_code, 0) << result.errors;
+  EXPECT_EQ(result.errors, "");
+  const Json report = ReadJobReport(out_);
+  EXPECT_EQ(report["printer"], "VORNIX Quillo 6");
+  EXPECT_EQ(report["document"], "Drei Blätter");
+  EXPECT_EQ(report["job_end_event"], true);
+
+  const struct {
+    LONG width, height;  // 0.1 mm
+  } sheets[] = {{2100, 2970}, {4200, 2970}, {2159, 2794}};
+  ASSERT_EQ(report["pages"].size(), std::size(sheets));
+  for (size_t i = 0; i < std::size(sheets); ++i) {
+    const Json& page = report["pages"][i];
+    SCOPED_TRACE(page.dump(1));
+    EXPECT_EQ(page["sheet"]["width"], sheets[i].width);
+    EXPECT_EQ(page["sheet"]["height"], sheets[i].height);
+    EXPECT_EQ(page["dpi"], 600);
+    EXPECT_GE(page["ddi_calls"]["DrvStrokeAndFillPath"], 1);
+    EXPECT_EQ(page["records"]["EMR_HEADER"], 1);
+    const ENHMETAHEADER header = HeaderOf(out_ / page["file"].get<std::string>());
+    EXPECT_EQ(header.rclFrame.right, sheets[i].width * 10);
+    EXPECT_EQ(header.rclFrame.bottom, sheets[i].height * 10);
+    EXPECT_TRUE(fs::exists(out_ / page["preview"].get<std::string>()));
+    // The square fills the middle half of what fits into the sheet, but for a pixel of the input.
+    const double side = 5.0 * std::min(sheets[i].width, sheets[i].height);
+    EXPECT_NEAR(static_cast<double>(header.rclBounds.right - header.rclBounds.left),
+                side * 600 / 2540, 20);
+  }
+  int starts = 0, deliveries = 0;
+  for (const Json& call : report["notifications"]) {
+    starts += call["method"] == "NotifyJobStart" ? 1 : 0;
+    deliveries += call["method"] == "NotifyPage" ? 1 : 0;
+  }
+  EXPECT_EQ(starts, 1);
+  EXPECT_EQ(deliveries, 3);
+}
+
+TEST_F(PrintCommand, SheetAndResolution_GiveThePagesScale) {
+  const CommandResult result = Print(Quoted(L"a.emf") +
+                                     L" --paper 123.4x98.7 --dpi 96 --quiet "
+                                     L"--preview 0 --actual-size");
+  EXPECT_EQ(result.exit_code, 0) << result.errors;
+  EXPECT_EQ(result.output, "");
+  EXPECT_FALSE(fs::exists(out_ / L"page-0001.png"));
+  const ENHMETAHEADER header = HeaderOf(out_ / L"page-0001.emf");
+  EXPECT_EQ(header.rclFrame.right, 12'340);
+  EXPECT_EQ(header.rclFrame.bottom, 9'870);
+  // 50 mm of the picture are 50 mm of the page.
+  EXPECT_NEAR(static_cast<double>(header.rclBounds.right - header.rclBounds.left), 50 * 96 / 25.4,
+              2);
+}
+
+TEST_F(PrintCommand, InputsThatAreNone_AreNamedAndNothingIsWritten) {
+  std::ofstream(folder_ / L"empty.emf");
+  std::ofstream(folder_ / L"noise") << std::string("\1\2\3\0\xFF", 5);
+  std::ofstream(folder_ / L"short.emf", std::ios::binary) << std::string("\1\0\0\0\x6C\0\0\0", 8);
+  const struct {
+    const wchar_t* name;
+    const char* said;
+  } cases[] = {
+      {L"missing.emf", "missing.emf does not exist"},
+      {L".", "is a folder"},
+      {L"empty.emf", "empty.emf is empty"},
+      {L"noise", "noise is of no kind that is printed"},
+      {L"short.emf", "short.emf is"},
+  };
+  for (const auto& test : cases) {
+    const CommandResult result = Print(Quoted(test.name));
+    EXPECT_EQ(result.exit_code, 3) << test.said;
+    EXPECT_NE(result.errors.find(test.said), std::string::npos) << result.errors;
+    EXPECT_FALSE(fs::exists(out_)) << test.said;
+  }
+}
+
+TEST_F(PrintCommand, OneBadInput_DoesNotKeepTheOthers) {
+  const CommandResult result = Print(Quoted(L"a.emf") + Quoted(L"missing") + Quoted(L"b.emf"));
+  EXPECT_EQ(result.exit_code, 3);
+  EXPECT_EQ(ReadJobReport(out_)["pages"].size(), 2u);
+}
+
+TEST_F(PrintCommand, OutputThatCannotBe_IsToldBeforePrinting) {
+  const CommandResult result = RunPrint(Quoted(L"a.emf") + L" -o" + Quoted(L"b.emf"));
+  EXPECT_EQ(result.exit_code, 5);
+  EXPECT_NE(result.errors.find("b.emf"), std::string::npos) << result.errors;
+}
+
+TEST_F(PrintCommand, FaultyClients_GiveTheirExitCode) {
+  const struct {
+    const wchar_t* client;
+    int exit_code;
+    bool second_page;
+    const char* said;
+  } cases[] = {
+      {L"absent", 4, false, "DrvStartPage"},
+      {L"late", 0, true, ""},
+      {L"hanging", 0, true, ""},
+      {L"failing", 5, false, "page 1 did not arrive"},
+      {L"dying", 5, false, "page 1 did not arrive"},
+      {L"without-text-runs", 0, true, ""},
+  };
+  for (const auto& test : cases) {
+    SCOPED_TRACE(testing::Message() << test.client);
+    const CommandResult result =
+        Print(Quoted(L"a.emf") + Quoted(L"b.emf") + L" --client " + test.client);
+    EXPECT_EQ(result.exit_code, test.exit_code);
+    EXPECT_NE(result.errors.find(test.said), std::string::npos) << result.errors;
+    // Each run also takes the pages of the one before away.
+    EXPECT_EQ(fs::exists(out_ / L"page-0002.emf"), test.second_page);
+    EXPECT_TRUE(fs::exists(out_ / L"job.json"));
+  }
+}
+
+}  // namespace
+}  // namespace quillo::test
