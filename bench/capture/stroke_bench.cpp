@@ -1,10 +1,8 @@
 #include "base/ddi.h"
 
-#include <algorithm>
-#include <cstdio>
 #include <vector>
 
-#include "base/gdi_owners.h"
+#include "bench/capture/compare_sides.h"
 #include "capture/hooks.h"
 #include "driver/device.h"
 #include "host/engine/services/brushes.h"
@@ -12,13 +10,10 @@
 #include "job/job.h"
 
 // What a stroke costs on its way through capture, sink and playback, as a multiple of the same GDI
-// calls made directly on a metafile DC. Both sides run in turn, so that the machine's load hits
-// both; the median of the rounds' ratios counts.
+// calls made directly on a metafile DC.
 namespace quillo {
 namespace {
 
-constexpr int kRounds = 61;
-constexpr int kCallsPerRound = 400;
 constexpr ULONG kColour = 0x112233;
 
 const std::vector<POINTFIX> kPoints = {{0, 0},       {1600, 160}, {3200, 80},
@@ -38,7 +33,7 @@ class DriverSide {
     attributes_.eMiterLimit = 10;
   }
 
-  void Stroke(HDC page) {
+  void Draw(HDC page) {
     job_.playback.page_dc = page;
     quillo::DrvStrokePath(&surface_, &path_, nullptr, nullptr, &brush_, nullptr, &attributes_,
                           R2_COPYPEN);
@@ -54,7 +49,7 @@ class DriverSide {
 };
 
 struct DirectSide {
-  static void Stroke(HDC page) {
+  static void Draw(HDC page) {
     ModifyWorldTransform(page, nullptr, MWT_IDENTITY);
     SetGraphicsMode(page, GM_COMPATIBLE);
     SaveDC(page);
@@ -75,40 +70,11 @@ struct DirectSide {
   }
 };
 
-// Seconds that a round of strokes on a fresh metafile takes.
-template <typename Side>
-double Time(Side& side) {
-  const MetafileDc page(CreateEnhMetaFileW(nullptr, nullptr, nullptr, nullptr));
-  LARGE_INTEGER frequency, begin, end;
-  QueryPerformanceFrequency(&frequency);
-  QueryPerformanceCounter(&begin);
-  for (int i = 0; i < kCallsPerRound; ++i) side.Stroke(page.Get());
-  QueryPerformanceCounter(&end);
-  return static_cast<double>(end.QuadPart - begin.QuadPart) /
-         static_cast<double>(frequency.QuadPart);
-}
-
-double Median(std::vector<double> values) {
-  std::ranges::sort(values);
-  return values[values.size() / 2];
-}
-
-int Run() {
-  DriverSide driver;
-  DirectSide direct;
-  std::vector<double> ratios, driver_times, direct_times;
-  for (int round = 0; round < kRounds; ++round) {
-    driver_times.push_back(Time(driver));
-    direct_times.push_back(Time(direct));
-    ratios.push_back(driver_times.back() / direct_times.back());
-  }
-  std::printf("stroke: driver %.2f us, direct %.2f us, ratio %.3f (at most 1.25)\n",
-              Median(driver_times) / kCallsPerRound * 1e6,
-              Median(direct_times) / kCallsPerRound * 1e6, Median(ratios));
-  return 0;
-}
-
 }  // namespace
 }  // namespace quillo
 
-int main() { return quillo::Run(); }
+int main() {
+  quillo::DriverSide driver;
+  quillo::DirectSide direct;
+  return quillo::bench::CompareSides("stroke", 1.25, driver, direct);
+}

@@ -17,8 +17,10 @@ int32_t CFontMapManager::Translate(HDC dc, uint32_t count, const uint16_t* glyph
 }
 
 CFontMapper* CFontMapManager::FindOrMake(HDC dc) {
+  FontIdentity font = {};
+  if (!font.Read(dc)) return nullptr;
   for (const auto& mapper : slots_) {
-    if (mapper && mapper->Matches(dc)) return mapper.get();
+    if (mapper && mapper->Matches(font)) return mapper.get();
   }
   std::unique_ptr<CFontMapper> made(new (std::nothrow) CFontMapper);
   if (!made || !made->Build(dc)) return nullptr;

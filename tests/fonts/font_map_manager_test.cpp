@@ -162,7 +162,6 @@ TEST_F(FontMapManagerTest, UnreadableFont_IsTriedAgainEachTime) {
        [](FakeFont& f) {
          f.cmap = UnicodeCmap(Subtable4({{5, 5, 0xFFFB, 0}}));
        }},
-      {"no face", [](FakeFont& f) { f.answers_face = false; }},
   };
   for (const auto& c : cases) {
     FakeFont font;
@@ -176,6 +175,15 @@ TEST_F(FontMapManagerTest, UnreadableFont_IsTriedAgainEachTime) {
       EXPECT_GT(font.loads, loads_before) << c.name;
     }
   }
+}
+
+TEST_F(FontMapManagerTest, FontWithoutFace_TranslatesNothing) {
+  FakeFont font;
+  font.answers_face = false;
+  const uint16_t glyph = 2;
+  uint16_t character = 0xABCD;
+  EXPECT_EQ(manager_->Translate(font.Dc(), 1, &glyph, &character), 0);
+  EXPECT_EQ(character, 0xABCD);
 }
 
 TEST_F(FontMapManagerTest, NoMemoryForEitherBlock_TranslatesNothingAndLeaksNothing) {
@@ -214,7 +222,9 @@ TEST_F(FontMapManagerTest, Mappers_AreEqualWithAllMetrics) {
   EXPECT_TRUE(one.Build(font.Dc()) && same.Build(font.Dc()));
   font.metrics.tmAscent = 1;
   EXPECT_TRUE(other.Build(font.Dc()));
-  EXPECT_TRUE(other.Matches(font.Dc()) && one.Matches(font.Dc()));
+  FontIdentity identity = {};
+  EXPECT_TRUE(identity.Read(font.Dc()));
+  EXPECT_TRUE(other.Matches(identity) && one.Matches(identity));
   EXPECT_TRUE(one == same);
   EXPECT_FALSE(one == other);
 }
