@@ -2,7 +2,7 @@
 
 #include <vector>
 
-#include "bench/capture/compare_sides.h"
+#include "bench/compare_sides.h"
 #include "capture/hooks.h"
 #include "driver/device.h"
 #include "host/engine/services/brushes.h"
@@ -76,5 +76,5 @@ struct DirectSide {
 int main() {
   quillo::DriverSide driver;
   quillo::DirectSide direct;
-  return quillo::bench::CompareSides("stroke", 1.25, driver, direct);
+  return quillo::bench::CompareSides({"stroke", 1.25}, driver, direct);
 }

@@ -4,7 +4,7 @@
 #include <string>
 #include <vector>
 
-#include "bench/capture/compare_sides.h"
+#include "bench/compare_sides.h"
 #include "capture/hooks.h"
 #include "driver/device.h"
 #include "host/engine/services/brushes.h"
@@ -90,8 +90,8 @@ int Run() {
   DirectSide direct;
   DriverSide characters(kText, 0);
   DriverSide indexes(glyphs, SO_GLYPHINDEX_TEXTOUT);
-  return bench::CompareSides("43 characters", 1.4, characters, direct) |
-         bench::CompareSides("43 glyph indexes", 1.4, indexes, direct);
+  return bench::CompareSides({"43 characters", 1.4}, characters, direct) |
+         bench::CompareSides({"43 glyph indexes", 1.4}, indexes, direct);
 }
 
 }  // namespace

@@ -1,23 +1,21 @@
 #include "base/ddi.h"
 
 #include <algorithm>
-#include <cstdio>
 #include <vector>
 
 #include "base/gdi_owners.h"
+#include "bench/compare_sides.h"
 #include "capture/hooks.h"
 #include "driver/device.h"
 #include "job/job.h"
 
 // What a blit of a 1000 x 1000 picture of 24 bits costs from hook to page metafile, as a multiple
-// of the same blit made directly from a DIB section. Both sides run in turn, so that the machine's
-// load hits both; the median of the rounds' ratios counts.
+// of the same blit made directly from a DIB section.
 namespace quillo {
 namespace {
 
 constexpr LONG kSide = 1000;
 constexpr ULONG kRowBytes = 3 * kSide;
-constexpr int kRounds = 15;
 
 class DriverSide {
  public:
@@ -34,7 +32,7 @@ class DriverSide {
     source_.fjBitmap = BMF_TOPDOWN;
   }
 
-  void Blit(HDC page) {
+  void Draw(HDC page) {
     job_.playback.page_dc = page;
     RECTL to = {100, 100, 100 + kSide, 100 + kSide};
     POINTL origin = {0, 0};
@@ -61,48 +59,20 @@ class DirectSide {
     SelectObject(dc_.Get(), bitmap_.Get());
   }
 
-  void Blit(HDC page) { BitBlt(page, 100, 100, kSide, kSide, dc_.Get(), 0, 0, SRCCOPY); }
+  void Draw(HDC page) { BitBlt(page, 100, 100, kSide, kSide, dc_.Get(), 0, 0, SRCCOPY); }
 
  private:
   Bitmap bitmap_;
   CreatedDc dc_{CreateCompatibleDC(nullptr)};
 };
 
-// Milliseconds of each of `count` blits on one fresh metafile.
-template <typename Side>
-double Time(Side& side, int count) {
-  const MetafileDc page(CreateEnhMetaFileW(nullptr, nullptr, nullptr, nullptr));
-  LARGE_INTEGER frequency, begin, end;
-  QueryPerformanceFrequency(&frequency);
-  QueryPerformanceCounter(&begin);
-  for (int i = 0; i < count; ++i) side.Blit(page.Get());
-  QueryPerformanceCounter(&end);
-  return static_cast<double>(end.QuadPart - begin.QuadPart) * 1e3 /
-         static_cast<double>(frequency.QuadPart) / count;
-}
-
-double Median(std::vector<double> values) {
-  std::ranges::sort(values);
-  return values[values.size() / 2];
-}
-
-int Run() {
-  DriverSide driver;
-  DirectSide direct;
-  for (const int count : {1, 10}) {
-    std::vector<double> ratios, driver_times, direct_times;
-    for (int round = 0; round < kRounds; ++round) {
-      driver_times.push_back(Time(driver, count));
-      direct_times.push_back(Time(direct, count));
-      ratios.push_back(driver_times.back() / direct_times.back());
-    }
-    std::printf("blit, %d a page: driver %.2f ms, direct %.2f ms, ratio %.3f (at most 1.8)\n",
-                count, Median(driver_times), Median(direct_times), Median(ratios));
-  }
-  return 0;
-}
-
 }  // namespace
 }  // namespace quillo
 
-int main() { return quillo::Run(); }
+int main() {
+  quillo::DriverSide driver;
+  quillo::DirectSide direct;
+  using quillo::bench::CompareSides;
+  return CompareSides({"blit, 1 a page", 1.8, 15, 1}, driver, direct) |
+         CompareSides({"blit, 10 a page", 1.8, 15, 10}, driver, direct);
+}
