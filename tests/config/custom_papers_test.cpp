@@ -10,6 +10,8 @@
 namespace quillo {
 namespace {
 
+using namespace test;
+
 struct Paper {
   std::wstring name;
   uint16_t number;
@@ -17,12 +19,13 @@ struct Paper {
   uint16_t length, width;
   friend bool operator==(const Paper&, const Paper&) = default;
 };
-
-const HKEY kRoot = HKEY_LOCAL_MACHINE;
+using List = std::vector<Paper>;
 
 const Paper kNote = {L"Note", 300, 0, 1500, 1000};
 const Paper kCard = {L"Card", 301, 1, 60, 40};
 const Paper kRoll = {L"Roll", 302, 3, 65535, 2100};
+const HKEY kMachine = HKEY_LOCAL_MACHINE;
+const HKEY kUser = HKEY_CURRENT_USER;
 
 std::wstring Subkey(int index) { return kOwnKey + L"\\Paper " + std::to_wstring(index); }
 
@@ -37,161 +40,135 @@ void PutPaper(HKEY root, int index, const Paper& paper) {
   PutValue(root, Subkey(index), L"PaperID", Binary(paper.number));
 }
 
-void PutPapers(HKEY root, const std::vector<Paper>& papers) {
+void PutPapers(HKEY root, const List& papers) {
   for (size_t i = 0; i < papers.size(); ++i) PutPaper(root, static_cast<int>(i), papers[i]);
   PutCount(root, static_cast<DWORD>(papers.size()));
 }
 
-std::vector<Paper> Listed(const CustomPaper* head) {
-  std::vector<Paper> papers;
-  for (; head != nullptr; head = head->next) {
-    papers.push_back({head->name, head->number, head->kind, head->length, head->width});
-  }
-  return papers;
-}
-
-std::vector<Paper> Load() {
+List Load() {
   CustomPapers papers;
   const bool any = LoadCustomPapers(kTestPrinter, papers);
   EXPECT_EQ(any, static_cast<bool>(papers));
-  return Listed(papers.Get());
-}
-
-CustomPapers ListOf(const std::vector<Paper>& papers) {
-  CustomPapers list;
-  for (const Paper& paper : papers) {
-    CustomPaper* entry = NewCustomPaper();
-    paper.name.copy(entry->name, 63);
-    entry->number = paper.number;
-    entry->kind = paper.kind;
-    entry->length = paper.length;
-    entry->width = paper.width;
-    list.Reset(Join(list.Detach(), entry));
+  List list;
+  for (const CustomPaper* paper = papers.Get(); paper != nullptr; paper = paper->next) {
+    list.push_back({paper->name, paper->number, paper->kind, paper->length, paper->width});
   }
   return list;
 }
 
+SettingsResult Save(const List& papers) {
+  CustomPapers list;
+  for (const Paper& paper : papers) {
+    CustomPaper* entry = NewCustomPaper();
+    *entry = {{}, paper.number, paper.kind, paper.length, paper.width, nullptr};
+    paper.name.copy(entry->name, 63);
+    list.Reset(Join(list.Detach(), entry));
+  }
+  return SaveCustomPapers(kTestPrinter, list.Get());
+}
+
 class CustomPapersTest : public SettingsTest {
  protected:
-  void BecomeOrdinaryUser() { functions_.Miss("EqualSid"); }
-  void BecomeAdministrator() { functions_.Restore(); }
-
- private:
-  test::LateFunctions functions_;
+  LateFunctions functions_;  // without "EqualSid" nobody is an administrator
 };
 
 TEST_F(CustomPapersTest, Load_WhatCannotBeReadIsLeftOut) {
   const std::wstring full_name(63, L'n');
+  const auto put = [](const wchar_t* name, const StoredValue& value) {
+    return [=] { PutValue(kMachine, Subkey(0), name, value); };
+  };
   const struct {
     const char* what;
     std::function<void()> change;  // to a store of Note, Card and Roll
-    std::vector<Paper> expected;
+    List expected;
   } cases[] = {
       {"nothing changed", [] {}, {kNote, kCard, kRoll}},
-      {"subkey missing", [] { RegDeleteTreeW(kRoot, Subkey(1).c_str()); }, {kNote, kRoll}},
-      {"count 0", [] { PutCount(kRoot, 0); }, {}},
-      {"count beyond the subkeys", [] { PutCount(kRoot, 0xFFFFFFFF); }, {kNote, kCard, kRoll}},
-      {"count short of them", [] { PutCount(kRoot, 2); }, {kNote, kCard}},
+      {"key missing", [] { RegDeleteTreeW(kMachine, Subkey(1).c_str()); }, {kNote, kRoll}},
+      {"count 0", [] { PutCount(kMachine, 0); }, {}},
+      {"count too high", [] { PutCount(kMachine, ~0u); }, {kNote, kCard, kRoll}},
+      {"count too low", [] { PutCount(kMachine, 2); }, {kNote, kCard}},
       {"count of another type",
-       [] { PutValue(kRoot, kOwnKey, L"Custom Papers Count", Binary(DWORD{3})); },
+       [] { PutValue(kMachine, kOwnKey, L"Custom Papers Count", Binary(3)); },
        {}},
-      {"dimensions missing",
-       [] { RegDeleteKeyValueW(kRoot, Subkey(0).c_str(), L"CustomPaperDim"); },
-       {kCard, kRoll}},
-      {"dimensions short",
-       [] { PutValue(kRoot, Subkey(0), L"CustomPaperDim", Binary(DWORD{1})); },
-       {kCard, kRoll}},
-      {"dimensions long",
-       [] { PutValue(kRoot, Subkey(0), L"CustomPaperDim", Binary(uint64_t{1})); },
-       {kCard, kRoll}},
-      {"dimensions of another type",
-       [] { PutValue(kRoot, Subkey(0), L"CustomPaperDim", Text(std::wstring(L"abc"))); },
-       {kCard, kRoll}},
-      {"number short",
-       [] { PutValue(kRoot, Subkey(0), L"PaperID", Binary(uint8_t{1})); },
-       {kCard, kRoll}},
+      {"dimensions short", put(L"CustomPaperDim", Zeros(5)), {kCard, kRoll}},
+      {"dimensions long", put(L"CustomPaperDim", Zeros(7)), {kCard, kRoll}},
+      {"dimensions a text", put(L"CustomPaperDim", Terminated(L"ab")), {kCard, kRoll}},
+      {"number short", put(L"PaperID", Zeros(1)), {kCard, kRoll}},
       {"name missing",
-       [] { RegDeleteTreeW(kRoot, (Subkey(2) + L"\\CustomName").c_str()); },
+       [] { RegDeleteTreeW(kMachine, (Subkey(2) + L"\\CustomName").c_str()); },
        {kNote, kCard}},
       {"name of 63 characters",
        [&] {
-         PutPaper(kRoot, 0, {full_name, 300, 0, 1, 2});
+         PutPaper(kMachine, 0, {full_name, 300, 0, 1, 2});
        },
        {{full_name, 300, 0, 1, 2}, kCard, kRoll}},
       {"name of 64 characters",
        [&] {
-         PutPaper(kRoot, 0, {full_name + L"n", 300, 0, 1, 2});
+         PutPaper(kMachine, 0, {full_name + L"n", 300, 0, 1, 2});
        },
        {kCard, kRoll}},
-      {"same number twice",
+      {"number twice",
        [] {
-         PutPaper(kRoot, 2, {L"Again", 300, 0, 1, 2});
+         PutPaper(kMachine, 2, {L"2nd", 300, 0, 1, 2});
        },
        {kNote, kCard}},
   };
   for (const auto& c : cases) {
     StartAfresh();
-    PutPapers(kRoot, {kNote, kCard, kRoll});
+    PutPapers(kMachine, {kNote, kCard, kRoll});
     c.change();
     EXPECT_EQ(Load(), c.expected) << c.what;
   }
 }
 
 TEST_F(CustomPapersTest, Load_ReadsNoMoreThan4096) {
-  PutPapers(HKEY_LOCAL_MACHINE, {kNote});
-  PutPaper(HKEY_LOCAL_MACHINE, 4095, kCard);
-  PutPaper(HKEY_LOCAL_MACHINE, 4096, kRoll);
-  PutCount(HKEY_LOCAL_MACHINE, 4097);
-  EXPECT_EQ(Load(), (std::vector<Paper>{kNote, kCard}));
+  PutPaper(kMachine, 4095, kCard);
+  PutPaper(kMachine, 4096, kRoll);
+  PutCount(kMachine, 4097);
+  EXPECT_EQ(Load(), List{kCard});
 }
 
 TEST_F(CustomPapersTest, Load_UsersBehindTheMachines) {
   const Paper users_note = {L"My note", 300, 0, 1, 2};
-  PutPapers(HKEY_LOCAL_MACHINE, {kNote});
-  PutPapers(HKEY_CURRENT_USER, {users_note, kCard});
-  EXPECT_EQ(Load(), (std::vector<Paper>{kNote}));  // administrators see the machine's only
-  BecomeOrdinaryUser();
-  EXPECT_EQ(Load(), (std::vector<Paper>{kNote, kCard}));
-  ASSERT_TRUE(sandbox_->SwitchUser(L"another user"));
-  EXPECT_EQ(Load(), (std::vector<Paper>{kNote}));
-  RegDeleteTreeW(HKEY_LOCAL_MACHINE, kOwnKey.c_str());
-  EXPECT_EQ(Load(), (std::vector<Paper>{}));
-  ASSERT_TRUE(sandbox_->SwitchUser(L"user"));
-  EXPECT_EQ(Load(), (std::vector<Paper>{users_note, kCard}));
+  PutPapers(kMachine, {kNote});
+  PutPapers(kUser, {users_note, kCard});
+  EXPECT_EQ(Load(), List{kNote});  // administrators see the machine's only
+  functions_.Miss("EqualSid");
+  EXPECT_EQ(Load(), (List{kNote, kCard}));
+  sandbox_->SwitchUser(L"another user");
+  EXPECT_EQ(Load(), List{kNote});
+  RegDeleteTreeW(kMachine, kOwnKey.c_str());
+  EXPECT_EQ(Load(), List{});
+  sandbox_->SwitchUser(L"user");
+  EXPECT_EQ(Load(), (List{users_note, kCard}));
 }
 
 TEST_F(CustomPapersTest, Save_InOneStoreWithoutGaps) {
   const Paper deleted = {L"Deleted", 400, kDeletedPaper, 1, 2};
-  for (const bool administrator : {true, false}) {
+  for (const auto& [root, other] : {std::pair{kMachine, kUser}, std::pair{kUser, kMachine}}) {
     StartAfresh();
-    administrator ? BecomeAdministrator() : BecomeOrdinaryUser();
-    const HKEY root = administrator ? HKEY_LOCAL_MACHINE : HKEY_CURRENT_USER;
-    const HKEY other = administrator ? HKEY_CURRENT_USER : HKEY_LOCAL_MACHINE;
-    ASSERT_EQ(SaveCustomPapers(kTestPrinter, ListOf({kNote, deleted, kCard, kRoll}).Get()),
-              SETTINGS_OK);
+    if (root == kUser) functions_.Miss("EqualSid");
+    ASSERT_EQ(Save({kNote, deleted, kCard, kRoll}), SETTINGS_OK);
     EXPECT_EQ(GetValue(root, kOwnKey, L"Custom Papers Count"), Number(3));
-    EXPECT_EQ(GetValue(other, kOwnKey, L"Custom Papers Count"), std::nullopt);
+    EXPECT_FALSE(GetValue(other, kOwnKey, L"Custom Papers Count"));
     const uint16_t card[] = {1, 60, 40};
     EXPECT_EQ(GetValue(root, Subkey(1), L"CustomPaperDim"), Binary(card));
     EXPECT_EQ(GetValue(root, Subkey(1), L"PaperID"), Binary(uint16_t{301}));
     EXPECT_EQ(GetValue(root, Subkey(1) + L"\\CustomName", nullptr), Terminated(L"Card"));
-    EXPECT_EQ(Load(), (std::vector<Paper>{kNote, kCard, kRoll}));
+    EXPECT_EQ(Load(), (List{kNote, kCard, kRoll}));
 
-    // A shorter list: its papers are read, the subkeys behind them stay.
-    ASSERT_EQ(SaveCustomPapers(kTestPrinter, ListOf({kRoll, deleted}).Get()), SETTINGS_OK);
-    EXPECT_EQ(Load(), (std::vector<Paper>{kRoll}));
+    // A shorter list: its papers are read, the keys behind them stay.
+    ASSERT_EQ(Save({kRoll, deleted}), SETTINGS_OK);
+    EXPECT_EQ(Load(), List{kRoll});
     EXPECT_TRUE(GetValue(root, Subkey(2), L"PaperID"));
-    ASSERT_EQ(SaveCustomPapers(kTestPrinter, nullptr), SETTINGS_OK);
-    EXPECT_EQ(Load(), (std::vector<Paper>{}));
   }
   EXPECT_EQ(SaveCustomPapers(L"no such printer", nullptr), SETTINGS_NOT_OPEN);
 }
 
 TEST_F(CustomPapersTest, SheetSize_OfEachKind) {
-  PutPapers(HKEY_LOCAL_MACHINE, {kNote, kCard, kRoll});
+  PutPapers(kMachine, {kNote, kCard, kRoll});
   const struct {
-    int16_t paper;
-    int16_t orientation;
+    int16_t paper, orientation;
     Extent pixels, millimetres, tenths;
   } cases[] = {
       {300, DMORIENT_PORTRAIT, {1181, 1771}, {100, 150}, {1000, 1500}},

@@ -10,57 +10,35 @@
 namespace quillo {
 namespace {
 
-struct Shown {
-  HWND owner;
-  std::wstring text, caption;
-  UINT style;
-};
-Shown shown;
+std::wstring shown;  // "caption: text, style"
 
-int WINAPI Show(HWND owner, const wchar_t* text, const wchar_t* caption, UINT style) {
-  shown = {owner, text != nullptr ? text : L"", caption != nullptr ? caption : L"", style};
+int WINAPI Show(HWND, const wchar_t* text, const wchar_t* caption, UINT style) {
+  shown = std::wstring(caption) + L": " + (text != nullptr ? text : L"");
+  shown += L", " + std::to_wstring(style);
   return IDRETRY;
 }
 
-class MessageBoxTest : public testing::Test {
- protected:
-  void SetUp() override { ASSERT_TRUE(resources_); }
+TEST(MessageBox, TextsOfResourcesAndOfTheSystem) {
+  const test::ImportPatch patch("MessageBoxW", Show);
+  const Library resources(LoadLibraryW(test::BuiltFile(L"QXRES06X.dll").c_str()));
+  ASSERT_TRUE(resources);
+  EXPECT_EQ(ShowResourceMessage(resources.Get(), IDS_NO_MORE_CUSTOM_PAPERS, IDS_ERROR, 5), IDRETRY);
+  EXPECT_EQ(shown, L"Error: Can not add another custom paper!, 5");
 
-  test::ImportPatch patch_{"MessageBoxW", Show};
-  Library resources_{LoadLibraryW(test::BuiltFile(L"QXRES06X.dll").c_str())};
-};
-
-TEST_F(MessageBoxTest, ResourceMessage_ShowsBothStrings) {
-  EXPECT_EQ(
-      ShowResourceMessage(resources_.Get(), IDS_NO_MORE_CUSTOM_PAPERS, IDS_ERROR, MB_RETRYCANCEL),
-      IDRETRY);
-  EXPECT_EQ(shown.owner, nullptr);
-  EXPECT_EQ(shown.text, L"Can not add another custom paper!");
-  EXPECT_EQ(shown.caption, L"Error");
-  EXPECT_EQ(shown.style, UINT{MB_RETRYCANCEL});
-}
-
-TEST_F(MessageBoxTest, ResourceString_OverwritesThePreviousOne) {
-  const wchar_t* first = ResourceString(resources_.Get(), IDS_ERROR);
-  EXPECT_STREQ(first, L"Error");
-  const wchar_t* second = ResourceString(resources_.Get(), IDS_NO_MORE_CUSTOM_PAPERS);
-  EXPECT_EQ(first, second);
-  EXPECT_STREQ(first, L"Can not add another custom paper!");
-  EXPECT_STREQ(ResourceString(resources_.Get(), 999), L"");
-}
-
-TEST_F(MessageBoxTest, LastError_ShowsTheSystemsText) {
   SetLastError(ERROR_FILE_NOT_FOUND);
   ShowLastError();
-  const LocalBlock expected = SystemMessage(ERROR_FILE_NOT_FOUND);
-  ASSERT_TRUE(expected);
-  EXPECT_EQ(shown.text, static_cast<const wchar_t*>(expected.Get()));
-  EXPECT_EQ(shown.caption, L"Error");
-  EXPECT_EQ(shown.style, 64u);
-
+  const LocalBlock text = SystemMessage(ERROR_FILE_NOT_FOUND);
+  ASSERT_TRUE(text);
+  EXPECT_EQ(shown, L"Error: " + std::wstring(static_cast<wchar_t*>(text.Get())) + L", 64");
   SetLastError(0xDEADBEEF);
   ShowLastError();
-  EXPECT_EQ(shown.text, L"");
+  EXPECT_EQ(shown, L"Error: , 64");
+
+  const wchar_t* first = ResourceString(resources.Get(), IDS_ERROR);
+  EXPECT_STREQ(first, L"Error");
+  EXPECT_EQ(ResourceString(resources.Get(), IDS_NO_MORE_CUSTOM_PAPERS), first);
+  EXPECT_STREQ(first, L"Can not add another custom paper!");
+  EXPECT_STREQ(ResourceString(resources.Get(), 999), L"");
 }
 
 }  // namespace

@@ -1,7 +1,6 @@
 #include "config/platform.h"
 
 #include <gtest/gtest.h>
-#include <vector>
 
 #include "base/kernel_owners.h"
 #include "support/import_patch.h"
@@ -14,42 +13,28 @@ using test::ImportPatch;
 using test::LateFunctions;
 
 TEST(PlatformKindOf, HighBitAndMajorVersion) {
-  EXPECT_EQ(PlatformKindOf(0x0000000A), PlatformKind::kNt);
-  EXPECT_EQ(PlatformKindOf(0x7FFFFFFF), PlatformKind::kNt);
-  EXPECT_EQ(PlatformKindOf(0xC0000A04), PlatformKind::k9x);
+  EXPECT_EQ(PlatformKindOf(0x7FFFFF04), PlatformKind::kNt);
   EXPECT_EQ(PlatformKindOf(0x80000004), PlatformKind::k9x);
   EXPECT_EQ(PlatformKindOf(0x80000A03), PlatformKind::kOther);
 }
 
+DWORD nt_version;  // of a system that knows the plain structure only; 0 = not even that
+
 TEST(IsNt6OrLater, ExtendedThenPlainStructure) {
   EXPECT_TRUE(IsNt6OrLater());
-  static std::vector<DWORD> sizes;
-  static OSVERSIONINFOW answer;
-  sizes.clear();
   const ImportPatch patch(
       "GetVersionExW", +[](OSVERSIONINFOW* version) WINAPI -> BOOL {
-        sizes.push_back(version->dwOSVersionInfoSize);
-        if (version->dwOSVersionInfoSize != sizeof(OSVERSIONINFOW)) return FALSE;
-        version->dwPlatformId = answer.dwPlatformId;
-        version->dwMajorVersion = answer.dwMajorVersion;
-        return answer.dwMajorVersion != 0;
+        version->dwPlatformId = VER_PLATFORM_WIN32_NT;
+        version->dwMajorVersion = nt_version;
+        return version->dwOSVersionInfoSize == 276 && nt_version != 0;
       });
-  const struct {
-    DWORD platform, major;
-    bool expected;
-  } cases[] = {{VER_PLATFORM_WIN32_NT, 6, true},
-               {VER_PLATFORM_WIN32_NT, 5, false},
-               {VER_PLATFORM_WIN32_WINDOWS, 6, false},
-               {VER_PLATFORM_WIN32_NT, 0, false}};
-  for (const auto& c : cases) {
-    answer.dwPlatformId = c.platform;
-    answer.dwMajorVersion = c.major;
-    EXPECT_EQ(IsNt6OrLater(), c.expected) << c.platform << " " << c.major;
+  for (const auto& [version, expected] : {std::pair{0u, false}, {5u, false}, {6u, true}}) {
+    nt_version = version;
+    EXPECT_EQ(IsNt6OrLater(), expected) << version;
   }
-  EXPECT_EQ(std::vector<DWORD>(sizes.begin(), sizes.begin() + 2), (std::vector<DWORD>{284, 276}));
 }
 
-HANDLE deny_only_token = nullptr;
+HANDLE deny_only_token;
 
 BOOL WINAPI OpenDenyOnlyToken(HANDLE, DWORD access, HANDLE* token) {
   return DuplicateHandle(GetCurrentProcess(), deny_only_token, GetCurrentProcess(), token, access,
@@ -65,18 +50,16 @@ BOOL WINAPI OneOtherGroup(HANDLE, TOKEN_INFORMATION_CLASS, void* out, DWORD size
 }
 
 TEST(IsAdministrator, GroupEnabledDenyOnlyOrAbsent) {
-  // Wine runs every program with the group enabled.
-  EXPECT_TRUE(IsAdministrator());
+  EXPECT_TRUE(IsAdministrator());  // Wine's user has the group enabled
 
-  KernelHandle own;
+  KernelHandle own, token;
   ASSERT_TRUE(OpenProcessToken(GetCurrentProcess(), TOKEN_ALL_ACCESS, own.Receive()));
   BYTE sid[SECURITY_MAX_SID_SIZE];
-  DWORD sid_size = sizeof(sid);
-  ASSERT_TRUE(CreateWellKnownSid(WinBuiltinAdministratorsSid, nullptr, sid, &sid_size));
-  SID_AND_ATTRIBUTES disabled = {sid, 0};
-  KernelHandle token;
+  DWORD size = sizeof(sid);
+  ASSERT_TRUE(CreateWellKnownSid(WinBuiltinAdministratorsSid, nullptr, sid, &size));
+  SID_AND_ATTRIBUTES denied = {sid, 0};
   ASSERT_TRUE(
-      CreateRestrictedToken(own.Get(), 0, 1, &disabled, 0, nullptr, 0, nullptr, token.Receive()));
+      CreateRestrictedToken(own.Get(), 0, 1, &denied, 0, nullptr, 0, nullptr, token.Receive()));
   deny_only_token = token.Get();
   LateFunctions functions;
   functions.Replace("OpenProcessToken", OpenDenyOnlyToken);
@@ -87,7 +70,7 @@ TEST(IsAdministrator, GroupEnabledDenyOnlyOrAbsent) {
   EXPECT_FALSE(IsAdministrator());
 }
 
-TEST(IsAdministrator, AnyFunctionMissing_IsNone) {
+TEST(IsAdministrator, FunctionsMissing_OnlyThe9xFamilyIs) {
   LateFunctions functions;
   for (const char* name : {"OpenProcessToken", "GetTokenInformation", "AllocateAndInitializeSid",
                            "EqualSid", "FreeSid"}) {
@@ -95,24 +78,20 @@ TEST(IsAdministrator, AnyFunctionMissing_IsNone) {
     functions.Miss(name);
     EXPECT_FALSE(IsAdministrator()) << name;
   }
-}
-
-TEST(IsAdministrator, The9xFamily_AlwaysIs) {
-  LateFunctions functions;
-  functions.Miss("OpenProcessToken");
   const ImportPatch version(
-      "GetVersion", +[]() WINAPI -> DWORD { return 0xC0000A04; });
+      "GetVersion", +[]() WINAPI { return DWORD{0xC0000A04}; });
   EXPECT_TRUE(IsAdministrator());
 }
 
 TEST(Wow64, FunctionsMissing_NothingIsSwitched) {
-  EXPECT_FALSE(IsWow64());
-  void* state = nullptr;
   LateFunctions functions;
-  for (const char* name :
-       {"IsWow64Process", "Wow64DisableWow64FsRedirection", "Wow64RevertWow64FsRedirection"}) {
-    functions.Miss(name);
-  }
+  functions.Replace(
+      "IsWow64Process", +[](HANDLE, BOOL* wow64) WINAPI { return *wow64 = TRUE; });
+  EXPECT_TRUE(IsWow64());
+  functions.Miss("IsWow64Process");
+  functions.Miss("Wow64DisableWow64FsRedirection");
+  functions.Miss("Wow64RevertWow64FsRedirection");
+  void* state = nullptr;
   EXPECT_FALSE(IsWow64());
   EXPECT_FALSE(DisableFsRedirection(&state));
   EXPECT_FALSE(RevertFsRedirection(state));

@@ -1,107 +1,85 @@
 #include "config/printer_settings.h"
 
 #include <gtest/gtest.h>
-#include <string>
 
+#include "config/printer_options.h"
 #include "config/settings_test.h"
 #include "support/import_patch.h"
 
 namespace quillo {
 namespace {
 
-using test::ImportPatch;
+using namespace test;
 
-class PrinterSettingsTest : public SettingsTest {};
+class PrinterSettingsTest : public SettingsTest {
+ protected:
+  std::vector<std::byte> buffer_ = std::vector<std::byte>(1 << 20);
+};
 
-constexpr DWORD kAccess = PRINTER_ALL_ACCESS;
+/// Reads into `capacity` bytes of `buffer`, and asks for the size; says what was read.
+template <typename Read>
+std::optional<StoredValue> ReadBack(const Read& read, std::vector<std::byte>& buffer,
+                                    DWORD capacity = 1 << 20) {
+  ValueBuffer query, value = {buffer.data(), capacity};
+  const SettingsResult asked = read(&query);
+  const SettingsResult result = read(&value);
+  EXPECT_EQ(asked == SETTINGS_SIZE_ONLY, result == SETTINGS_OK || capacity < query.size);
+  if (result != SETTINGS_OK) {
+    EXPECT_EQ(result, SETTINGS_READ_FAILED);
+    return std::nullopt;
+  }
+  EXPECT_EQ(query.size, value.size);
+  return StoredValue{value.type, {buffer.begin(), buffer.begin() + value.size}};
+}
 
-std::optional<std::wstring> TextOf(const GlobalBlock& block) {
+std::optional<std::wstring> WideText(const GlobalBlock& block) {
   if (!block) return std::nullopt;
   return std::wstring(static_cast<const wchar_t*>(block.Get()));
 }
 
-/// Runs one read of a four-byte value, with and without a buffer.
-template <typename Read>
-void ExpectReads(const Read& read, SettingsResult expected, DWORD number = 0) {
-  DWORD got = 0;
-  ValueBuffer value = BufferFor(got);
-  EXPECT_EQ(read(&value), expected);
-  if (expected == SETTINGS_OK) {
-    EXPECT_EQ(got, number);
-    EXPECT_EQ(value.type, DWORD{REG_DWORD});
-    EXPECT_EQ(value.size, 4u);
-  }
-  ValueBuffer query;
-  EXPECT_EQ(read(&query), expected == SETTINGS_OK ? SETTINGS_SIZE_ONLY : expected);
-  EXPECT_EQ(query.size, expected == SETTINGS_OK ? 4u : 0u);
-}
-
-TEST_F(PrinterSettingsTest, Values_AnySizeAndType_AsStored) {
-  const struct {
-    const char* what;
-    StoredValue stored;
-    DWORD capacity;
-    SettingsResult expected;
-  } cases[] = {
-      {"exact", Number(7), 4, SETTINGS_OK},
-      {"room to spare", Number(7), 99, SETTINGS_OK},
-      {"too small", Number(7), 3, SETTINGS_READ_FAILED},
-      {"0 bytes", {REG_BINARY, {}}, 4, SETTINGS_OK},
-      {"odd text", Text(std::string("abc")), 4, SETTINGS_OK},
-      {"1 MiB into 4", {REG_BINARY, std::vector<std::byte>(1 << 20)}, 4, SETTINGS_READ_FAILED},
-      {"1 MiB", {REG_BINARY, std::vector<std::byte>(1 << 20)}, 1 << 20, SETTINGS_OK},
-  };
+TEST_F(PrinterSettingsTest, Values_OfAnySizeAndType) {
   const PrinterSettings settings(printer_.Get());
-  std::vector<std::byte> buffer(1 << 20);
-  for (const auto& c : cases) {
-    PutData(L"v", c.stored);
-    PutValue(HKEY_CURRENT_USER, kOwnKey, L"v", c.stored);
-    const auto expect = [&](const auto& read) {
-      ValueBuffer query;
-      EXPECT_EQ(read(&query), SETTINGS_SIZE_ONLY) << c.what;
-      EXPECT_EQ(query.size, c.stored.bytes.size()) << c.what;
-      ValueBuffer value = {buffer.data(), c.capacity};
-      ASSERT_EQ(read(&value), c.expected) << c.what;
-      if (c.expected != SETTINGS_OK) return;
-      EXPECT_EQ((StoredValue{value.type, {buffer.begin(), buffer.begin() + value.size}}), c.stored)
-          << c.what;
-    };
-    expect([&](ValueBuffer* v) { return settings.Read(L"v", v, SettingsPlace::kPrinterData); });
-    expect([&](ValueBuffer* v) { return settings.Read(L"v", v, SettingsPlace::kRegistry); });
-    expect([&](ValueBuffer* v) { return settings.ReadStore(L"v", v, SettingsStore::kUser); });
+  const auto data = [&](auto* v) { return settings.Read(L"v", v, SettingsPlace::kPrinterData); };
+  const auto registry = [&](auto* v) { return settings.Read(L"v", v, SettingsPlace::kRegistry); };
+  EXPECT_FALSE(ReadBack(data, buffer_));
+  EXPECT_FALSE(ReadBack(registry, buffer_));
+  for (const StoredValue& value : {Number(7), Zeros(0), Text(std::string("odd")), Zeros(1 << 20)}) {
+    PutData(L"v", value);
+    PutValue(HKEY_CURRENT_USER, kOwnKey, L"v", value);
+    EXPECT_EQ(ReadBack(data, buffer_), value) << value.bytes.size();
+    EXPECT_EQ(ReadBack(registry, buffer_), value) << value.bytes.size();
+    if (value.bytes.empty()) continue;
+    const auto short_by_one = static_cast<DWORD>(value.bytes.size() - 1);
+    EXPECT_FALSE(ReadBack(data, buffer_, short_by_one)) << value.bytes.size();
+    EXPECT_FALSE(ReadBack(registry, buffer_, short_by_one)) << value.bytes.size();
   }
 }
 
-TEST_F(PrinterSettingsTest, BothStores_AreKeysOfTheirOwn) {
-  const PrinterSettings settings(kTestPrinter, kAccess);
-  const auto read = [&](SettingsStore store) {
-    return [&settings, store](ValueBuffer* v) { return settings.ReadStore(L"v", v, store); };
+TEST_F(PrinterSettingsTest, Stores_OfMachineAndEachUser) {
+  const PrinterSettings settings(kTestPrinter, PRINTER_ALL_ACCESS);
+  const auto put = [&](SettingsStore store, DWORD number) {
+    EXPECT_EQ(settings.WriteStore(L"v", REG_DWORD, Number(number).bytes, store), SETTINGS_OK);
   };
-  ExpectReads(read(SettingsStore::kUser), SETTINGS_READ_FAILED);
-  ExpectReads(read(SettingsStore::kMachine), SETTINGS_READ_FAILED);
-  EXPECT_EQ(settings.WriteStore(L"v", REG_DWORD, Number(1).bytes, SettingsStore::kMachine),
-            SETTINGS_OK);
-  ExpectReads(read(SettingsStore::kUser), SETTINGS_READ_FAILED);
-  EXPECT_EQ(settings.WriteStore(L"v", REG_DWORD, Number(2).bytes, SettingsStore::kUser),
-            SETTINGS_OK);
-  ExpectReads(read(SettingsStore::kUser), SETTINGS_OK, 2);
-  ExpectReads(read(SettingsStore::kMachine), SETTINGS_OK, 1);
+  const auto users = [&](auto* v) { return settings.ReadStore(L"v", v, SettingsStore::kUser); };
+  const auto machines = [&](auto* v) {
+    return settings.ReadStore(L"v", v, SettingsStore::kMachine);
+  };
+  EXPECT_FALSE(ReadBack(users, buffer_));
+  put(SettingsStore::kMachine, 1);
+  EXPECT_FALSE(ReadBack(users, buffer_));
+  put(SettingsStore::kUser, 2);
   EXPECT_EQ(GetValue(HKEY_LOCAL_MACHINE, kOwnKey, L"v"), Number(1));
   EXPECT_EQ(GetValue(HKEY_CURRENT_USER, kOwnKey, L"v"), Number(2));
-
-  // Another user of the machine sees the machine's value only.
-  ASSERT_TRUE(sandbox_->SwitchUser(L"another user"));
-  ExpectReads(read(SettingsStore::kUser), SETTINGS_READ_FAILED);
-  ExpectReads(read(SettingsStore::kMachine), SETTINGS_OK, 1);
-  EXPECT_EQ(settings.WriteStore(L"v", REG_DWORD, Number(3).bytes, SettingsStore::kUser),
-            SETTINGS_OK);
-  ASSERT_TRUE(sandbox_->SwitchUser(L"user"));
-  ExpectReads(read(SettingsStore::kUser), SETTINGS_OK, 2);
+  sandbox_->SwitchUser(L"another user");
+  EXPECT_FALSE(ReadBack(users, buffer_));
+  EXPECT_EQ(ReadBack(machines, buffer_), Number(1));
+  put(SettingsStore::kUser, 3);
+  sandbox_->SwitchUser(L"user");
+  EXPECT_EQ(ReadBack(users, buffer_), Number(2));
 }
 
 TEST_F(PrinterSettingsTest, KeysOfAProduct_ReadAndWriteDiffer) {
-  const std::wstring product = L"Software\\Product";
-  const std::wstring products_own = product + L"\\" + kTestPrinter;
+  const std::wstring product = L"Software\\Product", own = product + L"\\" + kTestPrinter;
   const struct {
     const char* what;
     std::optional<StoredValue> flags, registry_key;
@@ -111,216 +89,171 @@ TEST_F(PrinterSettingsTest, KeysOfAProduct_ReadAndWriteDiffer) {
       {"flags 0", Number(0), {}, kOwnKey, kOwnKey, kOwnKey},
       {"flags without a key", Number(1), {}, kOwnKey, kOwnKey, kOwnKey},
       {"empty key", Number(1), Terminated(L""), kOwnKey, kOwnKey, kOwnKey},
-      {"key without flags", {}, Terminated(product), kOwnKey, products_own, product},
-      {"both", Number(1), Terminated(product), products_own, products_own, product},
-      {"no terminator", Number(1), Text(product), products_own, products_own, product},
+      {"key without flags", {}, Terminated(product), kOwnKey, own, product},
+      {"key not there", {}, Terminated(L"Software\\Gone"), kOwnKey, L"", kOwnKey},
+      {"both", Number(1), Terminated(product), own, own, product},
+      {"no terminator", Number(1), Text(product), own, own, product},
   };
   for (const auto& c : cases) {
     SCOPED_TRACE(c.what);
     StartAfresh();
-    if (c.flags) PutData(L"DriverFlags", *c.flags);
-    if (c.registry_key) PutData(L"RegistryKey", *c.registry_key);
-    for (const bool by_name : {true, false}) {
-      const PrinterSettings named(kTestPrinter, kAccess);
-      const PrinterSettings handled(printer_.Get());
-      const PrinterSettings& settings = by_name ? named : handled;
-      EXPECT_EQ(settings.WriteStore(L"s", REG_DWORD, Number(1).bytes, SettingsStore::kMachine),
-                SETTINGS_OK);
+    PutData(L"DriverFlags", c.flags);
+    PutData(L"RegistryKey", c.registry_key);
+    PutValue(HKEY_CURRENT_USER, c.read_key, L"r", Number(3));
+    const PrinterSettings named(kTestPrinter, PRINTER_ALL_ACCESS), handled(printer_.Get());
+    for (const PrinterSettings* settings : {&named, &handled}) {
+      const auto read = [&](auto* v) { return settings->Read(L"r", v, SettingsPlace::kRegistry); };
+      EXPECT_EQ(ReadBack(read, buffer_), Number(3));
+      settings->WriteStore(L"s", REG_DWORD, Number(1).bytes, SettingsStore::kMachine);
       EXPECT_EQ(GetValue(HKEY_LOCAL_MACHINE, c.store_key, L"s"), Number(1));
-      EXPECT_EQ(settings.Write(L"w", REG_DWORD, Number(2).bytes, SettingsPlace::kRegistry),
-                SETTINGS_OK);
+      if (c.write_key.empty()) continue;
+      settings->Write(L"w", REG_DWORD, Number(2).bytes, SettingsPlace::kRegistry);
       EXPECT_EQ(GetValue(HKEY_CURRENT_USER, c.write_key, L"w"), Number(2));
-      PutValue(HKEY_CURRENT_USER, c.read_key, L"r", Number(3));
-      ExpectReads([&](ValueBuffer* v) { return settings.Read(L"r", v, SettingsPlace::kRegistry); },
-                  SETTINGS_OK, 3);
     }
   }
-  // The key that "RegistryKey" names is missing: the built-in one is read.
-  StartAfresh();
-  PutData(L"RegistryKey", Terminated(product));
-  PutValue(HKEY_CURRENT_USER, kOwnKey, L"r", Number(4));
-  const PrinterSettings settings(printer_.Get());
-  ExpectReads([&](ValueBuffer* v) { return settings.Read(L"r", v, SettingsPlace::kRegistry); },
-              SETTINGS_OK, 4);
 }
 
 TEST_F(PrinterSettingsTest, LegacyPlace_IsFilledFromPrinterDataOnce) {
-  const PrinterSettings settings(kTestPrinter, kAccess);
-  const auto read = [&](ValueBuffer* v) { return settings.ReadLegacy(L"v", v); };
-  ExpectReads(read, SETTINGS_READ_FAILED);
-  EXPECT_FALSE(GetValue(HKEY_CURRENT_USER, L"Printers\\VORNIX", L"v"));
+  const PrinterSettings settings(kTestPrinter, PRINTER_ALL_ACCESS);
+  const auto read = [&](auto* v) { return settings.ReadLegacy(L"v", v); };
+  EXPECT_FALSE(ReadBack(read, buffer_));
   PutData(L"v", Number(5));
-  ExpectReads(read, SETTINGS_OK, 5);
-  EXPECT_EQ(GetValue(HKEY_CURRENT_USER, L"Printers\\VORNIX", L"v"), Number(5));
+  EXPECT_EQ(ReadBack(read, buffer_), Number(5));
   PutData(L"v", Number(6));
-  ExpectReads(read, SETTINGS_OK, 5);
+  EXPECT_EQ(ReadBack(read, buffer_), Number(5));
+  EXPECT_EQ(GetValue(HKEY_CURRENT_USER, L"Printers\\VORNIX", L"v"), Number(5));
   EXPECT_EQ(settings.WriteLegacy(L"v", REG_DWORD, Number(7).bytes), SETTINGS_OK);
-  ExpectReads(read, SETTINGS_OK, 7);
-  // The key is there now: other values are not looked for in printer data any more.
-  PutData(L"other", Number(8));
-  ValueBuffer query;
-  EXPECT_EQ(settings.ReadLegacy(L"other", &query), SETTINGS_READ_FAILED);
+  EXPECT_EQ(ReadBack(read, buffer_), Number(7));
 }
 
-TEST_F(PrinterSettingsTest, NotOpenOrBadArguments) {
-  const PrinterSettings closed(L"no such printer", kAccess);
-  const PrinterSettings null(static_cast<HANDLE>(nullptr));
-  const PrinterSettings open(printer_.Get());
-  EXPECT_TRUE(open.IsOpen());
-  for (const PrinterSettings* settings : {&closed, &null}) {
-    ValueBuffer value;
-    EXPECT_FALSE(settings->IsOpen());
-    EXPECT_EQ(settings->Read(L"v", &value, SettingsPlace::kRegistry), SETTINGS_NOT_OPEN);
-    EXPECT_EQ(settings->Write(L"v", REG_SZ, {}, SettingsPlace::kPrinterData), SETTINGS_NOT_OPEN);
-    EXPECT_EQ(settings->ReadStore(L"v", &value, SettingsStore::kUser), SETTINGS_NOT_OPEN);
-    EXPECT_EQ(settings->WriteStore(L"v", REG_SZ, {}, SettingsStore::kUser), SETTINGS_NOT_OPEN);
-    EXPECT_EQ(settings->ReadLegacy(L"v", nullptr), SETTINGS_NOT_OPEN);
-    EXPECT_EQ(settings->WriteLegacy(nullptr, REG_SZ, {}), SETTINGS_NOT_OPEN);
+TEST_F(PrinterSettingsTest, NotOpen_BadArgument_Denied) {
+  const PrinterSettings closed(L"no such printer", PRINTER_ALL_ACCESS);
+  const PrinterSettings null(static_cast<HANDLE>(nullptr)), open(printer_.Get());
+  const std::pair<const PrinterSettings*, SettingsResult> cases[] = {
+      {&closed, SETTINGS_NOT_OPEN}, {&null, SETTINGS_NOT_OPEN}, {&open, SETTINGS_BAD_ARGUMENT}};
+  for (const auto& [settings, expected] : cases) {
+    EXPECT_EQ(settings->Read(L"v", nullptr, SettingsPlace::kRegistry), expected);
+    EXPECT_EQ(settings->Write(nullptr, REG_SZ, {}, SettingsPlace::kPrinterData), expected);
+    EXPECT_EQ(settings->ReadStore(L"v", nullptr, SettingsStore::kUser), expected);
+    EXPECT_EQ(settings->WriteStore(nullptr, REG_SZ, {}, SettingsStore::kUser), expected);
+    EXPECT_EQ(settings->ReadLegacy(L"v", nullptr), expected);
+    EXPECT_EQ(settings->WriteLegacy(nullptr, REG_SZ, {}), expected);
+    EXPECT_EQ(LoadOptions(*settings, nullptr), expected);
   }
-  ValueBuffer value;
-  EXPECT_EQ(open.Read(nullptr, &value, SettingsPlace::kRegistry), SETTINGS_BAD_ARGUMENT);
-  EXPECT_EQ(open.Read(L"v", nullptr, SettingsPlace::kPrinterData), SETTINGS_BAD_ARGUMENT);
-  EXPECT_EQ(open.ReadStore(L"v", nullptr, SettingsStore::kUser), SETTINGS_BAD_ARGUMENT);
-  EXPECT_EQ(open.ReadLegacy(L"v", nullptr), SETTINGS_BAD_ARGUMENT);
-  EXPECT_EQ(open.WriteLegacy(nullptr, REG_SZ, {}), SETTINGS_BAD_ARGUMENT);
-  ProductStrings strings;
-  EXPECT_EQ(ReadProductStrings(nullptr, &strings), SETTINGS_BAD_ARGUMENT);
-  EXPECT_EQ(ReadProductStrings(printer_.Get(), nullptr), SETTINGS_BAD_ARGUMENT);
-}
+  EXPECT_EQ(StoreOptions(closed, PrinterOptions()), SETTINGS_NOT_OPEN);
 
-TEST_F(PrinterSettingsTest, AccessDenied_TellsWhichStepFailed) {
-  const PrinterSettings settings(printer_.Get());
-  const auto write = [&] {
-    return settings.WriteStore(L"v", REG_DWORD, Number(1).bytes, SettingsStore::kUser);
-  };
-  {
-    const ImportPatch patch(
-        "RegCreateKeyExW",
-        +[](HKEY, const wchar_t*, DWORD, wchar_t*, DWORD, REGSAM, SECURITY_ATTRIBUTES*, HKEY*,
-            DWORD*) WINAPI -> LSTATUS { return ERROR_ACCESS_DENIED; });
-    EXPECT_EQ(write(), SETTINGS_KEY_FAILED);
-  }
-  {
-    const ImportPatch patch(
-        "RegSetValueExW",
-        +[](HKEY, const wchar_t*, DWORD, DWORD, const BYTE*, DWORD)
-             WINAPI -> LSTATUS { return ERROR_ACCESS_DENIED; });
-    EXPECT_EQ(write(), SETTINGS_SET_FAILED);
-  }
-  EXPECT_EQ(write(), SETTINGS_OK);
-  {
-    const ImportPatch patch(
-        "RegOpenKeyExW", +[](HKEY, const wchar_t*, DWORD, REGSAM, HKEY*) WINAPI -> LSTATUS {
-          return ERROR_ACCESS_DENIED;
-        });
-    ValueBuffer value;
-    EXPECT_EQ(settings.ReadStore(L"v", &value, SettingsStore::kUser), SETTINGS_READ_FAILED);
-  }
-  const ImportPatch patch(
+  const auto write = [&] { return open.WriteStore(L"v", REG_SZ, {}, SettingsStore::kUser); };
+  const ImportPatch set(
+      "RegSetValueExW", +[](HKEY, const wchar_t*, DWORD, DWORD, const BYTE*, DWORD)
+                             WINAPI { return LSTATUS{ERROR_ACCESS_DENIED}; });
+  EXPECT_EQ(write(), SETTINGS_SET_FAILED);
+  const ImportPatch create(
+      "RegCreateKeyExW",
+      +[](HKEY, const wchar_t*, DWORD, wchar_t*, DWORD, REGSAM, SECURITY_ATTRIBUTES*, HKEY*, DWORD*)
+           WINAPI { return LSTATUS{ERROR_ACCESS_DENIED}; });
+  EXPECT_EQ(write(), SETTINGS_KEY_FAILED);
+  const ImportPatch data(
       "SetPrinterDataW",
-      +[](HANDLE, wchar_t*, DWORD, BYTE*, DWORD) WINAPI -> DWORD { return ERROR_ACCESS_DENIED; });
-  EXPECT_EQ(settings.Write(L"v", REG_DWORD, Number(1).bytes, SettingsPlace::kPrinterData),
-            SETTINGS_WRITE_FAILED);
+      +[](HANDLE, wchar_t*, DWORD, BYTE*, DWORD) WINAPI { return DWORD{ERROR_ACCESS_DENIED}; });
+  EXPECT_EQ(open.Write(L"v", REG_SZ, {}, SettingsPlace::kPrinterData), SETTINGS_WRITE_FAILED);
 }
 
-TEST_F(PrinterSettingsTest, ProductStrings_AnyForm_EndInATerminator) {
+TEST_F(PrinterSettingsTest, ProductStrings_EndInATerminator) {
   const struct {
     const char* what;
-    std::optional<StoredValue> stored;
+    std::optional<StoredValue> flags, stored;
     std::optional<std::wstring> expected;
   } cases[] = {
-      {"terminated", Terminated(L"https://x"), L"https://x"},
-      {"no terminator", Text(std::wstring(L"ab")), L"ab"},
-      {"odd length", Text(std::string("a\0b\0c", 5)), L"ab"},
-      {"1 byte", Text(std::string("a")), L""},
-      {"0 bytes", StoredValue{REG_SZ, {}}, L""},
-      {"a number", Number(0x00620061), L"ab"},
-      {"1 MiB", Text(std::wstring(1 << 19, L'a')), std::wstring(1 << 19, L'a')},
-      {"absent", {}, {}},
+      {"terminated", Number(1), Terminated(L"https://x"), L"https://x"},
+      {"no terminator", Number(0x80000000), Text(std::wstring(L"ab")), L"ab"},
+      {"odd length", Number(1), Text(std::string("a\0b\0c", 5)), L"ab"},
+      {"1 byte", Number(1), Zeros(1), L""},
+      {"0 bytes", Number(1), Zeros(0), L""},
+      {"1 MiB", Number(1), Text(std::wstring(1 << 19, L'a')), std::wstring(1 << 19, L'a')},
+      {"absent", Number(1), {}, {}},
+      {"no flags", {}, Terminated(L"x"), {}},
+      {"flags 0", Number(0), Terminated(L"x"), {}},
   };
   for (const auto& c : cases) {
     StartAfresh();
-    PutData(L"DriverFlags", Number(1));
-    if (c.stored) PutData(L"url", *c.stored);
+    PutData(L"DriverFlags", c.flags);
+    PutData(L"url", c.stored);
     const PrinterSettings settings(printer_.Get());
-    EXPECT_EQ(settings.DriverFlags(), 1u);
-    EXPECT_EQ(TextOf(settings.Strings().slots[ProductStrings::kUrl]), c.expected) << c.what;
+    EXPECT_EQ(WideText(settings.Strings().slots[ProductStrings::kUrl]), c.expected) << c.what;
     EXPECT_FALSE(settings.Strings().slots[ProductStrings::kProductName]) << c.what;
   }
 }
 
-TEST_F(PrinterSettingsTest, WithoutDriverFlags_NothingOfTheProductIsRead) {
-  for (const std::optional<DWORD> flags : {std::optional<DWORD>(), std::optional<DWORD>(0)}) {
-    if (flags) PutData(L"DriverFlags", Number(*flags));
-    for (const wchar_t* name : {L"ProductName", L"RootDir", L"HelpFile", L"url", L"InfoKey"}) {
-      PutData(name, Terminated(L"x"));
-    }
-    const PrinterSettings settings(kTestPrinter, kAccess);
-    for (const GlobalBlock& slot : settings.Strings().slots) EXPECT_FALSE(slot);
-    EXPECT_EQ(settings.InfoKey(), nullptr);
-  }
-  PutData(L"DriverFlags", Number(0x80000000));
-  const PrinterSettings settings(kTestPrinter, kAccess);
-  EXPECT_STREQ(settings.Strings().Text(ProductStrings::kProductName), L"x");
-  EXPECT_EQ(settings.Strings().Text(ProductStrings::kRegistryKey), nullptr);
-  ASSERT_NE(settings.InfoKey(), nullptr);
-  EXPECT_EQ(settings.InfoKeySize(), 4u);
-}
-
-// Between asking for the size and reading, the value of printer data becomes this.
-std::optional<StoredValue> value_by_then;
+// Between asking for the size and reading, the printer's "InfoKey" becomes this long; -1 = gone.
+int size_by_then;
 decltype(GetPrinterDataW)* get_printer_data;
 
 DWORD WINAPI ChangeAfterQuery(HANDLE printer, wchar_t* name, DWORD* type, BYTE* data, DWORD size,
                               DWORD* needed) {
+  BYTE bytes[16] = {};
   if (data != nullptr && std::wstring(name) == L"InfoKey") {
-    if (!value_by_then) return ERROR_FILE_NOT_FOUND;
-    SetPrinterDataW(printer, name, value_by_then->type,
-                    reinterpret_cast<BYTE*>(value_by_then->bytes.data()),
-                    static_cast<DWORD>(value_by_then->bytes.size()));
+    if (size_by_then < 0) return ERROR_FILE_NOT_FOUND;
+    SetPrinterDataW(printer, name, REG_BINARY, bytes, static_cast<DWORD>(size_by_then));
   }
   return get_printer_data(printer, name, type, data, size, needed);
 }
 
 TEST_F(PrinterSettingsTest, ValueChangedBetweenQueryAndRead) {
-  const struct {
-    const char* what;
-    std::optional<StoredValue> by_then;
-    std::optional<DWORD> expected_size;
-  } cases[] = {
-      {"gone", {}, {}},
-      {"grown", StoredValue{REG_BINARY, std::vector<std::byte>(9)}, {}},
-      {"shrunk", StoredValue{REG_BINARY, std::vector<std::byte>(3)}, 3},
-  };
   PutData(L"DriverFlags", Number(1));
   const ImportPatch patch("GetPrinterDataW", ChangeAfterQuery);
   get_printer_data = patch.Original<decltype(GetPrinterDataW)>();
-  for (const auto& c : cases) {
-    PutData(L"InfoKey", {REG_BINARY, std::vector<std::byte>(8)});
-    value_by_then = c.by_then;
+  for (const auto& [by_then, expected] : {std::pair{8, 8u}, {-1, 0u}, {9, 0u}, {3, 3u}}) {
+    PutData(L"InfoKey", Zeros(8));
+    size_by_then = by_then;
     const PrinterSettings settings(printer_.Get());
-    EXPECT_EQ(settings.InfoKey() != nullptr, c.expected_size.has_value()) << c.what;
-    EXPECT_EQ(settings.InfoKeySize(), c.expected_size.value_or(0)) << c.what;
+    EXPECT_EQ(settings.InfoKey() != nullptr, expected != 0) << by_then;
+    EXPECT_EQ(settings.InfoKeySize(), expected) << by_then;
   }
 }
 
-std::vector<DWORD> masks;
-
-BOOL WINAPI NoteMask(wchar_t*, HANDLE*, PRINTER_DEFAULTSW* defaults) {
-  masks.push_back(defaults->DesiredAccess);
+BOOL WINAPI RefuseAllButMask8(wchar_t*, HANDLE*, PRINTER_DEFAULTSW* defaults) {
+  if (defaults->DesiredAccess != 8) std::exit(1);
   return FALSE;
+}
+
+void OpenWithTwoMasks() {
+  const ImportPatch patch("OpenPrinterW", RefuseAllButMask8);
+  const PrinterSettings first(kTestPrinter, 8);
+  const PrinterSettings second(kTestPrinter, PRINTER_ALL_ACCESS);
+  std::exit(0);
 }
 
 TEST_F(PrinterSettingsTest, AccessMask_OfTheFirstConstructionWins) {
   // In a process of its own, where no other printer was opened before.
-  EXPECT_EXIT(
-      {
-        const ImportPatch patch("OpenPrinterW", NoteMask);
-        const PrinterSettings first(kTestPrinter, 8);
-        const PrinterSettings second(kTestPrinter, kAccess);
-        std::exit(masks == std::vector<DWORD>{8, 8} ? 0 : 1);
-      },
-      testing::ExitedWithCode(0), "");
+  EXPECT_EXIT(OpenWithTwoMasks(), testing::ExitedWithCode(0), "");
+}
+
+TEST_F(PrinterSettingsTest, Options_LoadFromPrinterDataStoreToTheRegistry) {
+  PutData(L"Options", Number(0x80000001));
+  PutData(L"AboutString", Text(std::string("8-bit text")));
+  PutData(L"SaveFormats", Zeros(25));
+  const PrinterSettings settings(printer_.Get());
+  PrinterOptions options;
+  for (const auto& [count, expected] : {std::pair{0u, 0u}, {1u, 1u}, {3u, 2u}, {~0u, 2u}}) {
+    PutData(L"SaveFormatsCount", Number(count));
+    ASSERT_EQ(LoadOptions(settings, &options), SETTINGS_OK);
+    EXPECT_EQ(options.save_formats_count, expected);
+    EXPECT_EQ(static_cast<bool>(options.save_formats), expected != 0);
+  }
+  EXPECT_EQ(options.options, 0x80000001u);
+  EXPECT_STREQ(static_cast<const char*>(options.about_string.Get()), "8-bit text");
+  EXPECT_FALSE(options.about_icon);
+
+  ASSERT_EQ(StoreOptions(settings, options), SETTINGS_OK);
+  EXPECT_EQ(GetValue(HKEY_CURRENT_USER, kOwnKey, L"Options"), Number(0x80000001));
+  EXPECT_EQ(GetValue(HKEY_CURRENT_USER, kOwnKey, L"SaveFormatsCount"), Number(2));
+  EXPECT_EQ(GetValue(HKEY_CURRENT_USER, kOwnKey, L"SaveFormats"), Zeros(24));
+  EXPECT_FALSE(GetValue(HKEY_CURRENT_USER, kOwnKey, L"AboutIcon"));
+  // 8-bit, and 11 bytes with the terminator; Windows adds to a text what it takes for half a one.
+  const auto text = GetValue(HKEY_CURRENT_USER, kOwnKey, L"AboutString");
+  ASSERT_TRUE(text && text->bytes.size() >= 11);
+  EXPECT_STREQ(reinterpret_cast<const char*>(text->bytes.data()), "8-bit text");
+  EXPECT_EQ(text->type, DWORD{REG_SZ});
 }
 
 }  // namespace

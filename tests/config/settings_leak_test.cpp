@@ -9,6 +9,8 @@
 namespace quillo {
 namespace {
 
+using namespace test;
+
 class SettingsLeakTest : public SettingsTest {};
 
 size_t HeapBytes() {
@@ -21,14 +23,12 @@ size_t HeapBytes() {
 }
 
 /// The lowest free kernel handle.
-uintptr_t FreshHandle() {
-  const KernelHandle event(CreateEventW(nullptr, TRUE, FALSE, nullptr));
-  return reinterpret_cast<uintptr_t>(event.Get());
-}
+HANDLE FreshHandle() { return KernelHandle(CreateEventW(nullptr, TRUE, FALSE, nullptr)).Get(); }
 
 void OneRound(HANDLE printer, const CustomPaper* papers) {
   DeviceMode mode;
   BuildDefaultDeviceMode(mode, kTestPrinter);
+  mode.pub.dmPaperSize = 300;
   const PrinterSettings settings(printer);
   ASSERT_EQ(WriteDeviceData(settings, mode), SETTINGS_OK);
   ASSERT_TRUE(LoadStoredDeviceMode(printer, mode));
@@ -37,7 +37,6 @@ void OneRound(HANDLE printer, const CustomPaper* papers) {
   ASSERT_EQ(StoreOptions(settings, options), SETTINGS_OK);
   ASSERT_EQ(SaveCustomPapers(kTestPrinter, papers), SETTINGS_OK);
   CustomPaper paper;
-  mode.pub.dmPaperSize = 300;
   ASSERT_TRUE(FindCustomPaper(mode.pub, paper));
   ValueBuffer value;
   settings.ReadLegacy(L"Options", &value);
@@ -49,18 +48,18 @@ void OneRound(HANDLE printer, const CustomPaper* papers) {
 }
 
 TEST_F(SettingsLeakTest, ThousandRounds_LeaveNothing) {
-  PutData(L"DriverFlags", Number(1));
+  for (const wchar_t* name : {L"DriverFlags", L"InfoKey", L"SaveFormatsCount"}) {
+    PutData(name, Number(1));
+  }
   PutData(L"RegistryKey", Terminated(L"Software\\Product"));
-  PutData(L"InfoKey", Number(1));
   PutData(L"AboutString", Text(std::string("text")));
-  PutData(L"SaveFormatsCount", Number(1));
-  PutData(L"SaveFormats", Text(std::string(12, 'f')));
-  CustomPapers papers(NewCustomPaper());
+  PutData(L"SaveFormats", Zeros(12));
+  const CustomPapers papers(NewCustomPaper());
   papers.Get()->number = 300;
 
   OneRound(printer_.Get(), papers.Get());
   const size_t bytes = HeapBytes();
-  const uintptr_t handle = FreshHandle();
+  const HANDLE handle = FreshHandle();
   for (int i = 0; i < 1000; ++i) OneRound(printer_.Get(), papers.Get());
   EXPECT_LT(HeapBytes(), bytes + 4096);
   EXPECT_EQ(FreshHandle(), handle);

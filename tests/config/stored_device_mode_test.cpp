@@ -9,29 +9,27 @@
 namespace quillo {
 namespace {
 
+using namespace test;
+
 constexpr wchar_t kDeviceData[] = L"DEVICE DATA";
 
-DeviceMode Mode(short copies) {
+/// A mode whose copies tell it from others.
+DeviceMode Mode(short copies, uint16_t driver_version = kDriverVersion) {
   DeviceMode mode;
   BuildDefaultDeviceMode(mode, L"stored");
-  mode.pub.dmCopies = copies;  // tells one mode from another
+  mode.pub.dmCopies = copies;
+  mode.pub.dmDriverVersion = driver_version;
   return mode;
 }
 
-DeviceMode Foreign() {
-  DeviceMode mode = Mode(9);
-  mode.pub.dmDriverVersion = 0x0401;
-  return mode;
-}
-
-// What the spooler holds as the printer's default; null = nothing.
-const DEVMODEW* spooler_default = nullptr;
-decltype(GetPrinterW)* get_printer = nullptr;
+std::optional<DeviceMode> spooler_default;  // what the spooler holds as the printer's default
+decltype(GetPrinterW)* get_printer;
 
 BOOL WINAPI GiveDefault(HANDLE printer, DWORD level, BYTE* info, DWORD size, DWORD* needed) {
   const BOOL result = get_printer(printer, level, info, size, needed);
   if (result && level == 2) {
-    reinterpret_cast<PRINTER_INFO_2W*>(info)->pDevMode = const_cast<DEVMODEW*>(spooler_default);
+    reinterpret_cast<PRINTER_INFO_2W*>(info)->pDevMode =
+        spooler_default ? &spooler_default->pub : nullptr;
   }
   return result;
 }
@@ -49,65 +47,56 @@ class StoredDeviceModeTest : public SettingsTest {
   }
 
  private:
-  test::ImportPatch patch_{"GetPrinterW", GiveDefault};
+  ImportPatch patch_{"GetPrinterW", GiveDefault};
 };
 
 TEST_F(StoredDeviceModeTest, UserThenMachineThenSpooler) {
-  const DeviceMode spooled = Mode(3);
-  const DeviceMode foreign = Foreign();
-  StoredValue wrong_type = Binary(Mode(1));
-  wrong_type.type = REG_SZ;
-  StoredValue too_short = Binary(Mode(1));
+  using Value = std::optional<StoredValue>;
+  const StoredValue user = Binary(Mode(1)), machine = Binary(Mode(2)), huge = Zeros(1 << 20);
+  StoredValue too_short = user, too_long = user;
   too_short.bytes.pop_back();
-  StoredValue too_long = Binary(Mode(1));
   too_long.bytes.push_back({});
-  const StoredValue huge = {REG_BINARY, std::vector<std::byte>(1 << 20)};
   const struct {
     const char* what;
-    std::optional<StoredValue> user, machine;
-    const DeviceMode* spooler;
+    Value user, machine;
+    std::optional<DeviceMode> spooler;
     int expected;
   } cases[] = {
-      {"all", Binary(Mode(1)), Binary(Mode(2)), &spooled, 1},
-      {"machine", {}, Binary(Mode(2)), &spooled, 2},
-      {"spooler", {}, {}, &spooled, 3},
-      {"none", {}, {}, nullptr, 0},
-      {"foreign spooler mode", {}, {}, &foreign, 0},
-      {"foreign user mode", Binary(foreign), Binary(Mode(2)), &spooled, 0},
-      {"wrong type is final", wrong_type, Binary(Mode(2)), &spooled, 3},
-      {"short is final", too_short, Binary(Mode(2)), &spooled, 3},
-      {"0 bytes is final", StoredValue{REG_BINARY, {}}, Binary(Mode(2)), nullptr, 0},
-      {"too long is unreadable", too_long, Binary(Mode(2)), &spooled, 2},
-      {"1 MiB is unreadable", huge, Binary(Mode(2)), &spooled, 2},
-      {"1 MiB everywhere", huge, huge, nullptr, 0},
+      {"all", user, machine, Mode(3), 1},
+      {"machine", {}, machine, Mode(3), 2},
+      {"spooler", {}, {}, Mode(3), 3},
+      {"none", {}, {}, {}, 0},
+      {"foreign spooler mode", {}, {}, Mode(9, 0x401), 0},
+      {"foreign user mode", Binary(Mode(9, 0x401)), machine, Mode(3), 0},
+      {"wrong type is final", Binary(Mode(1), REG_SZ), machine, Mode(3), 3},
+      {"short is final", too_short, machine, Mode(3), 3},
+      {"0 bytes is final", Zeros(0), machine, {}, 0},
+      {"too long is unreadable", too_long, machine, Mode(3), 2},
+      {"1 MiB is unreadable", huge, huge, {}, 0},
   };
   for (const auto& c : cases) {
     StartAfresh();
     if (c.user) PutValue(HKEY_CURRENT_USER, kOwnKey, kDeviceData, *c.user);
     if (c.machine) PutValue(HKEY_LOCAL_MACHINE, kOwnKey, kDeviceData, *c.machine);
-    spooler_default = c.spooler != nullptr ? &c.spooler->pub : nullptr;
+    spooler_default = c.spooler;
     EXPECT_EQ(Load(), c.expected) << c.what;
   }
 }
 
-TEST_F(StoredDeviceModeTest, MachineValue_BecomesTheUsers) {
-  spooler_default = nullptr;
+TEST_F(StoredDeviceModeTest, MachinesValue_BecomesTheUsers) {
   PutValue(HKEY_LOCAL_MACHINE, kOwnKey, kDeviceData, Binary(Mode(2)));
   EXPECT_EQ(Load(), 2);
-  EXPECT_EQ(GetValue(HKEY_CURRENT_USER, kOwnKey, kDeviceData), Binary(Mode(2)));
   PutValue(HKEY_LOCAL_MACHINE, kOwnKey, kDeviceData, Binary(Mode(5)));
   EXPECT_EQ(Load(), 2);
-  // Another user gets the machine's as it is by now, and the first one's stays.
-  ASSERT_TRUE(sandbox_->SwitchUser(L"another user"));
+  sandbox_->SwitchUser(L"another user");
   EXPECT_EQ(Load(), 5);
-  ASSERT_TRUE(sandbox_->SwitchUser(L"user"));
-  EXPECT_EQ(Load(), 2);
+  sandbox_->SwitchUser(L"user");
+  EXPECT_EQ(GetValue(HKEY_CURRENT_USER, kOwnKey, kDeviceData), Binary(Mode(2)));
 }
 
 TEST_F(StoredDeviceModeTest, Write_AdministratorsForTheMachineToo) {
   for (const bool administrator : {false, true}) {
-    StartAfresh();
-    test::LateFunctions functions;
+    LateFunctions functions;
     if (!administrator) functions.Miss("EqualSid");
     EXPECT_EQ(WriteDeviceData(PrinterSettings(printer_.Get()), Mode(4)), SETTINGS_OK);
     EXPECT_EQ(GetValue(HKEY_CURRENT_USER, kOwnKey, kDeviceData), Binary(Mode(4)));

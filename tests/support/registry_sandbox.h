@@ -2,6 +2,12 @@
 
 #include "base/windows.h"
 
+#include <cstddef>
+#include <optional>
+#include <span>
+#include <string>
+#include <vector>
+
 #include "base/kernel_owners.h"
 
 namespace quillo::test {
@@ -13,9 +19,14 @@ class RegistrySandbox {
  public:
   RegistrySandbox() {
     RegDeleteTreeW(HKEY_CURRENT_USER, kPath);
-    active_ = RegCreateKeyW(HKEY_CURRENT_USER, kPath, root_.Receive()) == ERROR_SUCCESS &&
-              CopySpooler() && Override(HKEY_LOCAL_MACHINE, L"machine") &&
-              Override(HKEY_CURRENT_USER, L"user");
+    RegistryKey spooler, copy;
+    RegOpenKeyW(HKEY_LOCAL_MACHINE, kSpooler, spooler.Receive());
+    RegCreateKeyW(HKEY_CURRENT_USER, kPath, root_.Receive());
+    const std::wstring machine = std::wstring(L"machine\\") + kSpooler;
+    RegCreateKeyW(root_.Get(), machine.c_str(), copy.Receive());
+    RegCopyTreeW(spooler.Get(), nullptr, copy.Get());
+    Override(HKEY_LOCAL_MACHINE, L"machine");
+    SwitchUser(L"user");
   }
   ~RegistrySandbox() {
     RegOverridePredefKey(HKEY_CURRENT_USER, nullptr);
@@ -26,33 +37,63 @@ class RegistrySandbox {
   RegistrySandbox(const RegistrySandbox&) = delete;
   RegistrySandbox& operator=(const RegistrySandbox&) = delete;
 
-  [[nodiscard]] bool Active() const { return active_; }
-
-  /// Makes HKEY_CURRENT_USER the hive of another user of this name.
-  [[nodiscard]] bool SwitchUser(const wchar_t* name) { return Override(HKEY_CURRENT_USER, name); }
+  /// Makes HKEY_CURRENT_USER the hive of the user of this name; at first that is "user".
+  void SwitchUser(const wchar_t* name) { Override(HKEY_CURRENT_USER, name); }
 
  private:
   static constexpr wchar_t kPath[] = L"Software\\Quillo test hives";
   static constexpr wchar_t kSpooler[] = L"System\\CurrentControlSet\\Control\\Print";
 
-  bool CopySpooler() {
-    RegistryKey source;
-    if (RegOpenKeyW(HKEY_LOCAL_MACHINE, kSpooler, source.Receive()) != ERROR_SUCCESS) return true;
-    RegistryKey machine;
-    RegistryKey copy;
-    return RegCreateKeyW(root_.Get(), L"machine", machine.Receive()) == ERROR_SUCCESS &&
-           RegCreateKeyW(machine.Get(), kSpooler, copy.Receive()) == ERROR_SUCCESS &&
-           RegCopyTreeW(source.Get(), nullptr, copy.Get()) == ERROR_SUCCESS;
-  }
-
-  bool Override(HKEY predefined, const wchar_t* name) {
+  void Override(HKEY predefined, const wchar_t* name) {
     RegistryKey key;
-    return RegCreateKeyW(root_.Get(), name, key.Receive()) == ERROR_SUCCESS &&
-           RegOverridePredefKey(predefined, key.Get()) == ERROR_SUCCESS;
+    RegCreateKeyW(root_.Get(), name, key.Receive());
+    RegOverridePredefKey(predefined, key.Get());
   }
 
   RegistryKey root_;
-  bool active_ = false;
 };
+
+/// A value as it lies in the registry or in printer data.
+struct StoredValue {
+  DWORD type = REG_NONE;
+  std::vector<std::byte> bytes;
+  friend bool operator==(const StoredValue&, const StoredValue&) = default;
+};
+
+template <typename T>
+StoredValue Binary(const T& object, DWORD type = REG_BINARY) {
+  const auto bytes = std::as_bytes(std::span(&object, 1));
+  return {type, {bytes.begin(), bytes.end()}};
+}
+inline StoredValue Number(DWORD number) { return Binary(number, REG_DWORD); }
+inline StoredValue Zeros(size_t size) { return {REG_BINARY, std::vector<std::byte>(size)}; }
+/// A text without its terminator.
+template <typename Char>
+StoredValue Text(const std::basic_string<Char>& text) {
+  const auto bytes = std::as_bytes(std::span(text));
+  return {REG_SZ, {bytes.begin(), bytes.end()}};
+}
+inline StoredValue Terminated(const std::wstring& text) { return Text(text + L'\0'); }
+
+inline void PutValue(HKEY root, const std::wstring& path, const wchar_t* name, StoredValue value) {
+  RegistryKey key;
+  RegCreateKeyW(root, path.c_str(), key.Receive());
+  const auto size = static_cast<DWORD>(value.bytes.size());
+  // A terminator right behind a text would be stored with it.
+  value.bytes.resize(size + sizeof(wchar_t), std::byte{'#'});
+  RegSetValueExW(key.Get(), name, 0, value.type, reinterpret_cast<BYTE*>(value.bytes.data()), size);
+}
+
+inline std::optional<StoredValue> GetValue(HKEY root, const std::wstring& path,
+                                           const wchar_t* name) {
+  StoredValue value = Zeros(4096);
+  auto size = static_cast<DWORD>(value.bytes.size());
+  if (RegGetValueW(root, path.c_str(), name, RRF_RT_ANY | RRF_NOEXPAND, &value.type,
+                   value.bytes.data(), &size) != ERROR_SUCCESS) {
+    return std::nullopt;
+  }
+  value.bytes.resize(size);
+  return value;
+}
 
 }  // namespace quillo::test
