@@ -9,9 +9,6 @@
 namespace quillo::host {
 namespace {
 
-/// Strings of more glyphs give their positions out in batches, as the glyph cache of a real engine
-/// makes them.
-constexpr size_t kGlyphsAtHand = 256;
 constexpr uint8_t kPatternCopy = 0xF0;
 
 LONG Round(double value) { return static_cast<LONG>(std::lround(value)); }

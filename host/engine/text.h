@@ -20,6 +20,8 @@ struct TextDescription {
   std::shared_ptr<const TextFont> font;
   std::wstring text;           // UTF-16, or glyph indexes
   bool glyph_indexes = false;  // ETO_GLYPH_INDEX
+  bool right_to_left = false;  // ETO_RTLREADING or TA_RTLREADING: reading order of the whole line
+  bool in_order = false;       // ETO_IGNORELANGUAGE: no unit changes its place
   double x = 0, y = 0;         // reference point, device pixels
   XFORM to_device{1, 0, 0, 1, 0, 0};
   UINT align = TA_LEFT | TA_TOP;  // TA_UPDATECP is the caller's business

@@ -3,6 +3,8 @@
 #include <cmath>
 #include <numbers>
 
+#include "host/engine/bidi.h"
+
 namespace quillo::host {
 namespace {
 
@@ -57,23 +59,28 @@ TextLayout LayOut(const TextDescription& text) {
   const Turn line(font.Wanted().lfEscapement), glyph(font.Wanted().lfOrientation);
   TextLayout layout;
 
+  for (const wchar_t unit : text.text) {
+    layout.glyphs.push_back(text.glyph_indexes ? static_cast<USHORT>(unit) : font.GlyphOf(unit));
+  }
+  const bool fixed_order = text.glyph_indexes || text.in_order;
+  const std::vector<size_t> order =
+      fixed_order ? std::vector<size_t>{} : VisualOrder(text.text, text.right_to_left);
+
   // Along the line and above it, in logical units.
-  std::vector<PointD> places;
+  std::vector<PointD> places(text.text.size());
   PointD at{0, 0};
   double natural = 0;  // where the font's own advances lead
   const XFORM& m = text.to_device;
-  const double pixels =
-      std::hypot(ToDevice(m, line.Apply(1, 0)).x, ToDevice(m, line.Apply(1, 0)).y);
-  for (size_t i = 0; i < text.text.size(); ++i) {
-    const wchar_t unit = text.text[i];
-    const USHORT index = text.glyph_indexes ? static_cast<USHORT>(unit) : font.GlyphOf(unit);
-    layout.glyphs.push_back(index);
-    places.push_back(at);
+  const PointD along = ToDevice(m, line.Apply(1, 0));
+  const double pixels = std::hypot(along.x, along.y);
+  for (size_t place = 0; place < places.size(); ++place) {
+    const size_t i = order.empty() ? place : order[place];
+    places[i] = at;
     // Half a pixel is what rounding to whole ones can move a glyph anyway.
     if (std::abs(at.x - natural) * pixels > 0.5) layout.natural = false;
-    const double own = font.AdvanceOf(index) * font.ScaleX();
+    const double own = font.AdvanceOf(layout.glyphs[i]) * font.ScaleX();
     natural += own;
-    const bool space = !text.glyph_indexes && unit == L' ';
+    const bool space = !text.glyph_indexes && text.text[i] == L' ';
     at.x += i < text.dx.size() ? text.dx[i]
                                : own + text.character_extra + (space ? text.break_extra : 0);
     if (i < text.dy.size() && text.dy[i] != 0) {
@@ -81,18 +88,27 @@ TextLayout LayOut(const TextDescription& text) {
       layout.natural = layout.straight = false;
     }
   }
+  if (!order.empty() && order.size() > kGlyphsAtHand) layout.natural = false;
+  if (!order.empty() && layout.natural) {
+    const std::vector<USHORT> glyphs = layout.glyphs;
+    const std::vector<PointD> in_text_order = places;
+    for (size_t place = 0; place < order.size(); ++place) {
+      layout.glyphs[place] = glyphs[order[place]];
+      places[place] = in_text_order[order[place]];
+    }
+  }
   layout.length = at.x;
 
   // From the line to the page.
   const double shift = -layout.length * PartBefore(text.align);
   const double drop = BaselineBelow(text.align, font) * font.ScaleY();
-  const auto place = [&](double along, double above) {
-    const PointD device = ToDevice(m, line.Apply(along + shift, drop - above));
+  const auto on_page = [&](double x, double above) {
+    const PointD device = ToDevice(m, line.Apply(x + shift, drop - above));
     return PointD{text.x + device.x, text.y + device.y};
   };
-  for (const PointD& p : places) layout.origins.push_back(place(p.x, p.y));
-  layout.start = place(0, 0);
-  layout.end = place(layout.length, 0);
+  for (const PointD& p : places) layout.origins.push_back(on_page(p.x, p.y));
+  layout.start = on_page(0, 0);
+  layout.end = on_page(layout.length, 0);
   layout.up = ToDevice(m, line.Apply(0, -font.ScaleY()));
 
   const PointD right = ToDevice(m, glyph.Apply(font.ScaleX(), 0));

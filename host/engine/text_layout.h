@@ -12,7 +12,15 @@ struct PointD {
   double x, y;
 };
 
+/// Strings of more glyphs give their positions out in batches, as the glyph cache of a real engine
+/// makes them.
+inline constexpr size_t kGlyphsAtHand = 256;
+
 /// A line of text, laid out in device space.
+///
+/// The glyphs come in the order of the text, so that it can be read from the page. Only where the
+/// line is natural they come in the order of their places: such a line is drawn as a whole from its
+/// first place, and its reader puts the units in their places by itself.
 struct TextLayout {
   std::vector<USHORT> glyphs;
   std::vector<PointD> origins;  // of each glyph, on its baseline

@@ -80,6 +80,27 @@ TEST_F(TextTest, Advances_OverrideTheFontsOwn) {
                    "TextOut A b accel 2, solid 0, at 50,40 57,40 69,40, em 10 0 0 10"}));
 }
 
+TEST_F(TextTest, RightToLeft_PutsUnitsInTheirPlaces) {
+  // Units in text order; a driver gets the places of a natural line from the left.
+  const std::wstring hebrew = L"a\x05D0\x05D1";
+  TextDescription line = Line(hebrew);
+  TextLayout layout = LayOut(line);
+  EXPECT_TRUE(layout.natural);
+  EXPECT_LT(layout.origins[0].x, layout.origins[1].x);
+  EXPECT_LT(layout.origins[1].x, layout.origins[2].x);
+
+  line.dx = {8, 9, 10};
+  layout = LayOut(line);
+  EXPECT_FALSE(layout.natural);
+  EXPECT_EQ(layout.origins[0].x, 50);
+  EXPECT_EQ(layout.origins[1].x, 68);  // behind the third unit
+  EXPECT_EQ(layout.origins[2].x, 58);
+  line.right_to_left = true;
+  EXPECT_EQ(LayOut(line).origins[0].x, 69);
+  line.in_order = true;
+  EXPECT_EQ(LayOut(line).origins[0].x, 50);
+}
+
 TEST_F(TextTest, FontSize_FollowsHeightWidthAndTransform) {
   Graphics page = Page();
   LOGFONTW cell = FixedPitch(1133);  // 0.8333 above and 0.3 below the baseline, of the size
