@@ -81,6 +81,13 @@ TEST_F(BlitTest, BitBlt_SourceAndMaskChooseTheRecord) {
             kClip + "MASKBLT 1 2 4 4 5 6 7 8 0xaacc 112 44 " + kPackedBoth);
 }
 
+TEST_F(BlitTest, CopyAndBlend_CarryTheSource) {
+  BLENDOBJ blend = {{1, 2, 3, 4}};
+  EXPECT_EQ(CopyBits(&source_, &clip_), kClip + "SETDIBITSTODEVICE 1 2 4 4 5 6 28 " + kPacked);
+  EXPECT_EQ(AlphaBlend(&source_, &blend),
+            kClip + "ALPHABLEND 1 2 4 4 0 0 3 2 0x4030201 40 " + kPacked);
+}
+
 // Without bits the plain copies carry zeros and the others are dropped; without a packed format
 // there is no size, and no record at all.
 TEST_F(BlitTest, WhatCannotBePacked_DiffersByRecord) {
@@ -140,19 +147,6 @@ TEST_F(BlitTest, CopyBits_FromTheDevice_IsWhite) {
   EXPECT_EQ(bits_[17], 0xFF);
   EXPECT_EQ(bits_[18], 19);
   EXPECT_EQ(TakeRecords(), "");
-}
-
-TEST_F(BlitTest, CopyBits_NoDevice_InvalidParameter) {
-  SetLastError(0);
-  EXPECT_FALSE(
-      quillo::DrvCopyBits(&source_, &source_, nullptr, nullptr, &target_rect_, &source_origin_));
-  EXPECT_EQ(GetLastError(), static_cast<DWORD>(ERROR_INVALID_PARAMETER));
-}
-
-TEST_F(BlitTest, AlphaBlend_CarriesTheBlendFunction) {
-  BLENDOBJ blend = {{1, 2, 3, 4}};
-  EXPECT_EQ(AlphaBlend(&source_, &blend),
-            kClip + "ALPHABLEND 1 2 4 4 0 0 3 2 0x4030201 40 " + kPacked);
 }
 
 TEST_F(BlitTest, ColourTable_ComesFromTheTranslation) {

@@ -110,22 +110,23 @@ TEST_F(DrawingCallTest, StrokeAndFillPath_RecordsInOrder) {
 }
 
 TEST_F(DrawingCallTest, PathFailures_CloseTheBracketAndKeepTheColour) {
-  for (PATHOBJ* path : {static_cast<PATHOBJ*>(nullptr), static_cast<PATHOBJ*>(&malformed_)}) {
-    device_.remembered_colour = 0;
-    SetLastError(0);
-    EXPECT_FALSE(StrokePath(&surface_, path));
-    EXPECT_EQ(GetLastError(), static_cast<DWORD>(path != nullptr ? ERROR_INVALID_PARAMETER : 0));
-    EXPECT_EQ(TakeDrawing().find("ENDPATH"), std::string::npos);
-    SetLastError(0);
-    EXPECT_FALSE(FillPath(&surface_, path));
-    EXPECT_EQ(GetLastError(), static_cast<DWORD>(ERROR_INVALID_PARAMETER));
-    EXPECT_EQ(TakeDrawing().find("FILLPATH"), std::string::npos);
-    SetLastError(0);
-    EXPECT_FALSE(StrokeAndFillPath(&surface_, path));
-    EXPECT_EQ(GetLastError(), static_cast<DWORD>(ERROR_INVALID_PARAMETER));
-    EXPECT_EQ(TakeDrawing().find("FILLPATH"), std::string::npos);
+  const auto fails = [this](BOOL result, DWORD last_error) {
+    EXPECT_FALSE(result);
+    EXPECT_EQ(GetLastError(), last_error);
+    const std::string records = TakeDrawing();
+    EXPECT_EQ(records.find("ENDPATH"), std::string::npos);
+    EXPECT_EQ(records.find("FILLPATH"), std::string::npos);
     EXPECT_EQ(device_.remembered_colour, 0u);
+    SetLastError(0);
+  };
+  device_.remembered_colour = 0;
+  SetLastError(0);
+  fails(StrokePath(&surface_, nullptr), 0);
+  for (PATHOBJ* path : {static_cast<PATHOBJ*>(nullptr), static_cast<PATHOBJ*>(&malformed_)}) {
+    fails(FillPath(&surface_, path), ERROR_INVALID_PARAMETER);
+    fails(StrokeAndFillPath(&surface_, path), ERROR_INVALID_PARAMETER);
   }
+  fails(StrokePath(&surface_, &malformed_), ERROR_INVALID_PARAMETER);
 }
 
 TEST_F(DrawingCallTest, DeviceState_DecidesWhetherACallIsRecorded) {
@@ -135,8 +136,10 @@ TEST_F(DrawingCallTest, DeviceState_DecidesWhetherACallIsRecorded) {
   foreign_surface.dhpdev = reinterpret_cast<DHPDEV>(&foreign);
   for (const Call& call : calls_) {
     SCOPED_TRACE(call.name);
+    SetLastError(0);
     EXPECT_FALSE(call.draw(nullptr));
     EXPECT_FALSE(call.draw(&foreign_surface));
+    EXPECT_EQ(GetLastError() == ERROR_INVALID_PARAMETER, call.name == std::string("DrvCopyBits"));
     for (const uint32_t flags : {kDrawingRefused | 0u, kDrawingRefused | kDrawingDiscarded}) {
       device_.flags = flags;
       EXPECT_FALSE(call.draw(&surface_));

@@ -76,11 +76,7 @@ TEST_F(WritePenTest, Cosmetic_StyleArrayChoosesTheRecord) {
 }
 
 TEST_F(WritePenTest, Geometric_JoinsCapsWidthAndMiter) {
-  const struct {
-    LINEATTRS attributes;
-    XFORMOBJ* transform;
-    const char* records;
-  } cases[] = {
+  const std::tuple<LINEATTRS, XFORMOBJ*, const char*> cases[] = {
       {Geometric(JOIN_ROUND, ENDCAP_ROUND, 2.5f, 10), nullptr,
        "SETMITERLIMIT 10\nEXTCREATEPEN 0x10000 3 0 0\n"},
       {Geometric(JOIN_BEVEL, ENDCAP_SQUARE, 2.5f, 1), &g_doubled,
@@ -89,11 +85,12 @@ TEST_F(WritePenTest, Geometric_JoinsCapsWidthAndMiter) {
        "SETMITERLIMIT 1\nEXTCREATEPEN 0x12200 0 0 0\n"},
       {Geometric(77, 77, 1, -3), nullptr, "SETMITERLIMIT 1\nEXTCREATEPEN 0x10000 1 0 0\n"},
   };
-  for (const auto& c : cases) EXPECT_EQ(Record(c.attributes, c.transform), c.records);
-
-  LINEATTRS attributes = Geometric(0, 0, 1, 0.5f);
-  WritePen(device_, &attributes, nullptr, nullptr);
-  EXPECT_EQ(attributes.eMiterLimit, 1.0f);
+  for (const auto& [attributes, transform, records] : cases) {
+    EXPECT_EQ(Record(attributes, transform), records);
+  }
+  LINEATTRS changed = Geometric(0, 0, 1, 0.5f);
+  WritePen(device_, &changed, nullptr, nullptr);
+  EXPECT_EQ(changed.eMiterLimit, 1.0f);
 }
 
 TEST_F(WritePenTest, Geometric_StyleEntriesAreScaled) {
