@@ -8,6 +8,7 @@
 #include <string>
 #include <vector>
 
+#include "host/emf/player.h"
 #include "host/engine/canvas.h"
 
 namespace quillo::host {
@@ -23,12 +24,14 @@ class UnreadableInput : public std::runtime_error {
 struct PageSetup {
   int dpi;   // of the page
   bool fit;  // into the printable area; else at their own size
+  emf::GlyphOrder glyph_order;
 };
 
 /// What became of one page's drawing.
 struct DrawResult {
   std::map<std::string, uint64_t> not_carried;  // records that are not on the page, by name
   std::vector<std::string> faults;              // what is wrong with the input, a phrase each
+  std::map<std::wstring, emf::FontUse> fonts;   // by the face name that is asked for
 };
 
 /// An opened input: pages that are drawn one after the other.

@@ -21,9 +21,10 @@ class MetafileInput : public PrintInput {
     const emf::Transform to_page =
         setup.fit ? emf::FitFrame(reader_.header(), {size.cx, size.cy})
                   : emf::ActualSize(reader_.header(), static_cast<uint32_t>(setup.dpi));
-    const emf::PlayResult played = emf::PlayMetafile(reader_, to_page, canvas);
+    emf::PlayResult played = emf::PlayMetafile(reader_, to_page, canvas, {setup.glyph_order});
 
     DrawResult result;
+    result.fonts = std::move(played.fonts);
     for (const auto& [name, count] : played.not_carried) {
       result.not_carried[name] = static_cast<uint64_t>(count);
     }

@@ -78,6 +78,10 @@ class Parser {
         ->type_name("DPI")
         ->check(CLI::Range(0, 1200))
         ->capture_default_str();
+    glyph_order_ = AddFlag("--assume-glyph-order,!--no-assume-glyph-order",
+                           "Draw text of glyph numbers also when its font is not installed, with "
+                           "the substitute's glyphs; by default where the substitute keeps the "
+                           "common order");
     app_.add_flag("--quiet", options_.quiet, "Report nothing but problems");
     // For tests: how the client misbehaves.
     app_.add_option("--client", client_)->check(CLI::Validator(CheckClient, ""))->group("");
@@ -112,6 +116,10 @@ class Parser {
   Options Result() {
     options_.output = ToPath(output_);
     options_.fit = actual_size_->count() == 0;
+    if (glyph_order_->count() != 0) {
+      options_.glyph_order =
+          glyph_order_->as<bool>() ? emf::GlyphOrder::kAssume : emf::GlyphOrder::kDrop;
+    }
     options_.client = ParseClientFault(client_).value_or(ClientFault::kNone);
     TakeInputs();
     options_.document =
@@ -148,6 +156,7 @@ class Parser {
   CLI::Option* landscape_ = nullptr;
   CLI::Option* portrait_ = nullptr;
   CLI::Option* actual_size_ = nullptr;
+  CLI::Option* glyph_order_ = nullptr;
   std::vector<std::string> inputs_;
   std::vector<std::string> papers_;
   std::string output_ = "out";

@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "host/client/client_fault.h"
+#include "host/emf/player.h"
 #include "host/printer/sheet.h"
 
 namespace quillo::host {
@@ -25,6 +26,7 @@ struct Options {
   std::wstring document;  // never empty
   int preview_dpi = 96;   // 0: no previews
   bool quiet = false;
+  emf::GlyphOrder glyph_order = emf::GlyphOrder::kAsSubstitute;
   ClientFault client = ClientFault::kNone;
 };
 

@@ -2,6 +2,7 @@
 
 #include "base/windows.h"
 
+#include <algorithm>
 #include <cstring>
 #include <fstream>
 #include <iterator>
@@ -37,20 +38,61 @@ std::wstring TextOf(Bytes record) {
   return characters;
 }
 
+/// Follows the fonts of a page and takes down its text.
+class TextCollector {
+ public:
+  explicit TextCollector(PageContent& content) : content_(content) {}
+
+  void Take(const emf::Record& record) {
+    const auto object = LoadOrZero<uint32_t>(record.bytes, 8);
+    switch (record.type) {
+      case emf::kEmrEXTCREATEFONTINDIRECTW:
+        faces_[object] = FaceOf(record.bytes);
+        break;
+      case emf::kEmrSELECTOBJECT:
+        if (const auto face = faces_.find(object); face != faces_.end()) face_ = face->second;
+        break;
+      case emf::kEmrDELETEOBJECT:
+        faces_.erase(object);
+        break;
+      case emf::kEmrEXTTEXTOUTW:
+        TakeText(TextOf(record.bytes));
+        break;
+    }
+  }
+
+ private:
+  static std::string FaceOf(Bytes record) {
+    auto font = LoadOrZero<LOGFONTW>(record, 12);
+    font.lfFaceName[LF_FACESIZE - 1] = L'\0';
+    return ToUtf8(font.lfFaceName);
+  }
+
+  void TakeText(std::wstring text) {
+    if (text.empty()) return;
+    content_.characters += text.size();
+    const auto lost = std::ranges::count(text, L'\0');
+    if (lost != 0) content_.lost_characters[face_] += static_cast<uint64_t>(lost);
+    std::ranges::replace(text, L'\0', L'\xFFFD');
+    content_.text.push_back(ToUtf8(text));
+  }
+
+  PageContent& content_;
+  std::map<uint32_t, std::string> faces_;  // of the font objects, by number
+  std::string face_;                       // of the selected font
+};
+
 }  // namespace
 
 PageContent ReadPageFile(const std::filesystem::path& path) {
   const std::vector<std::byte> bytes = ReadAll(path);
   PageContent content;
+  TextCollector text(content);
   try {
     emf::MetafileReader reader(bytes);
     while (const auto record = reader.Next()) {
       ++content.records[emf::RecordName(record->type)];
-      if (record->type != emf::kEmrEXTTEXTOUTW) continue;
-      const std::wstring text = TextOf(record->bytes);
-      if (text.empty()) continue;
-      content.characters += text.size();
-      content.text.push_back(ToUtf8(text));
+      text.Take(*record);
     }
   } catch (const emf::UnreadableMetafile& refused) {
     throw ResultFailure("the page " + ToUtf8(path.wstring()) + " " + refused.what(), "reading it",

@@ -90,6 +90,7 @@ class PrintJob {
 
   void PrintInputs(const ResultFolder& folder) {
     const fs::path program = ThisProgram();
+    const ComApartment apartment;  // for pictures
     EnsurePrinter(kPrinterName, options_.dpi, UserSizes());
     const SpoolJob spool(kPrinterName, options_.document);
     report_.printer = ToUtf8(kPrinterName);
@@ -147,7 +148,8 @@ class PrintJob {
     page.input = input.name;
     page.sheet = SheetSize(mode, PaperUnit::kTenthsOfMillimetre);
     page.dpi = options_.dpi;
-    page.drawn = input.content->DrawPage(graphics, {options_.dpi, options_.fit});
+    page.drawn =
+        input.content->DrawPage(graphics, {options_.dpi, options_.fit, options_.glyph_order});
     page.calls = graphics.Calls();
     session.SendPage();
 
@@ -167,8 +169,21 @@ class PrintJob {
     if (!drawn.not_carried.empty()) {
       console_.Problem(page.input + ": not carried to the page: " + List(drawn.not_carried));
     }
+    for (const auto& [face, use] : drawn.fonts) TellOfFont(page.input, ToUtf8(face), use);
     if (!page.calls.refused.empty()) {
       console_.Problem(page.input + ": the driver refused to draw: " + List(page.calls.refused));
+    }
+  }
+
+  void TellOfFont(const std::string& input, const std::string& face, const emf::FontUse& use) {
+    const std::string missing = input + ": the font \"" + face + "\" is not installed; ";
+    if (use.assumed_glyphs != 0) {
+      console_.Problem(missing + std::to_string(use.assumed_glyphs) +
+                       " glyph numbers are drawn with those of \"" + ToUtf8(use.used) + "\"");
+    }
+    if (use.dropped_glyphs != 0) {
+      console_.Problem(missing + std::to_string(use.dropped_glyphs) +
+                       " glyph numbers mean nothing without it (--assume-glyph-order draws them)");
     }
   }
 
@@ -183,9 +198,12 @@ class PrintJob {
     }
     try {
       page.content = ReadPageFile(path);
+      for (const auto& [face, count] : page.content.lost_characters) {
+        console_.Problem(page.input + ": " + std::to_string(count) + " glyphs of \"" + face +
+                         "\" have no characters on the page: they cannot be searched");
+      }
       page.file = file;
       if (options_.preview_dpi == 0) return;
-      const ComApartment apartment;
       const std::string preview = ResultFolder::PageFile(number, "png");
       WritePreview(path, folder.Path() / preview, options_.preview_dpi);
       page.preview = preview;

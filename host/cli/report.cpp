@@ -1,5 +1,7 @@
 #include "host/cli/report.h"
 
+#include "host/base/text.h"
+
 namespace quillo::host {
 
 namespace {
@@ -8,6 +10,18 @@ using Json = nlohmann::ordered_json;
 
 /// A file's name, or null for a file that is not there.
 Json NameOrNull(const std::string& name) { return name.empty() ? Json(nullptr) : Json(name); }
+
+Json ToJson(const std::map<std::wstring, emf::FontUse>& fonts) {
+  Json json = Json::object();
+  for (const auto& [face, use] : fonts) {
+    json[ToUtf8(face)] = {{"used", ToUtf8(use.used)},
+                          {"substituted", use.substituted},
+                          {"characters", use.characters},
+                          {"assumed_glyphs", use.assumed_glyphs},
+                          {"dropped_glyphs", use.dropped_glyphs}};
+  }
+  return json;
+}
 
 Json ToJson(const PageReport& page) {
   return {{"input", page.input},
@@ -18,6 +32,8 @@ Json ToJson(const PageReport& page) {
           {"records", page.content.records},
           {"characters", page.content.characters},
           {"text", page.content.text},
+          {"lost_characters", page.content.lost_characters},
+          {"fonts", ToJson(page.drawn.fonts)},
           {"ddi_calls", page.calls.made},
           {"ddi_calls_refused", page.calls.refused},
           {"not_carried", page.drawn.not_carried},
