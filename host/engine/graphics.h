@@ -82,8 +82,11 @@ class Graphics : public Canvas {
   void RasterOperation(const RECTL& area, ROP4 rop4, const BrushDescription* brush,
                        const BitmapSource* source, POINTL source_origin, const BitmapSource* mask,
                        POINTL mask_origin, const DrawState& state);
-  /// Lays a picture of 32 bits with alpha over an area of its own size.
+  /// Lays a picture of 32 bits with alpha over an area.
   void LayOver(const RECTL& area, const BitmapSource& picture, const DrawState& state);
+  void Slant(const std::array<PointD, 3>& corners, const BitmapSource& source, const RECTL& rect,
+             const BitmapSource* mask, POINTL mask_origin, ULONG stretch_mode,
+             const DrawState& state);
   void FillTriangle(const TRIVERTEX (&corners)[3], const DrawState& state);
 
   /// Fills a quadrangle given in device pixels, whatever the binary operation.

@@ -140,7 +140,7 @@ void Graphics::MaskBlt(const RECTL& target, uint16_t rop4, const BrushDescriptio
   const RECTL mask_rect{mask_origin.x, mask_origin.y, mask_origin.x + size.cx,
                         mask_origin.y + size.cy};
   const BitmapSource stretched = StretchPart(expanded, source_rect, target, area);
-  const BitmapSource stretched_mask = ToMask(StretchPart(mask, mask_rect, target, area));
+  const BitmapSource stretched_mask = StretchPart(mask, mask_rect, target, area);
   RasterOperation(area, rop4, brush, &stretched, {}, &stretched_mask, {}, state);
 }
 
@@ -224,46 +224,62 @@ void Graphics::PlgBlt(const std::array<POINTFIX, 3>& target, const BitmapSource&
                nullptr, stretch_mode, state);
     return;
   }
+  if (IsEmpty(source_rect)) return;
   const BitmapSource expanded = ExpandRuns(source);
-  const PixelReader pixels(expanded);
-  RECTL rect = source_rect;
   if (mask == nullptr && a.x == b.x && a.y == c.y) {  // by a quarter turn
-    rect = {std::max<LONG>(rect.left, 0), std::max<LONG>(rect.top, 0),
-            std::min(rect.right, source.width), std::min(rect.bottom, source.height)};
-    if (IsEmpty(rect)) return;
-    const BitmapSource turned = Transpose(expanded, rect);
+    const BitmapSource turned = Transpose(expanded, source_rect);
     StretchBlt({round(a.x), round(a.y), round(c.x), round(b.y)}, turned,
                {0, 0, turned.width, turned.height}, kSourceCopy, nullptr, stretch_mode, state);
     return;
   }
 
-  // Slanted: a picture of the bounding rectangle, transparent where the parallelogram is not.
-  const double ux = (b.x - a.x) / 16.0, uy = (b.y - a.y) / 16.0;
-  const double vx = (c.x - a.x) / 16.0, vy = (c.y - a.y) / 16.0;
+  Slant({{{a.x / 16.0, a.y / 16.0}, {b.x / 16.0, b.y / 16.0}, {c.x / 16.0, c.y / 16.0}}}, expanded,
+        source_rect, mask, mask_origin, stretch_mode, state);
+}
+
+/// Draws the bounding rectangle of the parallelogram with its outline as clip. The picture of it
+/// has pixels enough to show those of the source, and no more than the page.
+void Graphics::Slant(const std::array<PointD, 3>& corners, const BitmapSource& source,
+                     const RECTL& rect, const BitmapSource* mask, POINTL mask_origin,
+                     ULONG stretch_mode, const DrawState& state) {
+  const auto& [a, b, c] = corners;
+  const double ux = b.x - a.x, uy = b.y - a.y, vx = c.x - a.x, vy = c.y - a.y;
   const double determinant = ux * vy - uy * vx;
   if (determinant == 0) return;
-  const double x0 = a.x / 16.0, y0 = a.y / 16.0;
-  const auto low = [](double start, double u, double v) {
-    return static_cast<LONG>(std::floor(start + std::min({0.0, u, v, u + v})));
-  };
-  const auto high = [](double start, double u, double v) {
-    return static_cast<LONG>(std::ceil(start + std::max({0.0, u, v, u + v})));
-  };
-  const RECTL area =
-      Visible({low(x0, ux, vx), low(y0, uy, vy), high(x0, ux, vx), high(y0, uy, vy)}, state.clip);
+  Path outline;
+  outline.MoveTo(a.x, a.y);
+  outline.LineTo(b.x, b.y);
+  outline.LineTo(b.x + vx, b.y + vy);
+  outline.LineTo(c.x, c.y);
+  outline.CloseFigure();
+  DrawState inside = state;
+  inside.clip = state.clip.Combined(ClipShape::OfPath(outline, FillMode::kAlternate), RGN_AND);
+  const RECTL area = Visible(inside.clip.Bounds(), inside.clip);
   if (IsEmpty(area)) return;
 
+  constexpr double kLeastPixels = 1 << 20;
+  const SIZEL size = SizeOf(rect), full = SizeOf(area);
+  const double wanted = std::max(4.0 * size.cx * size.cy, kLeastPixels);
+  const double scale = std::min(1.0, std::sqrt(wanted / (static_cast<double>(full.cx) * full.cy)));
+  const auto scaled = [&](LONG length) {
+    return std::max<LONG>(1, static_cast<LONG>(std::lround(length * scale)));
+  };
+  BitmapSource slanted = MakeArgb(scaled(full.cx), scaled(full.cy));
+
+  const PixelReader pixels(source);
   std::optional<PixelReader> mask_pixels;
   if (mask != nullptr) mask_pixels.emplace(*mask);
-  const SIZEL size = SizeOf(rect), area_size = SizeOf(area);
-  BitmapSource slanted = MakeArgb(area_size.cx, area_size.cy);
-  for (LONG y = 0; y < area_size.cy; ++y) {
-    for (LONG x = 0; x < area_size.cx; ++x) {
-      const double dx = area.left + x + 0.5 - x0, dy = area.top + y + 0.5 - y0;
-      const double along = (dx * vy - dy * vx) / determinant;
-      const double down = (dy * ux - dx * uy) / determinant;
-      if (along < 0 || along >= 1 || down < 0 || down >= 1) continue;
-      const LONG sx = static_cast<LONG>(along * size.cx), sy = static_cast<LONG>(down * size.cy);
+  // Pixels beside the parallelogram take the nearest colour of its border: none show, but for what
+  // rounding leaves inside the clip.
+  const auto index = [](double part, LONG count) {
+    return static_cast<LONG>(std::clamp(part * count, 0.0, count - 1.0));
+  };
+  for (LONG y = 0; y < slanted.height; ++y) {
+    for (LONG x = 0; x < slanted.width; ++x) {
+      const double dx = area.left + (x + 0.5) * full.cx / slanted.width - a.x;
+      const double dy = area.top + (y + 0.5) * full.cy / slanted.height - a.y;
+      const LONG sx = index((dx * vy - dy * vx) / determinant, size.cx);
+      const LONG sy = index((dy * ux - dx * uy) / determinant, size.cy);
       if (!pixels.Holds(rect.left + sx, rect.top + sy)) continue;
       const POINTL in_mask{mask_origin.x + sx, mask_origin.y + sy};
       if (mask_pixels && (!mask_pixels->Holds(in_mask.x, in_mask.y) ||
@@ -273,7 +289,14 @@ void Graphics::PlgBlt(const std::array<POINTFIX, 3>& target, const BitmapSource&
       SetPixel(slanted, x, y, pixels.Color(rect.left + sx, rect.top + sy) | kOpaque);
     }
   }
-  LayOver(area, slanted, state);
+  const bool covers = mask == nullptr && rect.left >= 0 && rect.top >= 0 &&
+                      rect.right <= source.width && rect.bottom <= source.height;
+  if (covers) {
+    StretchBlt(area, slanted, {0, 0, slanted.width, slanted.height}, kSourceCopy, nullptr,
+               stretch_mode, inside);
+  } else {
+    LayOver(area, slanted, inside);
+  }
 }
 
 }  // namespace quillo::host

@@ -10,6 +10,9 @@ namespace {
 
 /// More colours than this never lie between two colours of 8 bits a channel.
 constexpr LONG kMostSteps = 1024;
+/// Values of one channel.
+constexpr LONG kMostTones = 256;
+constexpr uint8_t kSourceCopy = 0xCC;
 
 struct Color {
   double red, green, blue;
@@ -24,7 +27,7 @@ uint32_t Pack(const Color& color) {
   const auto byte = [](double value) {
     return static_cast<uint32_t>(std::clamp(value, 0.0, 255.0));
   };
-  return byte(color.red) << 16 | byte(color.green) << 8 | byte(color.blue) | kOpaque;
+  return byte(color.red) << 16 | byte(color.green) << 8 | byte(color.blue);
 }
 
 /// a * wa + b * wb + c * wc
@@ -39,24 +42,31 @@ void Graphics::FillTriangle(const TRIVERTEX (&corners)[3], const DrawState& stat
   const TRIVERTEX &a = corners[0], &b = corners[1], &c = corners[2];
   const double determinant =
       static_cast<double>(b.x - a.x) * (c.y - a.y) - static_cast<double>(c.x - a.x) * (b.y - a.y);
-  const RECTL area = Visible({std::min({a.x, b.x, c.x}), std::min({a.y, b.y, c.y}),
-                              std::max({a.x, b.x, c.x}), std::max({a.y, b.y, c.y})},
-                             state.clip);
+  Path outline;
+  outline.MoveTo(a.x, a.y);
+  outline.LineTo(b.x, b.y);
+  outline.LineTo(c.x, c.y);
+  outline.CloseFigure();
+  DrawState inside = state;
+  inside.clip = state.clip.Combined(ClipShape::OfPath(outline, FillMode::kAlternate), RGN_AND);
+  const RECTL area = Visible(inside.clip.Bounds(), inside.clip);
   if (determinant == 0 || area.left >= area.right || area.top >= area.bottom) return;
 
-  BitmapSource picture = MakeArgb(area.right - area.left, area.bottom - area.top);
+  // The colours go on beyond the edges, which the clip draws; no more of them are needed than eight
+  // bits can tell apart.
+  const LONG width = area.right - area.left, height = area.bottom - area.top;
+  BitmapSource picture = MakeArgb(std::min(width, kMostTones), std::min(height, kMostTones));
   for (LONG y = 0; y < picture.height; ++y) {
     for (LONG x = 0; x < picture.width; ++x) {
-      // Barycentric weights of the pixel's centre; edges belong to both triangles beside them.
-      const double dx = area.left + x + 0.5 - a.x, dy = area.top + y + 0.5 - a.y;
+      const double dx = area.left + (x + 0.5) * width / picture.width - a.x;
+      const double dy = area.top + (y + 0.5) * height / picture.height - a.y;
       const double wb = (dx * (c.y - a.y) - dy * (c.x - a.x)) / determinant;
       const double wc = (dy * (b.x - a.x) - dx * (b.y - a.y)) / determinant;
-      const double wa = 1 - wb - wc;
-      if (wa < 0 || wb < 0 || wc < 0) continue;
-      SetPixel(picture, x, y, Pack(Mix(ColorOf(a), wa, ColorOf(b), wb, ColorOf(c), wc)));
+      SetPixel(picture, x, y, Pack(Mix(ColorOf(a), 1 - wb - wc, ColorOf(b), wb, ColorOf(c), wc)));
     }
   }
-  LayOver(area, picture, state);
+  StretchBlt(area, picture, {0, 0, picture.width, picture.height}, kSourceCopy, nullptr,
+             COLORONCOLOR, inside);
 }
 
 void Graphics::GradientFill(std::span<const TRIVERTEX> vertices, std::span<const ULONG> mesh,
@@ -82,10 +92,10 @@ void Graphics::GradientFill(std::span<const TRIVERTEX> vertices, std::span<const
     for (LONG step = 0; step < steps; ++step) {
       const double t = static_cast<double>(step) / steps;
       SetPixel(picture, across ? step : 0, across ? 0 : step,
-               Pack(Mix(ColorOf(first), 1 - t, ColorOf(last), t, {}, 0)) & ~kOpaque);
+               Pack(Mix(ColorOf(first), 1 - t, ColorOf(last), t, {}, 0)));
     }
     StretchBlt({first.x, first.y, last.x, last.y}, picture, {0, 0, picture.width, picture.height},
-               0xCC, nullptr, COLORONCOLOR, state);
+               kSourceCopy, nullptr, COLORONCOLOR, state);
   }
 }
 

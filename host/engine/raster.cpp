@@ -1,5 +1,7 @@
 #include "host/engine/raster.h"
 
+#include <algorithm>
+
 #include "base/bytes.h"
 #include "host/engine/channels.h"
 
@@ -71,38 +73,38 @@ BitmapSource CopyArgb(const BitmapSource& picture, const RECTL& rect, bool mirro
 BitmapSource StretchPart(const BitmapSource& source, const RECTL& rect, const RECTL& target,
                          const RECTL& area) {
   const PixelReader pixels(source);
-  const LONG width = area.right - area.left, height = area.bottom - area.top;
-  BitmapSource stretched = MakeArgb(width, height);
-  for (LONG y = 0; y < height; ++y) {
+  BitmapSource stretched;
+  stretched.width = area.right - area.left;
+  stretched.height = area.bottom - area.top;
+  stretched.bits_per_pixel = std::min<uint16_t>(source.bits_per_pixel, 24);
+  if (stretched.bits_per_pixel > 8) stretched.bits_per_pixel = 24;
+  stretched.palette = source.palette;
+  stretched.top_down = true;
+  stretched.bits.resize(stretched.Stride() * static_cast<size_t>(stretched.height));
+
+  std::vector<LONG> columns;
+  for (LONG x = 0; x < stretched.width; ++x) {
+    columns.push_back(SourceOf(area.left + x, target.left, target.right - target.left, rect.left,
+                               rect.right - rect.left));
+  }
+  const bool indexed = stretched.bits_per_pixel <= 8;
+  for (LONG y = 0; y < stretched.height; ++y) {
     const LONG from_y = SourceOf(area.top + y, target.top, target.bottom - target.top, rect.top,
                                  rect.bottom - rect.top);
-    for (LONG x = 0; x < width; ++x) {
-      const LONG from_x = SourceOf(area.left + x, target.left, target.right - target.left,
-                                   rect.left, rect.right - rect.left);
-      if (!pixels.Holds(from_x, from_y)) continue;
-      SetPixel(stretched, x, y, pixels.Color(from_x, from_y) & ~kOpaque);
+    std::byte* row = stretched.bits.data() + static_cast<size_t>(y) * stretched.Stride();
+    for (size_t x = 0; x < columns.size(); ++x) {
+      if (!pixels.Holds(columns[x], from_y)) continue;
+      if (indexed) {
+        const size_t bit = x * stretched.bits_per_pixel;
+        const size_t shift = 8 - stretched.bits_per_pixel - bit % 8;
+        row[bit / 8] |= static_cast<std::byte>(pixels.Raw(columns[x], from_y) << shift);
+      } else {
+        const uint32_t color = pixels.Color(columns[x], from_y);
+        std::memcpy(row + x * 3, &color, 3);
+      }
     }
   }
   return stretched;
-}
-
-BitmapSource ToMask(const BitmapSource& picture) {
-  const PixelReader pixels(picture);
-  BitmapSource mask;
-  mask.width = picture.width;
-  mask.height = picture.height;
-  mask.bits_per_pixel = 1;
-  mask.top_down = true;
-  mask.palette = {0x000000, 0xFFFFFF};
-  mask.bits.resize(mask.Stride() * static_cast<size_t>(mask.height));
-  for (LONG y = 0; y < mask.height; ++y) {
-    for (LONG x = 0; x < mask.width; ++x) {
-      if (pixels.Color(x, y) == 0) continue;
-      mask.bits[static_cast<size_t>(y) * mask.Stride() + static_cast<size_t>(x) / 8] |=
-          std::byte{0x80} >> x % 8;
-    }
-  }
-  return mask;
 }
 
 BitmapSource Transpose(const BitmapSource& picture, const RECTL& rect) {
@@ -111,6 +113,7 @@ BitmapSource Transpose(const BitmapSource& picture, const RECTL& rect) {
   BitmapSource transposed = MakeArgb(width, height);
   for (LONG y = 0; y < height; ++y) {
     for (LONG x = 0; x < width; ++x) {
+      if (!pixels.Holds(rect.left + y, rect.top + x)) continue;
       SetPixel(transposed, x, y, pixels.Color(rect.left + y, rect.top + x));
     }
   }

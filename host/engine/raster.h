@@ -45,15 +45,12 @@ BitmapSource CopyArgb(const BitmapSource& picture, const RECTL& rect, bool mirro
                       std::optional<uint32_t> key);
 
 /// The part `area` of the picture that `rect` of the source makes when it is stretched to `target`
-/// (which may be mirrored), by nearest neighbour; black where the source has no pixel. `area` must
-/// lie inside `target`.
+/// (which may be mirrored), by nearest neighbour; index 0 or black where the source has no pixel.
+/// `area` must lie inside `target`. Pictures with palettes keep them, others get 24 bits.
 BitmapSource StretchPart(const BitmapSource& source, const RECTL& rect, const RECTL& target,
                          const RECTL& area);
 
-/// 1 bit a pixel: set where the picture is not black.
-BitmapSource ToMask(const BitmapSource& picture);
-
-/// The rectangle with its axes exchanged, and the picture in it.
+/// The picture in a rectangle with its axes exchanged; black where the source has no pixel.
 BitmapSource Transpose(const BitmapSource& picture, const RECTL& rect);
 
 /// The pixels of a run-length coded picture (Windows' RLE4 and RLE8); what the code leaves out or
