@@ -98,9 +98,8 @@ bool ReadMasks(Bytes info, const Header& header, Dib& dib) {
   for (const uint32_t mask : {dib.red_mask, dib.green_mask, dib.blue_mask}) {
     if (!MaskFits(mask, header.depth)) return false;
   }
-  const bool overlap = (dib.red_mask & dib.green_mask) != 0 ||
-                       ((dib.red_mask | dib.green_mask) & dib.blue_mask) != 0;
-  return !overlap && (dib.red_mask | dib.green_mask | dib.blue_mask) != 0;
+  // Masks that share bits are drawn: test files of long standing have them.
+  return (dib.red_mask | dib.green_mask | dib.blue_mask) != 0;
 }
 
 /// The colour table, as far as `info` holds it.

@@ -16,7 +16,6 @@ constexpr size_t kMostSaves = 10000;
 // spooler's ways has no place in the driver's pages.
 constexpr uint32_t kWithoutTrace[] = {kEmrHEADER,
                                       kEmrEOF,
-                                      kEmrGDICOMMENT,
                                       kEmrSETMAPPERFLAGS,
                                       kEmrREALIZEPALETTE,
                                       kEmrSETICMMODE,

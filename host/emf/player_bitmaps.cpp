@@ -370,6 +370,30 @@ void PlaySetPixel(Playback& dc, PayloadReader& record) {
   dc.canvas().BitBlt(pixel, kPatternCopy, &brush, nullptr, {}, dc.Drawing());
 }
 
+/// Rectangles of a gradient as two triangles each, for a map that turns them; adds the two corners
+/// that a rectangle does not name.
+std::vector<ULONG> SplitRectangles(std::vector<TRIVERTEX>& vertices, const std::vector<ULONG>& mesh,
+                                   ULONG mode) {
+  std::vector<ULONG> triangles;
+  const size_t given = vertices.size();
+  for (size_t i = 0; i + 1 < mesh.size(); i += 2) {
+    if (mesh[i] >= given || mesh[i + 1] >= given) continue;
+    // Copies, as the list grows. Colours run from the first to the second corner.
+    const TRIVERTEX a = vertices[mesh[i]], b = vertices[mesh[i + 1]];
+    TRIVERTEX beside = a, below = a;
+    if (mode == GRADIENT_FILL_RECT_H) beside = b;
+    if (mode == GRADIENT_FILL_RECT_V) below = b;
+    beside.x = b.x;
+    beside.y = a.y;
+    below.x = a.x;
+    below.y = b.y;
+    const ULONG next = static_cast<ULONG>(vertices.size());
+    vertices.insert(vertices.end(), {beside, below});
+    triangles.insert(triangles.end(), {mesh[i], next, next + 1, mesh[i + 1], next, next + 1});
+  }
+  return triangles;
+}
+
 void PlayGradientFill(Playback& dc, PayloadReader& record) {
   record.Skip(sizeof(RectL));  // bounds
   const auto vertex_count = record.Read<uint32_t>();
@@ -381,18 +405,19 @@ void PlayGradientFill(Playback& dc, PayloadReader& record) {
     return;
   }
   const size_t corners = mode == GRADIENT_FILL_TRIANGLE ? 3 : 2;
-  const auto mesh = record.ReadArray<ULONG>(size_t{shape_count} * corners);
+  auto mesh = record.ReadArray<ULONG>(size_t{shape_count} * corners);
   if (!record.ok()) return;
+  ULONG drawn_as = mode;
   if (mode != GRADIENT_FILL_TRIANGLE && !dc.ToPage().KeepsAxes()) {
-    dc.NotCarried();
-    return;
+    mesh = SplitRectangles(vertices, mesh, mode);
+    drawn_as = GRADIENT_FILL_TRIANGLE;
   }
   for (TRIVERTEX& vertex : vertices) {
     const PointD at = dc.ToPage().Apply(vertex.x, vertex.y);
     vertex.x = ToPixel(at.x);
     vertex.y = ToPixel(at.y);
   }
-  dc.canvas().GradientFill(vertices, mesh, mode, dc.Drawing());
+  dc.canvas().GradientFill(vertices, mesh, drawn_as, dc.Drawing());
 }
 
 // -- Pattern brushes -----------------------------------------------------------------------------

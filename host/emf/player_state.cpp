@@ -1,5 +1,9 @@
-// Records that change the DC's settings: modes, colours, mapping, transforms, save and restore.
+// Records that change the DC's settings: modes, colours, mapping, transforms, save and restore; and
+// comments.
 
+#include <utility>
+
+#include "host/emf/comment.h"
 #include "host/emf/playback.h"
 
 namespace quillo::host::emf {
@@ -137,6 +141,12 @@ void RestoreState(Playback& dc, PayloadReader& record) {
   if (!dc.Restore(level)) dc.Fault("there is no saved state " + std::to_string(level));
 }
 
+/// Comments leave no trace, but damage in one is worth a word.
+void Comment(Playback& dc, PayloadReader& record) {
+  std::string what = FindCommentFault(record.record());
+  if (!what.empty()) dc.Fault(std::move(what));
+}
+
 }  // namespace
 
 void AddStateHandlers(HandlerTable& table) {
@@ -162,6 +172,7 @@ void AddStateHandlers(HandlerTable& table) {
   table[kEmrSCALEVIEWPORTEXTEX] = ScaleExtent<&PageTransform::ScaleViewportExtent>;
   table[kEmrSETWORLDTRANSFORM] = SetWorldTransform;
   table[kEmrMODIFYWORLDTRANSFORM] = ModifyWorldTransform;
+  table[kEmrGDICOMMENT] = Comment;
   table[kEmrSAVEDC] = SaveState;
   table[kEmrRESTOREDC] = RestoreState;
 }

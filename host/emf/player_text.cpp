@@ -68,6 +68,20 @@ void Widen(Bytes bytes, BYTE charset, TextLine& line) {
   if (!line.dx.empty()) line.dx = std::move(dx);
 }
 
+/// Half of a surrogate pair stands for no character; it becomes the replacement character.
+bool ReplaceLoneSurrogates(std::wstring& text) {
+  bool found = false;
+  for (size_t i = 0; i < text.size(); ++i) {
+    if (IS_HIGH_SURROGATE(text[i]) && i + 1 < text.size() && IS_LOW_SURROGATE(text[i + 1])) {
+      ++i;
+    } else if (IS_HIGH_SURROGATE(text[i]) || IS_LOW_SURROGATE(text[i])) {
+      text[i] = L'\xFFFD';
+      found = true;
+    }
+  }
+  return found;
+}
+
 /// The line's characters, `count` of them at `offset`.
 void ReadCharacters(Playback& dc, PayloadReader& record, size_t offset, size_t count, bool wide,
                     TextLine& line) {
@@ -78,6 +92,9 @@ void ReadCharacters(Playback& dc, PayloadReader& record, size_t offset, size_t c
   if (wide) {
     line.text.resize(count);
     std::memcpy(line.text.data(), bytes.data(), bytes.size());
+    if ((line.options & ETO_GLYPH_INDEX) == 0 && ReplaceLoneSurrogates(line.text)) {
+      dc.Fault("its text holds half a surrogate pair");
+    }
   } else {
     Widen(bytes, dc.state().font->font.lfCharSet, line);
   }

@@ -5,6 +5,7 @@
 #include <utility>
 
 #include "base/checked.h"
+#include "host/emf/comment.h"
 #include "host/emf/payload_reader.h"
 #include "host/emf/record_types.h"
 
@@ -14,8 +15,6 @@ namespace {
 
 constexpr uint32_t kSignature = 0x464D4520;        // " EMF"
 constexpr uint32_t kPlaceableWmfKey = 0x9AC6CDD7;  // of a placeable Windows metafile
-constexpr uint32_t kEmfPlusComment = 0x2B464D45;   // "EMF+"
-constexpr uint16_t kEmfPlusHeader = 0x4001;
 constexpr size_t kHeaderBytes = 88;  // the shortest form; the longer ones append to it
 
 struct Kind {
@@ -120,19 +119,12 @@ void MetafileReader::RefuseEmfPlusOnly() {
     const auto type = LoadOrZero<uint32_t>(file_, at);
     const auto size = LoadOrZero<uint32_t>(file_, at + 4);
     if (size < 8 || size > file_.size() - at || type == kEmrEOF) return;
-    PayloadReader comment(file_.subspan(at, size));
-    at += size;
-    if (type != kEmrGDICOMMENT) continue;
-    comment.Skip(4);  // data size
-    if (comment.Read<uint32_t>() != kEmfPlusComment) continue;
-    const auto plus_type = comment.Read<uint16_t>();
-    const auto plus_flags = comment.Read<uint16_t>();
-    if (comment.ok() && plus_type == kEmfPlusHeader && (plus_flags & 1) == 0) {
+    if (type == kEmrGDICOMMENT && AnnouncesEmfPlusOnly(file_.subspan(at, size))) {
       throw UnreadableMetafile(
           "holds its drawing as EMF+ records only, which are not printed; save it as EMF or as "
           "\"EMF+ dual\"");
     }
-    return;
+    at += size;
   }
 }
 
