@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <utility>
 
+#include "host/emf/far_path.h"
 #include "host/emf/rounding.h"
 
 namespace quillo::host::emf {
@@ -186,29 +187,26 @@ Shared<BitmapSource> Playback::InTextColors(const Shared<BitmapSource>& bitmap) 
 
 void Playback::Stroke(const Path& outline) {
   PenDescription pen;
-  if (state_.rop2 == R2_NOP || outline.Empty() || !DescribePen(outline, pen)) return;
-  canvas_.Stroke(outline, pen, Drawing());
+  if (state_.rop2 == R2_NOP || outline.Empty() || !DescribePen(pen)) return;
+  canvas_.Stroke(LeadsFar(outline) ? NearLine(outline) : outline, pen, Drawing());
 }
 
 void Playback::Fill(const Path& outline) {
   BrushDescription brush;
   if (state_.rop2 == R2_NOP || outline.Empty() || !DescribeBrush(*state_.brush, brush)) return;
-  canvas_.Fill(outline, brush, PolyFillMode(), Drawing());
+  canvas_.Fill(LeadsFar(outline) ? NearInside(outline) : outline, brush, PolyFillMode(), Drawing());
 }
 
 void Playback::StrokeAndFill(const Path& outline) {
-  if (state_.rop2 == R2_NOP || outline.Empty()) return;
   PenDescription pen;
   BrushDescription brush;
-  const bool stroked = DescribePen(outline, pen);
-  const bool filled = DescribeBrush(*state_.brush, brush);
-  if (stroked && filled) {
-    canvas_.StrokeAndFill(outline, pen, brush, PolyFillMode(), Drawing());
-  } else if (stroked) {
-    canvas_.Stroke(outline, pen, Drawing());
-  } else if (filled) {
-    canvas_.Fill(outline, brush, PolyFillMode(), Drawing());
+  if (LeadsFar(outline) || !DescribePen(pen) || !DescribeBrush(*state_.brush, brush)) {
+    Fill(outline);
+    Stroke(outline);
+    return;
   }
+  if (state_.rop2 == R2_NOP || outline.Empty()) return;
+  canvas_.StrokeAndFill(outline, pen, brush, PolyFillMode(), Drawing());
 }
 
 void Playback::StrokeLine(PointL end) {
@@ -217,8 +215,12 @@ void Playback::StrokeLine(PointL end) {
   Path line;
   line.MoveTo(from.x, from.y);
   line.LineTo(to.x, to.y);
+  if (LeadsFar(line)) {
+    Stroke(line);
+    return;
+  }
   PenDescription pen;
-  if (state_.rop2 == R2_NOP || !DescribePen(line, pen)) return;
+  if (state_.rop2 == R2_NOP || !DescribePen(pen)) return;
   canvas_.Line(ToPointFix(from.x, from.y), ToPointFix(to.x, to.y), pen, Drawing());
 }
 

@@ -67,8 +67,8 @@ class Playback {
   COLORREF Resolve(COLORREF color) const;
   /// Whether there is a brush; `brush` gets it as the engine takes it.
   bool DescribeBrush(const BrushObject& object, BrushDescription& brush);
-  /// Whether there is a pen that draws; `pen` gets it as the engine takes it for this outline.
-  bool DescribePen(const Path& outline, PenDescription& pen);
+  /// Whether there is a pen that draws; `pen` gets it as the engine takes it.
+  bool DescribePen(PenDescription& pen);
 
   // With the DC's pen and brush, as far as they draw.
   void Stroke(const Path& outline);

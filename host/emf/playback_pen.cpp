@@ -12,9 +12,6 @@ constexpr size_t kMostDashes = 16;  // as many as ExtCreatePen takes
 // A line below this width, in pixels, has the width of a cosmetic one.
 constexpr double kThin = 1.5;
 
-// Dashes along lines that lead this far, in pixels, would only cost time.
-constexpr double kFarthestDashed = 1 << 20;
-
 ULONG JoinOf(uint32_t style) {
   switch (style & PS_JOIN_MASK) {
     case PS_JOIN_BEVEL:
@@ -58,16 +55,9 @@ std::vector<float> UserDashes(const PenObject& pen) {
   return {pen.dashes.begin(), pen.dashes.begin() + static_cast<ptrdiff_t>(count)};
 }
 
-bool LeadsFar(const Path& path) {
-  constexpr double kFixPerPixel = 16;
-  const RECTFX bounds = path.Bounds();
-  return (double{1} * bounds.xRight - bounds.xLeft) / kFixPerPixel > kFarthestDashed ||
-         (double{1} * bounds.yBottom - bounds.yTop) / kFixPerPixel > kFarthestDashed;
-}
-
 }  // namespace
 
-bool Playback::DescribePen(const Path& outline, PenDescription& pen) {
+bool Playback::DescribePen(PenDescription& pen) {
   const PenObject& object = *state_.pen;
   const uint32_t line_style = object.LineStyle();
   if (line_style == PS_NULL || !DescribeBrush(object.brush, pen.brush)) return false;
@@ -94,10 +84,6 @@ bool Playback::DescribePen(const Path& outline, PenDescription& pen) {
     pen.style = line_style == PS_USERSTYLE ? UserDashes(object) : CosmeticStyle(line_style);
     const auto shows = [](float length) { return length >= 1; };
     if (std::none_of(pen.style.begin(), pen.style.end(), shows)) pen.style.clear();
-  }
-  if (LeadsFar(outline)) {
-    pen.style.clear();
-    pen.alternate = false;
   }
   return true;
 }

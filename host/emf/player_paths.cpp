@@ -30,7 +30,7 @@ void FlattenPath(Playback& dc, PayloadReader&) { dc.path().path = dc.path().path
 void WidenPath(Playback& dc, PayloadReader&) {
   PenDescription pen;
   Path& path = dc.path().path;
-  if (dc.DescribePen(path, pen)) path = Widened(path, pen);
+  if (dc.DescribePen(pen)) path = Widened(path, pen);
 }
 
 void SelectClipPath(Playback& dc, PayloadReader& record) {

@@ -424,11 +424,12 @@ TEST(Player, RecordsWithoutAHandler_AreCounted) {
   EXPECT_EQ(played.faults, "");
 }
 
-TEST(Player, EndlessDashes_AreDropped) {
-  EXPECT_EQ(LastCall({{kEmrCREATEPEN, {1, PS_DOT, 0, 0, 0}},
-                      {kEmrSELECTOBJECT, {1}},
-                      {kEmrLINETO, {0x7FFFFFFF, 0}}}),
-            "Line 0,0 1.34218e+08,0 | thin pen #000000");
+TEST(Player, WhatLeadsFar_IsDrawnAsFarAsItIsNear) {
+  EXPECT_EQ(LastCall({{kEmrLINETO, {0x7FFFFFFF, 0}}}),
+            std::string("Stroke M0,0 L65536,0") + kThinPen);
+  EXPECT_EQ(Play({{kEmrPOLYGON, {kB, kB, kB, kB, 3, 0, 0, 1000000, 0, 1000000, 1000000}}}).calls,
+            "Fill M0,0 L65536,0 L65536,65536 Z | #ffffff\n"
+            "Stroke M0,0 L65536,0 M65536,65536 L0,0 | thin pen #000000\n");
 }
 
 TEST(Player, SavedStates_AreBounded) {
