@@ -39,19 +39,7 @@ SettingsResult FirstFailure(std::initializer_list<SettingsResult> results) {
   return failure != results.end() ? *failure : SETTINGS_OK;
 }
 
-#define QUILLO_MODULES                                                              \
-  {                                                                                 \
-    "QxDoc06n.dll", "QxPdf06n.dll", "QxHTM06n.dll", "QxRTF06n.dll", "QxTXT06n.dll", \
-        "QxDOCX06n.dll", "QxXPS06n.dll"                                             \
-  }
-
 }  // namespace
-
-[[gnu::used]] const char kSaveFormatModuleNames[kSaveFormatRepeats][kSaveFormatModules]
-                                               [kSaveFormatNameBytes] = {
-                                                   QUILLO_MODULES, QUILLO_MODULES, QUILLO_MODULES,
-                                                   QUILLO_MODULES, QUILLO_MODULES, QUILLO_MODULES};
-#undef QUILLO_MODULES
 
 SettingsResult LoadOptions(const PrinterSettings& settings, PrinterOptions* options) {
   if (!settings.IsOpen()) return SETTINGS_NOT_OPEN;

@@ -34,12 +34,4 @@ SettingsResult LoadOptions(const PrinterSettings& settings, PrinterOptions* opti
 /// tried.
 SettingsResult StoreOptions(const PrinterSettings& settings, const PrinterOptions& options);
 
-/// The file names of the modules that "SaveFormats" entries refer to: seven, six times over. The
-/// driver itself reads none of them.
-inline constexpr size_t kSaveFormatModules = 7;
-inline constexpr size_t kSaveFormatRepeats = 6;
-inline constexpr size_t kSaveFormatNameBytes = 255;
-extern const char kSaveFormatModuleNames[kSaveFormatRepeats][kSaveFormatModules]
-                                        [kSaveFormatNameBytes];
-
 }  // namespace quillo

@@ -4,6 +4,7 @@
 #include <strsafe.h>
 
 #include "base/module_instance.h"
+#include "base/text.h"
 #include "config/stored_device_mode.h"
 #include "config/user_paths.h"
 #include "job/connection.h"
@@ -52,10 +53,8 @@ Library LoadResources() {
   wchar_t path[MAX_PATH];
   const DWORD length = GetModuleFileNameW(g_module_instance, path, MAX_PATH);
   if (length == 0 || length >= MAX_PATH) return Library();
-  wchar_t* name = path + length;
-  while (name > path && name[-1] != L'\\') --name;
-  const auto room = static_cast<size_t>(path + MAX_PATH - name);
-  if (FAILED(StringCchCopyW(name, room, kResourceModule))) return Library();
+  const auto folder = static_cast<size_t>(FileNamePart(path) - path);
+  if (FAILED(StringCchCopyW(path + folder, MAX_PATH - folder, kResourceModule))) return Library();
   return Library(LoadLibraryW(path));
 }
 
