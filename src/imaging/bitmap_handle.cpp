@@ -142,10 +142,15 @@ void Unlock(BitmapHandle* record) {
 }
 
 LockScope::LockScope(BitmapHandle& record)
-    : record_(record), locked_here_((record.flags & kLocked) == 0), result_(Lock(&record)) {}
+    : record_(record), lock_(record.structure_size == kCurrentForm ? record.lock : nullptr) {
+  if (lock_ != nullptr) EnterCriticalSection(lock_);
+  locked_here_ = (record.flags & kLocked) == 0;
+  result_ = Lock(&record);
+}
 
 LockScope::~LockScope() {
   if (locked_here_) Unlock(&record_);
+  if (lock_ != nullptr) LeaveCriticalSection(lock_);
 }
 
 std::span<PaletteEntry> PaletteOf(const BitmapHandle& record) {

@@ -106,19 +106,22 @@ int Lock(BitmapHandle* record);
 /// Undoes Lock.
 void Unlock(BitmapHandle* record);
 
-/// Locks global-memory storage for a scope, unless it is locked already.
+/// Holds a record for an operation on its rows: enters its lock, and locks global-memory storage
+/// unless it is locked already.
 class LockScope {
  public:
   explicit LockScope(BitmapHandle& record);
   ~LockScope();
   LockScope(const LockScope&) = delete;
   LockScope& operator=(const LockScope&) = delete;
+  /// 1, or why the storage could not be locked.
   [[nodiscard]] int Result() const { return result_; }
 
  private:
   BitmapHandle& record_;
+  CRITICAL_SECTION* lock_;  // null for records without one
   bool locked_here_;
-  int result_ = kSuccess;
+  int result_;
 };
 
 /// Frees a record at the end of the scope.

@@ -25,45 +25,51 @@ constexpr KernelSettings kDefaults = {
 };
 
 constinit KernelSettings fallback = kDefaults;
-constinit volatile LONG slot = static_cast<LONG>(TLS_OUT_OF_INDEXES);
 
-DWORD Slot() {
-  const auto known = static_cast<DWORD>(slot);
-  if (known != TLS_OUT_OF_INDEXES) return known;
-  const DWORD fresh = TlsAlloc();
-  if (fresh == TLS_OUT_OF_INDEXES) return fresh;
-  const auto before = static_cast<DWORD>(InterlockedCompareExchange(
-      &slot, static_cast<LONG>(fresh), static_cast<LONG>(TLS_OUT_OF_INDEXES)));
-  if (before == TLS_OUT_OF_INDEXES) return fresh;
-  TlsFree(fresh);  // another thread was faster
-  return before;
-}
+void WINAPI ReleaseBlock(void* block) { HeapBlock::Adopt(block); }
+
+/// The process's slot of one block a thread. A fiber-local slot is a thread-local one that has a
+/// destructor: Windows calls it when a thread ends, and for all threads when the slot is freed,
+/// which happens when the module is unloaded.
+class Slot {
+ public:
+  constexpr Slot() = default;
+  ~Slot() {
+    if (index_ != kNone) FlsFree(static_cast<DWORD>(index_));
+  }
+  Slot(const Slot&) = delete;
+  Slot& operator=(const Slot&) = delete;
+
+  /// Made on first use; FLS_OUT_OF_INDEXES when there is none to be had.
+  DWORD Index() {
+    if (index_ == kNone) {
+      const DWORD fresh = FlsAlloc(ReleaseBlock);
+      if (fresh == FLS_OUT_OF_INDEXES) return fresh;
+      if (InterlockedCompareExchange(&index_, static_cast<LONG>(fresh), kNone) != kNone) {
+        FlsFree(fresh);  // another thread was faster
+      }
+    }
+    return static_cast<DWORD>(index_);
+  }
+
+ private:
+  static constexpr LONG kNone = static_cast<LONG>(FLS_OUT_OF_INDEXES);
+  volatile LONG index_ = kNone;
+};
+
+constinit Slot slot;
 
 }  // namespace
 
 KernelSettings& ThreadSettings() {
-  const DWORD index = Slot();
-  if (index == TLS_OUT_OF_INDEXES) return fallback;
-  if (auto* settings = static_cast<KernelSettings*>(TlsGetValue(index))) return *settings;
+  const DWORD index = slot.Index();
+  if (index == FLS_OUT_OF_INDEXES) return fallback;
+  if (auto* settings = static_cast<KernelSettings*>(FlsGetValue(index))) return *settings;
   HeapBlock block(sizeof(KernelSettings));
   if (!block) return fallback;
   *block.As<KernelSettings>() = kDefaults;
-  if (!TlsSetValue(index, block.Get())) return fallback;
+  if (!FlsSetValue(index, block.Get())) return fallback;
   return *static_cast<KernelSettings*>(block.Detach());
-}
-
-void ReleaseThreadSettings() {
-  const auto index = static_cast<DWORD>(slot);
-  if (index == TLS_OUT_OF_INDEXES) return;
-  HeapBlock::Adopt(TlsGetValue(index));
-  TlsSetValue(index, nullptr);
-}
-
-void ReleaseSettingsSlot() {
-  ReleaseThreadSettings();
-  const auto index =
-      static_cast<DWORD>(InterlockedExchange(&slot, static_cast<LONG>(TLS_OUT_OF_INDEXES)));
-  if (index != TLS_OUT_OF_INDEXES) TlsFree(index);
 }
 
 }  // namespace quillo::imaging

@@ -27,13 +27,8 @@ struct KernelSettings {
   wchar_t temporary_directory[MAX_PATH];  // empty: the user's TEMP folder
 };
 
-/// The calling thread's settings, made on first use. When that fails, one block for the process.
+/// The calling thread's settings, made on first use and dropped with the thread. When they cannot
+/// be made, one block for the whole process.
 KernelSettings& ThreadSettings();
-
-/// Drops the calling thread's settings: when a thread ends.
-void ReleaseThreadSettings();
-
-/// Drops the calling thread's settings and the slot: when the process lets the driver go.
-void ReleaseSettingsSlot();
 
 }  // namespace quillo::imaging

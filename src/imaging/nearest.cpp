@@ -3,6 +3,7 @@
 #include <array>
 #include <cstring>
 
+#include "imaging/avx2.h"
 #include "imaging/pixel_bits.h"
 #include "imaging/result.h"
 
@@ -55,26 +56,34 @@ void ScaleRowPlain(uint32_t bits, const std::byte* source, std::span<const uint3
   }
 }
 
-void ScaleRow(uint32_t bits, const std::byte* source, uint32_t /*source_width*/,
-              std::span<const uint32_t> columns, std::byte* row) {
-  ScaleRowPlain(bits, source, columns, row);
+void ScaleRow(uint32_t bits, const std::byte* source, std::span<const uint32_t> columns,
+              std::byte* row) {
+  const size_t done = bits == 32 && HasAvx2() ? GatherPixelsAvx2(source, columns, row) : 0;
+  ScaleRowPlain(bits, source, columns.subspan(done), row + done * sizeof(uint32_t));
 }
 
 int ResizeNearest(const Geometry& source, const Geometry& destination, std::span<uint32_t> columns,
-                  MutableBytes row, RowFetch fetch, RowStore store, Progress progress) {
+                  MutableBytes row, RowFetch fetch, RowPlace place, RowStore store,
+                  Progress progress) {
   FillColumns(source.width, columns);
   NearestSteps steps(source.height, destination.height);
+  const std::byte* scaled = nullptr;  // the last row that was scaled, where it lies
   int64_t fetched = -1;
   int result = progress.Start();
   for (uint32_t y = 0; y < destination.height && result == kSuccess; ++y) {
+    std::byte* target = place(y);
     if (steps.Position() > fetched) {
       fetched = steps.Position();
       const std::byte* from = fetch(steps.Position());
       if (from == nullptr) return kFileError;
-      ScaleRow(source.bits_per_pixel, from, source.width, columns, row.data());
+      std::byte* to = target != nullptr ? target : row.data();
+      ScaleRow(source.bits_per_pixel, from, columns, to);
+      scaled = to;
+    } else if (target != nullptr) {
+      std::memcpy(target, scaled, row.size());
     }
     steps.Advance();
-    result = store(y, row);
+    if (target == nullptr) result = store(y, {scaled, row.size()});
     if (result == kSuccess) result = progress.RowDone();
   }
   return result;

@@ -14,6 +14,10 @@ namespace quillo::imaging {
 /// Gives a source row (all of its bytes), or null when it cannot be read.
 using RowFetch = FunctionRef<const std::byte*(uint32_t row)>;
 
+/// Gives the address of a destination row to be written in place, or null for a row that has to be
+/// stored.
+using RowPlace = FunctionRef<std::byte*(uint32_t row)>;
+
 /// Walks the source positions of nearest-neighbour scaling, in integer steps only: the whole and
 /// the remainder of source / destination, the remainders gathered until they make one step more.
 class NearestSteps {
@@ -46,20 +50,21 @@ class NearestSteps {
 /// Source column of every destination column.
 void FillColumns(uint32_t source_width, std::span<uint32_t> columns);
 
-/// Copies `columns.size()` whole pixels of `bits` each from those columns of `source`
-/// (`source_width` pixels) into `row`; other depths than those of bitmaps leave it untouched.
-/// Below 8 bits the bytes of `row` that hold pixels are zeroed first. Uses AVX2 where the machine
-/// has it.
-void ScaleRow(uint32_t bits, const std::byte* source, uint32_t source_width,
-              std::span<const uint32_t> columns, std::byte* row);
+/// Copies `columns.size()` whole pixels of `bits` each from those columns of `source` into `row`;
+/// other depths than those of bitmaps leave it untouched. Below 8 bits the bytes of `row` that hold
+/// pixels are zeroed first. Uses AVX2 where the machine has it.
+void ScaleRow(uint32_t bits, const std::byte* source, std::span<const uint32_t> columns,
+              std::byte* row);
 /// The plain form of ScaleRow, which defines its result.
 void ScaleRowPlain(uint32_t bits, const std::byte* source, std::span<const uint32_t> columns,
                    std::byte* row);
 
-/// Nearest neighbour of a whole bitmap; both have the same depth. `columns` (destination.width) and
-/// `row` (destination.bytes_per_line, zero) are work space. A source row is fetched once, in rising
+/// Nearest neighbour of a whole bitmap; both have the same depth. Destination rows are written in
+/// place, or put together in `row` and stored. `columns` (destination.width) and `row`
+/// (destination.bytes_per_line, zero) are work space. A source row is fetched once, in rising
 /// order. 1, kFileError for a row that cannot be fetched, or what stopped `store` or `progress`.
 int ResizeNearest(const Geometry& source, const Geometry& destination, std::span<uint32_t> columns,
-                  MutableBytes row, RowFetch fetch, RowStore store, Progress progress);
+                  MutableBytes row, RowFetch fetch, RowPlace place, RowStore store,
+                  Progress progress);
 
 }  // namespace quillo::imaging

@@ -28,14 +28,14 @@ bool DithersToFew(uint32_t depth, uint32_t mode) {
 
 PaintMethod ChooseFor4Bits(const PixelFormat& bitmap, uint32_t depth, uint32_t mode) {
   if ((mode & kModeDither) == 0) return PaintMethod::kAsIs;
-  const bool dithers = depth == 4 ? !IsDefaultPalette(bitmap.palette)
+  const bool dithers = depth == 4 ? !IsDefaultPalette(bitmap.palette, 16)
                                   : depth < 4 || ((mode & kModeDitherTo256) != 0 && depth <= 8);
   return dithers ? PaintMethod::kDither : PaintMethod::kAsIs;
 }
 
 PaintMethod ChooseFor8Bits(const PixelFormat& bitmap, uint32_t depth, uint32_t mode) {
   if (!DithersToFew(depth, mode)) return PaintMethod::kAsIs;
-  const bool has_device_colours = depth == 8 && IsDefaultPalette(bitmap.palette);
+  const bool has_device_colours = depth == 8 && IsDefaultPalette(bitmap.palette, 256);
   return has_device_colours ? PaintMethod::kAsIs : PaintMethod::kDither;
 }
 

@@ -86,11 +86,10 @@ void FillColourCube(std::span<PaletteEntry, 256> palette) {
   FillCube(palette, kSixLevels, kSixLevels, kSixLevels);
 }
 
-bool IsDefaultPalette(std::span<const PaletteEntry> palette) {
+bool IsDefaultPalette(std::span<const PaletteEntry> palette, uint32_t colours) {
   std::array<PaletteEntry, 256> fixed;
-  if (palette.size() > fixed.size()) return false;
-  const auto same_length = std::span(fixed).first(palette.size());
-  return FillDefaultPalette(same_length) && std::ranges::equal(palette, same_length);
+  const auto in_use = std::span(fixed).first(std::min<size_t>(colours, fixed.size()));
+  return FillDefaultPalette(in_use) && std::ranges::equal(palette, in_use);
 }
 
 TwoColours TestTwoColours(std::span<const PaletteEntry> palette) {

@@ -27,8 +27,8 @@ void FillGreyRamp(std::span<PaletteEntry> palette);
 /// The 6 x 6 x 6 colour cube in entries 0 to 215 (red * 36 + green * 6 + blue), black behind it.
 void FillColourCube(std::span<PaletteEntry, 256> palette);
 
-/// Whether the palette equals the kernel's fixed palette of its length.
-bool IsDefaultPalette(std::span<const PaletteEntry> palette);
+/// Whether the palette equals the kernel's fixed palette of `colours` entries.
+bool IsDefaultPalette(std::span<const PaletteEntry> palette, uint32_t colours);
 
 /// What the two colours of a 1-bit bitmap are.
 enum class TwoColours { kOther = 0, kBlackOnWhite = 1, kWhiteOnBlack = 2 };

@@ -23,13 +23,21 @@ class RowPair {
     return BorrowRow(source_, row, {scratch_.As<std::byte>(), source_.bytes_per_line});
   }
 
-  /// Turns the picture upside down when the row orders differ.
+  [[nodiscard]] std::byte* Place(uint32_t row) const {
+    return RowAddress(destination_, Placed(row));
+  }
+
   [[nodiscard]] int Store(uint32_t row, Bytes data) const {
-    const bool flip = source_.view_perspective != destination_.view_perspective;
-    return StoreRow(destination_, flip ? destination_.height - 1 - row : row, data);
+    return StoreRow(destination_, Placed(row), data);
   }
 
  private:
+  /// Turns the picture upside down when the row orders differ.
+  [[nodiscard]] uint32_t Placed(uint32_t row) const {
+    const bool flip = source_.view_perspective != destination_.view_perspective;
+    return flip ? destination_.height - 1 - row : row;
+  }
+
   const BitmapHandle& source_;
   const BitmapHandle& destination_;
   HeapBlock scratch_;
@@ -84,7 +92,9 @@ int Scale(Method method, const BitmapHandle& source, const BitmapHandle& destina
   const Progress progress(settings.status, settings.status_user, to.height);
   switch (method) {
     case Method::kNearest:
-      return ResizeNearest(from, to, {work.As<uint32_t>(), to.width}, line, fetch, store, progress);
+      return ResizeNearest(
+          from, to, {work.As<uint32_t>(), to.width}, line, fetch,
+          [&rows](uint32_t y) { return rows.Place(y); }, store, progress);
     case Method::kArea:
       return ScaleByArea(AreaRule::kMajority, from, to, {work.As<uint64_t>(), to.width}, line,
                          fetch, store, progress);
@@ -110,10 +120,11 @@ int ResizeInto(BitmapHandle* source, BitmapHandle* destination, uint32_t flags) 
       source->colour_order != destination->colour_order) {
     return kInvalidArgument;
   }
-  const LockScope source_lock(*source);
-  const LockScope destination_lock(*destination);
-  if (source_lock.Result() != kSuccess) return source_lock.Result();
-  if (destination_lock.Result() != kSuccess) return destination_lock.Result();
+  // In the order of their addresses, so that two threads with the same bitmaps do not block.
+  const LockScope first(source < destination ? *source : *destination);
+  const LockScope second(source < destination ? *destination : *source);
+  if (first.Result() != kSuccess) return first.Result();
+  if (second.Result() != kSuccess) return second.Result();
   return Scale(ChooseMethod(*source, *destination, flags), *source, *destination);
 }
 

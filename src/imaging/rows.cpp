@@ -9,22 +9,6 @@
 namespace quillo::imaging {
 namespace {
 
-class RowLock {
- public:
-  explicit RowLock(const BitmapHandle& record)
-      : lock_(record.structure_size == kCurrentForm ? record.lock : nullptr) {
-    if (lock_ != nullptr) EnterCriticalSection(lock_);
-  }
-  ~RowLock() {
-    if (lock_ != nullptr) LeaveCriticalSection(lock_);
-  }
-  RowLock(const RowLock&) = delete;
-  RowLock& operator=(const RowLock&) = delete;
-
- private:
-  CRITICAL_SECTION* lock_;
-};
-
 uint64_t OffsetOf(const BitmapHandle& record, uint32_t row) {
   return uint64_t{row} * record.bytes_per_line;
 }
@@ -45,7 +29,6 @@ std::byte* RowAddress(const BitmapHandle& record, uint32_t row) {
 }
 
 int FetchRow(const BitmapHandle& record, uint32_t row, MutableBytes out) {
-  const RowLock guard(record);
   if (const std::byte* address = RowAddress(record, row)) {
     std::memcpy(out.data(), address, record.bytes_per_line);
     return kSuccess;
@@ -61,7 +44,6 @@ int FetchRow(const BitmapHandle& record, uint32_t row, MutableBytes out) {
 }
 
 int StoreRow(const BitmapHandle& record, uint32_t row, Bytes data) {
-  const RowLock guard(record);
   if (std::byte* address = RowAddress(record, row)) {
     std::memcpy(address, data.data(), data.size());
     return kSuccess;

@@ -6,8 +6,8 @@
 namespace quillo::imaging {
 
 // Row access of allocated bitmaps, whatever their storage. Rows count in storage order from 0 and
-// are the caller's to keep below the height; global memory must be locked. Each call holds the
-// record's lock.
+// are the caller's to keep below the height. The caller holds a LockScope on the record, unless
+// nobody else knows the record and its storage needs no lock.
 
 /// The row's address when its bytes lie plainly in memory, else null (disk, compressed chunks, or
 /// caller memory without an address).

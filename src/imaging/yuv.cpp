@@ -2,19 +2,21 @@
 
 #include <algorithm>
 
+#include "imaging/avx2.h"
+
 namespace quillo::imaging {
 namespace {
 
-std::byte Limit(int value) { return static_cast<std::byte>(std::clamp(value >> 8, 0, 255)); }
+std::byte Limit(int value) { return static_cast<std::byte>(std::clamp(value >> 6, 0, 255)); }
 
 /// One pixel, written as three bytes.
 void ConvertPixel(std::byte y, std::byte u, std::byte v, std::byte* rgb) {
-  const int luma = 298 * (static_cast<int>(y) - 16) + 128;
+  const int luma = (static_cast<int>(y) * 257 * 19003 >> 16) - 1160;
   const int d = static_cast<int>(u) - 128;
   const int e = static_cast<int>(v) - 128;
-  rgb[0] = Limit(luma + 516 * d);
-  rgb[1] = Limit(luma - 100 * d - 208 * e);
-  rgb[2] = Limit(luma + 409 * e);
+  rgb[0] = Limit(luma + 129 * d);
+  rgb[1] = Limit(luma - 25 * d - 52 * e);
+  rgb[2] = Limit(luma + 102 * e);
 }
 
 /// Byte positions in a group of two pixels.
@@ -42,7 +44,9 @@ void PlanarRow420Plain(const std::byte* y, const std::byte* u, const std::byte* 
 
 void PlanarRow420(const std::byte* y, const std::byte* u, const std::byte* v, uint32_t width,
                   std::byte* rgb) {
-  PlanarRow420Plain(y, u, v, width, rgb);
+  const size_t done = HasAvx2() ? PlanarRow420Avx2(y, u, v, width, rgb) : 0;
+  PlanarRow420Plain(y + done, u + done / 2, v + done / 2, static_cast<uint32_t>(width - done),
+                    rgb + done * 3);
 }
 
 void PlanarRow410(const std::byte* y, const std::byte* u, const std::byte* v, uint32_t width,

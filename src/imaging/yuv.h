@@ -6,11 +6,12 @@
 
 namespace quillo::imaging {
 
-// Rows of YUV pixels to 24-bit rows (blue first). Colours are BT.601, limited range, in 8 bits of
-// fraction:
-//   R = (298 (Y - 16)                 + 409 (V - 128) + 128) >> 8
-//   G = (298 (Y - 16) - 100 (U - 128) - 208 (V - 128) + 128) >> 8
-//   B = (298 (Y - 16) + 516 (U - 128)                 + 128) >> 8
+// Rows of YUV pixels to 24-bit rows (blue first). Colours are BT.601, limited range, with the
+// coefficients in 64ths:
+//   L = 64 * 1.164384 (Y - 16) + 32 = (Y * 257 * 19003 >> 16) - 1160
+//   R = (L                 + 102 (V - 128)) >> 6
+//   G = (L -  25 (U - 128) -  52 (V - 128)) >> 6
+//   B = (L + 129 (U - 128)                ) >> 6
 // limited to 0..255. `rgb` has room for width * 3 bytes; more is not written.
 
 /// One chroma sample for two pixels. Uses AVX2 where the machine has it.

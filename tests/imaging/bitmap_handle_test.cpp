@@ -137,7 +137,7 @@ TEST(Create, Palettes_ComeFromRampCallerOrDefault) {
   EXPECT_EQ(PaletteOf(record)[1], own[1]);
   Free(&record);
   ASSERT_EQ(Create(&record, kCurrentForm, 1, 1, 1, 4, 0, nullptr, 4, nullptr, 0), kSuccess);
-  EXPECT_TRUE(IsDefaultPalette(PaletteOf(record)));
+  EXPECT_TRUE(IsDefaultPalette(PaletteOf(record), 16));
   Free(&record);
 }
 

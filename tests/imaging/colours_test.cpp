@@ -1,0 +1,269 @@
+#include <algorithm>
+#include <gtest/gtest.h>
+#include <random>
+#include <vector>
+
+#include "imaging/dither.h"
+#include "imaging/orientation.h"
+#include "imaging/packed_rows.h"
+#include "imaging/paint_method.h"
+#include "imaging/pixel_bits.h"
+#include "imaging/storage_choice.h"
+
+namespace quillo::imaging {
+namespace {
+
+PaletteEntry Rgb(uint32_t colour) {
+  return {static_cast<uint8_t>(colour), static_cast<uint8_t>(colour >> 8),
+          static_cast<uint8_t>(colour >> 16), 0};
+}
+
+TEST(DefaultPalette, SampleEntries_HaveTheirColours) {
+  struct {
+    size_t colours, index;
+    uint32_t colour;
+  } const cases[] = {
+      {2, 1, 0xFFFFFF},    {4, 0, 0x000000},     {4, 1, 0xFFFFFF},    {4, 2, 0x000000},
+      {4, 3, 0x555555},    {8, 5, 0xFF00FF},     {8, 6, 0xFFFF00},    {16, 1, 0x800000},
+      {16, 8, 0xC0C0C0},   {16, 13, 0xFF00FF},   {32, 9, 0x5500FF},   {32, 6, 0x00FF00},
+      {64, 27, 0x55AAFF},  {64, 48, 0xFF0000},   {128, 37, 0x552455}, {128, 127, 0xFFFFFF},
+      {256, 37, 0x242455}, {256, 198, 0xDB24AA},
+  };
+  for (const auto& c : cases) {
+    std::vector<PaletteEntry> palette(c.colours);
+    ASSERT_TRUE(FillDefaultPalette(palette));
+    EXPECT_EQ(palette[c.index], Rgb(c.colour)) << c.colours << " colours, entry " << c.index;
+    EXPECT_TRUE(IsDefaultPalette(palette, static_cast<uint32_t>(c.colours)));
+  }
+  std::vector<PaletteEntry> other(3);
+  EXPECT_FALSE(FillDefaultPalette(other));
+}
+
+TEST(ColourCube, Entries_AreSixLevelsAndBlack) {
+  PaletteEntry cube[256];
+  FillColourCube(cube);
+  EXPECT_EQ(cube[3 * 36 + 2 * 6 + 1], Rgb(0x996633));
+  EXPECT_EQ(cube[215], Rgb(0xFFFFFF));
+  EXPECT_EQ(cube[216], Rgb(0));
+  EXPECT_EQ(cube[255], Rgb(0));
+}
+
+TEST(PaletteTests, BlackWhiteAndGrey_AreTold) {
+  const PaletteEntry black = Rgb(0), white = Rgb(0xFFFFFF), red = Rgb(0xFF0000);
+  EXPECT_EQ(TestTwoColours(std::vector{black, white}), TwoColours::kBlackOnWhite);
+  EXPECT_EQ(TestTwoColours(std::vector{white, black}), TwoColours::kWhiteOnBlack);
+  EXPECT_EQ(TestTwoColours(std::vector{white, red}), TwoColours::kOther);
+  EXPECT_EQ(TestTwoColours(std::vector{black}), TwoColours::kOther);
+  EXPECT_TRUE(IsGreyPalette(std::vector{white, black}));
+  EXPECT_FALSE(IsGreyPalette(std::vector{white, red}));
+  EXPECT_FALSE(IsGreyPalette({}));
+}
+
+enum Colours { kBw, kWb, kRw, kFixed16, kFixed256, kNone };
+
+std::vector<PaletteEntry> MakePalette(Colours colours) {
+  std::vector<PaletteEntry> palette;
+  switch (colours) {
+    case kBw:
+      return {Rgb(0), Rgb(0xFFFFFF)};
+    case kWb:
+      return {Rgb(0xFFFFFF), Rgb(0)};
+    case kRw:
+      return {Rgb(0xFF0000), Rgb(0xFFFFFF)};
+    case kFixed16:
+      palette.resize(16);
+      break;
+    case kFixed256:
+      palette.resize(256);
+      break;
+    case kNone:
+      return {};
+  }
+  FillDefaultPalette(palette);
+  return palette;
+}
+
+TEST(ChoosePaintMethod, EveryRule_GivesItsMethod) {
+  struct {
+    uint32_t bits, order;
+    Colours colours;
+    uint32_t depth, mode;
+    int method;
+  } const cases[] = {
+      // 1 bit
+      {1, 0, kBw, 24, 0x10, 3},
+      {1, 0, kWb, 4, 0x10, 4},
+      {1, 0, kBw, 1, 0x10, 0},
+      {1, 0, kRw, 8, 0x98, 2},
+      {1, 0, kRw, 24, 0x98, 0},
+      {1, 0, kRw, 8, 0x18, 0},
+      {1, 0, kBw, 1, 0x40, 5},
+      {1, 0, kWb, 24, 0x40, 6},
+      {1, 0, kBw, 1, 0x50, 5},
+      {1, 0, kBw, 8, 0x50, 3},
+      {1, 0, kRw, 4, 0xC8, 2},
+      {1, 0, kRw, 24, 0xC8, 0},
+      {1, 0, kBw, 8, 0x88, 2},
+      {1, 0, kBw, 4, 0x88, 0},
+      {1, 0, kBw, 8, 0x08, 0},
+      // 2, 3, 5, 6, 7 bits
+      {2, 0, kBw, 24, 0, 1},
+      {3, 0, kBw, 4, 0x08, 2},
+      {5, 0, kBw, 8, 0x08, 1},
+      {6, 0, kBw, 8, 0x88, 2},
+      {7, 0, kBw, 24, 0x88, 1},
+      // 4 bits
+      {4, 0, kBw, 1, 0, 0},
+      {4, 0, kBw, 1, 0x08, 2},
+      {4, 0, kBw, 8, 0x08, 0},
+      {4, 0, kBw, 8, 0x88, 2},
+      {4, 0, kBw, 24, 0x88, 0},
+      {4, 0, kBw, 4, 0x08, 2},
+      {4, 0, kFixed16, 4, 0x08, 0},
+      {4, 0, kFixed16, 4, 0x88, 0},
+      {4, 0, kFixed16, 1, 0x88, 2},
+      // 8 bits
+      {8, 0, kBw, 4, 0, 0},
+      {8, 0, kBw, 4, 0x08, 2},
+      {8, 0, kBw, 8, 0x08, 0},
+      {8, 0, kBw, 8, 0x88, 2},
+      {8, 0, kFixed256, 8, 0x88, 0},
+      {8, 0, kFixed256, 4, 0x88, 2},
+      // 12 and 16 bits
+      {12, 2, kNone, 24, 0, 1},
+      {16, 2, kNone, 4, 0x08, 2},
+      {16, 2, kNone, 8, 0x08, 1},
+      {16, 2, kNone, 8, 0x88, 2},
+      {16, 1, kNone, 1, 0x88, 0},
+      // 24 bits, on devices that want blue first
+      {24, 1, kNone, 24, 0, 0},
+      {24, 1, kNone, 8, 0x08, 2},
+      {24, 0, kNone, 24, 0, 1},
+      {24, 0, kNone, 24, 0x800, 1},
+      {24, 5, kNone, 24, 0x800, 1},
+      {24, 5, kNone, 8, 0x08, 2},
+      // above
+      {32, 1, kNone, 1, 0x88, 0},
+      {48, 1, kNone, 8, 0, 1},
+      {48, 1, kNone, 8, 0x08, 2},
+      {64, 1, kNone, 24, 0x08, 1},
+  };
+  for (const auto& c : cases) {
+    const std::vector<PaletteEntry> palette = MakePalette(c.colours);
+    EXPECT_EQ(static_cast<int>(
+                  ChoosePaintMethod({c.bits, c.order, palette}, c.depth, kOrderColour, c.mode)),
+              c.method)
+        << c.bits << " bits, depth " << c.depth << ", mode " << std::hex << c.mode;
+  }
+  EXPECT_EQ(ChoosePaintMethod({24, 0, {}}, 24, kOrderRedFirst, 0x800), PaintMethod::kAsIs);
+}
+
+TEST(QuantizeDepth, EveryDepth_FallsIntoItsClass) {
+  const uint32_t cases[][2] = {{1, 1}, {3, 1}, {4, 4}, {7, 4}, {8, 8}, {15, 8}, {16, 24}, {32, 24}};
+  for (const auto& [bits, depth] : cases) EXPECT_EQ(QuantizeDepth(bits), depth) << bits;
+}
+
+TEST(ErrorDiffuser, NoiseOnEveryDevice_EqualsTheNaiveForm) {
+  constexpr uint32_t kWidth = 23, kHeight = 9;
+  std::mt19937 random(3);
+  for (const uint32_t bits : {1u, 4u, 8u}) {
+    std::vector<PaletteEntry> palette(size_t{1} << bits);
+    FillDefaultPalette(palette);
+    std::vector<std::byte> work(DitherWorkSize(kWidth));
+    ErrorDiffuser diffuser(palette, kWidth, work);
+    // Errors in sixteenths, with a margin, for all rows at once.
+    std::vector<std::array<std::array<int, 3>, kWidth + 2>> errors(kHeight + 1);
+    for (uint32_t y = 0; y < kHeight; ++y) {
+      std::vector<std::byte> row(kWidth * 3);
+      for (std::byte& byte : row) byte = static_cast<std::byte>(random());
+      std::vector<std::byte> indexes(kWidth);
+      diffuser.Row(row.data(), bits, indexes.data());
+      for (uint32_t x = 0; x < kWidth; ++x) {
+        std::array<int, 3> wanted{};
+        PaletteEntry coarse{};
+        uint8_t* const channels[3] = {&coarse.blue, &coarse.green, &coarse.red};
+        for (size_t c = 0; c < 3; ++c) {
+          wanted[c] =
+              std::clamp(static_cast<int>(row[x * 3 + c]) + errors[y][x + 1][c] / 16, 0, 255);
+          *channels[c] = static_cast<uint8_t>(wanted[c] / 8 * 8 + wanted[c] / 32);
+        }
+        const uint32_t best = NearestEntry(palette, coarse);
+        ASSERT_EQ(LoadPixelBits(indexes.data(), bits, x), best) << bits << ' ' << x << ',' << y;
+        const int chosen[3] = {palette[best].blue, palette[best].green, palette[best].red};
+        for (size_t c = 0; c < 3; ++c) {
+          const int error = wanted[c] - chosen[c];
+          errors[y][x + 2][c] += error * 7;
+          errors[y + 1][x][c] += error * 3;
+          errors[y + 1][x + 1][c] += error * 5;
+          errors[y + 1][x + 2][c] += error;
+        }
+      }
+    }
+  }
+}
+
+TEST(PackRow, AnyRow_UnpacksToItselfWithinTheBound) {
+  std::mt19937 random(9);
+  for (int round = 0; round < 400; ++round) {
+    std::vector<std::byte> row(random() % 700);
+    const uint32_t variety = random() % 5;
+    for (size_t i = 0; i < row.size(); ++i) {
+      const bool repeat = i > 0 && random() % 8 < variety * 2;
+      row[i] = repeat ? row[i - 1] : static_cast<std::byte>(random());
+    }
+    std::vector<std::byte> packed(PackedBound(row.size()));
+    const size_t size = PackRow(row, packed);
+    ASSERT_LE(size, packed.size());
+    packed.resize(size);
+    packed.shrink_to_fit();
+    std::vector<std::byte> unpacked(row.size());
+    UnpackRow(packed, unpacked);
+    ASSERT_EQ(unpacked, row);
+    // A damaged row ends in zeros and reads nothing behind its end.
+    for (size_t cut = 0; cut < size; cut += 7) UnpackRow(Bytes(packed).first(cut), unpacked);
+  }
+}
+
+TEST(Orientation, EveryPerspective_ShowsItsFirstPixelInItsCorner) {
+  // Where row 0, column 0 and row 0, column 1 of a bitmap of 3 x 2 pixels are seen.
+  struct {
+    uint32_t perspective, x, y, next_x, next_y;
+  } const cases[] = {{1, 0, 0, 1, 0}, {2, 2, 0, 1, 0}, {3, 2, 1, 1, 1}, {4, 0, 1, 1, 1},
+                     {5, 0, 0, 0, 1}, {6, 1, 0, 1, 1}, {7, 1, 2, 1, 1}, {8, 0, 2, 0, 1}};
+  for (const auto& c : cases) {
+    const Orientation orientation(c.perspective, 3, 2);
+    EXPECT_EQ(orientation.Seen(0, 0).x, c.x) << c.perspective;
+    EXPECT_EQ(orientation.Seen(0, 0).y, c.y) << c.perspective;
+    EXPECT_EQ(orientation.Seen(1, 0).x, c.next_x) << c.perspective;
+    EXPECT_EQ(orientation.Seen(1, 0).y, c.next_y) << c.perspective;
+  }
+}
+
+TEST(StorageChoice, LargeBitmaps_GoToDiskWhenMemoryIsShort) {
+  const MemoryState memory{.total = 1000, .free_physical = 300, .free_page_file = 200};
+  struct {
+    const char* name;
+    uint64_t size;
+    int64_t reserve, maximum;
+    uint32_t type;
+  } const cases[] = {
+      {"fits", 500, 0, 1000, 1},
+      {"more than is free", 501, 0, 1000, 5},
+      {"bytes to keep free", 401, 100, 1000, 5},
+      {"a percentage to keep free", 301, -20, 1000, 5},
+      {"more to keep free than there is", 1, -90, 1000, 5},
+      {"above the maximum", 400, 0, 399, 5},
+      {"above a percentage", 400, 0, -39, 5},
+      {"at a percentage", 400, 0, -40, 1},
+      {"percentages without end", 400, INT64_MIN, INT64_MIN, 5},
+  };
+  for (const auto& c : cases) {
+    EXPECT_EQ(ChooseForLarge(1, c.size, {0, c.reserve, c.maximum}, memory), c.type) << c.name;
+  }
+  EXPECT_EQ(KeepSmallInMemory(4), 1u);
+  EXPECT_EQ(KeepSmallInMemory(8), 8u);
+  EXPECT_EQ(SmallSize({0, 0, 0}), 16u << 20);
+}
+
+}  // namespace
+}  // namespace quillo::imaging

@@ -1,0 +1,351 @@
+#include "imaging/paint.h"
+
+#include <gtest/gtest.h>
+#include <optional>
+#include <vector>
+
+#include "base/gdi_owners.h"
+#include "imaging/device_colours.h"
+#include "imaging/display_mode.h"
+#include "imaging/paint_method.h"
+#include "imaging/rows.h"
+#include "settings_scope.h"
+#include "support/import_patch.h"
+
+namespace quillo::imaging {
+namespace {
+
+/// A memory DC with 16 x 16 white pixels.
+class Canvas {
+ public:
+  Canvas() : dc_(CreateCompatibleDC(nullptr)) {
+    BITMAPINFO info{};
+    info.bmiHeader = {sizeof(info.bmiHeader), 16, -16, 1, 32, BI_RGB, 0, 0, 0, 0, 0};
+    void* pixels = nullptr;
+    bitmap_.Reset(CreateDIBSection(nullptr, &info, DIB_RGB_COLORS, &pixels, nullptr, 0));
+    scope_.emplace(dc_.Get(), bitmap_.Get());
+    PatBlt(dc_.Get(), 0, 0, 16, 16, WHITENESS);
+  }
+  [[nodiscard]] HDC Dc() const { return dc_.Get(); }
+  [[nodiscard]] COLORREF At(int x, int y) const { return GetPixel(dc_.Get(), x, y); }
+
+ private:
+  CreatedDc dc_;
+  Bitmap bitmap_;
+  std::optional<SelectScope> scope_;
+};
+
+/// 4 x 4 pixels in 24 bits; the pixel at x, y has red x * 60 and green y * 60.
+void MakeGradient(BitmapHandle* record, uint32_t memory_type, uint32_t view, void* data,
+                  uint32_t bits = 24, uint32_t order = 1) {
+  ASSERT_EQ(Create(record, kCurrentForm, memory_type, 4, 4, bits, order, nullptr, view, data,
+                   data != nullptr ? 4 * 4 * bits / 8 : 0),
+            kSuccess);
+  for (uint32_t y = 0; y < 4; ++y) {
+    std::vector<Colour16> colours(4);
+    for (uint32_t x = 0; x < 4; ++x) {
+      const auto red = static_cast<uint16_t>(x * 60 * 257);
+      colours[x] = {0, static_cast<uint16_t>(y * 60 * 257), red, 0};
+    }
+    std::vector<std::byte> row(record->bytes_per_line);
+    EncodeRow(FormatOf(*record), colours, row.data());
+    StoreRow(*record, view == kBottomRowFirst ? 3 - y : y, row);
+  }
+}
+
+int device_bits = 32;
+int device_technology = DT_RASDISPLAY;
+
+/// Stands for devices of any depth: the painter asks GetDeviceCaps alone.
+int WINAPI DeviceCapsOfTest(HDC, int index) {
+  switch (index) {
+    case TECHNOLOGY:
+      return device_technology;
+    case BITSPIXEL:
+      return device_bits;
+    default:
+      return 1;
+  }
+}
+
+constexpr RECT kAt22 = {2, 2, 6, 6};
+
+TEST(SetDisplayMode, Flags_ChangeWithinTheMask) {
+  SettingsScope settings;
+  settings->display_mode = 0x108;
+  settings->display_table[5] = 0;
+  EXPECT_EQ(SetDisplayMode(0x25, 0xFF21), 0x108u);
+  EXPECT_EQ(settings->display_mode, 0x129u);
+  EXPECT_EQ(settings->display_table[5], 0u);
+  EXPECT_EQ(SetDisplayMode(0xFFFFFFFF, 0x4), 0x129u);
+  EXPECT_EQ(settings->display_table[5], 5u);
+  settings->display_table[5] = 9;
+  EXPECT_EQ(SetDisplayMode(0x4, 0x4), 0x4u);
+  EXPECT_EQ(settings->display_table[5], 9u);  // it was set before
+}
+
+TEST(Paint, Arguments_GiveTheirCodes) {
+  const Canvas canvas;
+  BitmapScope bitmap;
+  const auto paint = [&](HDC dc, const RECT* to) {
+    return Paint(dc, bitmap.Get(), nullptr, nullptr, to, nullptr, SRCCOPY);
+  };
+  EXPECT_EQ(Paint(canvas.Dc(), nullptr, nullptr, nullptr, &kAt22, nullptr, SRCCOPY),
+            kInvalidArgument);
+  EXPECT_EQ(paint(canvas.Dc(), &kAt22), kNoStorage);
+  MakeGradient(bitmap.Get(), 1, 1, nullptr);
+  EXPECT_EQ(paint(nullptr, &kAt22), kInvalidArgument);
+  EXPECT_EQ(paint(canvas.Dc(), nullptr), kInvalidArgument);
+  bitmap->width = 100;
+  EXPECT_EQ(paint(canvas.Dc(), &kAt22), kInvalidBitmap);
+  bitmap->width = 4;
+  bitmap->structure_size = 1;
+  EXPECT_EQ(paint(canvas.Dc(), &kAt22), kWrongStructureSize);
+  bitmap->structure_size = kCurrentForm;
+  EXPECT_EQ(paint(canvas.Dc(), &kAt22), kSuccess);
+}
+
+TEST(Paint, EveryStorageAndFormat_ShowsTheSamePicture) {
+  std::vector<std::byte> data(4 * 4 * 8);
+  struct {
+    const char* name;
+    uint32_t type, view, bits, order;
+    int tolerance;
+  } const cases[] = {
+      {"section", 1, 1, 24, 1, 0},
+      {"bottom up", 1, 4, 24, 1, 0},
+      {"file", 128, 1, 24, 1, 0},
+      {"file, bottom up", 128, 4, 24, 1, 0},
+      {"tiles", 4, 4, 24, 1, 0},
+      {"caller memory", 2, 1, 24, 1, 0},
+      {"red first", 1, 1, 24, 0, 0},
+      {"extended order", 1, 1, 24, 5, 0},
+      {"32 bits", 1, 1, 32, 1, 0},
+      {"16 bits", 1, 1, 16, 1, 8},
+      {"48 bits", 1, 4, 48, 1, 0},
+      {"64 bits", 1, 1, 64, 1, 0},
+      {"caller memory, 48 bits", 2, 1, 48, 1, 0},
+      {"palette of 8 bits", 1, 1, 8, 0, 64},
+      {"palette of 7 bits", 1, 4, 7, 0, 64},
+  };
+  for (const auto& c : cases) {
+    SettingsScope settings;
+    const TemporaryDirectory directory;
+    settings->memory_threshold = 1;
+    const Canvas canvas;
+    const DWORD handles = HandleCount();
+    BitmapHandle bitmap{};
+    MakeGradient(&bitmap, c.type, c.view, c.type == 2 ? data.data() : nullptr, c.bits, c.order);
+    ASSERT_EQ(Paint(canvas.Dc(), &bitmap, nullptr, nullptr, &kAt22, nullptr, SRCCOPY), kSuccess)
+        << c.name;
+    for (int y = 0; y < 4; ++y) {
+      for (int x = 0; x < 4; ++x) {
+        const COLORREF colour = canvas.At(2 + x, 2 + y);
+        ASSERT_NEAR(GetRValue(colour), x * 60, c.tolerance) << c.name << ' ' << x << ',' << y;
+        ASSERT_NEAR(GetGValue(colour), y * 60, c.tolerance) << c.name << ' ' << x << ',' << y;
+      }
+    }
+    EXPECT_EQ(canvas.At(6, 6), static_cast<COLORREF>(0xFFFFFF));
+    Free(&bitmap);
+    EXPECT_EQ(directory.Files(), 0) << c.name;
+    EXPECT_EQ(HandleCount(), handles) << c.name;
+  }
+}
+
+TEST(Paint, Rectangles_AreClippedAndScaled) {
+  BitmapScope bitmap;
+  MakeGradient(bitmap.Get(), 1, 4, nullptr);
+  const auto colour = [](int x, int y) { return RGB(x * 60, y * 60, 0); };
+  const COLORREF white = 0xFFFFFF;
+  struct {
+    const char* name;
+    std::optional<RECT> source, source_clip;
+    RECT to;
+    std::optional<RECT> clip;
+    COLORREF at_0_0, at_7_7, at_9_9;
+  } const cases[] = {
+      {"twice as large", {}, {}, {0, 0, 8, 8}, {}, colour(0, 0), colour(3, 3), white},
+      {"a part", RECT{1, 2, 3, 4}, {}, {0, 0, 8, 8}, {}, colour(1, 2), colour(2, 3), white},
+      {"a clipped part",
+       RECT{0, 0, 4, 4},
+       RECT{2, 2, 9, 9},
+       {0, 0, 8, 8},
+       {},
+       colour(2, 2),
+       colour(3, 3),
+       white},
+      {"beyond the bitmap",
+       RECT{3, 3, 9, 9},
+       {},
+       {0, 0, 8, 8},
+       {},
+       colour(3, 3),
+       colour(3, 3),
+       white},
+      {"source clipped away",
+       RECT{0, 0, 2, 2},
+       RECT{2, 2, 4, 4},
+       {0, 0, 8, 8},
+       {},
+       white,
+       white,
+       white},
+      {"outside the bitmap", RECT{4, 4, 8, 8}, {}, {0, 0, 8, 8}, {}, white, white, white},
+      {"destination clipped away", {}, {}, {0, 0, 8, 8}, RECT{8, 8, 16, 16}, white, white, white},
+      {"destination clipped",
+       {},
+       {},
+       {0, 0, 16, 16},
+       RECT{0, 0, 8, 8},
+       colour(0, 0),
+       colour(3, 3),
+       white},
+  };
+  for (const auto& c : cases) {
+    const Canvas canvas;
+    SetStretchBltMode(canvas.Dc(), HALFTONE);
+    EXPECT_EQ(Paint(canvas.Dc(), bitmap.Get(), c.source ? &*c.source : nullptr,
+                    c.source_clip ? &*c.source_clip : nullptr, &c.to, c.clip ? &*c.clip : nullptr,
+                    SRCCOPY),
+              kSuccess)
+        << c.name;
+    EXPECT_EQ(canvas.At(0, 0), c.at_0_0) << c.name;
+    EXPECT_EQ(canvas.At(7, 7), c.at_7_7) << c.name;
+    EXPECT_EQ(canvas.At(9, 9), c.at_9_9) << c.name;
+    EXPECT_EQ(GetStretchBltMode(canvas.Dc()), HALFTONE);
+  }
+}
+
+TEST(Paint, SwappedAxes_TakeRowsAlongX) {
+  BitmapScope bitmap;
+  ASSERT_EQ(Create(bitmap.Get(), kCurrentForm, 1, 4, 2, 24, 1, nullptr, 6, nullptr, 0), kSuccess);
+  std::vector<std::byte> row(12);
+  row[0] = std::byte{255};  // blue; row 0, column 0 is seen at the top right
+  StoreRow(*bitmap.Get(), 0, row);
+  const Canvas canvas;
+  const RECT to = {0, 0, 2, 4};
+  EXPECT_EQ(Paint(canvas.Dc(), bitmap.Get(), nullptr, nullptr, &to, nullptr, SRCCOPY), kSuccess);
+  EXPECT_EQ(canvas.At(1, 0), RGB(0, 0, 255));
+  EXPECT_EQ(canvas.At(0, 0), RGB(0, 0, 0));
+  EXPECT_EQ(canvas.At(1, 3), RGB(0, 0, 0));
+  EXPECT_EQ(canvas.At(2, 0), RGB(255, 255, 255));
+  EXPECT_EQ(bitmap->view_perspective, 6u);  // the caller's bitmap stays
+}
+
+/// 8 x 8, 1 bit; only the pixel at 2, 2 is black. `inverted` swaps both palette and bits.
+void MakeDot(BitmapHandle* record, bool inverted) {
+  const PaletteEntry palette[2] = {inverted ? PaletteEntry{255, 255, 255, 0} : PaletteEntry{},
+                                   inverted ? PaletteEntry{} : PaletteEntry{255, 255, 255, 0}};
+  ASSERT_EQ(Create(record, kCurrentForm, 1, 8, 8, 1, 0, palette, 1, nullptr, 0), kSuccess);
+  for (uint32_t y = 0; y < 8; ++y) {
+    const uint8_t bits = y == 2 ? 0xDF : 0xFF;
+    const std::byte row[4] = {static_cast<std::byte>(inverted ? ~bits : bits)};
+    StoreRow(*record, y, row);
+  }
+}
+
+TEST(Paint, OneBitMethods_KeepDotsTheirOwnWay) {
+  struct {
+    const char* name;
+    uint32_t mode;
+    LONG size;
+    int dot_x;  // where the dot is expected
+    COLORREF dot;
+  } const cases[] = {
+      {"grey, unscaled", kModeGreyScale, 8, 2, RGB(0, 0, 0)},
+      {"grey, shrinking to a quarter", kModeGreyScale, 4, 1, RGB(191, 191, 191)},
+      {"grey, larger", kModeGreyScale, 16, 5, RGB(0, 0, 0)},
+      {"two colours, unscaled", kModeTwoColours, 8, 2, RGB(0, 0, 0)},
+      {"two colours, shrinking", kModeTwoColours, 2, 0, RGB(0, 0, 0)},
+      {"two colours, larger", kModeTwoColours, 16, 5, RGB(0, 0, 0)},
+  };
+  for (const auto& c : cases) {
+    for (const bool inverted : {false, true}) {
+      SettingsScope settings;
+      settings->display_mode = c.mode;
+      const Canvas canvas;
+      BitmapScope bitmap;
+      MakeDot(bitmap.Get(), inverted);
+      const RECT to = {0, 0, c.size, c.size};
+      ASSERT_EQ(Paint(canvas.Dc(), bitmap.Get(), nullptr, nullptr, &to, nullptr, SRCCOPY),
+                kSuccess);
+      EXPECT_EQ(canvas.At(c.dot_x, c.dot_x), c.dot) << c.name << inverted;
+      const int last = static_cast<int>(c.size) - 1;
+      EXPECT_EQ(canvas.At(last, last), static_cast<COLORREF>(0xFFFFFF)) << c.name << inverted;
+    }
+  }
+}
+
+TEST(Paint, FewColours_AreDitheredToTheirMean) {
+  SettingsScope settings;
+  settings->display_mode = kModeDither;
+  BitmapScope bitmap;
+  ASSERT_EQ(Create(bitmap.Get(), kCurrentForm, 1, 1, 1, 24, 1, nullptr, 1, nullptr, 0), kSuccess);
+  const std::vector<std::byte> grey(4, std::byte{64});
+  StoreRow(*bitmap.Get(), 0, grey);
+  const Canvas canvas;
+  const test::ImportPatch patch("GetDeviceCaps", DeviceCapsOfTest);
+  device_bits = 1;
+  const RECT to = {0, 0, 16, 16};
+  ASSERT_EQ(Paint(canvas.Dc(), bitmap.Get(), nullptr, nullptr, &to, nullptr, SRCCOPY), kSuccess);
+  int white = 0;
+  for (int i = 0; i < 256; ++i) white += canvas.At(i % 16, i / 16) == 0xFFFFFF;
+  EXPECT_NEAR(white, 64, 6);  // a quarter of 256 pixels
+}
+
+std::vector<PALETTEENTRY> EntriesOf(HPALETTE handle) {
+  const Palette palette(handle);
+  if (!palette) return {};
+  std::vector<PALETTEENTRY> entries(GetPaletteEntries(palette.Get(), 0, 0, nullptr));
+  GetPaletteEntries(palette.Get(), 0, static_cast<UINT>(entries.size()), entries.data());
+  return entries;
+}
+
+TEST(CreatePaintPalette, EveryRule_GivesItsColours) {
+  struct {
+    const char* name;
+    uint32_t bits, order, mode;
+    int device_bits;
+    size_t colours, index;
+    COLORREF colour;
+  } const cases[] = {
+      {"dither to 8 bits, cube", 24, 1, 0x108, 8, 256, 43, RGB(0x33, 0x33, 0x33)},
+      {"dither to 8 bits", 24, 1, 0x008, 8, 256, 43, RGB(0x24, 0x49, 0xFF)},
+      {"dither to 4 bits", 24, 1, 0x008, 4, 16, 9, RGB(255, 0, 0)},
+      {"dither to 1 bit", 24, 1, 0x008, 1, 2, 1, RGB(255, 255, 255)},
+      {"grey levels of 1 bit", 1, 0, 0x010, 32, 256, 77, RGB(77, 77, 77)},
+      {"own palette", 4, 0, 0, 32, 16, 9, RGB(255, 0, 0)},
+      {"grey above 8 bits", 16, 2, 0, 32, 256, 200, RGB(200, 200, 200)},
+      {"none", 24, 1, 0, 32, 0, 0, 0},
+  };
+  for (const auto& c : cases) {
+    SettingsScope settings;
+    settings->display_mode = c.mode;
+    const Canvas canvas;
+    const test::ImportPatch patch("GetDeviceCaps", DeviceCapsOfTest);
+    device_bits = c.device_bits;
+    BitmapScope bitmap;
+    Create(bitmap.Get(), kCurrentForm, 1, 4, 4, c.bits, c.order, nullptr, 1, nullptr, 0);
+    const auto entries = EntriesOf(CreatePaintPalette(canvas.Dc(), bitmap.Get()));
+    ASSERT_EQ(entries.size(), c.colours) << c.name;
+    if (c.colours == 0) continue;
+    const PALETTEENTRY entry = entries[c.index];
+    EXPECT_EQ(RGB(entry.peRed, entry.peGreen, entry.peBlue), c.colour) << c.name;
+    EXPECT_EQ(entry.peFlags, 0) << c.name;
+  }
+  EXPECT_EQ(CreatePaintPalette(nullptr, nullptr), nullptr);
+}
+
+TEST(DeviceDepth, MetafilesAndNoDevice_Have24Bits) {
+  const Canvas canvas;
+  const test::ImportPatch patch("GetDeviceCaps", DeviceCapsOfTest);
+  device_bits = 4;
+  EXPECT_EQ(DeviceDepth(canvas.Dc()), 4u);
+  EXPECT_EQ(DeviceDepth(nullptr), 24u);
+  device_technology = DT_METAFILE;
+  EXPECT_EQ(DeviceDepth(canvas.Dc()), 24u);
+  device_technology = DT_RASDISPLAY;
+}
+
+}  // namespace
+}  // namespace quillo::imaging

@@ -1,0 +1,276 @@
+#include "imaging/resize.h"
+
+#include <array>
+#include <gtest/gtest.h>
+#include <vector>
+
+#include "imaging/convert_dib.h"
+#include "imaging/rows.h"
+#include "settings_scope.h"
+
+namespace quillo::imaging {
+namespace {
+
+/// A bitmap of 8-bit rows whose pixels all hold the row's number, counted from 1.
+void MakeRows(BitmapHandle* record, uint32_t width, uint32_t height, uint32_t view) {
+  ASSERT_EQ(Create(record, kCurrentForm, 9, width, height, 8, 0, nullptr, view, nullptr, 0),
+            kSuccess);
+  for (uint32_t y = 0; y < height; ++y) {
+    const std::vector<std::byte> row(record->bytes_per_line, static_cast<std::byte>(y + 1));
+    StoreRow(*record, y, row);
+  }
+}
+
+std::vector<std::byte> FirstRow(const BitmapHandle& record) {
+  std::vector<std::byte> row(record.bytes_per_line);
+  FetchRow(record, 0, row);
+  return row;
+}
+
+std::vector<int> FirstColumn(const BitmapHandle& record) {
+  std::vector<int> column;
+  std::vector<std::byte> row(record.bytes_per_line);
+  for (uint32_t y = 0; y < record.height; ++y) {
+    FetchRow(record, y, row);
+    column.push_back(static_cast<int>(row[0]));
+  }
+  return column;
+}
+
+class CountingAttachment : public Attachment {
+ public:
+  int Resize(uint32_t width, uint32_t height) override {
+    size = {width, height};
+    return result;
+  }
+  void Release() override { ++released; }
+  std::array<uint32_t, 2> size{};
+  int released = 0;
+  int result = kSuccess;
+};
+
+TEST(SizeBitmap, Arguments_GiveTheirCodes) {
+  EXPECT_EQ(SizeBitmap(nullptr, 1, 1, 0), kInvalidArgument);
+  BitmapHandle empty{};
+  Init(&empty, kCurrentForm, 4, 4, 8);
+  EXPECT_EQ(SizeBitmap(&empty, 1, 1, 0), kInvalidArgument);
+  BitmapScope bitmap;
+  MakeRows(bitmap.Get(), 4, 4, 1);
+  EXPECT_EQ(SizeBitmap(bitmap.Get(), 0, 4, 0), kInvalidArgument);
+  EXPECT_EQ(SizeBitmap(bitmap.Get(), 4, -1, 0), kInvalidArgument);
+  const std::byte* storage = bitmap->data_address;
+  EXPECT_EQ(SizeBitmap(bitmap.Get(), 4, 4, 0), kSuccess);
+  EXPECT_EQ(bitmap->data_address, storage);
+  bitmap->structure_size = 100;
+  EXPECT_EQ(SizeBitmap(bitmap.Get(), 1, 1, 0), kWrongStructureSize);
+  bitmap->structure_size = kCurrentForm;
+}
+
+TEST(SizeBitmap, InPlace_KeepsTheRecordsIdentity) {
+  for (const uint32_t form : {kCurrentForm, kOldForm}) {
+    const DWORD handles = HandleCount();
+    CountingAttachment attachment;
+    BitmapHandle record{};
+    const PaletteEntry grey[] = {{9, 9, 9, 0}, {8, 8, 8, 0}};
+    ASSERT_EQ(Create(&record, form, 9, 4, 3, 1, 0, grey, 4, nullptr, 0), kSuccess);
+    record.attached_object = &attachment;
+    record.x_resolution = 333;
+    const PaletteEntry* palette = record.palette;
+    EXPECT_EQ(SizeBitmap(&record, 8, 7, 0), kSuccess);
+    EXPECT_EQ(record.width, 8u);
+    EXPECT_EQ(record.height, 7u);
+    EXPECT_EQ(record.data_size, 28u);
+    EXPECT_EQ(record.x_resolution, 333u);
+    EXPECT_EQ(record.view_perspective, kBottomRowFirst);
+    EXPECT_EQ(record.palette, palette);
+    EXPECT_EQ(PaletteOf(record)[1], grey[1]);
+    EXPECT_EQ(attachment.size, (std::array{8u, 7u}));
+    EXPECT_TRUE(IsValid(record));
+    EXPECT_EQ(attachment.released, 0);
+    // A refusing attachment leaves all as it was.
+    attachment.result = -42;
+    EXPECT_EQ(SizeBitmap(&record, 3, 3, 0), -42);
+    EXPECT_EQ(record.width, 8u);
+    Free(&record);
+    EXPECT_EQ(attachment.released, 1);
+    EXPECT_EQ(HandleCount(), handles);
+  }
+}
+
+int StopAtOnce(int, void*) { return -99; }
+
+TEST(SizeBitmap, StoppingCallback_LeavesTheBitmap) {
+  SettingsScope settings;
+  const DWORD handles = HandleCount();
+  BitmapHandle record{};
+  MakeRows(&record, 4, 3, 1);
+  settings->status = StopAtOnce;
+  EXPECT_EQ(SizeBitmap(&record, 4, 7, 0), -99);
+  EXPECT_EQ(FirstColumn(record), (std::vector{1, 2, 3}));
+  Free(&record);
+  EXPECT_EQ(HandleCount(), handles);
+}
+
+TEST(ResizeInto, RowOrders_DecideWhereRowsGo) {
+  const std::vector<int> down = {1, 1, 1, 2, 2, 3, 3}, up = {3, 3, 2, 2, 1, 1, 1};
+  for (const uint32_t from : {1u, 4u}) {
+    for (const uint32_t to : {1u, 4u}) {
+      for (const uint32_t type : {1u, 128u}) {  // rows in place, and rows that are stored
+        BitmapScope source, target;
+        MakeRows(source.Get(), 4, 3, from);
+        Create(target.Get(), kCurrentForm, type, 4, 7, 8, 0, nullptr, to, nullptr, 0);
+        EXPECT_EQ(ResizeInto(source.Get(), target.Get(), 0), kSuccess);
+        EXPECT_EQ(FirstColumn(*target.Get()), from == to ? down : up) << from << ' ' << to;
+      }
+    }
+  }
+}
+
+TEST(ResizeInto, UnlikeBitmaps_AreRefused) {
+  BitmapScope a, b, none;
+  Create(a.Get(), kCurrentForm, 1, 4, 4, 24, 1, nullptr, 1, nullptr, 0);
+  Create(b.Get(), kCurrentForm, 1, 4, 4, 24, 0, nullptr, 1, nullptr, 0);
+  Init(none.Get(), kCurrentForm, 4, 4, 24);
+  EXPECT_EQ(ResizeInto(a.Get(), b.Get(), 0), kInvalidArgument);
+  EXPECT_EQ(ResizeInto(a.Get(), none.Get(), 0), kNoStorage);
+}
+
+/// Which method ran shows in what becomes of one black column among three white ones.
+TEST(SizeBitmap, Flags_ChooseTheMethod) {
+  struct {
+    const char* name;
+    uint32_t bits, flags;
+    int32_t width;
+    bool like_nearest;
+  } const cases[] = {
+      {"none", 24, 0, 2, true},
+      {"area of 24 bits is ignored", 24, 1, 2, true},
+      {"resampling", 24, 2, 2, false},
+      {"smooth, smaller", 24, 4, 2, false},
+      {"smooth, larger", 24, 4, 7, false},
+      {"area of 1 bit", 1, 1, 2, false},
+      {"area goes before resampling", 1, 3, 2, false},
+  };
+  for (const auto& c : cases) {
+    BitmapScope sized, nearest;
+    for (BitmapScope* bitmap : {&sized, &nearest}) {
+      ASSERT_EQ(
+          Create(bitmap->Get(), kCurrentForm, 9, 4, 4, c.bits, c.bits > 8, nullptr, 1, nullptr, 0),
+          kSuccess);
+      std::vector<std::byte> row((*bitmap)->bytes_per_line, std::byte{0xFF});
+      if (c.bits == 1) row[0] = std::byte{0xBF};
+      for (size_t i = 3; i < 6 && c.bits == 24; ++i) row[i] = std::byte{0};
+      for (uint32_t y = 0; y < 4; ++y) StoreRow(*bitmap->Get(), y, row);
+    }
+    ASSERT_EQ(SizeBitmap(sized.Get(), c.width, 4, c.flags), kSuccess) << c.name;
+    ASSERT_EQ(SizeBitmap(nearest.Get(), c.width, 4, 0), kSuccess);
+    EXPECT_EQ(FirstRow(*sized.Get()) == FirstRow(*nearest.Get()), c.like_nearest) << c.name;
+  }
+}
+
+constexpr DWORD kYuy2 = 0x32595559;  // "YUY2"
+
+struct PackedDib {
+  BITMAPINFOHEADER header;
+  RGBQUAD colours[2];
+  uint8_t bits[16];
+};
+
+TEST(ConvertFromDib, HeaderFields_GoIntoTheRecord) {
+  struct {
+    const char* name;
+    LONG height;
+    DWORD compression;
+    WORD bits;
+    uint32_t view, result_bits;
+  } const cases[] = {
+      {"bottom up", 4, BI_RGB, 1, kBottomRowFirst, 1},
+      {"top down", -4, BI_RGB, 1, kTopRowFirst, 1},
+      {"YUV, positive height", 2, kYuy2, 16, kTopRowFirst, 24},
+      {"YUV, negative height", -2, kYuy2, 16, kBottomRowFirst, 24},
+  };
+  for (const auto& c : cases) {
+    PackedDib dib{};
+    dib.header = {sizeof(dib.header), 4, c.height, 1, c.bits, c.compression, 0, 3780, 23622, 0, 0};
+    dib.colours[1] = {1, 2, 3, 0};
+    dib.bits[0] = 0x50;
+    const Bytes header = std::as_bytes(std::span(&dib, 1)).first(48);
+    const Bytes bits = std::as_bytes(std::span(dib.bits));
+    for (const bool sized : {true, false}) {
+      BitmapScope record;
+      ASSERT_EQ(sized ? ConvertFromDib(record.Get(), kCurrentForm, header, bits)
+                      : ConvertFromDib(record.Get(), kCurrentForm, &dib, dib.bits),
+                kSuccess)
+          << c.name;
+      EXPECT_EQ(record->view_perspective, c.view) << c.name;
+      EXPECT_EQ(record->bits_per_pixel, c.result_bits) << c.name;
+      EXPECT_EQ(record->colour_order, c.result_bits > 8 ? kOrderColour : kOrderPalette);
+      EXPECT_EQ(record->x_resolution, 96u);
+      EXPECT_EQ(record->y_resolution, 600u);
+      if (c.result_bits == 1) {
+        EXPECT_EQ(PaletteOf(*record.Get())[1], (PaletteEntry{1, 2, 3, 0}));
+        EXPECT_EQ(FirstColumn(*record.Get()), (std::vector{0x50, 0, 0, 0}));
+      }
+    }
+    BitmapHandle described{};
+    EXPECT_EQ(ConvertFromDib(&described, kCurrentForm, header, {}), kSuccess) << c.name;
+    EXPECT_EQ(described.flags, 0u);
+    EXPECT_EQ(described.width, 4u);
+    EXPECT_EQ(described.view_perspective, c.view);
+    EXPECT_EQ(described.colours, c.result_bits == 1 ? 2u : 0u);
+  }
+}
+
+TEST(ConvertFromDib, UnknownResolution_IsTheScreens) {
+  const BITMAPINFOHEADER header = {sizeof(header), 4, 4, 1, 24, BI_RGB, 0, 0, 0, 0, 0};
+  BitmapHandle record{};
+  ASSERT_EQ(ConvertFromDib(&record, kCurrentForm, &header, nullptr), kSuccess);
+  const HDC screen = GetDC(nullptr);
+  const int per_metre =
+      MulDiv(GetDeviceCaps(screen, HORZRES), 1000, GetDeviceCaps(screen, HORZSIZE));
+  ReleaseDC(nullptr, screen);
+  EXPECT_EQ(record.x_resolution, (static_cast<uint32_t>(per_metre) * 254 + 5000) / 10000);
+}
+
+TEST(ConvertFromDib, BadInput_GivesItsCodeAndHoldsNothing) {
+  const auto jpeg = DWORD{0x47504A4D};  // "MJPG";
+  struct {
+    const char* name;
+    uint32_t form;
+    LONG width, height;
+    WORD bits;
+    DWORD compression;
+    int result;
+    uint32_t described_width;
+  } const cases[] = {
+      {"form", 270, 4, 4, 24, BI_RGB, kWrongStructureSize, 0},
+      {"compression", kCurrentForm, 4, 4, 24, 77, kUnsupportedFormat, 0},
+      {"jpeg is described", kCurrentForm, 4, 4, 24, jpeg, kUnsupportedFormat, 4},
+      {"bits too short", kCurrentForm, 4, 5, 24, BI_RGB, kInvalidArgument, 4},
+      {"huge", kCurrentForm, INT32_MAX, INT32_MIN, 64, BI_RGB, kInvalidArgument, 0},
+      {"huge runs", kCurrentForm, INT32_MAX, INT32_MAX, 8, BI_RLE8, kOutOfMemory, 0},
+      {"old form too large", kOldForm, 100000, 100000, 24, BI_RGB, kTooLargeForOldForm, 0},
+      {"no rows", kCurrentForm, 4, 0, 24, BI_RGB, kEmptyData, 0},
+  };
+  const std::vector<std::byte> bits(48);
+  for (const auto& c : cases) {
+    SettingsScope settings;
+    wcscpy_s(settings->temporary_directory, L"Z:\\no\\such\\directory");
+    const DWORD handles = HandleCount();
+    BITMAPINFOHEADER header = {
+        sizeof(header), c.width, c.height, 1, c.bits, c.compression, 0, 0, 0, 0, 0};
+    BitmapHandle record{};
+    EXPECT_EQ(ConvertFromDib(&record, c.form, std::as_bytes(std::span(&header, 1)), bits), c.result)
+        << c.name;
+    EXPECT_EQ(record.flags & kAllocated, 0u) << c.name;
+    EXPECT_EQ(record.lookup8, nullptr) << c.name;
+    if (c.described_width != 0) {
+      EXPECT_EQ(record.width, c.described_width) << c.name;
+    }
+    EXPECT_EQ(HandleCount(), handles) << c.name;
+  }
+  EXPECT_EQ(ConvertFromDib(nullptr, kCurrentForm, bits, bits), kInvalidArgument);
+}
+
+}  // namespace
+}  // namespace quillo::imaging

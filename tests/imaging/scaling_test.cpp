@@ -1,0 +1,335 @@
+#include <algorithm>
+#include <cmath>
+#include <gtest/gtest.h>
+#include <random>
+#include <string>
+#include <vector>
+
+#include "imaging/area.h"
+#include "imaging/nearest.h"
+#include "imaging/pixel_bits.h"
+#include "imaging/resample.h"
+
+namespace quillo::imaging {
+namespace {
+
+constexpr uint32_t kDepths[] = {1, 2, 3, 4, 5, 6, 7, 8, 12, 16, 24, 32, 48, 64};
+
+/// A bitmap in plain memory.
+struct Image {
+  Image(uint32_t width, uint32_t height, uint32_t bits)
+      : size(*MakeGeometry(width, height, bits)), rows(size.data_size) {}
+
+  [[nodiscard]] const std::byte* Row(uint32_t y) const {
+    return rows.data() + size_t{y} * size.bytes_per_line;
+  }
+  std::byte* Row(uint32_t y) { return rows.data() + size_t{y} * size.bytes_per_line; }
+
+  /// The bits of a pixel as a number.
+  [[nodiscard]] uint64_t At(uint32_t x, uint32_t y) const {
+    if (size.bits_per_pixel <= 8 || size.bits_per_pixel == 12) {
+      return LoadPixelBits(Row(y), size.bits_per_pixel, x);
+    }
+    uint64_t pixel = 0;
+    const size_t bytes = size.bits_per_pixel / 8;
+    std::memcpy(&pixel, Row(y) + x * bytes, bytes);
+    return pixel;
+  }
+
+  Geometry size;
+  std::vector<std::byte> rows;
+};
+
+Image Noise(uint32_t width, uint32_t height, uint32_t bits, uint32_t seed = 1) {
+  Image image(width, height, bits);
+  std::mt19937 random(seed);
+  for (std::byte& byte : image.rows) byte = static_cast<std::byte>(random());
+  return image;
+}
+
+Progress NoProgress(uint32_t rows) { return Progress(nullptr, nullptr, rows); }
+
+/// Scales with rows written in place, or stored.
+Image Nearest(const Image& source, uint32_t width, uint32_t height, bool in_place) {
+  Image target(width, height, source.size.bits_per_pixel);
+  std::vector<uint32_t> columns(width);
+  std::vector<std::byte> row(target.size.bytes_per_line);
+  const int result = ResizeNearest(
+      source.size, target.size, columns, row, [&](uint32_t y) { return source.Row(y); },
+      [&](uint32_t y) { return in_place ? target.Row(y) : nullptr; },
+      [&](uint32_t y, Bytes data) {
+        std::ranges::copy(data, target.Row(y));
+        return kSuccess;
+      },
+      NoProgress(height));
+  EXPECT_EQ(result, kSuccess);
+  return target;
+}
+
+TEST(Nearest, RowPattern_FollowsTheGatheredRemainders) {
+  struct {
+    uint32_t source, destination;
+    std::vector<uint32_t> positions;
+  } const cases[] = {
+      {3, 7, {0, 0, 0, 1, 1, 2, 2}},
+      {7, 3, {0, 2, 4}},
+      {4, 4, {0, 1, 2, 3}},
+      {5, 2, {0, 2}},
+      {1, 3, {0, 0, 0}},
+      {10, 4, {0, 2, 5, 7}},
+  };
+  for (const auto& c : cases) {
+    std::vector<uint32_t> columns(c.destination);
+    FillColumns(c.source, columns);
+    EXPECT_EQ(columns, c.positions) << c.source << " to " << c.destination;
+  }
+}
+
+TEST(Nearest, EveryDepthAndSize_TakesPixelsWhole) {
+  const uint32_t sizes[][4] = {{13, 9, 29, 21}, {29, 21, 13, 9}, {17, 5, 17, 11},
+                               {40, 3, 23, 3},  {1, 1, 9, 4},    {33, 7, 1, 1}};
+  for (const uint32_t bits : kDepths) {
+    for (const auto& [w, h, new_w, new_h] : sizes) {
+      const Image source = Noise(w, h, bits);
+      const Image stored = Nearest(source, new_w, new_h, false);
+      for (uint32_t y = 0; y < new_h; ++y) {
+        for (uint32_t x = 0; x < new_w; ++x) {
+          ASSERT_EQ(stored.At(x, y), source.At(uint32_t{x * w / new_w}, uint32_t{y * h / new_h}))
+              << bits << " bits, " << w << 'x' << h << " to " << new_w << 'x' << new_h << " at "
+              << x << ',' << y;
+        }
+      }
+      EXPECT_EQ(Nearest(source, new_w, new_h, true).rows, stored.rows) << bits;
+    }
+  }
+}
+
+TEST(Nearest, UnknownDepth_LeavesTheRow) {
+  const std::vector<std::byte> source(64, std::byte{1});
+  std::vector<std::byte> row(64, std::byte{2});
+  const uint32_t columns[] = {0, 1, 2};
+  ScaleRowPlain(10, source.data(), columns, row.data());
+  EXPECT_EQ(row, std::vector<std::byte>(64, std::byte{2}));
+}
+
+TEST(Nearest, FastRow_EqualsThePlainForm) {
+  for (uint32_t source_width = 1; source_width < 70; source_width += 3) {
+    for (uint32_t width = 1; width < 70; ++width) {
+      const Image source = Noise(source_width, 1, 32);
+      std::vector<uint32_t> columns(width);
+      FillColumns(source_width, columns);
+      std::vector<std::byte> plain(size_t{width} * 4), fast(size_t{width} * 4);
+      ScaleRowPlain(32, source.Row(0), columns, plain.data());
+      ScaleRow(32, source.Row(0), columns, fast.data());
+      ASSERT_EQ(plain, fast) << source_width << " to " << width;
+    }
+  }
+}
+
+struct Calls {
+  std::vector<int> percents;
+  int stop_at = -1;
+};
+
+int Record(int percent, void* user) {
+  auto* calls = static_cast<Calls*>(user);
+  calls->percents.push_back(percent);
+  return percent == calls->stop_at ? -77 : kSuccess;
+}
+
+TEST(Progress, Percentages_ComeInWholeStepsAndRemainders) {
+  struct {
+    uint32_t rows;
+    std::vector<int> percents;
+  } const cases[] = {{1, {0, 100}}, {3, {0, 33, 66, 100}}, {7, {0, 14, 28, 42, 57, 71, 85, 100}}};
+  for (const auto& c : cases) {
+    Calls calls;
+    Progress progress(Record, &calls, c.rows);
+    EXPECT_EQ(progress.Start(), kSuccess);
+    for (uint32_t i = 0; i < c.rows; ++i) EXPECT_EQ(progress.RowDone(), kSuccess);
+    EXPECT_EQ(calls.percents, c.percents) << c.rows;
+  }
+  Calls many;
+  Progress progress(Record, &many, 1000);
+  progress.Start();
+  for (int i = 0; i < 1000; ++i) progress.RowDone();
+  EXPECT_EQ(many.percents.size(), 101u);  // rows that move nothing are not reported
+}
+
+TEST(Progress, StoppingCallback_StopsEveryMethod) {
+  const Image source = Noise(20, 20, 1);
+  const PaletteEntry palette[2] = {{0, 0, 0, 0}, {255, 255, 255, 0}};
+  const Geometry target = *MakeGeometry(10, 10, 1);
+  const auto fetch = [&](uint32_t y) { return source.Row(y); };
+  int stored = 0;
+  const auto store = [&](uint32_t, Bytes) { return ++stored, kSuccess; };
+  std::vector<uint32_t> columns(10);
+  std::vector<uint64_t> sums(10);
+  std::vector<std::byte> row(4);
+  std::vector<double> work(ResampleWorkSize(source.size, target) / sizeof(double) + 1);
+  for (int method = 0; method < 3; ++method) {
+    Calls calls{.percents = {}, .stop_at = 30};
+    const Progress progress(Record, &calls, 10);
+    stored = 0;
+    int result = 0;
+    if (method == 0) {
+      result = ResizeNearest(
+          source.size, target, columns, row, fetch, [](uint32_t) { return nullptr; }, store,
+          progress);
+    } else if (method == 1) {
+      result =
+          ScaleByArea(AreaRule::kMajority, source.size, target, sums, row, fetch, store, progress);
+    } else {
+      result = Resample(CubicFilter::kMitchell, {1, 0, palette}, source.size, target,
+                        std::as_writable_bytes(std::span(work)), row, fetch, store, progress);
+    }
+    EXPECT_EQ(result, -77) << method;
+    EXPECT_EQ(stored, 3) << method;
+  }
+}
+
+TEST(ScaleByArea, EveryRule_EqualsTheNaiveShare) {
+  const uint32_t sizes[][4] = {{20, 14, 7, 5}, {7, 5, 20, 14}, {9, 9, 9, 4}, {5, 30, 11, 3}};
+  for (const auto& [w, h, new_w, new_h] : sizes) {
+    const Image source = Noise(w, h, 1);
+    for (const AreaRule rule :
+         {AreaRule::kMajority, AreaRule::kAnySet, AreaRule::kAllSet, AreaRule::kLevels}) {
+      Image target(new_w, new_h, rule == AreaRule::kLevels ? 8 : 1);
+      std::vector<uint64_t> sums(new_w);
+      std::vector<std::byte> row(target.size.bytes_per_line);
+      ScaleByArea(
+          rule, source.size, target.size, sums, row, [&](uint32_t y) { return source.Row(y); },
+          [&](uint32_t y, Bytes data) {
+            std::ranges::copy(data, target.Row(y));
+            return kSuccess;
+          },
+          NoProgress(new_h));
+      for (uint32_t y = 0; y < new_h; ++y) {
+        for (uint32_t x = 0; x < new_w; ++x) {
+          // Both bitmaps drawn on a grid that is fine enough for either.
+          uint64_t set = 0;
+          for (uint32_t v = y * h; v < (y + 1) * h; ++v) {
+            for (uint32_t u = x * w; u < (x + 1) * w; ++u) set += source.At(u / new_w, v / new_h);
+          }
+          const uint64_t whole = uint64_t{w} * h;
+          uint64_t expected = 0;
+          switch (rule) {
+            case AreaRule::kMajority:
+              expected = set * 2 > whole;
+              break;
+            case AreaRule::kAnySet:
+              expected = set > 0;
+              break;
+            case AreaRule::kAllSet:
+              expected = set == whole;
+              break;
+            case AreaRule::kLevels:
+              expected = (set * 510 + whole) / (2 * whole);
+              break;
+          }
+          ASSERT_EQ(target.At(x, y), expected) << w << 'x' << h << " rule " << int(rule);
+        }
+      }
+    }
+  }
+}
+
+/// The filtered value of one channel byte, straight from the definition.
+double NaiveFilter(CubicFilter filter, const Image& source, const Geometry& target, uint32_t x,
+                   uint32_t y, size_t channel) {
+  const auto weights = [filter](uint32_t from, uint32_t to, uint32_t position) {
+    const double ratio = static_cast<double>(from) / to;
+    const double wide = std::max(ratio, 1.0);
+    const double centre = (position + 0.5) * ratio - 0.5;
+    std::vector<std::pair<uint32_t, double>> list;
+    for (int i = -200; i < static_cast<int>(from) + 200; ++i) {
+      const double weight = CubicWeight(filter, (i - centre) / wide);
+      if (weight != 0) list.emplace_back(std::clamp<int>(i, 0, static_cast<int>(from) - 1), weight);
+    }
+    return list;
+  };
+  double sum = 0;
+  double total = 0;
+  for (const auto& [v, wy] : weights(source.size.height, target.height, y)) {
+    for (const auto& [u, wx] : weights(source.size.width, target.width, x)) {
+      sum += wx * wy * static_cast<double>(source.At(u, v) >> (8 * channel) & 0xFF);
+      total += wx * wy;
+    }
+  }
+  return std::clamp(sum / total, 0.0, 255.0);
+}
+
+Image Resampled(CubicFilter filter, const PixelFormat& format, const Image& source, uint32_t width,
+                uint32_t height) {
+  Image target(width, height, source.size.bits_per_pixel);
+  std::vector<double> work(ResampleWorkSize(source.size, target.size) / sizeof(double) + 1);
+  std::vector<std::byte> row(target.size.bytes_per_line);
+  const int result = Resample(
+      filter, format, source.size, target.size, std::as_writable_bytes(std::span(work)), row,
+      [&](uint32_t y) { return source.Row(y); },
+      [&](uint32_t y, Bytes data) {
+        std::ranges::copy(data, target.Row(y));
+        return kSuccess;
+      },
+      NoProgress(height));
+  EXPECT_EQ(result, kSuccess);
+  return target;
+}
+
+TEST(Resample, BothFilters_EqualTheDefinition) {
+  // The last has more rows to a destination row than are kept.
+  const uint32_t sizes[][4] = {{12, 9, 5, 4}, {5, 4, 12, 9}, {6, 40, 9, 7}, {3, 150, 2, 4}};
+  for (const CubicFilter filter : {CubicFilter::kMitchell, CubicFilter::kCatmullRom}) {
+    for (const auto& [w, h, new_w, new_h] : sizes) {
+      const Image source = Noise(w, h, 32);
+      const Image target = Resampled(filter, {32, kOrderColour, {}}, source, new_w, new_h);
+      for (uint32_t y = 0; y < new_h; ++y) {
+        for (uint32_t x = 0; x < new_w; ++x) {
+          for (size_t c = 0; c < 4; ++c) {
+            ASSERT_NEAR(static_cast<double>(target.At(x, y) >> (8 * c) & 0xFF),
+                        NaiveFilter(filter, source, target.size, x, y, c), 0.51)
+                << w << 'x' << h << " to " << new_w << 'x' << new_h;
+          }
+        }
+      }
+    }
+  }
+}
+
+TEST(Resample, EveryFormat_KeepsAnEvenSurface) {
+  std::vector<PaletteEntry> palette(256);
+  for (const uint32_t bits : kDepths) {
+    FillDefaultPalette(std::span(palette).first(PaletteSize(bits) != 0 ? PaletteSize(bits) : 2));
+    const PixelFormat format{bits,
+                             bits == 12 ? kOrderGrey
+                             : bits > 8 ? kOrderColour
+                                        : kOrderPalette,
+                             std::span(palette).first(PaletteSize(bits))};
+    Image source(6, 6, bits);
+    const Image pattern = Noise(1, 1, bits == 16 ? 16 : bits, 5);
+    for (uint32_t y = 0; y < 6; ++y) {
+      for (uint32_t x = 0; x < 6; ++x) {
+        uint64_t pixel = pattern.At(0, 0);
+        if (bits == 16) pixel &= 0x7FFF;  // the spare bit has no meaning
+        if (bits <= 8 || bits == 12) {
+          StorePixelBits(source.Row(y), bits, x, static_cast<uint32_t>(pixel));
+        } else {
+          std::memcpy(source.Row(y) + x * bits / 8, &pixel, bits / 8);
+        }
+      }
+    }
+    const Image target = Resampled(CubicFilter::kCatmullRom, format, source, 9, 4);
+    const auto colour = [&](const Image& image, uint32_t x, uint32_t y) {
+      Colour16 one[1];
+      DecodeRow(format, image.Row(y), x, one);
+      return ToEntry(one[0]);
+    };
+    for (uint32_t y = 0; y < 4; ++y) {
+      for (uint32_t x = 0; x < 9; ++x)
+        EXPECT_EQ(colour(target, x, y), colour(source, 0, 0)) << bits;
+    }
+  }
+}
+
+}  // namespace
+}  // namespace quillo::imaging

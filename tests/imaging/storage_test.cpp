@@ -1,0 +1,253 @@
+#include "imaging/storage.h"
+
+#include <gtest/gtest.h>
+#include <random>
+#include <vector>
+
+#include "imaging/dib_section.h"
+#include "imaging/rows.h"
+#include "settings_scope.h"
+
+namespace quillo::imaging {
+namespace {
+
+constexpr uint32_t kWidth = 100;
+constexpr uint32_t kHeight = 50;
+
+struct Kind {
+  const char* name;
+  uint32_t memory_type;
+  uint32_t bits;
+  int64_t threshold;  // bytes
+  int64_t maximum;    // bytes; 0: everything above the threshold is too much
+  uint32_t flags;     // the storage that has to come out
+  int files;          // temporary files while it lives
+};
+
+constexpr int64_t kRoomy = INT64_MAX;
+
+const Kind kKinds[] = {
+    {"section", 1, 24, 0, kRoomy, kAllocated | kMemory, 0},
+    {"section of type 8", 8, 24, 0, kRoomy, kAllocated | kMemory, 0},
+    {"section of type 1024", 1024, 24, 0, kRoomy, kAllocated | kMemory, 0},
+    {"large section", 1, 24, 1000, kRoomy, kAllocated | kMemory, 0},
+    {"small bitmap asked onto disk", 4, 24, 0, 0, kAllocated | kMemory, 0},
+    {"tiles asked for", 4, 24, 1000, kRoomy, kAllocated | kMemory | kTiled, 13},
+    {"tiles for want of memory", 1, 24, 1000, 0, kAllocated | kMemory | kTiled, 13},
+    {"tiles where files are barred", 256, 24, 1000, 0, kAllocated | kMemory | kTiled, 13},
+    {"file for want of memory", 9, 24, 1000, 0, kAllocated | kDisk, 1},
+    {"file always", 128, 24, 0, kRoomy, kAllocated | kDisk, 1},
+    {"chunks", 768, 1, 0, kRoomy, kAllocated | kMemory | kCompressed, 0},
+    {"chunks for 1 bit alone", 768, 8, 0, kRoomy, kAllocated | kMemory, 0},
+};
+
+std::vector<std::byte> RowOf(const BitmapHandle& record, uint32_t y) {
+  std::mt19937 random(y);
+  std::vector<std::byte> row(record.bytes_per_line);
+  for (size_t i = 0; i < row.size(); ++i) {
+    row[i] = i > 0 && random() % 2 != 0 ? row[i - 1] : static_cast<std::byte>(random());
+  }
+  return row;
+}
+
+void FillRows(const BitmapHandle& record) {
+  for (uint32_t y = 0; y < record.height; ++y) {
+    ASSERT_EQ(StoreRow(record, y, RowOf(record, y)), kSuccess);
+  }
+}
+
+void ExpectRows(const BitmapHandle& record, const char* name) {
+  std::vector<std::byte> row(record.bytes_per_line);
+  for (uint32_t y = 0; y < record.height; ++y) {
+    ASSERT_EQ(FetchRow(record, y, row), kSuccess) << name;
+    ASSERT_EQ(row, RowOf(record, y)) << name << " row " << y;
+    const std::byte* borrowed = BorrowRow(record, y, row);
+    ASSERT_TRUE(std::equal(row.begin(), row.end(), borrowed)) << name;
+  }
+}
+
+TEST(Storage, EveryKind_KeepsRowsAndLeavesNothing) {
+  for (const Kind& kind : kKinds) {
+    SettingsScope settings;
+    const TemporaryDirectory directory;
+    settings->memory_threshold = kind.threshold;
+    settings->maximum_memory = kind.maximum;
+    settings->tile_size = 1300;  // four rows of 24 bits
+    const DWORD handles = HandleCount();
+    BitmapHandle record{};
+    ASSERT_EQ(Create(&record, kCurrentForm, kind.memory_type, kWidth, kHeight, kind.bits,
+                     kind.bits > 8 ? 1 : 0, nullptr, 0, nullptr, 0),
+              kSuccess)
+        << kind.name;
+    EXPECT_EQ(record.flags, kind.flags) << kind.name;
+    EXPECT_EQ(directory.Files(), kind.files) << kind.name;
+    EXPECT_EQ(reinterpret_cast<uintptr_t>(record.data_address) % 32 * ((kind.flags & kTiled) == 0),
+              (kind.flags & kCompressed) != 0
+                  ? reinterpret_cast<uintptr_t>(record.data_address) % 32
+                  : 0u);
+    EXPECT_EQ(record.lookup8[200], 200u);
+    EXPECT_EQ(record.lookup16[60000], 60000u);
+    EXPECT_TRUE(IsValid(record)) << kind.name;
+    std::vector<std::byte> row(record.bytes_per_line, std::byte{1});
+    EXPECT_EQ(FetchRow(record, kHeight - 1, row), kSuccess);
+    EXPECT_EQ(row, std::vector<std::byte>(row.size())) << kind.name << " starts with zeros";
+    FillRows(record);
+    FillRows(record);
+    ExpectRows(record, kind.name);
+    Free(&record);
+    EXPECT_EQ(directory.Files(), 0) << kind.name;
+    EXPECT_EQ(HandleCount(), handles) << kind.name;
+    EXPECT_EQ(record.lookup8, nullptr);
+    EXPECT_EQ(record.lock, nullptr);
+  }
+}
+
+TEST(Storage, NoDirectoryForTheFile_FailsAndLeavesNothing) {
+  SettingsScope settings;
+  wcscpy_s(settings->temporary_directory, L"Z:\\no\\such\\directory");
+  const DWORD handles = HandleCount();
+  BitmapHandle record{};
+  EXPECT_EQ(Create(&record, kCurrentForm, kMemoryTypeFile, 10, 10, 24, 1, nullptr, 0, nullptr, 0),
+            kOutOfMemory);
+  EXPECT_EQ(record.flags, 0u);
+  EXPECT_EQ(record.lookup8, nullptr);
+  EXPECT_EQ(HandleCount(), handles);
+}
+
+TEST(Storage, CompressedRowsThatGrow_AreKept) {
+  BitmapScope record;
+  ASSERT_EQ(Create(record.Get(), kCurrentForm, 768, 4000, 40000, 1, 0, nullptr, 0, nullptr, 0),
+            kSuccess);
+  std::vector<std::byte> row(record->bytes_per_line);
+  // From rows that pack to almost nothing to rows that do not pack, over two chunks.
+  for (const bool even : {true, false, true}) {
+    for (uint32_t y = 32700; y < 32900; ++y) {
+      row = RowOf(*record.Get(), y);
+      if (even) std::ranges::fill(row, static_cast<std::byte>(y));
+      ASSERT_EQ(StoreRow(*record.Get(), y, row), kSuccess);
+    }
+    std::vector<std::byte> fetched(row.size());
+    for (uint32_t y = 32700; y < 32900; ++y) {
+      row = RowOf(*record.Get(), y);
+      if (even) std::ranges::fill(row, static_cast<std::byte>(y));
+      ASSERT_EQ(FetchRow(*record.Get(), y, fetched), kSuccess);
+      ASSERT_EQ(fetched, row) << y;
+    }
+  }
+}
+
+/// A record over a GlobalAlloc block, as a caller may hand one over.
+void MakeGlobal(BitmapHandle& record, uint32_t bits, uint32_t offset) {
+  Init(&record, kCurrentForm, kWidth, kHeight, bits);
+  record.storage_handle = GlobalAlloc(GHND, record.data_size + offset);
+  record.view_offset = offset;
+  record.flags = kAllocated | kMemory | kGlobalMemory;
+}
+
+TEST(Lock, GlobalMemory_HasAnAddressWhileLocked) {
+  BitmapHandle record{};
+  MakeGlobal(record, 24, 16);
+  EXPECT_TRUE(IsValid(record));
+  ASSERT_EQ(Lock(&record), kSuccess);
+  EXPECT_EQ(record.flags & kLocked, kLocked);
+  auto* const block = static_cast<std::byte*>(GlobalLock(record.storage_handle));
+  GlobalUnlock(record.storage_handle);
+  EXPECT_EQ(record.data_address, block + 16);
+  EXPECT_EQ(Lock(&record), kSuccess);
+  EXPECT_EQ(GlobalFlags(record.storage_handle) & GMEM_LOCKCOUNT, 1u);
+  FillRows(record);
+  ExpectRows(record, "global memory");
+  const HGLOBAL handle = record.storage_handle;
+  Free(&record);
+  EXPECT_EQ(GlobalFlags(handle), static_cast<UINT>(GMEM_INVALID_HANDLE));
+}
+
+TEST(Lock, OtherStorage_IsLeftAsItIs) {
+  BitmapScope record;
+  Create(record.Get(), kCurrentForm, 1, 4, 4, 24, 1, nullptr, 0, nullptr, 0);
+  EXPECT_EQ(Lock(record.Get()), kSuccess);
+  EXPECT_EQ(record->flags, kAllocated | kMemory);
+  EXPECT_EQ(Lock(nullptr), kInvalidArgument);
+}
+
+TEST(PresentAsDibSection, GlobalMemoryAndChunks_MoveIntoASection) {
+  for (const bool global : {true, false}) {
+    const DWORD handles = HandleCount();
+    BitmapHandle record{};
+    if (global) {
+      MakeGlobal(record, 1, 0);
+    } else {
+      Create(&record, kCurrentForm, 768, kWidth, kHeight, 1, 0, nullptr, 4, nullptr, 0);
+    }
+    ASSERT_EQ(Lock(&record), kSuccess);
+    FillRows(record);
+    Unlock(&record);
+    {
+      const DibSectionDc dc(PresentAsDibSection(&record));
+      ASSERT_TRUE(dc);
+      EXPECT_EQ(record.flags, kAllocated | kMemory);
+      ExpectRows(record, global ? "global" : "chunks");
+    }
+    Free(&record);
+    EXPECT_EQ(HandleCount(), handles);
+  }
+}
+
+TEST(PresentAsDibSection, TilesAndOtherViews_AreRefusedAndTurned) {
+  SettingsScope settings;
+  const TemporaryDirectory directory;
+  settings->memory_threshold = 1;
+  BitmapScope tiled;
+  ASSERT_EQ(Create(tiled.Get(), kCurrentForm, 4, 40, 40, 24, 1, nullptr, 1, nullptr, 0), kSuccess);
+  EXPECT_EQ(PresentAsDibSection(tiled.Get()), nullptr);
+
+  // Every depth and every view of a bitmap with one white pixel, in column 3 of row 1.
+  const POINT seen[] = {{3, 1}, {1, 1}, {1, 1}, {3, 1}, {1, 3}, {1, 3}, {1, 1}, {1, 1}};
+  for (const uint32_t bits : {1u, 4u, 8u, 16u, 24u, 32u}) {
+    for (uint32_t view = 1; view <= 8; ++view) {
+      BitmapScope bitmap;
+      ASSERT_EQ(Create(bitmap.Get(), kCurrentForm, 9, 5, 3, bits, bits > 8 ? 1 : 0, nullptr, view,
+                       nullptr, 0),
+                kSuccess);
+      std::vector<std::byte> row(bitmap->bytes_per_line);
+      for (uint32_t bit = 3 * bits; bit < 4 * bits; ++bit) {
+        row[bit / 8] |= static_cast<std::byte>(0x80 >> bit % 8);
+      }
+      StoreRow(*bitmap.Get(), 1, row);
+      const DibSectionDc dc(PresentAsDibSection(bitmap.Get()));
+      ASSERT_TRUE(dc) << bits << " bits, view " << view;
+      const POINT at = seen[view - 1];
+      int white = 0;
+      for (int y = 0; y < static_cast<int>(bitmap->height); ++y) {
+        for (int x = 0; x < static_cast<int>(bitmap->width); ++x) {
+          white += GetPixel(dc.Get(), x, y) == 0xFFFFFF;
+        }
+      }
+      EXPECT_EQ(white, 1) << bits << " bits, view " << view;
+      EXPECT_EQ(GetPixel(dc.Get(), at.x, at.y), static_cast<COLORREF>(0xFFFFFF))
+          << bits << " bits, view " << view;
+      EXPECT_EQ(bitmap->width, view < 5 ? 5u : 3u);
+      EXPECT_EQ(bitmap->view_perspective, view == 1 ? kTopRowFirst : kBottomRowFirst);
+    }
+  }
+}
+
+DWORD WINAPI ReadThreshold(void* result) {
+  *static_cast<int64_t*>(result) = ThreadSettings().memory_threshold;
+  return 0;
+}
+
+TEST(ThreadSettings, OtherThread_HasItsOwn) {
+  SettingsScope settings;
+  settings->memory_threshold = 4711;
+  int64_t seen = 0;
+  const HANDLE thread = CreateThread(nullptr, 0, ReadThreshold, &seen, 0, nullptr);
+  ASSERT_NE(thread, nullptr);
+  WaitForSingleObject(thread, 10000);
+  CloseHandle(thread);
+  EXPECT_EQ(seen, 0);
+  EXPECT_EQ(ThreadSettings().memory_threshold, 4711);
+}
+
+}  // namespace
+}  // namespace quillo::imaging
