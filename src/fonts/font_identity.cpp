@@ -36,6 +36,8 @@ bool FontIdentity::Matches(const FontIdentity& other) const {
 }
 
 bool FontIdentity::operator==(const FontIdentity& other) const {
+  // The whole structure counts, also its padding, which stays zero.
+  // NOLINTNEXTLINE(bugprone-suspicious-memory-comparison)
   return std::memcmp(&metrics, &other.metrics, sizeof(metrics)) == 0 &&
          lstrcmpW(face, other.face) == 0;
 }

@@ -6,8 +6,8 @@ namespace quillo {
 
 /// What a font is recognised by: its face name and its metrics at the selected size.
 struct FontIdentity {
-  wchar_t face[LF_FACESIZE];
-  TEXTMETRICW metrics;
+  wchar_t face[LF_FACESIZE] = {};
+  TEXTMETRICW metrics = {};
 
   /// Reads the font selected in `dc`; false when GDI gives no metrics or no face.
   bool Read(HDC dc);

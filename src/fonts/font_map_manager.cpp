@@ -17,7 +17,7 @@ int32_t CFontMapManager::Translate(HDC dc, uint32_t count, const uint16_t* glyph
 }
 
 CFontMapper* CFontMapManager::FindOrMake(HDC dc) {
-  FontIdentity font = {};
+  FontIdentity font;
   if (!font.Read(dc)) return nullptr;
   for (const auto& mapper : slots_) {
     if (mapper && mapper->Matches(font)) return mapper.get();

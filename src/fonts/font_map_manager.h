@@ -32,7 +32,6 @@ class CFontMapManager {
 
   std::unique_ptr<CFontMapper> slots_[kCapacity];
   int32_t use_counts_[kCapacity] = {};
-  int32_t capacity_ = kCapacity;
 };
 
 /// As CFontMapManager::Translate; a null manager translates nothing and gives 0.

@@ -32,7 +32,7 @@ class CFontMapper {
   bool operator==(const CFontMapper& other) const { return identity_ == other.identity_; }
 
  private:
-  FontIdentity identity_ = {};
+  FontIdentity identity_;
   CGlyphMap glyph_map_;
   CCmap4 cmap_;
 };

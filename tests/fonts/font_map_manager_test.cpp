@@ -222,7 +222,7 @@ TEST_F(FontMapManagerTest, Mappers_AreEqualWithAllMetrics) {
   EXPECT_TRUE(one.Build(font.Dc()) && same.Build(font.Dc()));
   font.metrics.tmAscent = 1;
   EXPECT_TRUE(other.Build(font.Dc()));
-  FontIdentity identity = {};
+  FontIdentity identity;
   EXPECT_TRUE(identity.Read(font.Dc()));
   EXPECT_TRUE(other.Matches(identity) && one.Matches(identity));
   EXPECT_TRUE(one == same);
