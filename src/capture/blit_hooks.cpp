@@ -1,6 +1,7 @@
 #include "base/ddi.h"
 
 #include <bit>
+#include <cstring>
 
 #include "capture/blit_builders.h"
 #include "capture/builders.h"

@@ -14,7 +14,7 @@ namespace {
 
 using namespace records;
 
-// GDI's pens have at most 16 entries; a longer array is none.
+// GDI's pens have at most 16 entries; an array that claims to be longer than this is not read.
 constexpr ULONG kMaxStyleEntries = 1024;
 
 std::span<const FLOAT_LONG> StyleOf(const LINEATTRS& attributes) {
