@@ -6,6 +6,7 @@
 #include "base/kernel_owners.h"
 #include "host/base/failure.h"
 #include "host/cli/metafile_input.h"
+#include "host/cli/picture_input.h"
 
 namespace quillo::host {
 
@@ -21,6 +22,7 @@ constexpr size_t kHeadBytes = 256;
 
 constexpr InputKind kKinds[] = {
     {LooksLikeMetafile, OpenMetafile},
+    {LooksLikePicture, OpenPicture},
 };
 
 [[noreturn]] void RefuseUnreadable(DWORD error) {
@@ -76,7 +78,9 @@ std::unique_ptr<PrintInput> OpenInput(const std::filesystem::path& path) {
     Read(file.Get(), content, static_cast<size_t>(size.QuadPart));
     return kind.open(std::move(content));
   }
-  throw UnreadableInput("is of no kind that is printed; enhanced metafiles (.emf) are");
+  throw UnreadableInput(
+      "is of no kind that is printed; enhanced metafiles and pictures (EMF, PNG, JPEG, BMP, "
+      "TIFF, GIF) are");
 }
 
 }  // namespace quillo::host

@@ -38,9 +38,9 @@ struct DrawResult {
 class PrintInput {
  public:
   virtual ~PrintInput() = default;
-  /// Whether DrawPage has a page to draw.
-  virtual bool HasPage() const = 0;
-  /// Draws the next page.
+  /// Gets the next page ready; false when there is none. Throws UnreadableInput.
+  virtual bool PreparePage() = 0;
+  /// Draws the page that is ready.
   virtual DrawResult DrawPage(Canvas& canvas, const PageSetup& setup) = 0;
 };
 

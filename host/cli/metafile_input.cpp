@@ -13,7 +13,7 @@ class MetafileInput : public PrintInput {
   explicit MetafileInput(std::vector<std::byte> content)
       : content_(std::move(content)), reader_(content_) {}
 
-  bool HasPage() const override { return !drawn_; }
+  bool PreparePage() override { return !drawn_; }
 
   DrawResult DrawPage(Canvas& canvas, const PageSetup& setup) override {
     drawn_ = true;

@@ -48,6 +48,7 @@ class PrintJob {
   PrintJob(const Options& options, Console& console) : options_(options), console_(console) {}
 
   ExitCode Run() {
+    const ComApartment apartment;  // for pictures
     OpenInputs();
     if (inputs_.empty()) return result_;
     try {
@@ -90,7 +91,6 @@ class PrintJob {
 
   void PrintInputs(const ResultFolder& folder) {
     const fs::path program = ThisProgram();
-    const ComApartment apartment;  // for pictures
     EnsurePrinter(kPrinterName, options_.dpi, UserSizes());
     const SpoolJob spool(kPrinterName, options_.document);
     report_.printer = ToUtf8(kPrinterName);
@@ -130,7 +130,9 @@ class PrintJob {
 
   void PrintInputPages(OpenedInput& input, PrintSession& session, const ResultFolder& folder) {
     try {
-      while (input.content->HasPage()) PrintPage(input, session, folder);
+      while (input.content->PreparePage()) PrintPage(input, session, folder);
+    } catch (const UnreadableInput& refused) {
+      Fail(kInputRefused, input.name + " " + refused.what());
     } catch (const DriverFailure& failure) {
       Fail(kDriverFailed, "cannot print " + input.name + ": " + failure.what());
     }

@@ -1,5 +1,6 @@
 #include "host/pictures/picture_decoder.h"
 
+#include <algorithm>
 #include <cstdio>
 
 #include "base/checked.h"
@@ -14,6 +15,17 @@ void Step(HRESULT result, const char* call) {
   snprintf(text, sizeof(text), "cannot be decoded (%s: 0x%08lX)", call,
            static_cast<unsigned long>(result));
   throw UnreadablePicture(text);
+}
+
+/// A row of blue, green, red, alpha (not premultiplied) to one of blue, green, red.
+void BlendOnWhite(const BYTE* source, UINT pixels, std::byte* target) {
+  for (UINT i = 0; i < pixels; ++i, source += 4, target += 3) {
+    const unsigned alpha = source[3];
+    for (int channel = 0; channel < 3; ++channel) {
+      const unsigned value = source[channel] * alpha + 255 * (255 - alpha);
+      target[channel] = static_cast<std::byte>((value + 127) / 255);
+    }
+  }
 }
 
 }  // namespace
@@ -35,9 +47,21 @@ PictureDecoder::PictureDecoder(Bytes file) {
   Step(decoder_->GetFrameCount(&frame_count_), "GetFrameCount");
 }
 
-BitmapSource PictureDecoder::Frame(UINT index, uint64_t most_pixels) const {
+ComPtr<IWICBitmapFrameDecode> PictureDecoder::OpenFrame(UINT index) const {
   ComPtr<IWICBitmapFrameDecode> frame;
   Step(decoder_->GetFrame(index, frame.Receive()), "GetFrame");
+  return frame;
+}
+
+Resolution PictureDecoder::FrameResolution(UINT index) const {
+  Resolution dpi{};
+  if (FAILED(OpenFrame(index)->GetResolution(&dpi.x, &dpi.y))) dpi = {};
+  const auto usable = [](double value) { return value >= 10 && value <= 10'000; };
+  return usable(dpi.x) && usable(dpi.y) ? dpi : Resolution{96, 96};
+}
+
+BitmapSource PictureDecoder::Frame(UINT index, uint64_t most_pixels) const {
+  const ComPtr<IWICBitmapFrameDecode> frame = OpenFrame(index);
   UINT width = 0, height = 0;
   Step(frame->GetSize(&width, &height), "GetSize");
   if (width == 0 || height == 0 || uint64_t{width} * height > most_pixels) {
@@ -45,7 +69,7 @@ BitmapSource PictureDecoder::Frame(UINT index, uint64_t most_pixels) const {
                             " pixels");
   }
   ComPtr<IWICBitmapSource> pixels;
-  Step(WICConvertBitmapSource(GUID_WICPixelFormat24bppBGR, frame.Get(), pixels.Receive()),
+  Step(WICConvertBitmapSource(GUID_WICPixelFormat32bppBGRA, frame.Get(), pixels.Receive()),
        "WICConvertBitmapSource");
 
   BitmapSource bitmap;
@@ -56,9 +80,19 @@ BitmapSource PictureDecoder::Frame(UINT index, uint64_t most_pixels) const {
   const auto size = CheckedMultiply<size_t>(bitmap.Stride(), height);
   if (!size || *size > UINT32_MAX) throw UnreadablePicture("is larger than 4 GB");
   bitmap.bits.resize(*size);
-  Step(pixels->CopyPixels(nullptr, static_cast<UINT>(bitmap.Stride()), static_cast<UINT>(*size),
-                          reinterpret_cast<BYTE*>(bitmap.bits.data())),
-       "CopyPixels");
+  // A few rows at a time: a large picture need not stand in memory twice.
+  constexpr UINT kStripRows = 64;
+  const UINT strip_stride = width * 4;
+  std::vector<BYTE> strip(size_t{strip_stride} * kStripRows);
+  for (UINT top = 0; top < height; top += kStripRows) {
+    const UINT rows = std::min(kStripRows, height - top);
+    const WICRect rect{0, static_cast<INT>(top), bitmap.width, static_cast<INT>(rows)};
+    Step(pixels->CopyPixels(&rect, strip_stride, strip_stride * rows, strip.data()), "CopyPixels");
+    for (UINT row = 0; row < rows; ++row) {
+      BlendOnWhite(&strip[size_t{strip_stride} * row], width,
+                   &bitmap.bits[bitmap.Stride() * (top + row)]);
+    }
+  }
   return bitmap;
 }
 

@@ -18,6 +18,12 @@ class UnreadablePicture : public std::runtime_error {
   using std::runtime_error::runtime_error;
 };
 
+/// Dots per inch.
+struct Resolution {
+  double x;
+  double y;
+};
+
 /// A picture file in memory (PNG, JPEG, BMP, TIFF, GIF), decoded by the platform. Needs COM on this
 /// thread.
 class PictureDecoder {
@@ -26,11 +32,15 @@ class PictureDecoder {
   explicit PictureDecoder(Bytes file);
 
   UINT FrameCount() const { return frame_count_; }
-  /// A frame's pixels, 24 bits each, rows from the top. Throws UnreadablePicture, also for frames
-  /// of more than `most_pixels`.
+  /// A frame's pixels on white, 24 bits each, rows from the top. Throws UnreadablePicture, also for
+  /// frames of more than `most_pixels`.
   BitmapSource Frame(UINT index, uint64_t most_pixels) const;
+  /// What the file says of a frame's size; 96 where it says nothing usable.
+  Resolution FrameResolution(UINT index) const;
 
  private:
+  ComPtr<IWICBitmapFrameDecode> OpenFrame(UINT index) const;
+
   ComPtr<IWICImagingFactory> factory_;
   ComPtr<IWICBitmapDecoder> decoder_;
   UINT frame_count_ = 0;

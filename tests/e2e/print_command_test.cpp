@@ -112,6 +112,7 @@ TEST_F(PrintCommand, SheetAndResolution_GiveThePagesScale) {
 TEST_F(PrintCommand, InputsThatAreNone_AreNamedAndNothingIsWritten) {
   std::ofstream(folder_ / L"empty.emf");
   std::ofstream(folder_ / L"noise") << std::string("\1\2\3\0\xFF", 5);
+  std::ofstream(folder_ / L"cut.png", std::ios::binary) << "\x89PNG\r\n\x1A\n";
   std::ofstream(folder_ / L"short.emf", std::ios::binary) << std::string("\1\0\0\0\x6C\0\0\0", 8);
   const struct {
     const wchar_t* name;
@@ -122,12 +123,34 @@ TEST_F(PrintCommand, InputsThatAreNone_AreNamedAndNothingIsWritten) {
       {L"empty.emf", "empty.emf is empty"},
       {L"noise", "noise is of no kind that is printed"},
       {L"short.emf", "short.emf is"},
+      {L"cut.png", "cut.png cannot be decoded"},
   };
   for (const auto& test : cases) {
     const CommandResult result = Print(Quoted(test.name));
     EXPECT_EQ(result.exit_code, 3) << test.said;
     EXPECT_NE(result.errors.find(test.said), std::string::npos) << result.errors;
     EXPECT_FALSE(fs::exists(out_)) << test.said;
+  }
+}
+
+// The preview of a page is a picture of its sheet at 96 dpi.
+TEST_F(PrintCommand, Picture_IsDrawnAtItsSizeOrFitted) {
+  Print(Quoted(L"a.emf") + L" --paper 50x100");
+  fs::rename(out_ / L"page-0001.png", folder_ / L"picture.dat");
+  const struct {
+    const wchar_t* options;
+    double width, height;  // of the picture on the page, mm
+  } cases[] = {{L" --actual-size", 50, 100}, {L"", 105, 210}};
+  for (const auto& test : cases) {
+    SCOPED_TRACE(testing::Message() << test.options);
+    const CommandResult result =
+        Print(Quoted(L"picture.dat") + L" --paper A4 --landscape --dpi 300" + test.options);
+    EXPECT_EQ(result.exit_code, 0) << result.errors;
+    const Json page = ReadJobReport(out_)["pages"][0];
+    EXPECT_EQ(page["ddi_calls"]["DrvStretchBlt"], 1) << page;
+    const RECTL bounds = HeaderOf(out_ / L"page-0001.emf").rclBounds;
+    EXPECT_NEAR(static_cast<double>(bounds.right - bounds.left), test.width * 300 / 25.4, 4);
+    EXPECT_NEAR(static_cast<double>(bounds.bottom - bounds.top), test.height * 300 / 25.4, 4);
   }
 }
 

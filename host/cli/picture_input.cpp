@@ -1,0 +1,94 @@
+#include "host/cli/picture_input.h"
+
+#include <algorithm>
+#include <cmath>
+#include <cstring>
+#include <string_view>
+
+#include "host/pictures/orientation.h"
+#include "host/pictures/picture_decoder.h"
+
+namespace quillo::host {
+
+namespace {
+
+// A frame of so many pixels takes 1.5 GB.
+constexpr uint64_t kMostPixels = 500'000'000;
+
+/// Where a picture of this size in inches goes on the page.
+RECTL Place(double width, double height, SIZEL page, const PageSetup& setup) {
+  double scale = setup.dpi;  // device pixels an inch
+  double left = 0, top = 0;
+  if (setup.fit) {
+    scale = std::min(page.cx / width, page.cy / height);
+    left = (page.cx - width * scale) / 2;
+    top = (page.cy - height * scale) / 2;
+  }
+  const auto pixel = [](double value) {
+    return static_cast<LONG>(std::lround(std::clamp(value, -1e8, 1e8)));
+  };
+  return {pixel(left), pixel(top), pixel(left + width * scale), pixel(top + height * scale)};
+}
+
+class PictureInput : public PrintInput {
+ public:
+  explicit PictureInput(std::vector<std::byte> content) : content_(std::move(content)) {
+    const PictureDecoder decoder(content_);
+    frame_count_ = decoder.FrameCount();
+    // Decoded to see that it can be, and dropped: many pictures may wait to be printed.
+    decoder.Frame(0, kMostPixels);
+  }
+
+  bool PreparePage() override {
+    if (next_ == frame_count_) return false;
+    const PictureDecoder decoder(content_);
+    const Orientation orientation = OrientationOf(content_, next_);
+    try {
+      picture_ = TurnUpright(decoder.Frame(next_, kMostPixels), orientation);
+    } catch (const UnreadablePicture& refused) {
+      throw UnreadableInput("has a frame " + std::to_string(next_ + 1) + " that " + refused.what());
+    }
+    dpi_ = decoder.FrameResolution(next_);
+    if (SwapsSides(orientation)) std::swap(dpi_.x, dpi_.y);
+    ++next_;
+    return true;
+  }
+
+  DrawResult DrawPage(Canvas& canvas, const PageSetup& setup) override {
+    const RECTL target =
+        Place(picture_.width / dpi_.x, picture_.height / dpi_.y, canvas.Size(), setup);
+    canvas.StretchBlt(target, picture_, {0, 0, picture_.width, picture_.height}, 0xCC, nullptr,
+                      COLORONCOLOR, DrawState());
+    picture_ = {};
+    return {};
+  }
+
+ private:
+  const std::vector<std::byte> content_;
+  UINT frame_count_ = 0;
+  UINT next_ = 0;         // frame that PreparePage decodes
+  BitmapSource picture_;  // what DrawPage draws
+  Resolution dpi_{};      // of picture_
+};
+
+}  // namespace
+
+bool LooksLikePicture(Bytes head) {
+  using namespace std::string_view_literals;
+  constexpr std::string_view kBeginnings[] = {"\x89PNG"sv, "\xFF\xD8\xFF"sv, "BM"sv,
+                                              "II*\0"sv,   "MM\0*"sv,        "GIF8"sv};
+  return std::ranges::any_of(kBeginnings, [head](std::string_view beginning) {
+    return head.size() >= beginning.size() &&
+           std::memcmp(head.data(), beginning.data(), beginning.size()) == 0;
+  });
+}
+
+std::unique_ptr<PrintInput> OpenPicture(std::vector<std::byte> content) {
+  try {
+    return std::make_unique<PictureInput>(std::move(content));
+  } catch (const UnreadablePicture& refused) {
+    throw UnreadableInput(refused.what());
+  }
+}
+
+}  // namespace quillo::host
