@@ -17,6 +17,15 @@ int Pixels(LONG hundredths_of_millimetre, int dpi) {
   return std::max(1, MulDiv(hundredths_of_millimetre, dpi, 2540));
 }
 
+/// Plays one record. Blits that name no stretch mode are reduced as pictures are: the mode that a
+/// metafile starts with would keep the darkest pixel of each block.
+int CALLBACK PlayRecord(HDC dc, HANDLETABLE* handles, const ENHMETARECORD* record, int count,
+                        LPARAM) {
+  if (record->iType == EMR_HEADER) SetStretchBltMode(dc, HALFTONE);
+  PlayEnhMetaFileRecord(dc, handles, record, static_cast<UINT>(count));
+  return 1;
+}
+
 }  // namespace
 
 void WritePreview(const std::filesystem::path& page, const std::filesystem::path& png, int dpi) {
@@ -46,7 +55,7 @@ void WritePreview(const std::filesystem::path& page, const std::filesystem::path
     const SelectScope drawn_on(dc.Get(), bitmap.Get());
     const RECT sheet{0, 0, width, height};
     // The answer is FALSE as soon as one record fails, which the page may well bear.
-    PlayEnhMetaFile(dc.Get(), metafile.Get(), &sheet);
+    EnumEnhMetaFile(dc.Get(), metafile.Get(), PlayRecord, nullptr, &sheet);
     GdiFlush();
   }
   WritePng(png, {width, height, stride, rows}, dpi);
