@@ -105,8 +105,9 @@ void Graphics::BitBlt(const RECTL& target, uint8_t rop3, const BrushDescription*
   POINTL none{};
   if (source != nullptr) CropArea(area, *source, source_origin, none);
   if (source == nullptr || rop3 != kSourceCopy) {
-    const BitmapSource expanded = source != nullptr ? ExpandRuns(*source) : BitmapSource{};
-    RasterOperation(area, SameOperation(rop3), brush, source != nullptr ? &expanded : nullptr,
+    std::optional<ReadablePicture> readable;
+    if (source != nullptr) readable.emplace(*source);
+    RasterOperation(area, SameOperation(rop3), brush, readable ? &**readable : nullptr,
                     source_origin, nullptr, {}, state);
     return;
   }
@@ -124,14 +125,14 @@ void Graphics::BitBlt(const RECTL& target, uint8_t rop3, const BrushDescription*
 void Graphics::MaskBlt(const RECTL& target, uint16_t rop4, const BrushDescription* brush,
                        const BitmapSource& source, const RECTL& source_rect,
                        const BitmapSource& mask, POINTL mask_origin, const DrawState& state) {
-  const BitmapSource expanded = ExpandRuns(source);
+  const ReadablePicture readable(source);
   const SIZEL size = SizeOf(source_rect);
   if (SizeOf(target).cx == size.cx && SizeOf(target).cy == size.cy) {
     RECTL area = target;
     POINTL source_origin{source_rect.left, source_rect.top};
     CropArea(area, source, source_origin, mask_origin);
     CropArea(area, mask, mask_origin, source_origin);
-    RasterOperation(area, rop4, brush, &expanded, source_origin, &mask, mask_origin, state);
+    RasterOperation(area, rop4, brush, &*readable, source_origin, &mask, mask_origin, state);
     return;
   }
   if (IsEmpty(source_rect)) return;
@@ -139,7 +140,7 @@ void Graphics::MaskBlt(const RECTL& target, uint16_t rop4, const BrushDescriptio
   if (IsEmpty(area)) return;
   const RECTL mask_rect{mask_origin.x, mask_origin.y, mask_origin.x + size.cx,
                         mask_origin.y + size.cy};
-  const BitmapSource stretched = StretchPart(expanded, source_rect, target, area);
+  const BitmapSource stretched = StretchPart(*readable, source_rect, target, area);
   const BitmapSource stretched_mask = StretchPart(mask, mask_rect, target, area);
   RasterOperation(area, rop4, brush, &stretched, {}, &stretched_mask, {}, state);
 }
@@ -154,11 +155,11 @@ void Graphics::StretchBlt(const RECTL& target, const BitmapSource& source, const
   }
   RECTL to = target, from = source_rect;
   if (!CropStretch(to, from, source)) return;
-  const BitmapSource expanded = ExpandRuns(source);
+  const ReadablePicture readable(source);
   if (rop3 != kSourceCopy) {
     const RECTL area = Visible(Ordered(to), state.clip);
     if (IsEmpty(area)) return;
-    const BitmapSource stretched = StretchPart(expanded, from, to, area);
+    const BitmapSource stretched = StretchPart(*readable, from, to, area);
     RasterOperation(area, SameOperation(rop3), UsesBrush(rop3) ? brush : nullptr, &stretched, {},
                     nullptr, {}, state);
     return;
@@ -166,7 +167,7 @@ void Graphics::StretchBlt(const RECTL& target, const BitmapSource& source, const
 
   auto clip = ClipFor(Ordered(to), state.clip);
   if (!clip) return;
-  PictureObjects picture(expanded);
+  PictureObjects picture(*readable);
   POINTL halftone_origin = state.brush_origin;
   if (!Hook("DrvStretchBlt", driver_.StretchBlt, HOOK_STRETCHBLT, &surface_, picture.Source(),
             nullptr, &*clip, picture.Translation(), nullptr, &halftone_origin, &to, &from, nullptr,
@@ -184,15 +185,14 @@ void Graphics::AlphaBlend(const RECTL& target, const BitmapSource& source, const
 
   // A blend cannot mirror: the picture is turned before.
   const bool mirrored = to.right < to.left || to.bottom < to.top;
-  BitmapSource prepared;
+  const ReadablePicture readable(source);
+  BitmapSource turned;
   if (mirrored) {
-    prepared = CopyArgb(ExpandRuns(source), from, to.right < to.left, to.bottom < to.top, {});
-    from = {0, 0, prepared.width, prepared.height};
+    turned = CopyArgb(*readable, from, to.right < to.left, to.bottom < to.top, {});
+    from = {0, 0, turned.width, turned.height};
     to = Ordered(to);
-  } else {
-    prepared = ExpandRuns(source);
   }
-  PictureObjects picture(prepared);
+  PictureObjects picture(mirrored ? turned : *readable);
   BLENDOBJ blend_object{blend};
   if (!Hook("DrvAlphaBlend", driver_.AlphaBlend, HOOK_ALPHABLEND, &surface_, picture.Source(),
             &*clip, picture.Translation(), &to, &from, &blend_object)) {
@@ -209,8 +209,9 @@ void Graphics::TransparentBlt(const RECTL& target, const BitmapSource& source,
                               const RECTL& source_rect, uint32_t key, const DrawState& state) {
   RECTL to = target, from = source_rect;
   if (!CropStretch(to, from, source)) return;
+  const ReadablePicture readable(source);
   const BitmapSource keyed =
-      CopyArgb(ExpandRuns(source), from, to.right < to.left, to.bottom < to.top, key & ~kOpaque);
+      CopyArgb(*readable, from, to.right < to.left, to.bottom < to.top, key & ~kOpaque);
   LayOver(Ordered(to), keyed, state);
 }
 
@@ -225,15 +226,15 @@ void Graphics::PlgBlt(const std::array<POINTFIX, 3>& target, const BitmapSource&
     return;
   }
   if (IsEmpty(source_rect)) return;
-  const BitmapSource expanded = ExpandRuns(source);
+  const ReadablePicture readable(source);
   if (mask == nullptr && a.x == b.x && a.y == c.y) {  // by a quarter turn
-    const BitmapSource turned = Transpose(expanded, source_rect);
+    const BitmapSource turned = Transpose(*readable, source_rect);
     StretchBlt({round(a.x), round(a.y), round(c.x), round(b.y)}, turned,
                {0, 0, turned.width, turned.height}, kSourceCopy, nullptr, stretch_mode, state);
     return;
   }
 
-  Slant({{{a.x / 16.0, a.y / 16.0}, {b.x / 16.0, b.y / 16.0}, {c.x / 16.0, c.y / 16.0}}}, expanded,
+  Slant({{{a.x / 16.0, a.y / 16.0}, {b.x / 16.0, b.y / 16.0}, {c.x / 16.0, c.y / 16.0}}}, *readable,
         source_rect, mask, mask_origin, stretch_mode, state);
 }
 

@@ -53,8 +53,21 @@ BitmapSource StretchPart(const BitmapSource& source, const RECTL& rect, const RE
 /// The picture in a rectangle with its axes exchanged; black where the source has no pixel.
 BitmapSource Transpose(const BitmapSource& picture, const RECTL& rect);
 
-/// The pixels of a run-length coded picture (Windows' RLE4 and RLE8); what the code leaves out or
-/// places outside stays index 0. Any other picture comes back as it is.
-BitmapSource ExpandRuns(const BitmapSource& picture);
+/// A picture whose pixels can be read: the picture itself, or what it gives when it is run-length
+/// coded (Windows' RLE4 and RLE8). Pixels that the code leaves out are index 0; what it places
+/// outside is dropped.
+class ReadablePicture {
+ public:
+  /// `picture` must outlive this object.
+  explicit ReadablePicture(const BitmapSource& picture);
+  ReadablePicture(const ReadablePicture&) = delete;
+  ReadablePicture& operator=(const ReadablePicture&) = delete;
+
+  const BitmapSource& operator*() const { return *used_; }
+
+ private:
+  BitmapSource expanded_;
+  const BitmapSource* used_;
+};
 
 }  // namespace quillo::host
