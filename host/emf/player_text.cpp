@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cmath>
 #include <numbers>
+#include <numeric>
 
 #include "host/emf/playback.h"
 #include "host/emf/region_data.h"
@@ -186,14 +187,17 @@ void ApplyRectangle(Playback& dc, const TextLine& line, TextDescription& text, D
   }
 }
 
-void MoveBehind(Playback& dc, double length) {
+/// Moves the current position behind a line of this length.
+void MoveBehind(Playback& dc, const TextLine& line, double length) {
   const UINT align = dc.state().text_align;
   if ((align & TA_UPDATECP) == 0 || (align & TA_CENTER) == TA_CENTER) return;
   const double along = (align & TA_CENTER) == TA_RIGHT ? -length : length;
+  const double above = std::accumulate(line.dy.begin(), line.dy.end(), 0.0);
   const double angle = dc.state().font->font.lfEscapement * std::numbers::pi / 1800;
+  const double cosine = std::cos(angle), sine = std::sin(angle);
   PointL& position = dc.state().position;
-  position.x = ToPixel(position.x + along * std::cos(angle));
-  position.y = ToPixel(position.y - along * std::sin(angle));
+  position.x = ToPixel(position.x + along * cosine - above * sine);
+  position.y = ToPixel(position.y - along * sine - above * cosine);
 }
 
 void DrawLine(Playback& dc, const TextLine& line) {
@@ -228,7 +232,7 @@ void DrawLine(Playback& dc, const TextLine& line) {
     text.break_extra = static_cast<double>(state.break_extra) / state.break_count;
   }
   text.color = dc.Resolve(state.text_color);
-  MoveBehind(dc, dc.canvas().Text(text, drawing));
+  MoveBehind(dc, line, dc.canvas().Text(text, drawing));
 }
 
 template <bool wide>

@@ -158,6 +158,8 @@ std::optional<Record> MetafileReader::Step() {
   }
   record.bytes = rest.first(size);
   at_ += size;
+  only_comments_ = only_comments_ && (record.type == kEmrHEADER || record.type == kEmrEOF ||
+                                      record.type == kEmrGDICOMMENT);
   if (size % 4 != 0) Report(record, "its size " + std::to_string(size) + " is no multiple of 4");
   if (record.type == kEmrEOF) {
     ended_ = true;
@@ -169,6 +171,9 @@ std::optional<Record> MetafileReader::Step() {
 void MetafileReader::CheckEnd(const Record& last) {
   if (at_ < file_.size()) {
     Report(last, std::to_string(file_.size() - at_) + " bytes follow the end of the metafile");
+  }
+  if (only_comments_ && last.index > 2) {
+    Report(last, "nothing but comments stands before it; the page is empty (EMF+ is not printed)");
   }
   if (header_.record_count != last.index) {
     Report(last, "is record " + std::to_string(last.index) + ", the header declares " +

@@ -81,6 +81,7 @@ class MetafileReader {
   size_t at_ = 0;
   uint32_t index_ = 0;  // of the record last read
   bool ended_ = false;
+  bool only_comments_ = true;  // so far, header and end aside
   std::vector<MetafileFault> faults_;
   size_t fault_count_ = 0;
 };

@@ -72,10 +72,14 @@ double Graphics::Text(const TextDescription& text, const DrawState& state) {
       opaque = cell;
     }
   }
-  if (text.text.empty()) {
-    if (opaque) BitBlt(*opaque, kPatternCopy, &background, nullptr, {}, state);
-    return 0;
+  // Drivers may write a line that is not evenly set glyph by glyph, and repeat the rectangle with
+  // each: it would cover the glyphs before. So it goes before such a line, too.
+  const bool by_glyph = !layout.natural || layout.start.x == layout.end.x;
+  if (opaque && (text.text.empty() || by_glyph)) {
+    BitBlt(*opaque, kPatternCopy, &background, nullptr, {}, state);
+    opaque.reset();
   }
+  if (text.text.empty()) return 0;
 
   DrawGlyphs(text, layout, cell, opaque, state);
 
