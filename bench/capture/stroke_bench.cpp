@@ -76,5 +76,5 @@ struct DirectSide {
 int main() {
   quillo::DriverSide driver;
   quillo::DirectSide direct;
-  return quillo::bench::CompareSides({"stroke", 1.25}, driver, direct);
+  return quillo::bench::CompareSides({"stroke", 1.25, 801, 40}, driver, direct);
 }
