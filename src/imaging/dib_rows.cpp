@@ -62,7 +62,7 @@ int ConvertPlanar(const Dib& dib, Bytes bits, uint32_t ratio, bool v_first, Muta
 
 int ConvertDibRows(const Dib& dib, Bytes bits, MutableBytes scratch, RowStore store) {
   if (bits.size() < SourceSize(dib)) return kInvalidArgument;
-  if (dib.height == 0) return kSuccess;
+  if (dib.width == 0 || dib.height == 0) return kSuccess;
   const auto packed = [&](size_t stride, auto row) {
     return ConvertEach(dib, bits, stride, scratch, store,
                        [&](Bytes source) { row(source, dib.width, scratch.data()); });

@@ -29,8 +29,8 @@ ErrorDiffuser::ErrorDiffuser(std::span<const PaletteEntry> palette, uint32_t wid
       nearest_(reinterpret_cast<uint16_t*>(below_ + width + 1)) {}
 
 uint32_t ErrorDiffuser::Nearest(PaletteEntry colour) {
-  const size_t key =
-      static_cast<size_t>(colour.red >> 3) << 10 | colour.green >> 3 << 5 | colour.blue >> 3;
+  const auto upper = [](uint8_t level) { return static_cast<size_t>(level) >> 3; };
+  const size_t key = upper(colour.red) << 10 | upper(colour.green) << 5 | upper(colour.blue);
   if (nearest_[key] == 0) nearest_[key] = static_cast<uint16_t>(NearestEntry(palette_, colour) + 1);
   return nearest_[key] - 1u;
 }

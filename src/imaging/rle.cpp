@@ -98,6 +98,7 @@ enum Escape : uint8_t { kEndOfLine = 0, kEndOfBitmap = 1, kDelta = 2 };
 
 int ExpandRle(Bytes stream, uint32_t bits, uint32_t width, uint32_t height, MutableBytes scratch,
               RowStore store) {
+  if (width == 0) return kSuccess;
   Canvas canvas(bits, width, scratch, store);
   const auto byte = [&stream](size_t at) { return static_cast<uint8_t>(stream[at]); };
   size_t at = 0;

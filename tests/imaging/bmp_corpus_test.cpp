@@ -10,8 +10,9 @@
 #include <sstream>
 #include <string>
 
-#include "dib_convert.h"
+#include "imaging/dib_convert.h"
 #include "imaging/pixel_format.h"
+#include "support/corpus.h"
 
 namespace quillo::imaging {
 namespace {
@@ -56,11 +57,8 @@ constexpr size_t kFileHeader = 14;
 /// Converts the DIB of a file, in blocks that end where header and file end. A file without a file
 /// header is a DIB with its bits right behind the colour table.
 ConvertedDib ConvertFile(const fs::path& path) {
-  std::ifstream file(path, std::ios::binary);
-  std::stringstream content;
-  content << file.rdbuf();
-  const std::string text = content.str();
-  const Bytes whole = std::as_bytes(std::span(text));
+  const std::vector<std::byte> file = test::ReadFile(path);
+  const Bytes whole = file;
   const size_t start = path.extension() == ".dib" ? 0 : std::min(kFileHeader, whole.size());
   const Bytes dib = whole.subspan(start);
   size_t bits_at = LoadOrZero<uint32_t>(whole, 10) - kFileHeader;

@@ -1,15 +1,17 @@
 #include <algorithm>
 #include <array>
 #include <cmath>
+#include <filesystem>
 #include <gtest/gtest.h>
 #include <random>
 #include <string>
 #include <vector>
 
-#include "dib_convert.h"
 #include "imaging/avx2.h"
 #include "imaging/bit_fields.h"
+#include "imaging/damaged_input.h"
 #include "imaging/yuv.h"
+#include "support/corpus.h"
 
 namespace quillo::imaging {
 namespace {
@@ -404,6 +406,38 @@ TEST(ConvertDibRows, StoppingStore_StopsTheConversion) {
         ConvertDibRows(dib, bits, scratch, [&](uint32_t, Bytes) { return ++calls < 2 ? 1 : -5; }),
         -5);
     EXPECT_EQ(calls, 2);
+  }
+}
+
+/// Files that the fuzz targets found, run again.
+TEST(DamagedInput, FilesOfEarlierFaults_ReadNothingOutside) {
+  const std::filesystem::path root = std::filesystem::path(QUILLO_SOURCE_DIR) / "tests/corpus";
+  const struct {
+    const char* folder;
+    void (*run)(Bytes);
+  } targets[] = {{"imaging/dib", TryDib}, {"imaging/rle", TryRle}};
+  int files = 0;
+  for (const auto& [folder, run] : targets) {
+    for (const auto& entry : std::filesystem::directory_iterator(root / folder)) {
+      run(test::ReadFile(entry.path()));
+      ++files;
+    }
+  }
+  EXPECT_GT(files, 0);
+}
+
+TEST(DamagedInput, NoiseAndCutFiles_ReadNothingOutside) {
+  for (uint32_t seed = 0; seed < 300; ++seed) TryRle(Random(seed * 3, seed));
+  for (uint16_t bits = 1; bits <= 64; ++bits) {
+    for (const uint32_t compression : {0u, 1u, 2u, 3u, Code("I420"), Code("YUY2"), Code("Y41P")}) {
+      const Header header{.width = 12, .height = -8, .bits = bits, .compression = compression};
+      std::vector<std::byte> input = ToBytes({52, 0});
+      input.insert(input.end(), AsBytes(header).begin(), AsBytes(header).end());
+      const auto noise = Random(400, bits);
+      input.insert(input.end(), noise.begin(), noise.end());
+      for (size_t size = 0; size < input.size(); size += 13) TryDib(Bytes(input).first(size));
+      TryDib(input);
+    }
   }
 }
 

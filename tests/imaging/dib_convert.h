@@ -18,10 +18,8 @@ struct ConvertedDib {
   std::vector<std::byte> rows;  // in storage order
 };
 
-constexpr uint64_t kLargestTestBitmap = 256u << 20;  // bytes
-
-/// Bitmaps above kLargestTestBitmap are refused with kOutOfMemory.
-inline ConvertedDib ConvertInMemory(Bytes header, Bytes bits) {
+/// Bitmaps and rows above `largest` bytes are refused with kOutOfMemory.
+inline ConvertedDib ConvertInMemory(Bytes header, Bytes bits, uint64_t largest = 256 << 20) {
   ConvertedDib out;
   out.result = AnalyzeDib(header, &out.dib);
   if (out.result != kSuccess) return out;
@@ -29,7 +27,7 @@ inline ConvertedDib ConvertInMemory(Bytes header, Bytes bits) {
   if (bits.size() < SourceSize(out.dib)) return out;
   const auto geometry = MakeGeometry(out.dib.width, out.dib.height, out.dib.bits_per_pixel);
   out.result = kOutOfMemory;
-  if (!geometry || geometry->data_size > kLargestTestBitmap) return out;
+  if (!geometry || geometry->data_size > largest || geometry->bytes_per_line > largest) return out;
   out.geometry = *geometry;
   out.palette.resize(out.dib.colours);
   ReadColourTable(header, out.dib, out.palette);

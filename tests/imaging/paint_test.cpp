@@ -9,7 +9,7 @@
 #include "imaging/display_mode.h"
 #include "imaging/paint_method.h"
 #include "imaging/rows.h"
-#include "settings_scope.h"
+#include "imaging/settings_scope.h"
 #include "support/import_patch.h"
 
 namespace quillo::imaging {

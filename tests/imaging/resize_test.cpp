@@ -6,7 +6,7 @@
 
 #include "imaging/convert_dib.h"
 #include "imaging/rows.h"
-#include "settings_scope.h"
+#include "imaging/settings_scope.h"
 
 namespace quillo::imaging {
 namespace {

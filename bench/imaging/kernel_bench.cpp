@@ -1,0 +1,231 @@
+// The kernel's arithmetic beside the libraries that people would pick instead, in one run. The last
+// lines say how many times as fast as its competitor each kernel was, by processor time.
+#include <benchmark/benchmark.h>
+#include <cstdio>
+#include <cstring>
+#include <libyuv.h>
+#include <map>
+#include <pixman.h>
+#include <random>
+#include <string>
+#include <vector>
+
+#include "imaging/dib_rows.h"
+#include "imaging/nearest.h"
+
+namespace quillo::imaging {
+namespace {
+
+std::vector<std::byte> Noise(size_t size) {
+  std::mt19937 random(1);
+  std::vector<std::byte> bytes(size);
+  for (std::byte& byte : bytes) byte = static_cast<std::byte>(random());
+  return bytes;
+}
+
+template <typename To>
+To* As(std::vector<std::byte>& bytes) {
+  return reinterpret_cast<To*>(bytes.data());
+}
+
+constexpr Geometry kSource = {3000, 2000, 0, 0, 0};
+
+/// A source of noise and room for the result.
+struct NearestBitmaps {
+  NearestBitmaps(const benchmark::State& state, uint32_t bits)
+      : source(*MakeGeometry(kSource.width, kSource.height, bits)),
+        target(*MakeGeometry(static_cast<uint32_t>(state.range(0)),
+                             static_cast<uint32_t>(state.range(1)), bits)),
+        from(Noise(source.data_size)),
+        to(target.data_size) {}
+
+  Geometry source;
+  Geometry target;
+  std::vector<std::byte> from;
+  std::vector<std::byte> to;
+};
+
+void Nearest(benchmark::State& state, uint32_t bits) {
+  NearestBitmaps b(state, bits);
+  std::vector<uint32_t> columns(b.target.width);
+  std::vector<std::byte> row(b.target.bytes_per_line);
+  for (auto _ : state) {
+    ResizeNearest(
+        b.source, b.target, columns, row,
+        [&](uint32_t y) { return b.from.data() + size_t{y} * b.source.bytes_per_line; },
+        [&](uint32_t y) { return b.to.data() + size_t{y} * b.target.bytes_per_line; },
+        [](uint32_t, Bytes) { return 1; }, Progress(nullptr, nullptr, b.target.height));
+    benchmark::ClobberMemory();
+  }
+}
+
+void LibyuvNearest32(benchmark::State& state) {
+  NearestBitmaps b(state, 32);
+  for (auto _ : state) {
+    libyuv::ARGBScale(As<uint8_t>(b.from), static_cast<int>(b.source.bytes_per_line),
+                      static_cast<int>(b.source.width), static_cast<int>(b.source.height),
+                      As<uint8_t>(b.to), static_cast<int>(b.target.bytes_per_line),
+                      static_cast<int>(b.target.width), static_cast<int>(b.target.height),
+                      libyuv::kFilterNone);
+    benchmark::ClobberMemory();
+  }
+}
+
+void PixmanNearest24(benchmark::State& state) {
+  NearestBitmaps b(state, 24);
+  const auto image = [](const Geometry& size, std::vector<std::byte>& rows) {
+    return pixman_image_create_bits(PIXMAN_r8g8b8, static_cast<int>(size.width),
+                                    static_cast<int>(size.height), As<uint32_t>(rows),
+                                    static_cast<int>(size.bytes_per_line));
+  };
+  pixman_image_t* from = image(b.source, b.from);
+  pixman_image_t* to = image(b.target, b.to);
+  pixman_transform_t scale;
+  pixman_transform_init_scale(&scale,
+                              pixman_double_to_fixed(double{kSource.width} / b.target.width),
+                              pixman_double_to_fixed(double{kSource.height} / b.target.height));
+  pixman_image_set_transform(from, &scale);
+  pixman_image_set_filter(from, PIXMAN_FILTER_NEAREST, nullptr, 0);
+  for (auto _ : state) {
+    pixman_image_composite32(PIXMAN_OP_SRC, from, nullptr, to, 0, 0, 0, 0, 0, 0,
+                             static_cast<int>(b.target.width), static_cast<int>(b.target.height));
+    benchmark::ClobberMemory();
+  }
+  pixman_image_unref(from);
+  pixman_image_unref(to);
+}
+
+constexpr uint32_t kWidth = 1920;
+constexpr uint32_t kHeight = 1080;
+
+/// Converts `bits` over and over into plain rows.
+void Convert(benchmark::State& state, DibLayout layout, uint32_t bits_per_pixel,
+             const std::vector<std::byte>& bits) {
+  Dib dib{};
+  dib.layout = layout;
+  dib.width = kWidth;
+  dib.height = kHeight;
+  dib.source_bits = bits_per_pixel;
+  const Geometry size = *MakeGeometry(kWidth, kHeight, bits_per_pixel);
+  std::vector<std::byte> rows(size.data_size);
+  std::vector<std::byte> scratch(size.bytes_per_line);
+  for (auto _ : state) {
+    ConvertDibRows(dib, bits, scratch, [&](uint32_t y, Bytes data) {
+      std::memcpy(rows.data() + y * data.size(), data.data(), data.size());
+      return 1;
+    });
+    benchmark::ClobberMemory();
+  }
+  state.SetBytesProcessed(static_cast<int64_t>(size.data_size) * state.iterations());
+}
+
+void I420(benchmark::State& state) {
+  Convert(state, DibLayout::kPlanar420, 24, Noise(size_t{kWidth} * kHeight * 3 / 2));
+}
+
+void LibyuvI420(benchmark::State& state) {
+  std::vector<std::byte> bits = Noise(size_t{kWidth} * kHeight * 3 / 2);
+  std::vector<std::byte> rows(size_t{kWidth} * kHeight * 3);
+  const uint8_t* y = As<uint8_t>(bits);
+  const uint8_t* u = y + size_t{kWidth} * kHeight;
+  const uint8_t* v = u + size_t{kWidth} * kHeight / 4;
+  for (auto _ : state) {
+    libyuv::I420ToRGB24(y, kWidth, u, kWidth / 2, v, kWidth / 2, As<uint8_t>(rows), kWidth * 3,
+                        kWidth, kHeight);
+    benchmark::ClobberMemory();
+  }
+  state.SetBytesProcessed(static_cast<int64_t>(rows.size()) * state.iterations());
+}
+
+void Rows24(benchmark::State& state) {
+  Convert(state, DibLayout::kRows, 24, Noise(size_t{kWidth} * kHeight * 3));
+}
+
+void Memcpy24(benchmark::State& state) {
+  const std::vector<std::byte> bits = Noise(size_t{kWidth} * kHeight * 3);
+  std::vector<std::byte> rows(bits.size());
+  for (auto _ : state) {
+    std::memcpy(rows.data(), bits.data(), bits.size());
+    benchmark::ClobberMemory();
+  }
+  state.SetBytesProcessed(static_cast<int64_t>(rows.size()) * state.iterations());
+}
+
+/// Runs of 1 to 40 pixels between literals of 3 to 40, as in a drawing with some texture.
+void Rle8(benchmark::State& state) {
+  std::mt19937 random(1);
+  std::vector<std::byte> stream;
+  const auto put = [&stream](uint32_t byte) { stream.push_back(static_cast<std::byte>(byte)); };
+  for (uint32_t y = 0; y < kHeight; ++y) {
+    for (uint32_t x = 0; x < kWidth;) {
+      const auto run = static_cast<uint32_t>(random() % 40 + 1);
+      put(run);
+      put(static_cast<uint32_t>(random()));
+      const auto literal = static_cast<uint32_t>(random() % 38 + 3);
+      put(0);
+      put(literal);
+      for (uint32_t i = 0; i < literal + literal % 2; ++i) put(static_cast<uint32_t>(random()));
+      x += run + literal;
+    }
+    put(0);
+    put(0);
+  }
+  Convert(state, DibLayout::kRle8, 8, stream);
+}
+
+void Sizes(benchmark::internal::Benchmark* b) {
+  b->Args({2000, 1333})->Args({1234, 777})->Args({4000, 3000})->Unit(benchmark::kMicrosecond);
+}
+
+BENCHMARK_CAPTURE(Nearest, 32, 32u)->Apply(Sizes);
+BENCHMARK(LibyuvNearest32)->Apply(Sizes);
+BENCHMARK_CAPTURE(Nearest, 24, 24u)->Apply(Sizes);
+BENCHMARK(PixmanNearest24)->Apply(Sizes);
+BENCHMARK(I420)->Unit(benchmark::kMicrosecond);
+BENCHMARK(LibyuvI420)->Unit(benchmark::kMicrosecond);
+BENCHMARK(Rows24)->Unit(benchmark::kMicrosecond);
+BENCHMARK(Memcpy24)->Unit(benchmark::kMicrosecond);
+BENCHMARK(Rle8)->Unit(benchmark::kMicrosecond);
+
+/// Prints the usual table, and the ratios at the end.
+class RatioReporter : public benchmark::ConsoleReporter {
+ public:
+  void ReportRuns(const std::vector<Run>& runs) override {
+    for (const Run& run : runs) times_[run.benchmark_name()] = run.GetAdjustedCPUTime();
+    ConsoleReporter::ReportRuns(runs);
+  }
+
+  void Finalize() override {
+    struct Pair {
+      const char* kernel;
+      const char* competitor;
+      double target;  // the least that is wanted
+    };
+    constexpr Pair kPairs[] = {{"Nearest/32/2000/1333", "LibyuvNearest32/2000/1333", 1},
+                               {"Nearest/32/1234/777", "LibyuvNearest32/1234/777", 1},
+                               {"Nearest/32/4000/3000", "LibyuvNearest32/4000/3000", 1},
+                               {"Nearest/24/2000/1333", "PixmanNearest24/2000/1333", 5},
+                               {"Nearest/24/1234/777", "PixmanNearest24/1234/777", 5},
+                               {"Nearest/24/4000/3000", "PixmanNearest24/4000/3000", 5},
+                               {"I420", "LibyuvI420", 0.5},
+                               {"Rows24", "Memcpy24", 0.9}};
+    std::printf("\n");
+    for (const Pair& pair : kPairs) {
+      if (times_.count(pair.kernel) == 0 || times_.count(pair.competitor) == 0) continue;
+      std::printf("%-22s %6.2f times as fast as %s (wanted: %.1f)\n", pair.kernel,
+                  times_[pair.competitor] / times_[pair.kernel], pair.competitor, pair.target);
+    }
+  }
+
+ private:
+  std::map<std::string, double> times_;
+};
+
+}  // namespace
+}  // namespace quillo::imaging
+
+int main(int argc, char** argv) {
+  benchmark::Initialize(&argc, argv);
+  quillo::imaging::RatioReporter reporter;
+  benchmark::RunSpecifiedBenchmarks(&reporter);
+}

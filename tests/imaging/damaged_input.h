@@ -1,0 +1,109 @@
+#pragma once
+
+#include <algorithm>
+#include <cstdlib>
+#include <vector>
+
+#include "base/bytes.h"
+#include "imaging/dib_convert.h"
+#include "imaging/pixel_bits.h"
+#include "imaging/pixel_format.h"
+#include "imaging/rle.h"
+
+// Input from anywhere through the readers of bitmaps: what the fuzz targets run, and what the tests
+// run again over the files that the targets found. Every block ends where its bytes end, so that a
+// sanitizer sees a read behind it.
+namespace quillo::imaging {
+
+inline void Check(bool holds) {
+  if (!holds) std::abort();
+}
+
+inline std::vector<std::byte> CopyOf(Bytes bytes) { return {bytes.begin(), bytes.end()}; }
+
+/// Two bytes say where the bits of the DIB begin that the rest is.
+inline void TryDib(Bytes input) {
+  const size_t split = LoadOrZero<uint16_t>(input);
+  const Bytes dib = input.subspan(std::min<size_t>(2, input.size()));
+  const size_t bits_at = std::min(split, dib.size());
+  const std::vector<std::byte> header = CopyOf(dib.first(bits_at));
+  const std::vector<std::byte> bits = CopyOf(dib.subspan(bits_at));
+  const ConvertedDib out = ConvertInMemory(header, bits, 1 << 18);
+  Check(out.result == kSuccess || out.result == kInvalidArgument || out.result == kOutOfMemory ||
+        out.result == kUnsupportedFormat);
+  if (out.result != kSuccess || out.rows.empty()) return;
+  const PixelFormat format{out.geometry.bits_per_pixel, kOrderColour, out.palette};
+  std::vector<Colour16> colours(out.geometry.width);
+  for (uint32_t y = 0; y < out.geometry.height; ++y) {
+    DecodeRow(format, out.rows.data() + size_t{y} * out.geometry.bytes_per_line, 0, colours);
+  }
+}
+
+/// A run-length stream, one pixel at a time.
+inline std::vector<uint32_t> NaiveRle(Bytes stream, uint32_t bits, uint32_t width,
+                                      uint32_t height) {
+  std::vector<uint32_t> pixels(size_t{width} * height);
+  uint64_t x = 0, y = 0;
+  const auto put = [&](uint32_t value) {
+    if (x < width && y < height) pixels[y * width + x] = value;
+    ++x;
+  };
+  const auto at = [&](size_t i) { return static_cast<uint32_t>(stream[i]); };
+  const auto half = [bits](uint32_t pair, size_t i) {
+    return bits == 8 ? pair : i % 2 == 0 ? pair >> 4 : pair & 15;
+  };
+  for (size_t i = 0; i + 1 < stream.size() && y < height;) {
+    const uint32_t count = at(i), value = at(i + 1);
+    i += 2;
+    if (count != 0) {
+      for (size_t n = 0; n < count; ++n) put(half(value, n));
+    } else if (value == 0) {
+      x = 0;
+      ++y;
+    } else if (value == 1) {
+      break;
+    } else if (value == 2) {
+      if (i + 1 >= stream.size()) break;
+      // A position behind the row's end stays there.
+      x = std::min<uint64_t>(std::min<uint64_t>(x, width) + at(i), width);
+      y += at(i + 1);
+      i += 2;
+    } else {
+      const size_t size = bits == 8 ? value : (value + 1) / 2;
+      for (size_t n = 0; n < value && i + n * bits / 8 < stream.size(); ++n) {
+        put(half(at(i + n * bits / 8), n));
+      }
+      i += size + size % 2;
+    }
+    x = std::min<uint64_t>(x, width);
+  }
+  return pixels;
+}
+
+/// A byte says the depth, two the width and two the height; the rest is the stream.
+inline void TryRle(Bytes input) {
+  const uint32_t bits = (LoadOrZero<uint8_t>(input) & 1) != 0 ? 8 : 4;
+  const uint32_t width = LoadOrZero<uint16_t>(input, 1) % 128;
+  const uint32_t height = LoadOrZero<uint16_t>(input, 3) % 128;
+  const std::vector<std::byte> stream = CopyOf(input.subspan(std::min<size_t>(5, input.size())));
+  const Geometry geometry = *MakeGeometry(width, height, bits);
+  std::vector<std::byte> rows(geometry.data_size);
+  std::vector<std::byte> scratch(geometry.bytes_per_line);
+  int64_t last = -1;
+  const int result = ExpandRle(stream, bits, width, height, scratch, [&](uint32_t row, Bytes data) {
+    Check(row > last && row < height && data.size() == geometry.bytes_per_line);
+    last = row;
+    std::ranges::copy(data, rows.begin() + static_cast<ptrdiff_t>(row * data.size()));
+    return kSuccess;
+  });
+  Check(result == kSuccess);
+  const std::vector<uint32_t> naive = NaiveRle(stream, bits, width, height);
+  for (uint32_t y = 0; y < height; ++y) {
+    const std::byte* row = rows.data() + size_t{y} * geometry.bytes_per_line;
+    for (uint32_t x = 0; x < width; ++x) {
+      Check(LoadPixelBits(row, bits, x) == naive[size_t{y} * width + x]);
+    }
+  }
+}
+
+}  // namespace quillo::imaging
