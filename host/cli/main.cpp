@@ -10,7 +10,10 @@
 #include "host/cli/console.h"
 #include "host/cli/options.h"
 #include "host/cli/print_job.h"
+#include "host/cli/printer_command.h"
 #include "host/client/client_main.h"
+#include "host/printer/printer_setup.h"
+#include "host/printer/printer_values.h"
 
 namespace quillo::host {
 namespace {
@@ -22,7 +25,8 @@ int RunClientMode(wchar_t** arguments) {
 }
 
 int RunCommand(const std::vector<std::string>& arguments) {
-  const std::variant<Options, Answer> parsed = ParseCommandLine(arguments);
+  const std::variant<Options, Answer> parsed =
+      ParseCommandLine(arguments, StoredCustomPapers(kPrinterName));
   if (const auto* answer = std::get_if<Answer>(&parsed)) {
     Console().Write(answer->text,
                     answer->exit_code == kPrinted ? STD_OUTPUT_HANDLE : STD_ERROR_HANDLE);
@@ -31,6 +35,7 @@ int RunCommand(const std::vector<std::string>& arguments) {
   const Options& options = std::get<Options>(parsed);
   Console console(options.quiet);
   try {
+    if (options.inputs.empty()) return SetUpPrinter(options, console);
     return Print(options, console);
   } catch (const std::exception& failure) {  // out of memory and the like
     console.Problem(std::string("gave up: ") + failure.what());

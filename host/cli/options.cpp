@@ -38,8 +38,15 @@ struct SheetWish {
   SheetWish Or(const SheetWish& other) const {
     return {paper ? paper : other.paper, landscape ? landscape : other.landscape};
   }
-  Sheet ToSheet() const {
-    Sheet sheet = paper ? ParsePaper(*paper).value_or(Sheet{}) : Sheet{};
+  /// Throws CLI::ValidationError.
+  Sheet ToSheet(const std::vector<NamedSheet>& custom) const {
+    const std::optional<Sheet> known = paper ? ParsePaper(*paper, custom) : Sheet{};
+    if (!known) {
+      throw CLI::ValidationError(
+          "--paper",
+          "no paper is called \"" + *paper + "\"; see --list-papers, or give WxH in millimetres");
+    }
+    Sheet sheet = *known;
     sheet.landscape = landscape.value_or(false);
     return sheet;
   }
@@ -48,19 +55,20 @@ struct SheetWish {
 /// The command line's options, and the values that they take.
 class Parser {
  public:
-  Parser() : app_("Prints files as the pages of one job, through the printer driver.", "print") {
+  explicit Parser(const std::vector<NamedSheet>& stored_papers)
+      : app_("Prints files as the pages of one job, through the printer driver.", "print"),
+        stored_papers_(stored_papers) {
     app_.allow_windows_style_options(false);
     app_.footer(kFooter);
     app_.set_help_flag("-h,--help", "Show this help");
     app_.set_version_flag("--version", kVersion);
-    input_ = app_.add_option("INPUT", inputs_, "Files to print")->required()->type_name("");
+    input_ = app_.add_option("INPUT", inputs_, "Files to print")->type_name("");
     app_.add_option("-o,--output", output_, "Folder for the results; it is made when missing")
         ->type_name("DIR")
         ->capture_default_str();
     paper_ = app_.add_option("--paper", papers_,
                              "Sheet: a name such as A4 or Letter, or WxH in millimetres; by "
                              "default Letter")
-                 ->check(CLI::Validator(CheckPaper, ""))
                  ->type_name("NAME|WxH")
                  ->take_all()
                  ->allow_extra_args(false);
@@ -82,6 +90,13 @@ class Parser {
                            "Draw text of glyph numbers also when its font is not installed, with "
                            "the substitute's glyphs; by default where the substitute keeps the "
                            "common order");
+    app_.add_flag("--list-papers", options_.list_papers, "List the papers that --paper knows");
+    custom_paper_ = AddRepeated(
+        "--custom-paper", custom_papers_, "NAME,NUMBER,WxH",
+        "Give the printer a paper: a number above 256, a size in millimetres; it stays");
+    printer_value_ =
+        AddRepeated("--printer-data", printer_values_, "NAME=VALUE",
+                    "Store a value in the printer's data: a text, dword:N or hex:..; it stays");
     app_.add_flag("--quiet", options_.quiet, "Report nothing but problems");
     // For tests: how the client misbehaves.
     app_.add_option("--client", client_)->check(CLI::Validator(CheckClient, ""))->group("");
@@ -91,6 +106,7 @@ class Parser {
     std::reverse(arguments.begin(), arguments.end());
     try {
       app_.parse(std::move(arguments));
+      return Result();
     } catch (const CLI::CallForHelp&) {
       return Answer{kPrinted, app_.help()};
     } catch (const CLI::CallForVersion& version) {
@@ -98,17 +114,37 @@ class Parser {
     } catch (const CLI::ParseError& wrong) {
       return Answer{kWrongUsage, std::string("quillo-print: ") + wrong.what() + "\nTry --help.\n"};
     }
-    return Result();
   }
 
  private:
   CLI::Option* AddFlag(const char* name, const std::string& description) {
     return app_.add_flag(name, description);
   }
-  static std::string CheckPaper(const std::string& text) {
-    if (ParsePaper(text)) return {};
-    return "no paper is called \"" + text + "\"; name one such as A4, or give WxH in millimetres";
+  CLI::Option* AddRepeated(const char* name, std::vector<std::string>& values, const char* type,
+                           const char* description) {
+    return app_.add_option(name, values, description)
+        ->type_name(type)
+        ->take_all()
+        ->allow_extra_args(false);
   }
+
+  /// Reads each text; throws CLI::ValidationError for one that `parse` does not understand.
+  template <typename Value>
+  static std::vector<Value> ParseAll(const CLI::Option* option,
+                                     const std::vector<std::string>& texts,
+                                     std::optional<Value> (*parse)(std::string_view)) {
+    std::vector<Value> values;
+    for (const std::string& text : texts) {
+      std::optional<Value> value = parse(text);
+      if (!value) {
+        throw CLI::ValidationError(option->get_name(),
+                                   "\"" + text + "\" is no " + option->get_type_name());
+      }
+      values.push_back(std::move(*value));
+    }
+    return values;
+  }
+
   static std::string CheckClient(const std::string& text) {
     return ParseClientFault(text) ? std::string() : "no such client: " + text;
   }
@@ -121,9 +157,16 @@ class Parser {
           glyph_order_->as<bool>() ? emf::GlyphOrder::kAssume : emf::GlyphOrder::kDrop;
     }
     options_.client = ParseClientFault(client_).value_or(ClientFault::kNone);
+    options_.custom_papers = ParseAll(custom_paper_, custom_papers_, ParseCustomPaper);
+    options_.printer_values = ParseAll(printer_value_, printer_values_, ParsePrinterValue);
     TakeInputs();
-    options_.document =
-        document_.empty() ? options_.inputs.front().path.filename().wstring() : ToWide(document_);
+    const bool settings_only =
+        options_.list_papers || !options_.custom_papers.empty() || !options_.printer_values.empty();
+    if (options_.inputs.empty() && !settings_only) throw CLI::RequiredError("INPUT");
+    options_.document = ToWide(document_);
+    if (document_.empty() && !options_.inputs.empty()) {
+      options_.document = options_.inputs.front().path.filename().wstring();
+    }
     return std::move(options_);
   }
 
@@ -145,20 +188,27 @@ class Parser {
         wish.landscape = trailing.landscape = option == landscape_;
       }
     }
+    std::vector<NamedSheet> papers = options_.custom_papers;
+    papers.insert(papers.end(), stored_papers_.begin(), stored_papers_.end());
     for (size_t i = 0; i < wishes.size(); ++i) {
-      options_.inputs[i].sheet = wishes[i].Or(trailing).ToSheet();
+      options_.inputs[i].sheet = wishes[i].Or(trailing).ToSheet(papers);
     }
   }
 
   CLI::App app_;
+  const std::vector<NamedSheet>& stored_papers_;
   CLI::Option* input_ = nullptr;
   CLI::Option* paper_ = nullptr;
   CLI::Option* landscape_ = nullptr;
   CLI::Option* portrait_ = nullptr;
   CLI::Option* actual_size_ = nullptr;
   CLI::Option* glyph_order_ = nullptr;
+  CLI::Option* custom_paper_ = nullptr;
+  CLI::Option* printer_value_ = nullptr;
   std::vector<std::string> inputs_;
   std::vector<std::string> papers_;
+  std::vector<std::string> custom_papers_;
+  std::vector<std::string> printer_values_;
   std::string output_ = "out";
   std::string document_;
   std::string client_ = "none";
@@ -167,8 +217,9 @@ class Parser {
 
 }  // namespace
 
-std::variant<Options, Answer> ParseCommandLine(const std::vector<std::string>& arguments) {
-  return Parser().Parse(arguments);
+std::variant<Options, Answer> ParseCommandLine(const std::vector<std::string>& arguments,
+                                               const std::vector<NamedSheet>& stored_papers) {
+  return Parser(stored_papers).Parse(arguments);
 }
 
 }  // namespace quillo::host

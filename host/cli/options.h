@@ -7,6 +7,7 @@
 
 #include "host/client/client_fault.h"
 #include "host/emf/player.h"
+#include "host/printer/printer_values.h"
 #include "host/printer/sheet.h"
 
 namespace quillo::host {
@@ -19,13 +20,16 @@ struct Options {
     Sheet sheet;
   };
 
-  std::vector<Input> inputs;  // at least one
+  std::vector<Input> inputs;  // none only where something else is asked for
   std::filesystem::path output;
   int dpi = 600;
   bool fit = true;        // else pictures keep their size
   std::wstring document;  // never empty
   int preview_dpi = 96;   // 0: no previews
   bool quiet = false;
+  bool list_papers = false;
+  std::vector<PrinterValue> printer_values;  // to be stored
+  std::vector<NamedSheet> custom_papers;     // to be stored
   emf::GlyphOrder glyph_order = emf::GlyphOrder::kAsSubstitute;
   ClientFault client = ClientFault::kNone;
 };
@@ -41,6 +45,8 @@ struct Answer {
 /// --paper, --landscape and --portrait hold for the inputs that follow them; behind the last input,
 /// for every input that has none of its own. A path that begins with "/" is one of the Unix system
 /// that Wine runs on.
-std::variant<Options, Answer> ParseCommandLine(const std::vector<std::string>& arguments);
+/// `stored_papers` are the printer's custom papers.
+std::variant<Options, Answer> ParseCommandLine(const std::vector<std::string>& arguments,
+                                               const std::vector<NamedSheet>& stored_papers = {});
 
 }  // namespace quillo::host

@@ -7,6 +7,7 @@
 #include "host/base/com_apartment.h"
 #include "host/base/failure.h"
 #include "host/base/text.h"
+#include "host/cli/printer_command.h"
 #include "host/cli/report.h"
 #include "host/cli/result_folder.h"
 #include "host/engine/driver_module.h"
@@ -92,6 +93,7 @@ class PrintJob {
   void PrintInputs(const ResultFolder& folder) {
     const fs::path program = ThisProgram();
     EnsurePrinter(kPrinterName, options_.dpi, UserSizes());
+    StoreSettings(options_);
     const SpoolJob spool(kPrinterName, options_.document);
     report_.printer = ToUtf8(kPrinterName);
     report_.document = ToUtf8(options_.document);
@@ -118,12 +120,12 @@ class PrintJob {
     return MakeDeviceMode(kPrinterName, sheet, options_.dpi);
   }
 
-  std::vector<PaperSize> UserSizes() const {
-    std::vector<PaperSize> sizes;
+  /// The sizes of the papers that are no standard forms.
+  std::map<int, PaperSize> UserSizes() const {
+    std::map<int, PaperSize> sizes;
     for (const OpenedInput& input : inputs_) {
-      if (input.sheet.paper == DMPAPER_USER) {
-        sizes.push_back({input.sheet.width, input.sheet.height});
-      }
+      const Sheet& sheet = input.sheet;
+      if (sheet.paper >= DMPAPER_USER) sizes.insert({sheet.paper, {sheet.width, sheet.height}});
     }
     return sizes;
   }

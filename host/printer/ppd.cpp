@@ -33,6 +33,9 @@ void AppendPaper(std::string& ppd, std::string_view key, PaperSize size, int dpi
   ppd += text;
 }
 
+constexpr int kFirstUserPaper = 256;  // DMPAPER_USER
+constexpr int kLastUserPaper = 2000;
+
 /// Tenths of a millimetre, rounded up.
 int Tenths(Fraction length, bool inches) {
   const int numerator = length.numerator * (inches ? 254 : 10);
@@ -46,7 +49,7 @@ PaperSize SizeOf(const PaperForm& form) {
 
 }  // namespace
 
-std::string MakePpd(int dpi, std::span<const PaperSize> user_sizes) {
+std::string MakePpd(int dpi, const std::map<int, PaperSize>& user_sizes) {
   const std::string number = std::to_string(dpi);
   const std::string resolution = number + "x" + number + "dpi";
   std::string ppd =
@@ -62,9 +65,13 @@ std::string MakePpd(int dpi, std::span<const PaperSize> user_sizes) {
     const auto name = std::ranges::find(PaperNames(), form.paper, &PaperName::paper);
     if (name != PaperNames().end()) AppendPaper(ppd, name->ppd_key, SizeOf(form), dpi);
   }
-  // Keys that name no form get the paper numbers from DMPAPER_USER on, in their order.
-  for (size_t i = 0; i < user_sizes.size(); ++i) {
-    AppendPaper(ppd, "User" + std::to_string(i), user_sizes[i], dpi);
+  // Keys that name no form get the numbers from DMPAPER_USER on, in their order: numbers between
+  // the wanted ones get a paper, too. Far away ones do not pay; they take the default sheet, whose
+  // scale is the same.
+  int next = kFirstUserPaper;
+  for (const auto& [paper, size] : user_sizes) {
+    if (paper > kLastUserPaper) break;
+    for (; next <= paper; ++next) AppendPaper(ppd, "User" + std::to_string(next), size, dpi);
   }
   return ppd;
 }

@@ -1,7 +1,6 @@
 #pragma once
 
-#include <cstdint>
-#include <span>
+#include <map>
 #include <string>
 
 namespace quillo::host {
@@ -13,12 +12,12 @@ struct PaperSize {
 };
 
 /// The printer description from which Wine's printer driver takes sheets and resolution of a DC on
-/// this printer: all standard forms, and `user_sizes` as the papers from DMPAPER_USER on.
+/// this printer: all standard forms, and `user_sizes` by their paper number, DMPAPER_USER or more.
 ///
 /// That driver knows no resolution but the default one for device modes like ours, so the
 /// description holds for one resolution. And it cuts the size of a DC to whole pixels first and
 /// then to whole millimetres, whose ratio is the scale of every metafile made for the DC: each
 /// side is therefore the next whole number of millimetres, and of pixels that cover it.
-std::string MakePpd(int dpi, std::span<const PaperSize> user_sizes);
+std::string MakePpd(int dpi, const std::map<int, PaperSize>& user_sizes);
 
 }  // namespace quillo::host

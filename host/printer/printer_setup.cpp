@@ -80,7 +80,7 @@ void RegisterPrinter(std::wstring name) {
 
 }  // namespace
 
-void EnsurePrinter(const std::wstring& name, int dpi, std::span<const PaperSize> user_sizes) {
+void EnsurePrinter(const std::wstring& name, int dpi, const std::map<int, PaperSize>& user_sizes) {
   if (!RunsUnderWine()) {
     if (TryOpenPrinter(name)) return;
     throw SystemFailure("the printer \"" + ToUtf8(name) + "\" is not installed", "OpenPrinter");

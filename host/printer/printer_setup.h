@@ -1,6 +1,6 @@
 #pragma once
 
-#include <span>
+#include <map>
 #include <string>
 
 #include "host/printer/ppd.h"
@@ -14,7 +14,7 @@ inline constexpr wchar_t kPrinterName[] = L"VORNIX Quillo 6";
 /// On Windows an installed printer is used as it stands; a missing one is an error, since a driver
 /// is installed by its package. Under Wine the printer is registered on Wine's own printer driver,
 /// which makes the reference DCs of page metafiles; for the life of this process they have `dpi`
-/// and know `user_sizes` as the papers from DMPAPER_USER on. Throws SystemFailure.
-void EnsurePrinter(const std::wstring& name, int dpi, std::span<const PaperSize> user_sizes);
+/// and know `user_sizes` by their paper numbers. Throws SystemFailure.
+void EnsurePrinter(const std::wstring& name, int dpi, const std::map<int, PaperSize>& user_sizes);
 
 }  // namespace quillo::host

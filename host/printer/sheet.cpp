@@ -44,8 +44,11 @@ std::optional<Sheet> ParseSize(std::string_view text) {
 
 }  // namespace
 
-std::optional<Sheet> ParsePaper(std::string_view text) {
+std::optional<Sheet> ParsePaper(std::string_view text, std::span<const NamedSheet> custom) {
   const std::string simple = Simplified(text);
+  for (const NamedSheet& paper : custom) {
+    if (Simplified(paper.name) == simple) return paper.sheet;
+  }
   for (const PaperName& known : PaperNames()) {
     if (Simplified(known.name) == simple) return Sheet{.paper = known.paper};
   }
@@ -70,7 +73,7 @@ DeviceMode MakeDeviceMode(const std::wstring& printer, const Sheet& sheet, int d
   mode.pub.dmPaperSize = sheet.paper;
   mode.pub.dmPrintQuality = static_cast<short>(dpi);
   mode.pub.dmYResolution = static_cast<short>(dpi);
-  if (sheet.paper == DMPAPER_USER) {
+  if (sheet.paper >= DMPAPER_USER) {
     mode.pub.dmFields |= DM_PAPERWIDTH | DM_PAPERLENGTH;
     mode.pub.dmPaperWidth = sheet.width;
     mode.pub.dmPaperLength = sheet.height;

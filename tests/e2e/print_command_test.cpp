@@ -154,6 +154,22 @@ TEST_F(PrintCommand, Picture_IsDrawnAtItsSizeOrFitted) {
   }
 }
 
+TEST_F(PrintCommand, CustomPaper_IsListedAndPrintedOn) {
+  const CommandResult listed = RunPrint(L"--custom-paper \"Name, badge,300,86x54\" --list-papers");
+  EXPECT_EQ(listed.exit_code, 0) << listed.errors;
+  EXPECT_NE(listed.output.find("    9  A4                     210.0 x  297.0 mm"),
+            std::string::npos);
+  EXPECT_NE(listed.output.find("  300  Name, badge             86.0 x   54.0 mm    3.39 x   2.13 in"
+                               "  custom"),
+            std::string::npos)
+      << listed.output;
+  const CommandResult result = Print(Quoted(L"a.emf") + L" --paper \"name, BADGE\" --landscape");
+  EXPECT_EQ(result.exit_code, 0) << result.errors;
+  const ENHMETAHEADER header = HeaderOf(out_ / L"page-0001.emf");
+  EXPECT_EQ(header.rclFrame.right, 5400);
+  EXPECT_EQ(header.rclFrame.bottom, 8600);
+}
+
 TEST_F(PrintCommand, OneBadInput_DoesNotKeepTheOthers) {
   const CommandResult result = Print(Quoted(L"a.emf") + Quoted(L"missing") + Quoted(L"b.emf"));
   EXPECT_EQ(result.exit_code, 3);

@@ -69,6 +69,19 @@ TEST(ParseCommandLine, SheetOptions_HoldForWhatFollows) {
   }
 }
 
+TEST(ParseCommandLine, CustomPapers_AreKnownByName) {
+  const std::vector<NamedSheet> stored{{"Stored", {.paper = 300, .width = 10, .height = 20}}};
+  const auto result = ParseCommandLine({"a", "--paper", "new", "b", "--paper", "stored", "c",
+                                        "--custom-paper", "New,301,30x40", "--printer-data", "x=1"},
+                                       stored);
+  const Options& options = std::get<Options>(result);
+  EXPECT_EQ(options.inputs[1].sheet, (Sheet{.paper = 301, .width = 300, .height = 400}));
+  EXPECT_EQ(options.inputs[2].sheet, stored[0].sheet);
+  EXPECT_EQ(options.custom_papers.size(), 1u);
+  EXPECT_EQ(options.printer_values.size(), 1u);
+  EXPECT_TRUE(Parsed({"--list-papers"}).inputs.empty());
+}
+
 TEST(ParseCommandLine, WrongLines_AreAnsweredWithWhatIsWrong) {
   const struct {
     std::vector<std::string> arguments;
@@ -79,6 +92,8 @@ TEST(ParseCommandLine, WrongLines_AreAnsweredWithWhatIsWrong) {
       {{"--no-such-option", "a"}, 2, "--no-such-option"},
       {{"a", "--paper", "A99"}, 2, "A99"},
       {{"a", "--paper"}, 2, "--paper"},
+      {{"--custom-paper", "x,1,2x3"}, 2, "NAME,NUMBER,WxH"},
+      {{"--printer-data", "x"}, 2, "NAME=VALUE"},
       {{"a", "--dpi", "49"}, 2, "49"},
       {{"a", "--dpi", "1601"}, 2, "1601"},
       {{"a", "--dpi", "x"}, 2, "x"},

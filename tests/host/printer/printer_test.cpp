@@ -10,6 +10,7 @@
 #include "config/paper_table.h"
 #include "host/printer/paper_names.h"
 #include "host/printer/printer_setup.h"
+#include "host/printer/printer_values.h"
 #include "host/printer/sheet.h"
 #include "host/printer/spool_job.h"
 
@@ -65,12 +66,13 @@ class PrinterAtResolution : public testing::TestWithParam<int> {};
 TEST_P(PrinterAtResolution, ReferenceDc_MatchesSheetAndScale) {
   const int dpi = GetParam();
   const std::wstring printer = L"Quillo test " + std::to_wstring(dpi);
-  const PaperSize user_size{1234, 987};
-  EnsurePrinter(printer, dpi, {&user_size, 1});
+  EnsurePrinter(printer, dpi, {{DMPAPER_USER, {1234, 987}}, {300, {600, 1100}}});
 
   std::vector<Sheet> sheets;
   for (const PaperForm& form : StandardForms()) sheets.push_back({.paper = form.paper});
   sheets.push_back({.paper = DMPAPER_USER, .width = 1234, .height = 987});
+  StoreCustomPaper(printer, {"Test", {.paper = 300, .width = 600, .height = 1100}});
+  sheets.push_back({.paper = 300, .width = 600, .height = 1100});
   for (size_t i = 0, upright = sheets.size(); i < upright; ++i) {
     sheets.push_back(sheets[i]);
     sheets.back().landscape = true;

@@ -1,0 +1,95 @@
+#include "host/printer/printer_values.h"
+
+#include <gtest/gtest.h>
+
+#include "base/spooler_owners.h"
+#include "host/printer/printer_setup.h"
+
+namespace quillo::host {
+namespace {
+
+std::vector<std::byte> Bytes(std::initializer_list<int> values) {
+  std::vector<std::byte> bytes;
+  for (const int value : values) bytes.push_back(static_cast<std::byte>(value));
+  return bytes;
+}
+
+TEST(ParsePrinterValue, Texts_GiveValueOrNothing) {
+  const struct {
+    const char* text;
+    bool understood;
+    DWORD type;
+    std::vector<std::byte> bytes;
+  } cases[] = {
+      {"a=bc", true, REG_SZ, Bytes({'b', 0, 'c', 0, 0, 0})},
+      {"a=", true, REG_SZ, Bytes({0, 0})},
+      {"a=b=c", true, REG_SZ, Bytes({'b', 0, '=', 0, 'c', 0, 0, 0})},
+      {"a=dword:258", true, REG_DWORD, Bytes({2, 1, 0, 0})},
+      {"a=dword:0xFF000000", true, REG_DWORD, Bytes({0, 0, 0, 255})},
+      {"a=hex:0a,1B 2c3d", true, REG_BINARY, Bytes({0x0A, 0x1B, 0x2C, 0x3D})},
+      {"a=hex:", true, REG_BINARY, {}},
+      {"=b", false, 0, {}},
+      {"a", false, 0, {}},
+      {"a=dword:", false, 0, {}},
+      {"a=dword:4294967296", false, 0, {}},
+      {"a=dword:-1", false, 0, {}},
+      {"a=dword:1x", false, 0, {}},
+      {"a=hex:0", false, 0, {}},
+      {"a=hex:0g", false, 0, {}},
+  };
+  for (const auto& test : cases) {
+    const auto value = ParsePrinterValue(test.text);
+    ASSERT_EQ(value.has_value(), test.understood) << test.text;
+    if (!value) continue;
+    EXPECT_EQ(value->name, L"a") << test.text;
+    EXPECT_EQ(value->type, test.type) << test.text;
+    EXPECT_EQ(value->bytes, test.bytes) << test.text;
+  }
+}
+
+TEST(ParseCustomPaper, Texts_GivePaperOrNothing) {
+  const struct {
+    const char* text;
+    std::optional<NamedSheet> paper;
+  } cases[] = {
+      {"Badge,300,86x54", NamedSheet{"Badge", {.paper = 300, .width = 860, .height = 540}}},
+      {"a, b,257,1x2.5", NamedSheet{"a, b", {.paper = 257, .width = 10, .height = 25}}},
+      {"a,256,1x2", std::nullopt},  // DMPAPER_USER
+      {"a,32768,1x2", std::nullopt},
+      {"a,300,A4", std::nullopt},
+      {"a,300", std::nullopt},
+      {",300,1x2", std::nullopt},
+      {",1x2", std::nullopt},
+      {"", std::nullopt},
+      {"0123456789012345678901234567890123456789012345678901234567890123,300,1x2", std::nullopt},
+  };
+  for (const auto& test : cases) EXPECT_EQ(ParseCustomPaper(test.text), test.paper) << test.text;
+}
+
+TEST(StoreCustomPaper, NumberTwice_KeepsTheLater) {
+  const std::wstring printer = L"Quillo test papers";
+  EnsurePrinter(printer, 600, {});
+  const NamedSheet first{"First", {.paper = 300, .width = 100, .height = 200}};
+  const NamedSheet other{"Other", {.paper = 301, .width = 300, .height = 400}};
+  const NamedSheet later{"Später", {.paper = 300, .width = 500, .height = 600}};
+  for (const NamedSheet& paper : {first, other, later}) StoreCustomPaper(printer, paper);
+  EXPECT_EQ(StoredCustomPapers(printer), (std::vector<NamedSheet>{later, other}));
+}
+
+TEST(StorePrinterValue, Value_IsInThePrintersData) {
+  EnsurePrinter(kPrinterName, 600, {});
+  StorePrinterValue(kPrinterName, *ParsePrinterValue("Quillo test=dword:7"));
+  std::wstring name = kPrinterName;
+  PrinterHandle printer;
+  ASSERT_TRUE(OpenPrinterW(name.data(), printer.Receive(), nullptr));
+  std::wstring value = L"Quillo test";
+  DWORD type = 0, number = 0, size = 0;
+  EXPECT_EQ(GetPrinterDataW(printer.Get(), value.data(), &type, reinterpret_cast<BYTE*>(&number),
+                            sizeof number, &size),
+            static_cast<DWORD>(ERROR_SUCCESS));
+  EXPECT_EQ(type, static_cast<DWORD>(REG_DWORD));
+  EXPECT_EQ(number, 7u);
+}
+
+}  // namespace
+}  // namespace quillo::host
