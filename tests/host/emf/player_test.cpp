@@ -1,47 +1,12 @@
 #include "host/emf/player.h"
 
-#include <bit>
 #include <gtest/gtest.h>
 #include <string>
 
-#include "host/emf/metafile_builder.h"
-#include "host/emf/recording_canvas.h"
+#include "host/emf/played_records.h"
 
 namespace quillo::host::emf {
 namespace {
-
-uint32_t F(float value) { return std::bit_cast<uint32_t>(value); }
-uint32_t N(int32_t value) { return static_cast<uint32_t>(value); }
-/// Two 16-bit numbers.
-uint32_t S(int16_t low, int16_t high) {
-  return static_cast<uint16_t>(low) | static_cast<uint32_t>(static_cast<uint16_t>(high)) << 16;
-}
-
-constexpr uint32_t kStock = 0x80000000;
-
-struct RecordSpec {
-  uint32_t type;
-  std::vector<uint32_t> payload;
-};
-
-struct Played {
-  std::string calls;   // a line each
-  std::string faults;  // a line each
-  std::map<std::string, int> not_carried;
-};
-
-Played Play(const std::vector<RecordSpec>& records, const Transform& to_page = {}) {
-  MetafileBuilder builder;
-  for (const auto& [type, payload] : records) builder.Add(type, payload);
-  const auto file = builder.Finish();
-  MetafileReader reader(file);
-  RecordingCanvas canvas;
-  Played played;
-  played.not_carried = PlayMetafile(reader, to_page, canvas).not_carried;
-  played.calls = canvas.Take();
-  for (const MetafileFault& fault : reader.faults()) played.faults += Describe(fault) + "\n";
-  return played;
-}
 
 constexpr uint32_t kB = 0;  // a number of the bounds, which are not read
 
@@ -166,13 +131,6 @@ TEST(Player, AbsurdCounts_LeaveAFault) {
 
 const RecordSpec kLine = {kEmrLINETO, {10, 20}};
 const RecordSpec kBox = {kEmrRECTANGLE, {1, 2, 3, 4}};
-
-/// The last call of `records`.
-std::string LastCall(const std::vector<RecordSpec>& records, const Transform& to_page = {}) {
-  std::string calls = Play(records, to_page).calls;
-  if (!calls.empty()) calls.pop_back();
-  return calls.substr(calls.rfind('\n') + 1);
-}
 
 TEST(Player, Transforms_MapToThePage) {
   const std::vector<std::pair<std::vector<RecordSpec>, std::string>> cases = {

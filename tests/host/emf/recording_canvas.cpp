@@ -64,7 +64,13 @@ std::string Show(const BrushDescription& brush) {
     case BrushDescription::Kind::kPattern:
       break;
   }
-  return "pattern " + Show(*brush.pattern);
+  std::string text = "pattern " + Show(*brush.pattern);
+  for (size_t i = 0; i < brush.pattern->palette.size(); ++i) {
+    char color[8];
+    snprintf(color, sizeof(color), "%06x", static_cast<unsigned>(brush.pattern->palette[i]));
+    text += (i == 0 ? " " : "/") + std::string(color);
+  }
+  return text;
 }
 
 std::string Show(const PenDescription& pen) {
@@ -195,6 +201,25 @@ void RecordingCanvas::GradientFill(std::span<const TRIVERTEX> vertices, std::spa
   Log(call, state);
 }
 
-double RecordingCanvas::Text(const TextDescription&, const DrawState&) { return 0; }
+double RecordingCanvas::Text(const TextDescription& text, const DrawState& state) {
+  std::string call = text.glyph_indexes ? "Text" : "Text '";
+  for (const wchar_t unit : text.text) {
+    call +=
+        text.glyph_indexes ? " " + std::to_string(unit) : std::string(1, static_cast<char>(unit));
+  }
+  call += (text.glyph_indexes ? " at " : "' at ") + Show(text.x) + "," + Show(text.y);
+  if (text.align != 0) call += " align " + std::to_string(text.align);
+  const XFORM& m = text.to_device;
+  if (m.eM11 != 1 || m.eM12 != 0 || m.eM21 != 0 || m.eM22 != 1) {
+    call += " by " + Show(m.eM11) + "," + Show(m.eM12) + "," + Show(m.eM21) + "," + Show(m.eM22);
+  }
+  for (size_t i = 0; i < text.dx.size(); ++i) call += (i == 0 ? " dx " : "/") + Show(text.dx[i]);
+  for (size_t i = 0; i < text.dy.size(); ++i) call += (i == 0 ? " dy " : "/") + Show(text.dy[i]);
+  if (text.break_extra != 0) call += " spaces " + Show(text.break_extra);
+  call += " | " + Show(text.color);
+  if (text.opaque) call += " | on " + Show(text.background) + " " + Show(*text.opaque);
+  Log(call, state);
+  return 100;
+}
 
 }  // namespace quillo::host::emf

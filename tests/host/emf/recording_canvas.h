@@ -9,7 +9,7 @@
 
 namespace quillo::host::emf {
 
-/// Writes each drawing call down as a line of text.
+/// Writes each drawing call down as a line of text. Each line of text is 100 logical units long.
 class RecordingCanvas : public Canvas {
  public:
   void Stroke(const Path& path, const PenDescription& pen, const DrawState& state) override;
