@@ -92,8 +92,9 @@ class Graphics : public Canvas {
   /// Fills a quadrangle given in device pixels, whatever the binary operation.
   void FillPolygon(const PointD (&corners)[4], const BrushDescription& brush,
                    const DrawState& state);
-  void DrawGlyphs(const TextDescription& text, const TextLayout& layout, const RECTL& cell,
-                  const std::optional<RECTL>& opaque, const DrawState& state);
+  /// `accelerators` are SO_*; an opaque rectangle is painted together with the glyphs.
+  void DrawGlyphs(const TextDescription& text, const TextLayout& layout, FLONG accelerators,
+                  const RECTL& cell, const std::optional<RECTL>& opaque, const DrawState& state);
 
   /// The clip of a call that draws within `bounds`; nothing when no pixel of them is left.
   std::optional<ClipObject> ClipFor(const RECTL& bounds, const ClipShape& clip);

@@ -1,5 +1,6 @@
 #include <algorithm>
 #include <cmath>
+#include <utility>
 
 #include "host/engine/brush_objects.h"
 #include "host/engine/graphics.h"
@@ -56,32 +57,30 @@ double Graphics::Text(const TextDescription& text, const DrawState& state) {
                             corner(layout.end, -font.Descent()),
                             corner(layout.start, -font.Descent())};
   const RECTL cell = Around({corners[0], corners[1], corners[2], corners[3]});
-  const bool upright = (layout.up.x == 0) != (layout.up.y == 0) &&
-                       (layout.start.x == layout.end.x || layout.start.y == layout.end.y);
 
-  // One opaque rectangle goes along with the text; a second one, or a slanted cell, goes before.
-  const BrushDescription background = BrushDescription::Solid(text.background);
-  std::optional<RECTL> opaque = text.opaque;
-  if (state.opaque_background && !text.text.empty()) {
-    if (!upright) {
-      if (opaque) BitBlt(*opaque, kPatternCopy, &background, nullptr, {}, state);
-      opaque.reset();
-      FillPolygon(corners, background, state);
-    } else if (!opaque || !Contains(*opaque, cell)) {
-      if (opaque) BitBlt(*opaque, kPatternCopy, &background, nullptr, {}, state);
-      opaque = cell;
+  // Where a driver draws glyph by glyph, each comes with the whole opaque rectangle and wipes out
+  // those before it. So the rectangle goes along only with a line that is drawn at once, upright;
+  // it goes before any other line, and so does a second one.
+  const FLONG accelerators = Accelerators(text, layout);
+  const bool at_once = (accelerators & (SO_FLAG_DEFAULT_PLACEMENT | SO_HORIZONTAL | SO_REVERSED)) ==
+                           (SO_FLAG_DEFAULT_PLACEMENT | SO_HORIZONTAL) &&
+                       layout.up.y < 0 && !text.text.empty() && text.text.size() <= kGlyphsAtHand;
+  std::optional<RECTL> before = text.opaque, along;
+  bool cell_before =
+      state.opaque_background && !text.text.empty() && !(before && Contains(*before, cell));
+  if (at_once) {
+    if (std::exchange(cell_before, false)) {
+      along = cell;
+    } else {
+      std::swap(before, along);
     }
   }
-  // Drivers may write a line that is not evenly set glyph by glyph, and repeat the rectangle with
-  // each: it would cover the glyphs before. So it goes before such a line, too.
-  const bool by_glyph = !layout.natural || layout.start.x == layout.end.x;
-  if (opaque && (text.text.empty() || by_glyph)) {
-    BitBlt(*opaque, kPatternCopy, &background, nullptr, {}, state);
-    opaque.reset();
-  }
+  const BrushDescription background = BrushDescription::Solid(text.background);
+  if (before) BitBlt(*before, kPatternCopy, &background, nullptr, {}, state);
+  if (cell_before) FillPolygon(corners, background, state);
   if (text.text.empty()) return 0;
 
-  DrawGlyphs(text, layout, cell, opaque, state);
+  DrawGlyphs(text, layout, accelerators, cell, along, state);
 
   // This kind of driver draws no bars by itself.
   const BrushDescription ink = BrushDescription::Solid(text.color);
@@ -110,8 +109,9 @@ void Graphics::FillPolygon(const PointD (&corners)[4], const BrushDescription& b
   Fill(outline, brush, FillMode::kAlternate, copying);
 }
 
-void Graphics::DrawGlyphs(const TextDescription& text, const TextLayout& layout, const RECTL& cell,
-                          const std::optional<RECTL>& opaque, const DrawState& state) {
+void Graphics::DrawGlyphs(const TextDescription& text, const TextLayout& layout, FLONG accelerators,
+                          const RECTL& cell, const std::optional<RECTL>& opaque,
+                          const DrawState& state) {
   const TextFont& font = *text.font;
   // Glyphs may reach out of their cells, and stand beside them.
   const double em = font.Metrics().fwdUnitsPerEm;
@@ -137,7 +137,7 @@ void Graphics::DrawGlyphs(const TextDescription& text, const TextLayout& layout,
     glyphs.push_back({layout.glyphs[i], nullptr, {at.left, at.top}});
   }
   const size_t batch = glyphs.size() > kGlyphsAtHand ? kGlyphsAtHand : 0;
-  StringObject string(std::move(glyphs), text.text, Accelerators(text, layout), cell, batch);
+  StringObject string(std::move(glyphs), text.text, accelerators, cell, batch);
   FontObject realized(font.Metrics(), font.Names(), layout.font_to_device, font.FontType());
   BrushObjects ink(BrushDescription::Solid(text.color), driver_.RealizeBrush, surface_);
   BrushObjects background(BrushDescription::Solid(text.background), driver_.RealizeBrush, surface_);

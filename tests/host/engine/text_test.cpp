@@ -144,6 +144,21 @@ TEST_F(TextTest, Background_GoesAlongOrBefore) {
              text + ", opaque 50,32,62,43" + places, "BitBlt 0,0,5,5 rop f0f0, solid 10203"}));
 }
 
+TEST_F(TextTest, BackgroundOfPlacedGlyphs_GoesBeforeThem) {
+  Graphics page = Page();
+  TextDescription line = Line(L"Ab");
+  line.opaque = RECTL{40, 20, 90, 60};
+  line.dx = {9, 9};
+  page.Text(line, {});
+  line.opaque.reset();
+  page.Text(line, {});
+  ASSERT_EQ(driver_.calls.size(), 4u);
+  EXPECT_EQ(driver_.calls[0], "BitBlt 40,20,90,60 rop f0f0, solid ffffff");
+  EXPECT_EQ(driver_.calls[1], "TextOut Ab accel 2, solid 0, at 50,40 59,40, em 10 0 0 10");
+  EXPECT_TRUE(driver_.calls[2].starts_with("FillPath solid ffffff")) << driver_.calls[2];
+  EXPECT_EQ(driver_.calls[3], driver_.calls[1]);
+}
+
 TEST_F(TextTest, Bars_AreDrawnBehindTheText) {
   Graphics page = Page();
   LOGFONTW font = FixedPitch(-20);
