@@ -1,36 +1,27 @@
 #include "playback/page.h"
 
-#include <ostream>
-
 namespace quillo::test {
 namespace {
 
 int CALLBACK CollectRecord(HDC, HANDLETABLE*, const ENHMETARECORD* record, int, LPARAM out) {
   if (record->iType == EMR_HEADER || record->iType == EMR_EOF) return 1;
-  const size_t words = record->nSize / sizeof(DWORD) - 2;
-  reinterpret_cast<EmfRecords*>(out)->push_back(
-      {record->iType, {record->dParm, record->dParm + words}});
+  const auto* words = reinterpret_cast<const DWORD*>(record);
+  reinterpret_cast<EmfRecords*>(out)->emplace_back(words, words + record->nSize / sizeof(DWORD));
   return 1;
+}
+
+EmfRecords ReadRecords(const EnhMetafile& metafile) {
+  EmfRecords records;
+  EnumEnhMetaFile(nullptr, metafile.Get(), CollectRecord, &records, nullptr);
+  return records;
 }
 
 }  // namespace
 
-void PrintTo(const EmfRecord& record, std::ostream* out) {
-  *out << "record " << record.type << " {";
-  for (size_t i = 0; i < record.words.size() && i < 16; ++i) *out << ' ' << record.words[i];
-  *out << (record.words.size() > 16 ? " ...}" : " }");
-}
-
-EmfRecords ReadRecords(HENHMETAFILE metafile) {
-  EmfRecords records;
-  EnumEnhMetaFile(nullptr, metafile, CollectRecord, &records, nullptr);
-  return records;
-}
-
 EmfRecords RecordDirect(const std::function<void(HDC)>& draw) {
   MetafileDc dc(CreateEnhMetaFileW(nullptr, nullptr, nullptr, nullptr));
   draw(dc.Get());
-  return ReadRecords(dc.Close().Get());
+  return ReadRecords(dc.Close());
 }
 
 uintptr_t FreshObjectIndex() {
@@ -64,5 +55,7 @@ EnhMetafile Page::Close() {
   context.page_dc = nullptr;
   return dc_.Close();
 }
+
+EmfRecords Page::Records() { return ReadRecords(Close()); }
 
 }  // namespace quillo::test

@@ -4,7 +4,6 @@
 
 #include <cstring>
 #include <functional>
-#include <iosfwd>
 #include <vector>
 
 #include "base/gdi_owners.h"
@@ -12,34 +11,22 @@
 
 namespace quillo::test {
 
-/// One record of an enhanced metafile.
-struct EmfRecord {
-  DWORD type;
-  std::vector<DWORD> words;  // behind type and size
-  bool operator==(const EmfRecord&) const = default;
-};
-void PrintTo(const EmfRecord& record, std::ostream* out);
-using EmfRecords = std::vector<EmfRecord>;
-
-/// The records of a metafile but its header and end.
-EmfRecords ReadRecords(HENHMETAFILE metafile);
+/// Records of an enhanced metafile but its header and end, as double words: type, size, and so on.
+using EmfRecords = std::vector<std::vector<DWORD>>;
 
 /// What GDI records when `draw` draws on a metafile DC.
 EmfRecords RecordDirect(const std::function<void(HDC)>& draw);
 
 using Payload = std::vector<std::byte>;
 
-inline void AppendBytes(Payload& payload, const void* bytes, size_t size) {
+template <typename T>
+void AppendPart(Payload& payload, const T& value) {
+  const void* bytes = &value;
+  size_t size = sizeof value;
+  if constexpr (std::is_same_v<T, Payload>) bytes = value.data(), size = value.size();
   if (size == 0) return;
   payload.resize(payload.size() + size);
   std::memcpy(payload.data() + payload.size() - size, bytes, size);
-}
-inline void AppendPart(Payload& payload, const Payload& bytes) {
-  AppendBytes(payload, bytes.data(), bytes.size());
-}
-template <typename T>
-void AppendPart(Payload& payload, const T& value) {
-  AppendBytes(payload, &value, sizeof value);
 }
 
 /// The bytes of values one behind the other.
@@ -68,6 +55,8 @@ class Page {
 
   /// Ends the page as the job does.
   EnhMetafile Close();
+  /// Ends the page and tells what is on it.
+  EmfRecords Records();
 
  private:
   HANDLE heap_;

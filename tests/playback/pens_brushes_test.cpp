@@ -10,66 +10,46 @@ namespace {
 
 using namespace records;
 
-Payload SolidBrush(COLORREF colour, uint32_t usage) {
-  return PayloadOf(uint32_t{BS_SOLID}, colour, 0u, usage, 0u, uint8_t{0});
+Payload BrushRecord(uint32_t style, uint32_t colour, uint32_t hatch, uint32_t usage,
+                    const Payload& pattern = {}) {
+  return PayloadOf(style, colour, hatch, usage, static_cast<uint32_t>(pattern.size()), pattern,
+                   uint8_t{0});
 }
+Payload PenRecord(uint32_t style, uint32_t width) { return PayloadOf(style, width, 0u, 0u); }
 
-// A pattern of 8x8 pixels, 1 bit each.
-Payload PatternBrush(uint32_t usage) {
-  const Payload pattern = Picture{.bit_count = 1, .width = 8, .height = 8}.Packed();
-  return PayloadOf(uint32_t{BS_DIBPATTERNPT}, 0x112233u, 0u, usage,
-                   static_cast<uint32_t>(pattern.size()), pattern, uint8_t{0});
-}
-
-Payload WidePen(uint32_t width) { return PayloadOf(uint32_t{PS_GEOMETRIC}, width, 0u, 0u); }
+const Payload kPattern = Picture{.bit_count = 1, .width = 8, .height = 8}.Packed();
+const Payload kHatchedPenBrush = BrushRecord(BS_HATCHED, 0x99, HS_CROSS, kPenBrush);
 
 struct ObjectCase {
-  const char* name;
   uint32_t type;
   Payload payload;
   std::function<HGDIOBJ()> create;
 };
 
+constexpr LOGBRUSH kBlack = {};
+constexpr DWORD kEntries[] = {5, 6};
 const ObjectCase kObjectCases[] = {
-    {"pen", REC_CREATEPEN, PayloadOf(uint32_t{PS_DASH}, 3, 0, COLORREF{0x00FF00}),
+    {REC_CREATEPEN, PayloadOf(uint32_t{PS_DASH}, 3, 0, 0x00FF00u),
      [] { return CreatePen(PS_DASH, 3, 0x00FF00); }},
-    {"geometric pen", REC_EXTCREATEPEN,
-     PayloadOf(uint32_t{PS_GEOMETRIC | PS_JOIN_MITER}, 9u, 0u, 0u),
-     [] {
-       const LOGBRUSH black = {};
-       return ExtCreatePen(PS_GEOMETRIC | PS_JOIN_MITER, 9, &black, 0, nullptr);
-     }},
-    {"styled pen", REC_EXTCREATEPEN,
-     PayloadOf(uint32_t{PS_GEOMETRIC | PS_USERSTYLE}, 2u, 2u, 5u, 6u, 0u),
-     [] {
-       const LOGBRUSH black = {};
-       const DWORD entries[] = {5, 6};
-       return ExtCreatePen(PS_GEOMETRIC | PS_USERSTYLE, 2, &black, 2, entries);
-     }},
-    {"solid brush", REC_CREATEBRUSH, SolidBrush(0x0000FF, kFillBrush),
+    {REC_EXTCREATEPEN, PenRecord(PS_GEOMETRIC | PS_JOIN_MITER, 9),
+     [] { return ExtCreatePen(PS_GEOMETRIC | PS_JOIN_MITER, 9, &kBlack, 0, nullptr); }},
+    {REC_EXTCREATEPEN, PayloadOf(uint32_t{PS_GEOMETRIC | PS_USERSTYLE}, 2u, 2u, kEntries, 0u),
+     [] { return ExtCreatePen(PS_GEOMETRIC | PS_USERSTYLE, 2, &kBlack, 2, kEntries); }},
+    {REC_CREATEBRUSH, BrushRecord(BS_SOLID, 0x0000FF, 0, kFillBrush),
      [] { return CreateSolidBrush(0x0000FF); }},
-    {"hatched brush", REC_CREATEBRUSH,
-     PayloadOf(uint32_t{BS_HATCHED}, 0xFF0000u, uint32_t{HS_CROSS}, 0u, 0u, uint8_t{0}),
+    {REC_CREATEBRUSH, BrushRecord(BS_HATCHED, 0xFF0000, HS_CROSS, kFillBrush),
      [] { return CreateHatchBrush(HS_CROSS, 0xFF0000); }},
-    {"pattern brush", REC_CREATEBRUSH, PatternBrush(kFillBrush),
-     [] {
-       const Payload record = PatternBrush(kFillBrush);
-       return CreateDIBPatternBrushPt(record.data() + kBrushPatternOffset, DIB_RGB_COLORS);
-     }},
+    {REC_CREATEBRUSH, BrushRecord(BS_DIBPATTERNPT, 0x112233, 0, kFillBrush, kPattern),
+     [] { return CreateDIBPatternBrushPt(kPattern.data(), DIB_RGB_COLORS); }},
 };
 
 TEST(PensAndBrushes, EachKind_SelectedAndReplaced) {
   for (const ObjectCase& c : kObjectCases) {
-    SCOPED_TRACE(c.name);
     Page page;
     EXPECT_EQ(page.Play(c.type, c.payload), 1);
     EXPECT_EQ(page.Play(c.type, c.payload), 1);
     page.Play(REC_RESTOREDC);
-    EXPECT_EQ(page.context.current_pen, nullptr);
-    EXPECT_EQ(page.context.previous_pen, nullptr);
-    EXPECT_EQ(page.context.current_brush, nullptr);
-    EXPECT_EQ(page.context.previous_brush, nullptr);
-    EXPECT_EQ(ReadRecords(page.Close().Get()), RecordDirect([&](HDC dc) {
+    EXPECT_EQ(page.Records(), RecordDirect([&](HDC dc) {
                 for (int i = 0; i < 2; ++i) {
                   const HGDIOBJ object = c.create();
                   { const SelectScope selected(dc, object); }
@@ -95,14 +75,29 @@ TEST(PensAndBrushes, ManyOfEach_NoObjectLeft) {
 
 HPEN WINAPI NoPen(const LOGPEN*) { return nullptr; }
 HBRUSH WINAPI NoBrush(const LOGBRUSH*) { return nullptr; }
-HPEN WINAPI NoExtPen(DWORD, DWORD, const LOGBRUSH*, DWORD, const DWORD*) { return nullptr; }
+
+// What playback asks GDI for: this Wine's metafiles drop a pen's brush and dashes.
+struct {
+  DWORD style;
+  DWORD width;
+  LOGBRUSH brush;
+  DWORD count;
+  std::vector<DWORD> entries;
+} asked;
+
+HPEN WINAPI WatchExtCreatePen(DWORD style, DWORD width, const LOGBRUSH* brush, DWORD count,
+                              const DWORD* entries) {
+  asked = {style, width, *brush, count, {}};
+  if (entries != nullptr) asked.entries.assign(entries, entries + count);
+  return nullptr;
+}
 
 TEST(PensAndBrushes, FailedCreation_OldObjectGoneAndNoneCurrent) {
   Page page;
   for (const ObjectCase& c : kObjectCases) {
     for (const ObjectCase& old : kObjectCases) page.Play(old.type, old.payload);
     const ImportPatch pen("CreatePenIndirect", NoPen);
-    const ImportPatch extended_pen("ExtCreatePen", NoExtPen);
+    const ImportPatch extended_pen("ExtCreatePen", WatchExtCreatePen);
     const ImportPatch brush("CreateBrushIndirect", NoBrush);
     EXPECT_EQ(page.Play(c.type, c.payload), 1);
     const bool is_brush = c.type == REC_CREATEBRUSH;
@@ -113,147 +108,92 @@ TEST(PensAndBrushes, FailedCreation_OldObjectGoneAndNoneCurrent) {
   }
 }
 
-// What playback asks GDI for: this Wine's metafiles drop a pen's brush and dashes.
-struct {
-  DWORD style;
-  DWORD width;
-  LOGBRUSH brush;
-  DWORD count;
-  std::vector<DWORD> entries;
-} asked_pen;
-
-HPEN WINAPI WatchExtCreatePen(DWORD style, DWORD width, const LOGBRUSH* brush, DWORD count,
-                              const DWORD* entries) {
-  asked_pen = {style, width, *brush, count, {}};
-  if (entries != nullptr) asked_pen.entries.assign(entries, entries + count);
-  return nullptr;
-}
-
-TEST(ExtendedPen, StyleEntries_PassedOn) {
+TEST(ExtendedPen, StyleEntries_PassedOnWhereThereAreSoMany) {
   const ImportPatch patch("ExtCreatePen", WatchExtCreatePen);
-  Page page(0x10000);
-  const uint32_t style = PS_GEOMETRIC | PS_USERSTYLE | PS_ENDCAP_FLAT;
-  page.Play(REC_EXTCREATEPEN, PayloadOf(style, 4u, 3u, 10u, 20u, 30u, 0u));
-  EXPECT_EQ(asked_pen.style, style);
-  EXPECT_EQ(asked_pen.width, 4u);
-  EXPECT_EQ(asked_pen.entries, (std::vector<DWORD>{10, 20, 30}));
-  EXPECT_EQ(asked_pen.brush.lbStyle, static_cast<UINT>(BS_SOLID));
-  EXPECT_EQ(asked_pen.brush.lbColor, 0u);
+  Page page(/*heap_limit=*/0x10000);
+  constexpr uint32_t kStyle = PS_GEOMETRIC | PS_USERSTYLE | PS_ENDCAP_FLAT;
+  page.Play(REC_EXTCREATEPEN, PayloadOf(kStyle, 4u, 2u, kEntries, 0u));
+  EXPECT_EQ(asked.style, kStyle);
+  EXPECT_EQ(asked.width, 4u);
+  EXPECT_EQ(asked.entries, (std::vector<DWORD>{5, 6}));
+  EXPECT_EQ(asked.brush.lbStyle, static_cast<UINT>(BS_SOLID));
 
-  // More entries than the heap holds: their count stays.
-  const uint32_t many = 1 << 20;
-  EXPECT_EQ(page.Play(REC_EXTCREATEPEN, PayloadOf(style, 4u, many, Payload(many * 4))), 1);
-  EXPECT_EQ(asked_pen.count, many);
-  EXPECT_TRUE(asked_pen.entries.empty());
-}
+  // More entries than the job's heap holds: their count stays.
+  constexpr uint32_t kMany = 1 << 20;
+  EXPECT_EQ(page.Play(REC_EXTCREATEPEN, PayloadOf(kStyle, 4u, kMany, Payload(kMany * 4))), 1);
+  EXPECT_EQ(asked.count, kMany);
+  EXPECT_TRUE(asked.entries.empty());
 
-TEST(ExtendedPen, MoreEntriesThanThePayloadHolds_NothingChanges) {
-  Page page;
   page.Play(REC_CREATEPEN, kObjectCases[0].payload);
-  const HPEN pen = page.context.current_pen;
   for (const uint32_t count : {2u, 0x40000000u, UINT32_MAX}) {
-    EXPECT_EQ(page.Play(REC_EXTCREATEPEN, PayloadOf(uint32_t{PS_GEOMETRIC}, 2u, count, 0u)), 0);
+    EXPECT_EQ(page.Play(REC_EXTCREATEPEN, PayloadOf(kStyle, 2u, count, 0u)), 0);
   }
-  EXPECT_EQ(page.context.current_pen, pen);
+  EXPECT_NE(page.context.current_pen, nullptr);
 }
 
-TEST(ExtendedPen, Cosmetic_WidthOneAlsoInTheRecord) {
-  const ImportPatch patch("ExtCreatePen", WatchExtCreatePen);
-  Page page;
-  page.Play(REC_CREATEBRUSH,
-            PayloadOf(uint32_t{BS_HATCHED}, 0x99u, uint32_t{HS_CROSS}, 1u, 0u, uint8_t{0}));
-  Payload pen = PayloadOf(uint32_t{PS_COSMETIC | PS_ALTERNATE}, 5u, 0u, 0u);
-  EXPECT_EQ(DispatchRecord(page.context, REC_EXTCREATEPEN, pen), 1);
-  EXPECT_EQ(LoadOrZero<uint32_t>(pen, 4), 1u);
-  EXPECT_EQ(asked_pen.width, 1u);
-  EXPECT_EQ(asked_pen.brush.lbStyle, static_cast<UINT>(BS_SOLID));
-  EXPECT_EQ(asked_pen.brush.lbColor, 0x99u);
-}
-
-struct PenBrushCase {
-  const char* name;
-  Payload pen;
-  UINT asked_style;  // of the brush that GDI gets
-  UINT kept_style;   // of the stored brush afterwards
-};
-
-TEST(PenBrush, RestoreAfterThePen_Inverted) {
-  const PenBrushCase kCases[] = {
-      {"wide", WidePen(3), BS_HATCHED, 0xFFFFFFFF},
-      {"one unit", WidePen(1), BS_SOLID, BS_SOLID},
-      {"cosmetic", PayloadOf(uint32_t{PS_COSMETIC}, 3u, 0u, 0u), BS_SOLID, BS_SOLID},
+TEST(PenBrush, EachPen_BrushForGdiAndInvertedRestore) {
+  const struct {
+    uint32_t style, width;
+    UINT asked_style;  // of the brush that GDI gets
+    UINT kept_style;   // of the stored brush afterwards
+  } kCases[] = {
+      {PS_GEOMETRIC, 3, BS_HATCHED, 0xFFFFFFFF},
+      {PS_GEOMETRIC, 1, BS_SOLID, BS_SOLID},
+      {PS_COSMETIC | PS_ALTERNATE, 5, BS_SOLID, BS_SOLID},
   };
   const ImportPatch patch("ExtCreatePen", WatchExtCreatePen);
-  for (const PenBrushCase& c : kCases) {
-    SCOPED_TRACE(c.name);
+  for (const auto& c : kCases) {
+    SCOPED_TRACE(c.style);
     Page page;
-    page.Play(REC_CREATEBRUSH,
-              PayloadOf(uint32_t{BS_HATCHED}, 0x99u, uint32_t{HS_CROSS}, 1u, 0u, uint8_t{0}));
-    EXPECT_EQ(page.Play(REC_EXTCREATEPEN, c.pen), 1);
-    EXPECT_EQ(asked_pen.brush.lbStyle, c.asked_style);
+    page.Play(REC_CREATEBRUSH, kHatchedPenBrush);
+    Payload pen = PenRecord(c.style, c.width);
+    EXPECT_EQ(DispatchRecord(page.context, REC_EXTCREATEPEN, pen), 1);
+    EXPECT_EQ(asked.brush.lbStyle, c.asked_style);
+    EXPECT_EQ(asked.brush.lbColor, 0x99u);
     EXPECT_EQ(page.context.pen_brush.lbStyle, c.kept_style);
+    // A cosmetic pen is one unit wide, also in the record itself.
+    const uint32_t width = (c.style & PS_GEOMETRIC) != 0 ? c.width : 1;
+    EXPECT_EQ(asked.width, width);
+    EXPECT_EQ(LoadOrZero<uint32_t>(pen, 4), width);
   }
 }
 
-TEST(PenBrush, PendingForEver_UsedByEveryLaterPen) {
+TEST(PenBrush, PendingForEver_AndNoFillBrush) {
   const ImportPatch patch("ExtCreatePen", WatchExtCreatePen);
   Page page;
-  EXPECT_EQ(page.Play(REC_CREATEBRUSH, SolidBrush(0x123456, kPenBrush)), 1);
-  EXPECT_EQ(page.context.pen_brush_pending, 1u);
+  EXPECT_EQ(page.Play(REC_CREATEBRUSH, BrushRecord(BS_SOLID, 0x123456, 0, kPenBrush)), 1);
   EXPECT_EQ(page.context.current_brush, nullptr);
-  page.Play(REC_CREATEBRUSH, SolidBrush(0x00FF00, kFillBrush));
+  page.Play(REC_CREATEBRUSH, BrushRecord(BS_SOLID, 0x00FF00, 0, kFillBrush));
   EXPECT_EQ(page.context.pen_brush_pending, 1u);
-  page.Play(REC_EXTCREATEPEN, WidePen(3));
-  EXPECT_EQ(asked_pen.brush.lbColor, 0x123456u);
-  page.Play(REC_EXTCREATEPEN, WidePen(3));
-  EXPECT_EQ(asked_pen.brush.lbStyle, 0xFFFFFFFFu);
+  page.Play(REC_EXTCREATEPEN, PenRecord(PS_GEOMETRIC, 3));
+  EXPECT_EQ(asked.brush.lbColor, 0x123456u);
+  page.Play(REC_EXTCREATEPEN, PenRecord(PS_GEOMETRIC, 3));
+  EXPECT_EQ(asked.brush.lbStyle, 0xFFFFFFFFu);
 }
 
-TEST(PenBrush, Pattern_OwnCopyOfTheBytes) {
-  const ImportPatch patch("ExtCreatePen", WatchExtCreatePen);
-  Page page;
-  const Payload record = PatternBrush(kPenBrush);
-  for (int i = 0; i < 2; ++i) {
-    EXPECT_EQ(page.Play(REC_CREATEBRUSH, record), 1);
-    const LOGBRUSH& brush = page.context.pen_brush;
-    ASSERT_EQ(brush.lbStyle, static_cast<UINT>(BS_DIBPATTERNPT));
-    EXPECT_EQ(brush.lbColor, static_cast<COLORREF>(DIB_RGB_COLORS));
-    EXPECT_EQ(0, std::memcmp(reinterpret_cast<const void*>(brush.lbHatch),
-                             record.data() + kBrushPatternOffset, record.size() - 21));
+TEST(PatternBrush, CopyOfTheBytes_OrNoPatternAtAll) {
+  const Payload kShort(kPattern.begin(), kPattern.end() - 1);
+  const Payload kUnpacked(kPattern.size());  // zeros: no header
+  const Payload kHuge = Picture{.bit_count = 8, .width = 1000, .height = 1000}.Packed();
+  Page page(/*heap_limit=*/0x10000);
+  for (const Payload* pattern : {&kPattern, &kPattern, &kShort, &kUnpacked, &kHuge}) {
+    const bool good = pattern == &kPattern;
+    EXPECT_EQ(
+        page.Play(REC_CREATEBRUSH, BrushRecord(BS_DIBPATTERNPT, 0x99, 0, kPenBrush, *pattern)), 1);
+    const LOGBRUSH& kept = page.context.pen_brush;
+    EXPECT_EQ(kept.lbStyle, static_cast<UINT>(BS_DIBPATTERNPT));
+    EXPECT_EQ(kept.lbColor, static_cast<COLORREF>(DIB_RGB_COLORS));
+    ASSERT_EQ(kept.lbHatch != 0, good);
+    const auto* copy = reinterpret_cast<const std::byte*>(kept.lbHatch);
+    EXPECT_TRUE(!good || std::equal(kPattern.begin(), kPattern.end(), copy));
+    EXPECT_EQ(page.Play(REC_CREATEBRUSH, BrushRecord(BS_DIBPATTERNPT, 0, 0, kFillBrush, *pattern)),
+              1);
+    EXPECT_EQ(page.context.current_brush != nullptr, good);
   }
-}
-
-TEST(PenBrush, NoMemoryForThePattern_PendingWithNone) {
-  Page page(0x10000);
-  const DibHeader header = HeaderOf(1000, 1000, 8);
-  const uint32_t size = 40 + 1024 + 1000 * 1000;
-  const auto record = [&](uint32_t usage) {
-    return PayloadOf(uint32_t{BS_DIBPATTERNPT}, 0u, 0u, usage, size, header,
-                     Payload(size - sizeof header), uint8_t{0});
-  };
-  EXPECT_EQ(page.Play(REC_CREATEBRUSH, record(kPenBrush)), 1);
-  EXPECT_EQ(page.context.pen_brush_pending, 1u);
-  EXPECT_EQ(page.context.pen_brush.lbHatch, 0u);
-  EXPECT_EQ(page.Play(REC_EXTCREATEPEN, WidePen(3)), 1);
-  EXPECT_EQ(page.context.current_pen, nullptr);
-  EXPECT_EQ(page.Play(REC_CREATEBRUSH, record(kFillBrush)), 1);
-  EXPECT_EQ(page.context.current_brush, nullptr);
-}
-
-TEST(Brush, PatternThatIsNoBitmap_NoBrush) {
-  Page page;
-  Payload record = PatternBrush(kFillBrush);
+  // More pattern than payload.
+  Payload record = BrushRecord(BS_DIBPATTERNPT, 0, 0, kFillBrush, kPattern);
   Store(MutableBytes(record), 16, static_cast<uint32_t>(record.size()) - 19);
   EXPECT_EQ(page.Play(REC_CREATEBRUSH, record), 0);
-
-  // A bitmap that did not pack leaves zeros; one byte less than its header tells is no pattern.
-  const Payload zeros = PayloadOf(uint32_t{BS_DIBPATTERNPT}, 0u, 0u, 0u, 80u, Payload(81));
-  EXPECT_EQ(page.Play(REC_CREATEBRUSH, zeros), 1);
-  EXPECT_EQ(page.context.current_brush, nullptr);
-  record = PatternBrush(kFillBrush);
-  Store(MutableBytes(record), 16, static_cast<uint32_t>(record.size()) - 22);
-  EXPECT_EQ(page.Play(REC_CREATEBRUSH, record), 1);
-  EXPECT_EQ(page.context.current_brush, nullptr);
 }
 
 }  // namespace

@@ -32,15 +32,14 @@ Payload TextPayload(const std::wstring& text, UINT options = 0) {
 
 /// Records without what Wine leaves unwritten: the names behind the LOGFONTW of a created font.
 EmfRecords Comparable(EmfRecords records) {
-  for (EmfRecord& record : records) {
-    if (record.type == EMR_EXTCREATEFONTINDIRECTW) {
-      record.words.resize(1 + sizeof(LOGFONTW) / sizeof(DWORD));
-    }
+  for (auto& record : records) {
+    if (record[0] == EMR_EXTCREATEFONTINDIRECTW)
+      record.resize(3 + sizeof(LOGFONTW) / sizeof(DWORD));
   }
   return records;
 }
 
-EmfRecords RecordsOf(Page& page) { return Comparable(ReadRecords(page.Close().Get())); }
+EmfRecords RecordsOf(Page& page) { return Comparable(page.Records()); }
 
 /// What a page records that draws `text` in `font`, and nothing more.
 EmfRecords DrawnText(const LOGFONTW& font, const std::wstring& text, UINT options = 0) {
