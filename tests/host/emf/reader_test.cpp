@@ -5,6 +5,7 @@
 #include <string>
 #include <string_view>
 
+#include "host/emf/comment.h"
 #include "host/emf/metafile_builder.h"
 #include "host/emf/payload_reader.h"
 
@@ -84,6 +85,35 @@ TEST(MetafileReader, EmfPlusComment_RefusedUnlessDual) {
                               28, 16, 0xDBC01002, 0, 96, 96});
     const std::string outcome = Outcome(file.Finish());
     EXPECT_EQ(outcome.starts_with("refused: holds its drawing as EMF+"), dual == 0) << outcome;
+  }
+}
+
+TEST(MetafileReader, OnlyComments_AreSaidToBeOnlyComments) {
+  MetafileBuilder file;
+  file.Add(kEmrGDICOMMENT, {4, 0});
+  EXPECT_NE(Outcome(file.Finish()).find("record 3 (EMR_EOF): nothing but comments"),
+            std::string::npos);
+}
+
+TEST(Comment, DamagedEmfPlus_IsNamed) {
+  // A comment of one EMF+ record: size of the data, "EMF+", type and flags, size, size of its data.
+  const struct {
+    uint32_t size, type, record_size, data_size;
+    const char* fault;
+  } cases[] = {
+      {16, 0x4002, 12, 0, ""},
+      {0xFFFFFFF4, 0x4002, 12, 0, "its data leave the record"},
+      {16, 0x8888, 12, 0, "there is no EMF+ record of type 0x8888"},
+      {16, 0x4002, 0, 0, "its EMF+ record of type 0x4002 does not fit"},
+      {16, 0x4002, 16, 0, "its EMF+ record of type 0x4002 does not fit"},
+      {16, 0x4002, 12, 1, "its EMF+ record of type 0x4002 does not fit"},
+  };
+  for (const auto& c : cases) {
+    MetafileBuilder file;
+    const size_t start =
+        file.Add(kEmrGDICOMMENT, {c.size, 0x2B464D45, c.type, c.record_size, c.data_size});
+    const auto bytes = file.Finish();
+    EXPECT_EQ(FindCommentFault(Bytes(bytes).subspan(start, 28)), c.fault);
   }
 }
 
