@@ -1,7 +1,7 @@
 // Font files (the seeds: any folder of fonts) or bare 'cmap' tables through reader and inverse map.
 #include <cstdlib>
 
-#include "fonts/font_bytes.h"
+#include "fonts/font_tables.h"
 #include "fonts/naive_inverse_map.h"
 
 namespace {
@@ -13,17 +13,16 @@ void Check(bool holds) {
 }
 
 void TryTable(Bytes table) {
-  test::MemoryCmap source(table);
-  const auto words = test::ReadWords(source);
-  if (!words) return;
-  const fonts::Cmap4Table cmap(*words);
+  const test::Words words = test::ReadWords(test::MemoryCmap(table));
+  if (words.empty()) return;
+  const fonts::Cmap4Table cmap(words);
   Check(cmap.SegmentCount() != 0 || cmap.MappedCount() == 0);
-  const auto map = test::FastInverseMap(*words);
+  const auto map = test::FastInverseMap(words);
   for (size_t glyph = 1; glyph < map.size(); ++glyph) {
     Check(map[glyph] == fonts::kNoCharacter || cmap.GlyphOf(map[glyph]) == glyph);
   }
   // The naive map takes seconds for thousands of overlapping segments.
-  if (cmap.SegmentCount() < 64) Check(map == test::NaiveInverseMap(*words));
+  if (cmap.SegmentCount() < 64) Check(map == test::NaiveInverseMap(words));
 }
 
 }  // namespace

@@ -1,22 +1,22 @@
 #pragma once
 
 #include <cstdint>
-#include <vector>
 
+#include "fonts/font_tables.h"
 #include "fonts/inverse_map.h"
 
 namespace quillo::test {
 
 /// The inverse map by the letter of its definition: two passes over every character of every
 /// segment, a scan from the first segment for each. Empty where there is none.
-inline std::vector<uint16_t> NaiveInverseMap(const std::vector<uint16_t>& words) {
+inline Words NaiveInverseMap(const Words& words) {
   const size_t count = words[3] / 2u;
   const auto end = [&](size_t i) { return words[7 + i]; };
   const auto start = [&](size_t i) { return words[8 + count + i]; };
   const auto delta = [&](size_t i) { return words[8 + 2 * count + i]; };
   const size_t range_offsets = 8 + 3 * count;
 
-  std::vector<uint16_t> glyphs(65536);  // by character
+  Words glyphs(65536);  // by character
   for (uint32_t c = 0; c < 65536; ++c) {
     size_t i = 0;
     while (i < count && end(i) < c) ++i;
@@ -38,7 +38,7 @@ inline std::vector<uint16_t> NaiveInverseMap(const std::vector<uint16_t>& words)
   uint16_t largest = 0;
   for_each_character([&](uint32_t c) { largest = std::max(largest, glyphs[c]); });
   if (largest == 0) return {};
-  std::vector<uint16_t> table(static_cast<uint16_t>(largest + 1), 1600);
+  Words table(static_cast<uint16_t>(largest + 1), 1600);
   if (!table.empty()) {
     for_each_character([&](uint32_t c) { table[glyphs[c]] = static_cast<uint16_t>(c); });
   }
@@ -46,9 +46,9 @@ inline std::vector<uint16_t> NaiveInverseMap(const std::vector<uint16_t>& words)
 }
 
 /// The same from the kernel.
-inline std::vector<uint16_t> FastInverseMap(const std::vector<uint16_t>& words) {
+inline Words FastInverseMap(const Words& words) {
   const fonts::Cmap4Table cmap(words);
-  std::vector<uint16_t> table(InverseMapSize(cmap));
+  Words table(InverseMapSize(cmap));
   FillInverseMap(cmap, table);
   return table;
 }

@@ -10,15 +10,18 @@ namespace {
 
 using namespace records;
 
-LOGFONTW FontNamed(const wchar_t* face, LONG height = 100) {
+constexpr RECT kRect = {1, 2, 300, 400};
+
+LOGFONTW FontNamed(const wchar_t* face, LONG height) {
   LOGFONTW font = {};
   font.lfHeight = height;
-  font.lfWeight = FW_NORMAL;
   std::wcscpy(font.lfFaceName, face);
   return font;
 }
 
-constexpr RECT kRect = {1, 2, 300, 400};
+void PlayFont(Page& page, const wchar_t* face, LONG height = 100) {
+  EXPECT_EQ(page.Play(REC_CREATEFONT, PayloadOf(FontNamed(face, height))), 1);
+}
 
 Payload TextPayload(const std::wstring& text, UINT options, uint32_t count) {
   Payload units;
@@ -33,107 +36,87 @@ Payload TextPayload(const std::wstring& text, UINT options = 0) {
 /// Records without what Wine leaves unwritten: the names behind the LOGFONTW of a created font.
 EmfRecords Comparable(EmfRecords records) {
   for (auto& record : records) {
-    if (record[0] == EMR_EXTCREATEFONTINDIRECTW)
-      record.resize(3 + sizeof(LOGFONTW) / sizeof(DWORD));
+    if (record[0] == EMR_EXTCREATEFONTINDIRECTW) record.resize(3 + sizeof(LOGFONTW) / 4);
   }
   return records;
 }
 
 EmfRecords RecordsOf(Page& page) { return Comparable(page.Records()); }
 
-/// What a page records that draws `text` in `font`, and nothing more.
-EmfRecords DrawnText(const LOGFONTW& font, const std::wstring& text, UINT options = 0) {
+/// What a page records that draws `text` in `font`, and `more` before it.
+EmfRecords Drawn(
+    const LOGFONTW& font, const std::wstring& text, UINT options,
+    const std::function<void(HDC)>& more = [](HDC) {}) {
   return Comparable(RecordDirect([&](HDC dc) {
     const Font created(CreateFontIndirectW(&font));
     const SelectScope selected(dc, created.Get());
+    more(dc);
     ExtTextOutW(dc, 10, 20, options, &kRect, text.data(), static_cast<UINT>(text.size()), nullptr);
   }));
 }
 
-TEST(PlayText, FontsAndState_EqualTheGdiCalls) {
-  LOGFONTW captured = FontNamed(L"Liberation Serif", 2048);
-  captured.lfWidth = 700;
-  captured.lfItalic = 1;
-  captured.lfStrikeOut = 16;
+TEST(PlayText, FontAndState_EqualTheGdiCalls) {
+  LOGFONTW font = FontNamed(L"Liberation Serif", 2048);
+  font.lfWidth = 700;
+  font.lfItalic = 1;
+  font.lfStrikeOut = 16;
   Page page;
-  EXPECT_EQ(page.Play(REC_CREATEFONT, PayloadOf(captured)), 1);
-  EXPECT_EQ(page.Play(REC_CREATEFONT, PayloadOf(FontNamed(L"Liberation Mono"))), 1);
-  EXPECT_EQ(page.Play(REC_SETTEXTALIGN, PayloadOf(uint32_t{24})), 1);
-  EXPECT_EQ(page.Play(REC_SETTEXTALIGN, Payload(1, std::byte{30})), 1);  // missing bytes are zero
-  EXPECT_EQ(page.Play(REC_SETTEXTCOLOR, PayloadOf(uint32_t{0x123456})), 1);
+  PlayFont(page, L"Liberation Mono");  // gives way to the next one
+  page.Play(REC_CREATEFONT, PayloadOf(font));
+  page.Play(REC_SETTEXTALIGN, PayloadOf(uint32_t{24}));
+  page.Play(REC_SETTEXTALIGN, Payload(1, std::byte{30}));  // missing bytes are zero
+  page.Play(REC_SETTEXTCOLOR, PayloadOf(uint32_t{0x123456}));
   EXPECT_EQ(page.Play(REC_EXTTEXTOUT, TextPayload(L"Some text", ETO_OPAQUE)), 1);
-  EXPECT_EQ(page.Play(REC_EXTTEXTOUT, TextPayload(L"")), 1);
-  EXPECT_EQ(page.Play(REC_TEXTRUN, Payload(38)), 1);
 
-  const EmfRecords expected = Comparable(RecordDirect([&](HDC dc) {
-    LOGFONTW font = captured;
-    font.lfHeight = -2048;
-    font.lfWidth = 0;
-    {
-      const Font created(CreateFontIndirectW(&font));
-      const SelectScope selected(dc, created.Get());
-    }
-    font = FontNamed(L"Liberation Mono", -100);
-    const Font created(CreateFontIndirectW(&font));
+  EmfRecords expected = RecordDirect([](HDC dc) {
+    const LOGFONTW first = FontNamed(L"Liberation Mono", -100);
+    const Font created(CreateFontIndirectW(&first));
     const SelectScope selected(dc, created.Get());
+  });
+  font.lfHeight = -2048;
+  font.lfWidth = 0;
+  const EmfRecords rest = Drawn(font, L"Some text", ETO_OPAQUE, [](HDC dc) {
     SetTextAlign(dc, 24);
     SetTextAlign(dc, 30);
     SetTextColor(dc, 0x123456);
-    ExtTextOutW(dc, 10, 20, ETO_OPAQUE, &kRect, L"Some text", 9, nullptr);
-    ExtTextOutW(dc, 10, 20, 0, &kRect, L"", 0, nullptr);
-  }));
-  EXPECT_EQ(RecordsOf(page), expected);
+  });
+  expected.insert(expected.end(), rest.begin(), rest.end());
+  EXPECT_EQ(RecordsOf(page), Comparable(expected));
 }
 
 TEST(PlayText, GlyphIndexes_GoOutAsCharacters) {
   const struct {
-    const char* name;
     const wchar_t* face;
-    std::wstring glyphs;
-    std::wstring text;
+    std::wstring glyphs, text;
   } cases[] = {
-      // The usual order: glyph = character - 29.
-      {"letters", L"Liberation Sans", L",PSRUWV", L"Imports"},
-      {"glyph without a character", L"Liberation Sans", L"$\xFFF0", L"A\u0640"},
+      {L"Liberation Sans", L",PSRUWV", L"Imports"},  // the usual order: glyph = character - 29
+      {L"Liberation Sans", L"$\xFFF0", L"A\u0640"},  // no character maps to the second
+      {L"Liberation Sans", L"", L""},
       // Its last encoding record is no format 4: unreadable, never wrong.
-      {"font without a map", L"DejaVu Sans", L",PSRUWV", std::wstring(7, L'\0')},
-      {"no glyphs", L"Liberation Sans", L"", L""},
+      {L"DejaVu Sans", L",PSRUWV", std::wstring(7, L'\0')},
   };
   for (const auto& c : cases) {
     Page page;
-    page.Play(REC_CREATEFONT, PayloadOf(FontNamed(c.face)));
+    PlayFont(page, c.face);
     // Records stand at any address.
     Payload bytes = TextPayload(c.glyphs, ETO_GLYPH_INDEX | ETO_OPAQUE);
     bytes.insert(bytes.begin(), std::byte{});
     const MutableBytes payload = MutableBytes(bytes).subspan(1);
     EXPECT_EQ(DispatchRecord(page.context, REC_EXTTEXTOUT, payload), 1);
-    EXPECT_EQ(LoadOrZero<UINT>(payload, 8), UINT{ETO_OPAQUE}) << c.name;
-    EXPECT_EQ(RecordsOf(page), DrawnText(FontNamed(c.face, -100), c.text, ETO_OPAQUE)) << c.name;
+    EXPECT_EQ(LoadOrZero<UINT>(payload, 8), UINT{ETO_OPAQUE});
+    EXPECT_EQ(RecordsOf(page), Drawn(FontNamed(c.face, -100), c.text, ETO_OPAQUE)) << &c - cases;
   }
-}
-
-TEST(PlayText, WithoutTranslator_GlyphsAreCleared) {
-  Page page;
-  page.context.glyph_translator.reset();
-  page.Play(REC_CREATEFONT, PayloadOf(FontNamed(L"Liberation Sans")));
-  EXPECT_EQ(page.Play(REC_EXTTEXTOUT, TextPayload(L"$%", ETO_GLYPH_INDEX)), 1);
-  EXPECT_EQ(RecordsOf(page),
-            DrawnText(FontNamed(L"Liberation Sans", -100), std::wstring(2, L'\0')));
-}
-
-TEST(PlayText, GlyphsThatFindNoMemory_AreNotDrawn) {
-  Page page(/*heap_limit=*/64 * 1024);
-  const std::wstring glyphs(100'000, L'$');
-  EXPECT_EQ(page.Play(REC_EXTTEXTOUT, TextPayload(glyphs, ETO_GLYPH_INDEX)), 1);
-  EXPECT_TRUE(RecordsOf(page).empty());
+  Page scarce(/*heap_limit=*/64 * 1024);
+  EXPECT_EQ(scarce.Play(REC_EXTTEXTOUT, TextPayload(std::wstring(100'000, L'$'), ETO_GLYPH_INDEX)),
+            1);
+  EXPECT_TRUE(RecordsOf(scarce).empty());
 }
 
 TEST(PlayText, CountBeyondThePayload_IsIgnored) {
   const Payload whole = TextPayload(L"abc");
   Page page;
   for (size_t size = 0; size < whole.size() - 2; ++size) {  // the last unit is not read
-    const Payload cut(whole.begin(), whole.begin() + static_cast<ptrdiff_t>(size));
-    EXPECT_EQ(page.Play(REC_EXTTEXTOUT, cut), 0) << size;
+    EXPECT_EQ(page.Play(REC_EXTTEXTOUT, Payload(whole.data(), whole.data() + size)), 0);
   }
   for (const uint32_t count : {5u, 0x80000000u, 0xFFFFFFFFu}) {
     EXPECT_EQ(page.Play(REC_EXTTEXTOUT, TextPayload(L"abc", ETO_GLYPH_INDEX, count)), 0) << count;
@@ -142,24 +125,21 @@ TEST(PlayText, CountBeyondThePayload_IsIgnored) {
 }
 
 TEST(PlayText, NonAscii_IsSeenInCharactersAndStays) {
-  Page page;
-  page.Play(REC_CREATEFONT, PayloadOf(FontNamed(L"Liberation Sans")));
   const struct {
     std::wstring text;
     UINT options;
     uint32_t seen;
-  } steps[] = {
-      {L"", 0, 0},         {{0x7F, 0, L'a'}, 0, 0}, {L"$%", ETO_GLYPH_INDEX, 0},
-      {L"\x80tail", 0, 1}, {L"plain", 0, 1},
-  };
+  } steps[] = {{L"", 0, 0},
+               {{0x7F, 0, L'a'}, 0, 0},
+               {L"$%", ETO_GLYPH_INDEX, 0},
+               {L"\x80tail", 0, 1},
+               {L"plain", 0, 1}};
+  Page page;
+  PlayFont(page, L"Liberation Sans");
   for (const auto& step : steps) {
     page.Play(REC_EXTTEXTOUT, TextPayload(step.text, step.options));
     EXPECT_EQ(page.context.non_ascii_text_seen, step.seen);
   }
-  Page other;
-  other.Play(REC_CREATEFONT, PayloadOf(FontNamed(L"Liberation Sans")));
-  other.Play(REC_EXTTEXTOUT, TextPayload(L"\xFFF0", ETO_GLYPH_INDEX));  // translated to U+0640
-  EXPECT_EQ(other.context.non_ascii_text_seen, 1u);
 }
 
 TEST(PlayText, SeenFonts_AreKeyedByTheTransformedHeight) {
@@ -179,22 +159,14 @@ TEST(PlayText, SeenFonts_AreKeyedByTheTransformedHeight) {
   for (const auto& c : cases) {
     Page page;
     page.context.world_transform = c.transform;
-    for (const LONG height : c.heights) {
-      page.Play(REC_CREATEFONT, PayloadOf(FontNamed(L"Liberation Sans", height)));
-    }
+    for (const LONG height : c.heights) PlayFont(page, L"Liberation Sans", height);
     std::vector<LONG> keys;
-    page.context.seen_fonts.ForEach([&](const SeenFont& font) {
-      EXPECT_EQ(font.flag, 0u);
-      EXPECT_STREQ(font.key.lfFaceName, L"Liberation Sans");
-      keys.push_back(font.key.lfHeight);
-    });
+    page.context.seen_fonts.ForEach([&](const SeenFont& f) { keys.push_back(f.key.lfHeight); });
     EXPECT_EQ(keys, c.keys) << c.name;
   }
-}
-
-TEST(PlayText, SeenFonts_CompareBytesBehindTheNameToo) {
+  // All bytes count, also those behind the name.
   Page page;
-  LOGFONTW font = FontNamed(L"Liberation Sans");
+  LOGFONTW font = FontNamed(L"Liberation Sans", 100);
   page.Play(REC_CREATEFONT, PayloadOf(font));
   font.lfFaceName[31] = L'x';
   page.Play(REC_CREATEFONT, PayloadOf(font));
@@ -203,13 +175,10 @@ TEST(PlayText, SeenFonts_CompareBytesBehindTheNameToo) {
 
 TEST(PlayText, TextRuns_KeepTheirGlyphCounts) {
   Page page;
-  for (const uint32_t count : {43u, 0u, 7u}) {
-    Payload payload(38);
-    Store(payload, 28, count);
-    page.Play(REC_TEXTRUN, payload);
-  }
-  EXPECT_EQ(page.Play(REC_TEXTRUN, Payload(37)), 0);
   std::vector<uint32_t> counts;
+  for (const uint32_t count : {43u, 0u, 7u}) {
+    EXPECT_EQ(page.Play(REC_TEXTRUN, PayloadOf(Payload(28), count, Payload(6))), 1);
+  }
   page.context.run_list.ForEach([&](uint32_t count) { counts.push_back(count); });
   EXPECT_EQ(counts, (std::vector<uint32_t>{43, 0, 7}));
 }

@@ -2,60 +2,35 @@
 
 #include "base/windows.h"
 
-#include <cstdint>
 #include <string_view>
 #include <vector>
 
-#include "fonts/cmap_builder.h"
-#include "fonts/font_bytes.h"
+#include "fonts/font_tables.h"
 #include "support/corpus.h"
 
 namespace quillo::test {
 
-/// A copy of the system's Liberation Sans whose family name is `family`.
+/// A copy of Liberation Sans whose family is `family`.
 inline std::vector<std::byte> RenamedFont(std::u16string_view family) {
   auto font = ReadFile("Z:/usr/share/fonts/truetype/liberation/LiberationSans-Regular.ttf");
-  // A 'name' table of one family, style and full name, for Windows in US English.
+  // A 'name' table of family (1), style (2) and full name (4), for Windows in US English.
   constexpr std::u16string_view kStyle = u"Regular";
-  const std::pair<uint32_t, std::u16string_view> names[] = {{1, family}, {2, kStyle}, {4, family}};
-  BigEndianBytes table;
-  table.U16(0).U16(std::size(names)).U16(6 + 12 * std::size(names));
-  BigEndianBytes texts;
-  for (const auto& [id, text] : names) {
-    table.U16(3).U16(1).U16(0x409).U16(id).U16(static_cast<uint32_t>(2 * text.size()));
-    table.U16(static_cast<uint32_t>(texts.Get().size()));
-    for (const char16_t c : text) texts.U16(c);
-  }
-  table.Append(texts.Get());
+  const auto family_bytes = static_cast<uint16_t>(2 * family.size());
+  Words words = {0, 3, 6 + 3 * 12};
+  words.insert(words.end(), {3, 1, 0x409, 1, family_bytes, 0});
+  words.insert(words.end(), {3, 1, 0x409, 2, 2 * kStyle.size(), family_bytes});
+  words.insert(words.end(), {3, 1, 0x409, 4, family_bytes, 0});
+  words.insert(words.end(), family.begin(), family.end());
+  words.insert(words.end(), kStyle.begin(), kStyle.end());
+  const auto table = BigEndianBytes(words);
 
-  const uint32_t table_count = BigEndian(font, 4, 2);
-  for (size_t record = 12; record < 12 + size_t{16} * table_count; record += 16) {
+  for (size_t record = 12; record < 12 + 16 * BigEndian(font, 4, 2); record += 16) {
     if (BigEndian(font, record, 4) != 0x6E616D65) continue;  // "name"
-    const auto offset = static_cast<uint32_t>(font.size());
-    Store<uint32_t>(font, record + 8, SwapBytes(offset));
-    Store<uint32_t>(font, record + 12, SwapBytes(static_cast<uint32_t>(table.Get().size())));
+    Store(font, record + 8, SwapBytes(static_cast<uint32_t>(font.size())));
+    Store(font, record + 12, SwapBytes(static_cast<uint32_t>(table.size())));
   }
-  font.insert(font.end(), table.Get().begin(), table.Get().end());
+  font.insert(font.end(), table.begin(), table.end());
   return font;
 }
-
-/// A font file that this process can select, for as long as it lives.
-class InstalledFont {
- public:
-  explicit InstalledFont(std::vector<std::byte> file) : file_(std::move(file)) {
-    DWORD count = 0;
-    handle_ = AddFontMemResourceEx(file_.data(), static_cast<DWORD>(file_.size()), nullptr, &count);
-  }
-  ~InstalledFont() { RemoveFontMemResourceEx(handle_); }
-  InstalledFont(const InstalledFont&) = delete;
-  InstalledFont& operator=(const InstalledFont&) = delete;
-
-  explicit operator bool() const { return handle_ != nullptr; }
-  [[nodiscard]] const std::vector<std::byte>& File() const { return file_; }
-
- private:
-  std::vector<std::byte> file_;
-  HANDLE handle_;
-};
 
 }  // namespace quillo::test
