@@ -109,7 +109,8 @@ TEST_F(FontEmbeddingTest, FaceName_MustMarkATemporaryFontAndNameAFile) {
   EXPECT_TRUE(announced_.empty());
 }
 
-TEST_F(FontEmbeddingTest, AnyStepThatFails_LeavesNoFile) {
+TEST_F(FontEmbeddingTest, AnyStepThatFails_LeavesNoFileAndNoObject) {
+  const uintptr_t fresh = FreshObjectIndex();
   static int calls;
   const auto fails_with = [&](const char* function, auto* stand_in) {
     const ImportPatch patch(function, stand_in);
@@ -131,6 +132,7 @@ TEST_F(FontEmbeddingTest, AnyStepThatFails_LeavesNoFile) {
   fails_with("WriteFile", static_cast<decltype(&WriteFile)>([](auto...) { return FALSE; }));
   fails_with("CreateFileW", static_cast<decltype(&CreateFileW)>(
                                 [](auto...) -> HANDLE { return INVALID_HANDLE_VALUE; }));
+  EXPECT_EQ(FreshObjectIndex(), fresh);
 }
 
 }  // namespace
