@@ -7,6 +7,8 @@
 #include "host/base/failure.h"
 #include "host/cli/metafile_input.h"
 #include "host/cli/picture_input.h"
+#include "host/cli/text_input.h"
+#include "host/plain_text/decode.h"
 
 namespace quillo::host {
 
@@ -23,6 +25,7 @@ constexpr size_t kHeadBytes = 256;
 constexpr InputKind kKinds[] = {
     {LooksLikeMetafile, OpenMetafile},
     {LooksLikePicture, OpenPicture},
+    {LooksLikeText, OpenText},  // the last: any text may begin like anything
 };
 
 [[noreturn]] void RefuseUnreadable(DWORD error) {
@@ -79,8 +82,8 @@ std::unique_ptr<PrintInput> OpenInput(const std::filesystem::path& path) {
     return kind.open(std::move(content));
   }
   throw UnreadableInput(
-      "is of no kind that is printed; enhanced metafiles and pictures (EMF, PNG, JPEG, BMP, "
-      "TIFF, GIF) are");
+      "is of no kind that is printed; metafiles (EMF), pictures (PNG, JPEG, BMP, TIFF, GIF) and "
+      "plain text are");
 }
 
 }  // namespace quillo::host

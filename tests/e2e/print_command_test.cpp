@@ -154,6 +154,25 @@ TEST_F(PrintCommand, Picture_IsDrawnAtItsSizeOrFitted) {
   }
 }
 
+TEST_F(PrintCommand, Text_FillsPagesAndStaysText) {
+  std::string text = "\xD0\x9F\xD1\x80\xD0\xB8\tx\r\n";  // Cyrillic
+  for (int i = 0; i < 100; ++i) text += "line " + std::to_string(i) + "\n";
+  std::ofstream(folder_ / L"text", std::ios::binary) << text << "\fend";
+  const CommandResult result = Print(Quoted(L"text") + L" --paper A4 --dpi 300");
+  EXPECT_EQ(result.exit_code, 0) << result.errors;
+  const Json report = ReadJobReport(out_);
+  ASSERT_EQ(report["pages"].size(), 3u);
+  std::vector<std::string> lines;
+  for (const Json& page : report["pages"]) {
+    EXPECT_EQ(page["lost_characters"].size(), 0u) << page;
+    for (const Json& line : page["text"]) lines.push_back(line);
+  }
+  ASSERT_EQ(lines.size(), 102u);
+  EXPECT_EQ(lines[0], "\xD0\x9F\xD1\x80\xD0\xB8     x");
+  EXPECT_EQ(lines[100], "line 99");
+  EXPECT_EQ(lines[101], "end");
+}
+
 TEST_F(PrintCommand, CustomPaper_IsListedAndPrintedOn) {
   const CommandResult listed = RunPrint(L"--custom-paper \"Name, badge,300,86x54\" --list-papers");
   EXPECT_EQ(listed.exit_code, 0) << listed.errors;

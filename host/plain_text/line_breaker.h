@@ -1,0 +1,36 @@
+#pragma once
+
+#include <cstddef>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace quillo::host {
+
+/// A line as it is printed: UTF-16 units and the columns that each takes (2 for the wide characters
+/// of East Asia, 0 for marks that combine with the character before and for second surrogates).
+struct TextLine {
+  std::wstring text;
+  std::vector<int> columns;
+  bool ends_page = false;  // a form feed follows
+};
+
+/// Cuts a text into lines of a number of columns: at line ends and form feeds, else behind the last
+/// blank that fits, else where the line is full. Tabs become blanks up to the next eighth column.
+/// Other control characters are left out.
+class LineBreaker {
+ public:
+  explicit LineBreaker(std::wstring text) : text_(std::move(text)) {}
+
+  bool AtEnd() const { return at_ == text_.size(); }
+  /// The next line, at least one character of it; `columns` is above 0.
+  TextLine Next(int columns);
+
+ private:
+  bool TakeLineEnd(TextLine& line);
+
+  const std::wstring text_;
+  size_t at_ = 0;
+};
+
+}  // namespace quillo::host
