@@ -8,6 +8,7 @@
 #include "host/emf/playback.h"
 #include "host/emf/region_data.h"
 #include "host/emf/rounding.h"
+#include "host/emf/text_outline.h"
 
 namespace quillo::host::emf {
 
@@ -202,10 +203,6 @@ void MoveBehind(Playback& dc, const TextLine& line, double length) {
 
 void DrawLine(Playback& dc, const TextLine& line) {
   const DcState& state = dc.state();
-  if (dc.InPath()) {
-    dc.NotCarried();  // outlines of glyphs in a path
-    return;
-  }
   TextDescription text;
   text.font = dc.fonts().Find(state.font->font);
   if (text.font == nullptr) {
@@ -215,7 +212,7 @@ void DrawLine(Playback& dc, const TextLine& line) {
   text.background = dc.Resolve(state.background_color);
   DrawState drawing = dc.Drawing();
   drawing.rop2 = R2_COPYPEN;
-  ApplyRectangle(dc, line, text, drawing);
+  if (!dc.InPath()) ApplyRectangle(dc, line, text, drawing);
   if (!line.text.empty() && CountUse(dc, line, *text.font)) text.text = line.text;
   if (text.text.empty() && !text.opaque) return;
 
@@ -232,7 +229,13 @@ void DrawLine(Playback& dc, const TextLine& line) {
     text.break_extra = static_cast<double>(state.break_extra) / state.break_count;
   }
   text.color = dc.Resolve(state.text_color);
-  MoveBehind(dc, line, dc.canvas().Text(text, drawing));
+  if (dc.InPath()) {
+    const TextLayout layout = LayOut(text);
+    dc.DrawOutline(TextOutline(*text.font, layout), true);
+    MoveBehind(dc, line, layout.length);
+  } else {
+    MoveBehind(dc, line, dc.canvas().Text(text, drawing));
+  }
 }
 
 template <bool wide>

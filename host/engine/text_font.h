@@ -42,6 +42,9 @@ class TextFont {
   /// Advance of a glyph in font units.
   int AdvanceOf(USHORT glyph) const;
 
+  /// A DC with the font selected, a pixel for each font unit.
+  HDC Dc() const { return dc_.Get(); }
+
   const IFIMETRICS& Metrics() const { return metrics_; }
   const FontNames& Names() const { return names_; }
   FLONG FontType() const { return font_type_; }  // FO_*

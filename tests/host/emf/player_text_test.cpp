@@ -1,3 +1,4 @@
+#include <algorithm>
 #include <gtest/gtest.h>
 #include <string>
 
@@ -92,6 +93,17 @@ TEST(PlayerText, StepsAcrossTheLine_MoveThePosition) {
   text.payload.insert(text.payload.end(), {N(5), N(6)});  // pairs: 7 along, 9 up; 5 along, 6 up
   EXPECT_EQ(LastCall({{kEmrSETTEXTALIGN, {TA_UPDATECP}}, text, text}),
             "Text 'ab' at 100,-15 align 1 dx 7/5 dy 9/6 | #000000");
+}
+
+TEST(PlayerText, InAPath_AddsTheGlyphsOutlines) {
+  const Played played = Play({{kEmrBEGINPATH, {}},
+                              TextRecord(kEmrEXTTEXTOUTW, ETO_OPAQUE),
+                              {kEmrENDPATH, {}},
+                              {kEmrFILLPATH, {kB, kB, kB, kB}}});
+  EXPECT_TRUE(played.calls.starts_with("Fill M")) << played.calls;
+  // Two contours for each of the letters, and both letters near the reference point.
+  EXPECT_EQ(std::count(played.calls.begin(), played.calls.end(), 'Z'), 4) << played.calls;
+  EXPECT_NE(played.calls.find(" M1"), std::string::npos) << played.calls;
 }
 
 TEST(PlayerText, CodePages_BecomeUtf16) {

@@ -1,0 +1,11 @@
+#pragma once
+
+#include "host/engine/path.h"
+#include "host/engine/text_layout.h"
+
+namespace quillo::host::emf {
+
+/// The outlines of a laid-out line's glyphs, in device pixels.
+Path TextOutline(const TextFont& font, const TextLayout& layout);
+
+}  // namespace quillo::host::emf
