@@ -17,7 +17,7 @@ class FunctionRef<Result(Arguments...)> {
   template <typename Callable>
   requires(!std::is_same_v<std::remove_cvref_t<Callable>, FunctionRef> &&
            std::is_invocable_r_v<Result, Callable&, Arguments...>)
-      FunctionRef(Callable&& callable)  // NOLINT(google-explicit-constructor)
+      FunctionRef(Callable&& callable)  // NOLINT(*-forwarding-reference-overload)
       : object_(const_cast<void*>(static_cast<const void*>(std::addressof(callable)))),
         call_([](void* object, Arguments... arguments) -> Result {
           return (*static_cast<std::remove_reference_t<Callable>*>(object))(

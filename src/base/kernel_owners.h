@@ -59,6 +59,8 @@ class GlobalBlock : public Owner<GlobalBlockTraits> {
     if (block == nullptr) GlobalFree(handle);
     return GlobalBlock(block);
   }
+  /// Frees a block that was given up by Detach; null is none.
+  static void Free(void* block) { const GlobalBlock owner(block); }
 };
 
 /// Memory that a system function allocated for LocalFree.

@@ -118,7 +118,7 @@ int Create(BitmapHandle* record, uint32_t structure_size, uint32_t memory_type, 
 void Free(BitmapHandle* record) {
   if (record == nullptr || !IsStructureSize(record->structure_size)) return;
   if (record->attached_object != nullptr) record->attached_object->Release();
-  GlobalBlock{record->palette};
+  GlobalBlock::Free(record->palette);
   ReleaseStorage(*record);
   Init(record, record->structure_size, 0, 0, 0);
 }
@@ -168,7 +168,7 @@ Geometry GeometryOf(const BitmapHandle& record) {
 }
 
 int AllocatePalette(BitmapHandle& record) {
-  GlobalBlock{std::exchange(record.palette, nullptr)};
+  GlobalBlock::Free(std::exchange(record.palette, nullptr));
   GlobalBlock block =
       GlobalBlock::Allocate(PaletteSize(record.bits_per_pixel) * sizeof(PaletteEntry));
   if (!block) return kOutOfMemory;

@@ -29,7 +29,7 @@ bool Grow(Chunk& chunk, uint64_t needed) {
     row.offset = used;
     used += row.size;
   }
-  GlobalBlock{chunk.data};
+  GlobalBlock::Free(chunk.data);
   chunk.data = data;
   chunk.used = used;
   chunk.capacity = capacity;
@@ -55,11 +55,11 @@ Chunk* AllocateChunks(uint32_t height, uint32_t bytes_per_line) {
 
 void ReleaseChunks(Chunk* table, uint32_t height) {
   for (uint32_t i = 0; i < ChunkCount(height); ++i) {
-    GlobalBlock{table[i].rows};
-    GlobalBlock{table[i].data};
-    GlobalBlock{table[i].scratch};
+    GlobalBlock::Free(table[i].rows);
+    GlobalBlock::Free(table[i].data);
+    GlobalBlock::Free(table[i].scratch);
   }
-  GlobalBlock{table};
+  GlobalBlock::Free(table);
 }
 
 void FetchChunkRow(const Chunk* table, uint32_t row, MutableBytes out) {

@@ -35,6 +35,10 @@ int Paint(HDC dc, BitmapHandle* record, const RECT* source, const RECT* source_c
       !Clip(&bounds, &job.source)) {
     return kSuccess;
   }
+  if (job.destination.right == job.destination.left ||
+      job.destination.bottom == job.destination.top) {
+    return kSuccess;
+  }
   const LockScope lock(*record);
   if (lock.Result() != kSuccess) return lock.Result();
   if (Orientation::SwapsAxes(record->view_perspective)) {

@@ -66,7 +66,7 @@ void AddScaled(const Pixel& pixel, float weight, Pixel& sum) {
 }
 
 uint16_t ToChannel(float value) {
-  return static_cast<uint16_t>(std::clamp(value, 0.0f, 65535.0f) + 0.5f);
+  return static_cast<uint16_t>(std::lround(std::clamp(value, 0.0f, 65535.0f)));
 }
 
 /// The work space.

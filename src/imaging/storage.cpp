@@ -27,11 +27,11 @@ T* AllocateIdentity(size_t count) {
 }
 
 void ReleaseTables(BitmapHandle& record) {
-  GlobalBlock{std::exchange(record.lookup8, nullptr)};
+  GlobalBlock::Free(std::exchange(record.lookup8, nullptr));
   if (record.structure_size == kOldForm) return;
-  GlobalBlock{std::exchange(record.lookup16, nullptr)};
+  GlobalBlock::Free(std::exchange(record.lookup16, nullptr));
   if (record.lock != nullptr) DeleteCriticalSection(record.lock);
-  GlobalBlock{std::exchange(record.lock, nullptr)};
+  GlobalBlock::Free(std::exchange(record.lock, nullptr));
 }
 
 bool AllocateTables(BitmapHandle& record) {

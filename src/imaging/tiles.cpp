@@ -62,7 +62,7 @@ void ReleaseTiles(TileTable* table) {
     CloseHandle(tile.mapping);
     if (tile.file != nullptr) CloseHandle(tile.file);
   }
-  GlobalBlock{table};
+  GlobalBlock::Free(table);
 }
 
 std::byte* TileRow(const TileTable& table, uint32_t row, uint32_t bytes_per_line) {

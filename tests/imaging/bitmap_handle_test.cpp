@@ -10,16 +10,11 @@
 namespace quillo::imaging {
 namespace {
 
-struct InitCase {
-  uint32_t form;
-  uint32_t width;
-  uint32_t height;
-  uint32_t bits;
-  int result;
-};
-
 TEST(Init, ArgumentsAndForms_GiveTheirCodes) {
-  const InitCase cases[] = {
+  struct {
+    uint32_t form, width, height, bits;
+    int result;
+  } const cases[] = {
       {kCurrentForm, 0, 0, 0, kSuccess},
       {kOldForm, 0, 0, 0, kSuccess},
       {271, 1, 1, 8, kWrongStructureSize},
@@ -32,7 +27,7 @@ TEST(Init, ArgumentsAndForms_GiveTheirCodes) {
       {kCurrentForm, 1u << 29, 1, 64, kInvalidArgument},
   };
   EXPECT_EQ(Init(nullptr, kCurrentForm, 1, 1, 8), kInvalidArgument);
-  for (const InitCase& c : cases) {
+  for (const auto& c : cases) {
     BitmapHandle record{};
     EXPECT_EQ(Init(&record, c.form, c.width, c.height, c.bits), c.result)
         << c.form << ' ' << c.width << 'x' << c.height << 'x' << c.bits;
@@ -148,23 +143,6 @@ TEST(Free, NullAndForeignRecords_AreLeftAlone) {
   record.flags = kAllocated | kDisk;
   Free(&record);
   EXPECT_EQ(record.flags, kAllocated | kDisk);
-}
-
-class CountingAttachment : public Attachment {
- public:
-  int Resize(uint32_t, uint32_t) override { return kSuccess; }
-  void Release() override { ++released; }
-  int released = 0;
-};
-
-TEST(Free, AttachedObject_IsReleasedOnce) {
-  CountingAttachment attachment;
-  BitmapHandle record{};
-  Init(&record, kCurrentForm, 1, 1, 24);
-  record.attached_object = &attachment;
-  Free(&record);
-  Free(&record);
-  EXPECT_EQ(attachment.released, 1);
 }
 
 }  // namespace

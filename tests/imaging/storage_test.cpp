@@ -170,6 +170,25 @@ TEST(Lock, OtherStorage_IsLeftAsItIs) {
   EXPECT_EQ(Lock(nullptr), kInvalidArgument);
 }
 
+TEST(PresentAsDibSection, BitmapsWithoutADib_GiveNull) {
+  std::byte data[64];
+  struct {
+    uint32_t type, bits, order;
+  } const cases[] = {{1, 2, 0},  {1, 7, 0},  {1, 12, 1}, {1, 48, 1},
+                     {1, 64, 1}, {1, 16, 2}, {2, 32, 1}};
+  for (const auto& c : cases) {
+    BitmapScope bitmap;
+    ASSERT_EQ(Create(bitmap.Get(), kCurrentForm, c.type, 4, 4, c.bits, c.order, nullptr, 1,
+                     c.type == 2 ? data : nullptr, sizeof(data)),
+              kSuccess);
+    EXPECT_EQ(PresentAsDibSection(bitmap.Get()), nullptr) << c.bits << ' ' << c.order;
+  }
+  EXPECT_EQ(PresentAsDibSection(nullptr), nullptr);
+  BitmapHandle empty{};
+  Init(&empty, kCurrentForm, 4, 4, 24);
+  EXPECT_EQ(PresentAsDibSection(&empty), nullptr);
+}
+
 TEST(PresentAsDibSection, GlobalMemoryAndChunks_MoveIntoASection) {
   for (const bool global : {true, false}) {
     const DWORD handles = HandleCount();
@@ -206,8 +225,9 @@ TEST(PresentAsDibSection, TilesAndOtherViews_AreRefusedAndTurned) {
   for (const uint32_t bits : {1u, 4u, 8u, 16u, 24u, 32u}) {
     for (uint32_t view = 1; view <= 8; ++view) {
       BitmapScope bitmap;
-      ASSERT_EQ(Create(bitmap.Get(), kCurrentForm, 9, 5, 3, bits, bits > 8 ? 1 : 0, nullptr, view,
-                       nullptr, 0),
+      const uint32_t type = view % 2 != 0 ? kMemoryTypeSection : kMemoryTypeFile;
+      ASSERT_EQ(Create(bitmap.Get(), kCurrentForm, type, 5, 3, bits, bits > 8 ? 1 : 0, nullptr,
+                       view, nullptr, 0),
                 kSuccess);
       std::vector<std::byte> row(bitmap->bytes_per_line);
       for (uint32_t bit = 3 * bits; bit < 4 * bits; ++bit) {
