@@ -12,7 +12,7 @@ namespace quillo::test {
 /// A white picture of 32 bits per pixel to draw pages on, one device unit a pixel.
 class Canvas {
  public:
-  Canvas(int width, int height) : width_(width), height_(height) {
+  Canvas(int width, int height) : width_(width) {
     BITMAPINFO info = {};
     info.bmiHeader = {sizeof info.bmiHeader, width, -height, 1, 32, BI_RGB, 0, 0, 0, 0, 0};
     void* pixels = nullptr;
@@ -44,7 +44,6 @@ class Canvas {
   }
 
   int width_;
-  int height_;
   Bitmap bitmap_;
   CreatedDc dc_{CreateCompatibleDC(nullptr)};
   uint32_t* pixels_ = nullptr;
