@@ -34,6 +34,7 @@ std::vector<size_t> VisualOrder(const std::wstring& text, bool right_to_left) {
     return {};
   }
   std::vector<BYTE> levels;
+  levels.reserve(static_cast<size_t>(count));
   for (int i = 0; i < count; ++i)
     levels.push_back(static_cast<BYTE>(items[static_cast<size_t>(i)].a.s.uBidiLevel));
   std::vector<int> runs(levels.size());

@@ -33,9 +33,7 @@ class DriverFailure : public std::runtime_error {
   X(StartPage, true)            \
   X(SendPage, true)             \
   X(EndDoc, true)               \
-  X(Escape, false)              \
   X(RealizeBrush, false)        \
-  X(DitherColor, false)         \
   X(BitBlt, false)              \
   X(StretchBlt, false)          \
   X(CopyBits, false)            \

@@ -51,7 +51,10 @@ std::optional<ClipObject> Graphics::ClipFor(const RECTL& bounds, const ClipShape
   if (!shape.Intersects(bounds)) return std::nullopt;
   if (shape.Contains(bounds)) return ClipObject(DC_TRIVIAL, bounds);
   if (shape.IsRectangle()) return ClipObject(DC_RECT, shape.Bounds());
-  return ClipObject(shape.Bounds(), RunsOf(shape.Outline()));
+  // What lies beyond the drawing need not be told; often little is left, or only a rectangle.
+  const ClipShape part = shape.Combined(ClipShape(bounds), RGN_AND);
+  if (part.IsRectangle()) return ClipObject(DC_RECT, part.Bounds());
+  return ClipObject(part.Bounds(), RunsOf(part.Outline()));
 }
 
 std::vector<PathRun> Graphics::RunsOf(const Path& path) const {

@@ -1,5 +1,6 @@
 #include "host/engine/polygons.h"
 
+#include <algorithm>
 #include <cmath>
 #include <new>
 
@@ -26,6 +27,8 @@ struct Side {
     return crossing;
   }
 };
+
+bool SamePoint(const POINTFIX& a, const POINTFIX& b) { return a.x == b.x && a.y == b.y; }
 
 Polygon ClipToSide(const Polygon& polygon, const Side& side) {
   Polygon kept;
@@ -65,6 +68,9 @@ std::vector<Polygon> ClipPolygons(const std::vector<Polygon>& polygons, const RE
   std::vector<Polygon> clipped;
   for (Polygon polygon : polygons) {
     for (const Side& side : sides) polygon = ClipToSide(polygon, side);
+    // A corner on a side is its crossing, too.
+    polygon.erase(std::unique(polygon.begin(), polygon.end(), SamePoint), polygon.end());
+    if (polygon.size() > 1 && SamePoint(polygon.front(), polygon.back())) polygon.pop_back();
     if (polygon.size() >= 3) clipped.push_back(std::move(polygon));
   }
   return clipped;

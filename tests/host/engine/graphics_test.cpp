@@ -110,6 +110,14 @@ TEST_F(DrawingTest, ComplexClip_ComesAsOutlineCutToTheSurface) {
             (Calls{"FillPath solid ff0000, mix 13, mode 1, [f: 100,0 0,0 0,80 100,80], complex "
                    "10,21,90,80 [f: 50,20 90,60 70,80 30,80 10,60]"}));
 
+  // Beside the drawing the clip ends.
+  driver_.calls.clear();
+  Path part;
+  part.AddRectangle(0, 0, 50, 60);
+  Page().Fill(part, red_, FillMode::kAlternate, state);
+  EXPECT_TRUE(driver_.calls.at(0).ends_with("complex 11,21,50,60 [f: 50,20 50,60 10,60]"))
+      << driver_.calls.at(0);
+
   // What lies wholly inside needs no clip.
   driver_.calls.clear();
   Path inside;
