@@ -17,12 +17,9 @@ std::wstring MakeTemporaryFile() {
   return file;
 }
 
-/// False when another process has a job of this id.
-bool ClaimJobId(DWORD id, KernelHandle& claim) {
-  const std::wstring name = L"Local\\QuilloPrintJob" + std::to_wstring(id);
-  claim.Reset(CreateMutexW(nullptr, FALSE, name.c_str()));
-  return GetLastError() != ERROR_ALREADY_EXISTS;
-}
+// Wine counts jobs per process, and refuses a number whose spool file another process has open. The
+// number names the driver's files and events, so that the next free one is what is wanted.
+constexpr int kMostAttempts = 1000;
 
 }  // namespace
 
@@ -35,16 +32,12 @@ SpoolJob::SpoolJob(const std::wstring& printer, const std::wstring& document) {
   std::wstring title = document;
   std::wstring data_type = L"RAW";
   DOC_INFO_1W info{title.data(), output_.data(), data_type.data()};
-  // Wine counts jobs per process, and the id names files and events: take the first free one.
-  for (;;) {
+  for (int attempt = 0; id_ == 0; ++attempt) {
     id_ = StartDocPrinterW(printer_.Get(), 1, reinterpret_cast<BYTE*>(&info));
-    if (id_ == 0) {
-      const DWORD error = GetLastError();
-      DeleteFileW(output_.c_str());
-      throw SystemFailure(kCannotStart, "StartDocPrinter", error);
-    }
-    if (ClaimJobId(id_, id_claim_)) return;
-    EndDocPrinter(printer_.Get());
+    const DWORD error = GetLastError();
+    if (id_ != 0 || (error == ERROR_SHARING_VIOLATION && attempt < kMostAttempts)) continue;
+    DeleteFileW(output_.c_str());
+    throw SystemFailure(kCannotStart, "StartDocPrinter", error);
   }
 }
 

@@ -4,7 +4,6 @@
 
 #include <string>
 
-#include "base/kernel_owners.h"
 #include "base/spooler_owners.h"
 
 namespace quillo::host {
@@ -26,7 +25,6 @@ class SpoolJob {
   PrinterHandle printer_;
   std::wstring output_;  // file for the spooler's output
   DWORD id_ = 0;
-  KernelHandle id_claim_;  // a mutex; its name says that the id is taken
 };
 
 }  // namespace quillo::host

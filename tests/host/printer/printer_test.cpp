@@ -129,8 +129,12 @@ TEST(SpoolJob, IdTakenElsewhere_TakesTheNext) {
     const SpoolJob job(kPrinterName, L"first");
     first = job.Id();
   }
-  const std::wstring claim = L"Local\\QuilloPrintJob" + std::to_wstring(first + 1);
-  const KernelHandle elsewhere(CreateMutexW(nullptr, FALSE, claim.c_str()));
+  wchar_t spool_file[MAX_PATH];
+  GetSystemDirectoryW(spool_file, MAX_PATH);
+  swprintf(spool_file + wcslen(spool_file), 64, L"\\spool\\printers\\%05lu.SPL", first + 1);
+  const KernelHandle elsewhere(CreateFileW(spool_file, GENERIC_WRITE, 0, nullptr, CREATE_ALWAYS,
+                                           FILE_FLAG_DELETE_ON_CLOSE, nullptr));
+  ASSERT_TRUE(elsewhere);
   const SpoolJob job(kPrinterName, L"second");
   EXPECT_EQ(job.Id(), first + 2);
 }
