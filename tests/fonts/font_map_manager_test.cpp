@@ -14,8 +14,8 @@ namespace {
 struct FakeFont {
   std::wstring face = L"Some Face";
   TEXTMETRICW metrics = {};
-  std::vector<std::byte> cmap = Cmap(Subtable4({{0x41, 0x5A, 0xFFC0, 0}}));  // A is glyph 1
   int loads = 0;                                                             // of its cmap
+  std::vector<std::byte> cmap = Cmap(Subtable4({{0x41, 0x5A, 0xFFC0, 0}}));  // A is glyph 1
   HDC Dc() { return reinterpret_cast<HDC>(this); }
 };
 
