@@ -12,13 +12,13 @@ namespace {
 
 using namespace records;
 
-// The mask as a monochrome bitmap of the job's printer. Its own two colours are meant to be
-// overruled: GDI makes a monochrome bitmap only of black and white.
+// The mask as a bitmap of the job's printer. The colours that it carries are meant to be overruled
+// by black and white.
 Bitmap CreateMask(const JobLink& job, Bytes payload, uint32_t offset) {
   auto dib = LocatePackedDib(payload, offset);
   if (!dib || dib->info.header.bit_count != 1) return Bitmap();
   dib->info.colours[0] = 0x00000000;
-  dib->info.colours[1] = 0x00FFFFFF;
+  dib->info.colours[1] = 0xFFFFFFFF;
   const auto* info = reinterpret_cast<const BITMAPINFO*>(&dib->info);
 
   const DEVMODEW* settings = job.device_settings != nullptr ? &job.device_settings->pub : nullptr;

@@ -126,7 +126,9 @@ TEST(Blits, SourceAboveTheLimits_ReducedWithItsRectangle) {
     std::vector<int> expected;
   } kCases[] = {
       {4000, 1000, {100, 100, 4100, 1100}, {10, 20, 5, 3, 50, 50, 2000, 500, 2000, 500}},
+      {1000, 4000, {100, 100, 4100, 1100}, {10, 20, 5, 3, 50, 50, 2000, 500, 500, 2000}},
       {3000, 5000, {0, 0, 3000, 5000}, {10, 20, 5, 3, 0, 0, 2000, 3333, 2000, 3333}},
+      {5000, 3000, {0, 0, 5000, 3000}, {10, 20, 5, 3, 0, 0, 2000, 1200, 2000, 1200}},
       {2000, 2000, {1, 2, 1001, 1002}, {10, 20, 5, 3, 1, 2, 1000, 1000, 2000, 2000}},
   };
   const ImportPatch stretch("StretchBlt", WatchStretchBlt);
@@ -181,16 +183,20 @@ HDC WINAPI FakeCreateDc(const WCHAR* driver, const WCHAR* device, const WCHAR*,
 HDC WINAPI NoDc(const WCHAR*, const WCHAR*, const WCHAR*, const DEVMODEW*) { return nullptr; }
 
 struct {
-  BITMAP bitmap;
-  uint16_t first_row;
+  std::vector<DWORD> colours_and_bits;
   POINT origin;
   DWORD rop4;
 } asked_mask;
-BOOL WINAPI WatchMaskBlt(HDC, int, int, int, int, HDC, int, int, HBITMAP mask, int x, int y,
+HBITMAP WINAPI WatchCreateDIBitmap(HDC, const BITMAPINFOHEADER*, DWORD, const void* bits,
+                                   const BITMAPINFO* info, UINT) {
+  const auto* colours = reinterpret_cast<const DWORD*>(info->bmiColors);
+  asked_mask.colours_and_bits = {colours[0], colours[1], *static_cast<const DWORD*>(bits)};
+  return CreateBitmap(8, 1, 1, 1, nullptr);
+}
+BOOL WINAPI WatchMaskBlt(HDC, int, int, int, int, HDC, int, int, HBITMAP, int x, int y,
                          DWORD rop4) {
-  asked_mask = {{}, 0, {x, y}, rop4};
-  GetObjectW(mask, sizeof asked_mask.bitmap, &asked_mask.bitmap);
-  GetBitmapBits(mask, sizeof asked_mask.first_row, &asked_mask.first_row);
+  asked_mask.origin = {x, y};
+  asked_mask.rop4 = rop4;
   return TRUE;
 }
 
@@ -217,11 +223,11 @@ TEST(MaskBlt, BlackAndWhiteMask_MadeOnThePrinter) {
   EXPECT_EQ(page.Play(REC_MASKBLT, MaskBltRecord(kPicture, zeros)), 0);
   EXPECT_EQ(page.Play(REC_MASKBLT, MaskBltRecord(kPicture, kPicture)), 0);  // no mask
 
+  const ImportPatch create("CreateDIBitmap", WatchCreateDIBitmap);
   const ImportPatch mask_blt("MaskBlt", WatchMaskBlt);
   EXPECT_EQ(page.Play(REC_MASKBLT, MaskBltRecord(kPicture, mask)), 1);
   EXPECT_EQ(asked_settings, &page.settings.pub);
-  EXPECT_EQ(asked_mask.bitmap.bmBitsPixel * asked_mask.bitmap.bmPlanes, 1);
-  EXPECT_EQ(asked_mask.first_row & 0xFF, 0xA5);
+  EXPECT_EQ(asked_mask.colours_and_bits, (std::vector<DWORD>{0, 0xFFFFFFFF, 0xA5}));
   EXPECT_EQ(asked_mask.origin.x, 3);
   EXPECT_EQ(asked_mask.origin.y, 4);
   EXPECT_EQ(asked_mask.rop4, 0xAACC1234u);
