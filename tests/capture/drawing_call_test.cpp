@@ -8,7 +8,9 @@
 #include "capture/writer.h"
 #include "host/engine/services/brushes.h"
 #include "host/engine/services/clips.h"
+#include "host/engine/services/fonts.h"
 #include "host/engine/services/paths.h"
+#include "host/engine/services/strings.h"
 #include "host/engine/services/surfaces.h"
 #include "support/capture_fixture.h"
 #include "support/record_dump.h"
@@ -30,6 +32,8 @@ class DrawingCallTest : public test::CaptureTest {
   uint32_t pixel_ = 0;
   host::Surface source_{{1, 1}, BMF_32BPP, false, &pixel_, 4, 4};
   BLENDOBJ blend_ = {};
+  host::FontObject font_{{}, {L"Family", L"", L""}, XFORML{1, 0, 0, 1, 0, 0}};
+  host::StringObject text_{{{0, nullptr, {1, 2}}, {0, nullptr, {3, 4}}}, L"ab", 0, RECTL{}, 0};
 
   BOOL StrokePath(SURFOBJ* surface, PATHOBJ* path, CLIPOBJ* clip = nullptr) {
     return quillo::DrvStrokePath(surface, path, clip, nullptr, &brush_, &origin_, &attributes_,
@@ -49,7 +53,7 @@ class DrawingCallTest : public test::CaptureTest {
     std::function<BOOL(SURFOBJ*)> draw;
   };
   // clang-format off
-  const Call calls_[8] = {
+  const Call calls_[9] = {
       {"DrvStrokePath", [this](SURFOBJ* s) { return StrokePath(s, &corner_); }},
       {"DrvFillPath", [this](SURFOBJ* s) { return FillPath(s, &corner_); }},
       {"DrvStrokeAndFillPath", [this](SURFOBJ* s) { return StrokeAndFillPath(s, &corner_); }},
@@ -65,6 +69,9 @@ class DrawingCallTest : public test::CaptureTest {
          return quillo::DrvCopyBits(s, &source_, nullptr, nullptr, &rect_, &origin_); }},
       {"DrvAlphaBlend", [this](SURFOBJ* s) {
          return quillo::DrvAlphaBlend(s, &source_, nullptr, nullptr, &rect_, &rect_, &blend_); }},
+      {"DrvTextOut", [this](SURFOBJ* s) {
+         return quillo::DrvTextOut(s, &text_, &font_, nullptr, nullptr, nullptr, &brush_, nullptr,
+                                   nullptr, R2_COPYPEN); }},
   };
   // clang-format on
 };
@@ -91,7 +98,7 @@ TEST_F(DrawingCallTest, StrokePath_RecordsInOrder) {
   EXPECT_EQ(device_.remembered_colour, 0x332211u);
 }
 
-TEST_F(DrawingCallTest, FillPath_RecordsInOrder) {
+TEST_F(DrawingCallTest, Fills_RecordInOrder) {
   const std::string fill = "SETPOLYFILLMODE 2\n" + kFillBrush + "SETROP2 13\nFILLPATH\n";
   EXPECT_TRUE(FillPath(&surface_, &corner_));
   EXPECT_EQ(TakeDrawing(), kCorner + fill);
@@ -100,9 +107,7 @@ TEST_F(DrawingCallTest, FillPath_RecordsInOrder) {
   EXPECT_EQ(TakeDrawing(), fill);
   EXPECT_TRUE(StrokePath(&surface_, &nothing_));
   EXPECT_EQ(TakeDrawing(), kPen + "SETROP2 0\n");
-}
-
-TEST_F(DrawingCallTest, StrokeAndFillPath_RecordsInOrder) {
+  device_.remembered_colour = 0xFFFFFF;
   EXPECT_TRUE(StrokeAndFillPath(&surface_, &corner_));
   EXPECT_EQ(TakeDrawing(), kPen + "SETROP2 0\n" + kCorner + "SETPOLYFILLMODE 1\n" + kFillBrush +
                                "SETROP2 0\nSTROKEANDFILLPATH\n");
@@ -139,7 +144,8 @@ TEST_F(DrawingCallTest, DeviceState_DecidesWhetherACallIsRecorded) {
     SetLastError(0);
     EXPECT_FALSE(call.draw(nullptr));
     EXPECT_FALSE(call.draw(&foreign_surface));
-    EXPECT_EQ(GetLastError() == ERROR_INVALID_PARAMETER, call.name == std::string("DrvCopyBits"));
+    EXPECT_EQ(GetLastError() == ERROR_INVALID_PARAMETER,
+              call.name == std::string("DrvCopyBits") || call.name == std::string("DrvTextOut"));
     for (const uint32_t flags : {kDrawingRefused | 0u, kDrawingRefused | kDrawingDiscarded}) {
       device_.flags = flags;
       EXPECT_FALSE(call.draw(&surface_));

@@ -19,22 +19,22 @@ DibHeader Header(int32_t width, int32_t height, uint16_t bit_count, uint32_t com
   return {40, width, height, 1, bit_count, compression, 0, 0, 0, 0, 0};
 }
 
-struct LocateCase {
-  const char* name;
-  DibHeader header;
-  size_t bits;      // bytes that stand behind the colour table
-  bool found;       // with exactly these
-  size_t expected;  // bytes of the located bits
-};
-
 TEST(LocatePackedDib, HeaderAndBits_FoundOrRefused) {
-  const LocateCase kCases[] = {
+  const struct {
+    const char* name;
+    DibHeader header;
+    size_t bits;      // bytes that stand behind the colour table
+    bool found;       // with exactly these
+    size_t expected;  // bytes of the located bits
+  } kCases[] = {
       {"1 bit, padded rows", Header(33, 2, 1), 16, true, 16},
       {"4 bits", Header(5, 3, 4), 12, true, 12},
       {"8 bits, bytes behind the bits", Header(5, 3, 8), 30, true, 24},
       {"16 bits", Header(3, 1, 16), 8, true, 8},
       {"24 bits top-down", Header(3, -2, 24), 24, true, 24},
       {"32 bits", Header(1, 1, 32), 4, true, 4},
+      {"no header", {}, 99, false, 0},
+      {"header of another size", {108, 1, 1, 1, 24, 0, 0, 0, 0, 0, 0}, 99, false, 0},
       {"one byte short", Header(3, -2, 24), 23, false, 0},
       {"run-length takes all that is there", Header(100, 100, 8, kDibRle8), 7, true, 7},
       {"run-length without bits", Header(100, 100, 4, kDibRle4), 0, false, 0},
@@ -48,7 +48,7 @@ TEST(LocatePackedDib, HeaderAndBits_FoundOrRefused) {
       {"product beyond 32 bits", Header(0x10000, 0x10000, 8), 99, false, 0},
       {"product beyond 64 bits", Header(INT32_MAX, INT32_MIN, 32), 99, false, 0},
   };
-  for (const LocateCase& c : kCases) {
+  for (const auto& c : kCases) {
     SCOPED_TRACE(c.name);
     const auto block = PackedBlock(c.header, c.bits, 3);
     const auto dib = LocatePackedDib(block, 3);
@@ -57,14 +57,6 @@ TEST(LocatePackedDib, HeaderAndBits_FoundOrRefused) {
     EXPECT_EQ(dib->bits.data(), block.data() + 3 + PackedBitsOffset(c.header.bit_count));
     EXPECT_EQ(dib->bits.size(), c.expected);
     EXPECT_EQ(dib->info.header.size_image, c.header.compression != kDibRgb ? c.expected : 0);
-  }
-}
-
-TEST(LocatePackedDib, HeaderSize_OnlyForty) {
-  for (const uint32_t size : {0u, 12u, 39u, 41u, 108u, 124u, UINT32_MAX}) {
-    DibHeader header = Header(1, 1, 24);
-    header.size = size;
-    EXPECT_FALSE(LocatePackedDib(PackedBlock(header, 200), 0)) << size;
   }
 }
 

@@ -58,6 +58,8 @@ TEST_F(WritePathTest, Runs_BecomeRecords) {
        "MOVETO 0 0\nLINETO 10 0\nLINETO 10 5\nLINETO 0 5\nCLOSEFIGURE\n"},
       {"halves round up", {RunOf(kClosed, {9.5, 1.4375, -0.5, 1.4375, -0.5, 7, 9.5, 7})}, kNoFillMode,
        "RECTANGLE 0 1 10 7\nCLOSEFIGURE\n"},
+      {"halves below zero", {RunOf(kBegin, {-1.5, -1.5625, -0.5625, 0.4375})}, kNoFillMode,
+       "MOVETO -1 -2\nLINETO -1 0\n"},
       {"curves between lines, over three runs",
        {RunOf(kBegin, {1, 1, 2, 2}), RunOf(PD_BEZIERS, {3, 3, 4, 4, 5, 5, 6, 6, 7, 7, 8, 8}),
         RunOf(PD_CLOSEFIGURE, {9, 9})}, kNoFillMode,

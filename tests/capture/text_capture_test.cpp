@@ -180,12 +180,10 @@ TEST_F(TextCaptureTest, PositionsInBatches_GiveARunEach) {
   host::FailNextCall("STROBJ_bEnum");
   EXPECT_FALSE(Draw(&surface_, &text, &font_));
   EXPECT_EQ(TakeDrawing(), kState);
-}
 
-TEST_F(TextCaptureTest, StringWithoutCharacters_RecordsNone) {
-  auto text = String(L"ab", SO_FLAG_DEFAULT_PLACEMENT);
-  text.pwszOrg = nullptr;
-  EXPECT_TRUE(Draw(&surface_, &text, &font_));
+  auto without_characters = String(L"ab", SO_FLAG_DEFAULT_PLACEMENT);
+  without_characters.pwszOrg = nullptr;
+  EXPECT_TRUE(Draw(&surface_, &without_characters, &font_));
   EXPECT_EQ(TakeDrawing(), kState + RunOf("120 70", 2, Out("120 70", "")));
 }
 
@@ -212,36 +210,16 @@ TEST_F(TextCaptureTest, Transform_IsResetBehindTheBracketOnSuccessAndInsideOnFai
                                "RESETWORLDTRANSFORM\nRESTOREDC\n");
 }
 
-TEST_F(TextCaptureTest, MissingArgumentsAndDeviceState_DecideBeforeAnythingIsRecorded) {
+TEST_F(TextCaptureTest, MissingArguments_RefusedBeforeAnythingIsRecorded) {
   auto text = String(L"a", 0);
-  SURFOBJ foreign = {};
   const auto refuses = [&](SURFOBJ* surface, STROBJ* string, FONTOBJ* font) {
     SetLastError(0);
     return !Draw(surface, string, font) && GetLastError() == ERROR_INVALID_PARAMETER;
   };
   EXPECT_TRUE(refuses(nullptr, &text, &font_));
-  EXPECT_TRUE(refuses(&foreign, &text, &font_));
   EXPECT_TRUE(refuses(&surface_, nullptr, &font_));
   EXPECT_TRUE(refuses(&surface_, &text, nullptr));
-  device_.flags = kDrawingRefused;
-  EXPECT_FALSE(Draw(&surface_, &text, &font_));
-  device_.flags = kDrawingDiscarded;
-  EXPECT_TRUE(Draw(&surface_, &text, &font_));
   EXPECT_EQ(TakeRecords(), "");
-}
-
-TEST_F(TextCaptureTest, PayloadsThatFindNoMemory_AreDroppedSilently) {
-  auto text = String(L"abc", SO_HORIZONTAL);
-  BOOL drawn = FALSE;
-  {
-    const test::FailingAllocation no_memory(0, /*rest=*/true);
-    drawn = Draw(&surface_, &text, &font_);
-  }
-  EXPECT_TRUE(drawn);
-  EXPECT_EQ(TakeDrawing(), ByGlyph(""));
-}
-
-TEST(GetGlyphMode, AnyFont_IsBits) {
   EXPECT_EQ(quillo::DrvGetGlyphMode(nullptr, nullptr), ULONG{FO_GLYPHBITS});
 }
 

@@ -103,37 +103,30 @@ TEST_F(FontMapManagerTest, SixtyFonts_OnlyTheFirstSlotIsReplaced) {
 }
 
 TEST_F(FontMapManagerTest, Fonts_AreToldApartByFaceAndDecidingMetrics) {
-  // clang-format off
-#define QUILLO_FIELD(name) offsetof(TEXTMETRICW, name)
+  using M = TEXTMETRICW;
   const size_t deciding[] = {
-      QUILLO_FIELD(tmHeight), QUILLO_FIELD(tmWeight), QUILLO_FIELD(tmOverhang),
-      QUILLO_FIELD(tmDigitizedAspectX), QUILLO_FIELD(tmDigitizedAspectY), QUILLO_FIELD(tmFirstChar),
-      QUILLO_FIELD(tmLastChar), QUILLO_FIELD(tmDefaultChar), QUILLO_FIELD(tmBreakChar),
-      QUILLO_FIELD(tmItalic), QUILLO_FIELD(tmUnderlined), QUILLO_FIELD(tmStruckOut),
-      QUILLO_FIELD(tmPitchAndFamily), QUILLO_FIELD(tmCharSet)};
-  const size_t others[] = {
-      QUILLO_FIELD(tmAscent), QUILLO_FIELD(tmDescent), QUILLO_FIELD(tmInternalLeading),
-      QUILLO_FIELD(tmExternalLeading), QUILLO_FIELD(tmAveCharWidth), QUILLO_FIELD(tmMaxCharWidth)};
-#undef QUILLO_FIELD
-  // clang-format on
+      offsetof(M, tmHeight),           offsetof(M, tmWeight),      offsetof(M, tmOverhang),
+      offsetof(M, tmDigitizedAspectX), offsetof(M, tmFirstChar),   offsetof(M, tmDigitizedAspectY),
+      offsetof(M, tmLastChar),         offsetof(M, tmDefaultChar), offsetof(M, tmBreakChar),
+      offsetof(M, tmItalic),           offsetof(M, tmUnderlined),  offsetof(M, tmStruckOut),
+      offsetof(M, tmPitchAndFamily),   offsetof(M, tmCharSet)};
+  const size_t others[] = {offsetof(M, tmAscent),          offsetof(M, tmDescent),
+                           offsetof(M, tmInternalLeading), offsetof(M, tmExternalLeading),
+                           offsetof(M, tmAveCharWidth),    offsetof(M, tmMaxCharWidth)};
   FakeFont first;
   EXPECT_TRUE(BuildsFor(first));
-  const auto changed = [](size_t offset) {
+  CFontMapper mapper;
+  EXPECT_TRUE(mapper.Build(first.Dc()));
+  const auto check = [&](size_t offset, bool decides) {
     FakeFont font;
     reinterpret_cast<BYTE*>(&font.metrics)[offset] = 1;
-    return font;
+    CFontMapper other;
+    EXPECT_TRUE(other.Build(font.Dc()));
+    EXPECT_FALSE(other == mapper) << offset;
+    EXPECT_EQ(BuildsFor(font), decides) << offset;
   };
-  for (const size_t offset : others) {
-    FakeFont font = changed(offset);
-    EXPECT_FALSE(BuildsFor(font)) << offset;
-    CFontMapper a, b;
-    EXPECT_TRUE(a.Build(first.Dc()) && b.Build(font.Dc()));
-    EXPECT_FALSE(a == b) << offset;
-  }
-  for (const size_t offset : deciding) {
-    FakeFont font = changed(offset);
-    EXPECT_TRUE(BuildsFor(font)) << offset;
-  }
+  for (const size_t offset : others) check(offset, false);
+  for (const size_t offset : deciding) check(offset, true);
   FakeFont other_face{.face = L"Some Other Face"}, other_case{.face = L"some face"};
   EXPECT_TRUE(BuildsFor(other_face));
   EXPECT_TRUE(BuildsFor(other_case));

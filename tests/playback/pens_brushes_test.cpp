@@ -43,14 +43,16 @@ const ObjectCase kObjectCases[] = {
      [] { return CreateDIBPatternBrushPt(kPattern.data(), DIB_RGB_COLORS); }},
 };
 
-TEST(PensAndBrushes, EachKind_SelectedAndReplaced) {
+TEST(PensAndBrushes, EachKind_SelectedReplacedAndDeleted) {
+  constexpr int kTimes = 20;
   for (const ObjectCase& c : kObjectCases) {
     Page page;
-    EXPECT_EQ(page.Play(c.type, c.payload), 1);
-    EXPECT_EQ(page.Play(c.type, c.payload), 1);
+    const uintptr_t before = FreshObjectIndex();
+    for (int i = 0; i < kTimes; ++i) EXPECT_EQ(page.Play(c.type, c.payload), 1);
     page.Play(REC_RESTOREDC);
+    EXPECT_LE(FreshObjectIndex(), before + 2);
     EXPECT_EQ(page.Records(), RecordDirect([&](HDC dc) {
-                for (int i = 0; i < 2; ++i) {
+                for (int i = 0; i < kTimes; ++i) {
                   const HGDIOBJ object = c.create();
                   { const SelectScope selected(dc, object); }
                   DeleteObject(object);
@@ -58,19 +60,6 @@ TEST(PensAndBrushes, EachKind_SelectedAndReplaced) {
                 RestoreDC(dc, -1);
               }));
   }
-}
-
-TEST(PensAndBrushes, ManyOfEach_NoObjectLeft) {
-  const auto play_page = [] {
-    Page page;
-    for (int i = 0; i < 50; ++i) {
-      for (const ObjectCase& c : kObjectCases) page.Play(c.type, c.payload);
-    }
-  };
-  play_page();
-  const uintptr_t before = FreshObjectIndex();
-  for (int i = 0; i < 10; ++i) play_page();
-  EXPECT_LE(FreshObjectIndex(), before + 10);
 }
 
 HPEN WINAPI NoPen(const LOGPEN*) { return nullptr; }
@@ -158,17 +147,17 @@ TEST(PenBrush, EachPen_BrushForGdiAndInvertedRestore) {
   }
 }
 
-TEST(PenBrush, PendingForEver_AndNoFillBrush) {
+TEST(PenBrush, PendingForEver) {
   const ImportPatch patch("ExtCreatePen", WatchExtCreatePen);
   Page page;
-  EXPECT_EQ(page.Play(REC_CREATEBRUSH, BrushRecord(BS_SOLID, 0x123456, 0, kPenBrush)), 1);
+  page.Play(REC_CREATEBRUSH, kHatchedPenBrush);
   EXPECT_EQ(page.context.current_brush, nullptr);
   page.Play(REC_CREATEBRUSH, BrushRecord(BS_SOLID, 0x00FF00, 0, kFillBrush));
-  EXPECT_EQ(page.context.pen_brush_pending, 1u);
-  page.Play(REC_EXTCREATEPEN, PenRecord(PS_GEOMETRIC, 3));
-  EXPECT_EQ(asked.brush.lbColor, 0x123456u);
-  page.Play(REC_EXTCREATEPEN, PenRecord(PS_GEOMETRIC, 3));
-  EXPECT_EQ(asked.brush.lbStyle, 0xFFFFFFFFu);
+  for (const UINT style : {UINT{BS_HATCHED}, UINT{0xFFFFFFFF}}) {
+    page.Play(REC_EXTCREATEPEN, PenRecord(PS_GEOMETRIC, 3));
+    EXPECT_EQ(asked.brush.lbColor, 0x99u);
+    EXPECT_EQ(asked.brush.lbStyle, style);
+  }
 }
 
 TEST(PatternBrush, CopyOfTheBytes_OrNoPatternAtAll) {

@@ -63,7 +63,6 @@ TEST(PlayText, FontAndState_EqualTheGdiCalls) {
   Page page;
   PlayFont(page, L"Liberation Mono");  // gives way to the next one
   page.Play(REC_CREATEFONT, PayloadOf(font));
-  page.Play(REC_SETTEXTALIGN, PayloadOf(uint32_t{24}));
   page.Play(REC_SETTEXTALIGN, Payload(1, std::byte{30}));  // missing bytes are zero
   page.Play(REC_SETTEXTCOLOR, PayloadOf(uint32_t{0x123456}));
   EXPECT_EQ(page.Play(REC_EXTTEXTOUT, TextPayload(L"Some text", ETO_OPAQUE)), 1);
@@ -76,7 +75,6 @@ TEST(PlayText, FontAndState_EqualTheGdiCalls) {
   font.lfHeight = -2048;
   font.lfWidth = 0;
   const EmfRecords rest = Drawn(font, L"Some text", ETO_OPAQUE, [](HDC dc) {
-    SetTextAlign(dc, 24);
     SetTextAlign(dc, 30);
     SetTextColor(dc, 0x123456);
   });
@@ -171,16 +169,6 @@ TEST(PlayText, SeenFonts_AreKeyedByTheTransformedHeight) {
   font.lfFaceName[31] = L'x';
   page.Play(REC_CREATEFONT, PayloadOf(font));
   EXPECT_EQ(page.context.seen_fonts.Count(), 2u);
-}
-
-TEST(PlayText, TextRuns_KeepTheirGlyphCounts) {
-  Page page;
-  std::vector<uint32_t> counts;
-  for (const uint32_t count : {43u, 0u, 7u}) {
-    EXPECT_EQ(page.Play(REC_TEXTRUN, PayloadOf(Payload(28), count, Payload(6))), 1);
-  }
-  page.context.run_list.ForEach([&](uint32_t count) { counts.push_back(count); });
-  EXPECT_EQ(counts, (std::vector<uint32_t>{43, 0, 7}));
 }
 
 }  // namespace
