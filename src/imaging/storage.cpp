@@ -16,6 +16,8 @@ namespace {
 
 constexpr uint32_t kStorageFlags = kAllocated | kMemory | kDisk | kLocked | kCompressed |
                                    kCallerMemory | kGlobalMemory | kTiled | 0x8000;
+constexpr size_t kLevels8 = 256;             // entries of the lookup tables
+constexpr size_t kLevels16 = 65536;          //
 constexpr uint32_t kAlignment = 32;          // bytes, of the first row in a section
 constexpr uint32_t kSmallestWithLock = 244;  // records above this size have a lock
 
@@ -35,10 +37,10 @@ void ReleaseTables(BitmapHandle& record) {
 }
 
 bool AllocateTables(BitmapHandle& record) {
-  record.lookup8 = AllocateIdentity<uint8_t>(256);
+  record.lookup8 = AllocateIdentity<uint8_t>(kLevels8);
   if (record.lookup8 == nullptr) return false;
   if (record.structure_size > kOldForm) {
-    record.lookup16 = AllocateIdentity<uint16_t>(65536);
+    record.lookup16 = AllocateIdentity<uint16_t>(kLevels16);
     if (record.lookup16 == nullptr) return false;
   }
   if (record.structure_size > kSmallestWithLock) {
@@ -182,7 +184,9 @@ int AllocateLike(const BitmapHandle& model, uint32_t width, uint32_t height, Bit
   fresh->colour_order = model.colour_order;
   fresh->view_perspective = model.view_perspective;
   result = AllocateStorage(*fresh, ThreadSettings().memory_type);
-  if (result != kSuccess || model.palette == nullptr) return result;
+  if (result != kSuccess) return result;
+  if (model.lookup8 != nullptr) std::copy_n(model.lookup8, kLevels8, fresh->lookup8);
+  if (model.palette == nullptr) return kSuccess;
   fresh->colours = model.colours;
   result = AllocatePalette(*fresh);
   if (result == kSuccess) std::ranges::copy(PaletteOf(model), fresh->palette);

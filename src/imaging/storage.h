@@ -13,9 +13,9 @@ int AllocateStorage(BitmapHandle& record, uint32_t memory_type);
 /// Releases storage, lookup tables and lock, and clears the storage flags.
 void ReleaseStorage(BitmapHandle& record);
 
-/// Initialises `fresh` as a bitmap like `model` (form, depth, colour order, row order, palette) of
-/// another size, with storage of the thread's default memory type. After a failure it is to be
-/// freed all the same.
+/// Initialises `fresh` as a bitmap like `model` (form, depth, colour order, row order, palette,
+/// levels) of another size, with storage of the thread's default memory type. After a failure it is
+/// to be freed all the same.
 int AllocateLike(const BitmapHandle& model, uint32_t width, uint32_t height, BitmapHandle* fresh);
 
 /// Exchanges the pixels, sizes and row orders of two records of one form; all else stays.

@@ -94,8 +94,7 @@ TEST(Create, Arguments_GiveTheirCodes) {
   uint8_t data[64];
   struct {
     const char* name;
-    uint32_t type, width, bits, order, view;
-    uint64_t data_size;
+    uint32_t type, width, bits, order, view, data_size;
     int result;
   } const cases[] = {
       {"no pixels", 1, 0, 8, 0, 0, 0, kEmptyData},
