@@ -58,6 +58,10 @@ class TextCollector {
       case emf::kEmrEXTTEXTOUTW:
         TakeText(TextOf(record.bytes));
         break;
+      case emf::kEmrRESTOREDC:
+        // The driver puts the DC back after each call, which may have drawn glyph by glyph.
+        call_open_ = false;
+        break;
     }
   }
 
@@ -74,12 +78,15 @@ class TextCollector {
     const auto lost = std::ranges::count(text, L'\0');
     if (lost != 0) content_.lost_characters[face_] += static_cast<uint64_t>(lost);
     std::ranges::replace(text, L'\0', L'\xFFFD');
-    content_.text.push_back(ToUtf8(text));
+    if (!call_open_) content_.text.emplace_back();
+    call_open_ = true;
+    content_.text.back() += ToUtf8(text);
   }
 
   PageContent& content_;
   std::map<uint32_t, std::string> faces_;  // of the font objects, by number
   std::string face_;                       // of the selected font
+  bool call_open_ = false;                 // whether the last text's call may go on
 };
 
 }  // namespace

@@ -11,7 +11,7 @@ namespace quillo::host {
 /// What a page of the driver holds.
 struct PageContent {
   std::map<std::string, uint64_t> records;  // by type
-  std::vector<std::string> text;            // each run of characters, in the order of drawing
+  std::vector<std::string> text;            // of each text call, in the order of drawing
   uint64_t characters = 0;                  // of all runs, in UTF-16 units
   /// By face name: glyphs for which the page has no character. They stand in `text` as U+FFFD.
   std::map<std::string, uint64_t> lost_characters;
