@@ -22,7 +22,10 @@ BOOL APIENTRY DrvStartDoc(SURFOBJ* surface, LPWSTR /*document*/, DWORD job_id) n
   DEVICE_PDEV* device = DeviceOf(surface);
   if (device == nullptr) return FALSE;
   // A document that continues on a reset device keeps its job.
-  if ((device->flags & kDocumentOpen) == 0) device->job = OpenJob(device->printer, job_id);
+  if ((device->flags & kDocumentOpen) == 0) {
+    device->job = OpenJob(device->printer, job_id);
+    device->job_ended = 0;  // an end without a document may have come before
+  }
 
   // A job that could not be opened shows itself in the page callbacks.
   const records::Point offset = {device->physical_offset.x, device->physical_offset.y};

@@ -2,6 +2,7 @@
 
 #include <new>
 #include <strsafe.h>
+#include <utility>
 
 #include "base/module_instance.h"
 #include "base/text.h"
@@ -73,7 +74,10 @@ void DestroyJob(CQloPrinter* job) {
   if (SUCCEEDED(job->com_result)) CoUninitialize();
 
   const HANDLE heap = job->heap;
+  Library resources = std::move(job->resources);
   job->~CQloPrinter();
+  HeapFree(heap, 0, job);
+  resources.Reset();
   HeapDestroy(heap);
 }
 
@@ -136,6 +140,7 @@ bool StartPage(CQloPrinter* job) {
 bool SendPage(CQloPrinter* job) {
   if (job == nullptr) return false;
   job->record_buffer.Reset();
+  job->lost_bytes = 0;
   ++job->pages_sent;
   return FinishPage(*job);
 }

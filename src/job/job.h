@@ -42,6 +42,7 @@ struct CQloPrinter {
   HRESULT com_result = E_FAIL;   // of the job's CoInitializeEx
   HANDLE heap;
   CBuffer record_buffer;
+  uint64_t lost_bytes = 0;             // still to come of a record that memory was too short for
   wchar_t font_folder[MAX_PATH] = {};  // where embedded fonts go; empty = nowhere
   wchar_t page_path[MAX_PATH] = {};    // file of the current page; empty = none
   ComPtr<IQuilloPage> page_object;     // the client's, for the current page

@@ -1,3 +1,5 @@
+#include <algorithm>
+
 #include "capture/records/framing.h"
 #include "capture/records/types.h"
 #include "job/job.h"
@@ -20,13 +22,30 @@ void PlayWholeRecords(CQloPrinter& job) {
   if (buffer.Unread().empty()) buffer.Reset();
 }
 
+/// Drops the record that `piece`, for which there is no memory, belongs to: what is buffered of it,
+/// the piece, and what is still to come. The records behind it are played as ever.
+void DropRecord(CQloPrinter& job, Bytes piece) {
+  const Bytes begun = job.record_buffer.Unread();
+  // Every header comes whole, alone or in front of its payload.
+  const auto header = LoadOrZero<records::RecordHeader>(begun.empty() ? piece : begun);
+  const uint64_t size = sizeof(header) + uint64_t{header.payload_size};
+  const uint64_t come = begun.size() + piece.size();
+  job.lost_bytes = size > come ? size - come : 0;
+  job.record_buffer.Reset();
+}
+
 }  // namespace
 
 int32_t WriteJob(CQloPrinter* job, const void* bytes, uint32_t size, uint32_t* written) {
   if (job != nullptr) {
     ++job->record_count;
-    job->record_buffer.Append(bytes, size);
-    PlayWholeRecords(*job);
+    if (job->lost_bytes != 0) {
+      job->lost_bytes -= std::min<uint64_t>(job->lost_bytes, size);
+    } else if (job->record_buffer.Append(bytes, size) == size) {
+      PlayWholeRecords(*job);
+    } else {
+      DropRecord(*job, Bytes(static_cast<const std::byte*>(bytes), size));
+    }
   }
   if (written != nullptr) *written = size;
   return 1;

@@ -68,8 +68,8 @@ ComPtr<IQuilloPage> OpenClientPage(const CQloPrinter& job) {
   return page;
 }
 
-void NotifyPage(const CQloPrinter& job, IQuilloPage& page) {
-  if (ClientConnected(job)) job.client->NotifyPage(job.printer_name.Get(), IdOf(job), &page);
+void NotifyPage(const CQloPrinter& job, IQuilloPage* page) {
+  if (ClientConnected(job)) job.client->NotifyPage(job.printer_name.Get(), IdOf(job), page);
 }
 
 HRESULT NotifyEmbeddedFont(const CQloPrinter& job, const wchar_t* path) {

@@ -24,8 +24,9 @@ void NotifyPageError(const CQloPrinter& job);
 /// Gets the page's object from the client and announces the page. The object is empty on failure.
 ComPtr<IQuilloPage> OpenClientPage(const CQloPrinter& job);
 
-/// Delivers the page's file.
-void NotifyPage(const CQloPrinter& job, IQuilloPage& page);
+/// Delivers the page's file. A null `page`, which the client did not hand out, is passed on as it
+/// is: the client still hears that a page is done.
+void NotifyPage(const CQloPrinter& job, IQuilloPage* page);
 
 /// Announces an embedded font file. S_OK when no client is connected: the job keeps the file.
 HRESULT NotifyEmbeddedFont(const CQloPrinter& job, const wchar_t* path);

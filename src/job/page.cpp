@@ -55,6 +55,9 @@ MetafileDc CreatePageMetafile(const CQloPrinter& job, const Extent& sheet) {
 }  // namespace
 
 bool BeginPage(CQloPrinter& job) {
+  // A page that was begun and never sent gives way to the new one.
+  ClosePageMetafile(job);
+  DropPageFile(job);
   TakePageFile(job);
   job.page_object = OpenClientPage(job);
 
@@ -92,13 +95,11 @@ bool ClosePageMetafile(CQloPrinter& job) {
 bool FinishPage(CQloPrinter& job) {
   const bool closed = ClosePageMetafile(job);
   if (!closed) NotifyPageError(job);
-  if (closed && (job.state & kJobValid) != 0 && (job.state & kPageFilePending) != 0 &&
-      job.page_object) {
-    HandOverTextRuns(*job.page_object.Get(), job.playback.run_list);
-    NotifyPage(job, *job.page_object.Get());
+  if (closed && (job.state & kJobValid) != 0 && (job.state & kPageFilePending) != 0) {
+    if (job.page_object) HandOverTextRuns(*job.page_object.Get(), job.playback.run_list);
+    NotifyPage(job, job.page_object.Get());
   }
   DropPageFile(job);
-  job.playback.run_list.Clear();
   return closed;
 }
 
@@ -107,6 +108,7 @@ void DropPageFile(CQloPrinter& job) {
   if (job.page_path[0] != L'\0') DeleteFileW(job.page_path);
   job.page_path[0] = L'\0';
   job.state &= ~kPageFilePending;
+  job.playback.run_list.Clear();
 }
 
 }  // namespace quillo

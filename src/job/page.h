@@ -15,7 +15,7 @@ bool ClosePageMetafile(CQloPrinter& job);
 /// Closes the metafile, delivers it to the client and deletes its file. True when it was closed.
 bool FinishPage(CQloPrinter& job);
 
-/// Deletes a page file that was not delivered.
+/// Deletes the page's file, delivered or not, and forgets what is kept of the page.
 void DropPageFile(CQloPrinter& job);
 
 }  // namespace quillo

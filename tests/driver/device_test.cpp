@@ -195,6 +195,17 @@ TEST_F(Device, SurfaceFailures_LeaveNothing) {
   quillo::DrvDisablePDEV(device);
 }
 
+TEST_F(Device, EndWithoutADocument_LeavesTheNextItsJob) {
+  SURFOBJ surface = {};
+  surface.dhpdev = Enable();
+  EXPECT_TRUE(quillo::DrvEndDoc(&surface, 0));
+  EXPECT_TRUE(quillo::DrvStartDoc(&surface, nullptr, 1));
+  EXPECT_NE(LivingJob(*FindDevice(&surface)), nullptr);
+  EXPECT_TRUE(quillo::DrvEndDoc(&surface, 0));
+  EXPECT_EQ(LivingJob(*FindDevice(&surface)), nullptr);
+  quillo::DrvDisablePDEV(surface.dhpdev);
+}
+
 TEST_F(Device, Reset_CarriesAnOpenDocument) {
   const DHPDEV old_handle = Enable();
   const DHPDEV new_handle = Enable();

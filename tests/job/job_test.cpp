@@ -206,7 +206,9 @@ TEST_F(Job, ClientFailsEveryCall_PagesGoOn) {
   Close(job);
   const std::vector<std::string> expected = {Named("NotifyJobStart") + " A document",
                                              "GetPageObject",
+                                             Named("NotifyPage") + " no page",
                                              "GetPageObject",
+                                             Named("NotifyPage") + " no page",
                                              Named("NotifyFontsFile") + " 0",
                                              Named("NotifyDocumentEnd"),
                                              Named("NotifyJobEnd")};
@@ -298,9 +300,10 @@ TEST_F(Job, PrinterGone_PageRefused) {
   Close(job);
 }
 
-TEST_F(Job, PageLeftOpen_ClosedAndDroppedAtTheEnd) {
+TEST_F(Job, PagesNeverSent_ClosedAndDroppedByTheNextAndAtTheEnd) {
   client_.LeaveConnection(spool_job_->Id());
   CQloPrinter* job = Open();
+  ASSERT_TRUE(StartPage(job));
   ASSERT_TRUE(StartPage(job));
   Close(job);
   for (const std::string& call : client_.calls)
@@ -328,6 +331,24 @@ TEST_F(Job, PiecesOfARecord_PlayedOnceWhole) {
   Send(job, records::REC_ESCAPEMARK);
   Send(job, records::REC_PAGEVALUE, &next, sizeof next);
   EXPECT_EQ(job->playback.page_value.x, 56);
+  Close(job);
+}
+
+void* WINAPI NoGrowth(HANDLE, DWORD, void*, SIZE_T) { return nullptr; }
+
+TEST_F(Job, RecordTooLongForMemory_LosesNoOther) {
+  CQloPrinter* job = Open();
+  const std::vector<std::byte> piece(5000);
+  const uint32_t header[] = {records::REC_STRETCHBLT, 10000};
+  WriteJob(job, header, sizeof header, nullptr);
+  {
+    const test::ImportPatch no_memory("HeapReAlloc", NoGrowth);
+    WriteJob(job, piece.data(), 5000, nullptr);
+  }
+  WriteJob(job, piece.data(), 5000, nullptr);
+  const records::Point offset = {12, 34};
+  Send(job, records::REC_PAGEVALUE, &offset, sizeof offset);
+  EXPECT_EQ(job->playback.page_value.x, 12);
   Close(job);
 }
 

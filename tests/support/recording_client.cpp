@@ -166,6 +166,7 @@ class RecordingClient::Client : public Dispatchable<IQuilloClient> {
   }
   static std::string Subject(BSTR printer, LONG job) { return Line(Narrow(printer), "/", job); }
   std::string Number(IDispatch* page) const {
+    if (page == nullptr) return "no page";
     return page == last_page_ ? Line("page ", pages_) : "A FOREIGN PAGE";
   }
 

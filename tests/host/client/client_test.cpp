@@ -171,11 +171,11 @@ INSTANTIATE_TEST_SUITE_P(
     testing::Values(FaultCase{ClientFault::kLate, true, kAllCalls},
                     FaultCase{ClientFault::kHanging, true, kAllCalls},
                     FaultCase{ClientFault::kWithoutTextRuns, true, kAllCalls},
-                    // Without a page object there is nothing to deliver.
                     FaultCase{ClientFault::kFailing,
                               true,
                               {{"NotifyJobStart", 1},
                                {"GetPageObject", 2},
+                               {"NotifyPage", 2},
                                {"NotifyFontsFile", 1},
                                {"NotifyDocumentEnd", 1},
                                {"NotifyJobEnd", 1}}},
