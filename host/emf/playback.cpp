@@ -1,6 +1,7 @@
 #include "host/emf/playback.h"
 
 #include <algorithm>
+#include <cmath>
 #include <utility>
 
 #include "host/emf/far_path.h"
@@ -12,6 +13,30 @@ namespace {
 
 // A file of nothing but EMR_SAVEDC must not fill the memory with states.
 constexpr size_t kMostSaves = 10000;
+
+// Every call takes the outline of its clip and the pixels of its pattern along to the page, so that a
+// small file can ask for a page of gigabytes. This much makes a quarter of one.
+constexpr double kMostPoints = 30e6;
+constexpr double kBytesPerPoint = 8;
+
+// Rows of pixels that the edges of one filled path cross: enough for a hatching of the whole sheet.
+constexpr double kMostCrossings = 3e6;
+
+double Crossings(const Path& path) {
+  double rows = 0;
+  for (const Figure& figure : path.Figures()) {
+    for (size_t i = 1; i < figure.points.size(); ++i) {
+      rows += std::fabs(double{1} * figure.points[i].y - figure.points[i - 1].y) / 16;
+    }
+  }
+  return rows;
+}
+
+size_t PointCount(const Path& path) {
+  size_t count = 0;
+  for (const Figure& figure : path.Figures()) count += figure.points.size();
+  return count;
+}
 
 // Records that leave no trace on a page: what they say of colour management, fonts' identity or the
 // spooler's ways has no place in the driver's pages.
@@ -65,6 +90,10 @@ PlayResult Playback::PlayAll() {
   while (const auto record = reader_.Next()) {
     record_ = *record;
     Play();
+    if (work_ > kMostPoints) {
+      Fault("the file asks for too much work; the rest of it is not drawn");
+      break;
+    }
   }
   return std::move(result_);
 }
@@ -120,7 +149,13 @@ void Playback::StoreObject(uint32_t index, Object object) {
   objects_.Set(index, std::move(object));
 }
 
-DrawState Playback::Drawing() const {
+bool Playback::Spend(double points) {
+  work_ += points;
+  return work_ <= kMostPoints;
+}
+
+DrawState Playback::Drawing() {
+  if (!drawable_.IsRectangle()) Spend(static_cast<double>(PointCount(drawable_.Outline())));
   DrawState drawing;
   drawing.clip = drawable_;
   const PointD origin = device_to_page_.Apply(state_.brush_origin.x, state_.brush_origin.y);
@@ -163,6 +198,7 @@ bool Playback::DescribeBrush(const BrushObject& object, BrushDescription& brush)
     case BrushObject::Kind::kPattern:
       brush.kind = BrushDescription::Kind::kPattern;
       brush.pattern = object.pattern;
+      Spend(static_cast<double>(object.pattern->bits.size()) / kBytesPerPoint);
       return true;
     case BrushObject::Kind::kMonoPattern:
       brush.kind = BrushDescription::Kind::kPattern;
@@ -191,6 +227,12 @@ void Playback::Stroke(const Path& outline) {
   canvas_.Stroke(LeadsFar(outline) ? NearLine(outline) : outline, pen, Drawing());
 }
 
+bool Playback::CanFill(const Path& path) {
+  if (Crossings(path) <= kMostCrossings) return true;
+  Fault("the inside of its path is too intricate to be drawn");
+  return false;
+}
+
 void Playback::Fill(const Path& outline) {
   BrushDescription brush;
   if (state_.rop2 == R2_NOP || outline.Empty() || !DescribeBrush(*state_.brush, brush)) return;
@@ -205,7 +247,7 @@ void Playback::StrokeAndFill(const Path& outline) {
     Stroke(outline);
     return;
   }
-  if (state_.rop2 == R2_NOP || outline.Empty()) return;
+  if (state_.rop2 == R2_NOP || outline.Empty() || !CanFill(outline)) return;
   canvas_.StrokeAndFill(outline, pen, brush, PolyFillMode(), Drawing());
 }
 

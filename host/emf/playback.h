@@ -60,8 +60,11 @@ class Playback {
   const Transform& DeviceToPage() const { return device_to_page_; }
 
   // -- Drawing --------------------------------------------------------------------------------
-  /// Everything of a DC that a drawing call takes along.
-  DrawState Drawing() const;
+  /// Everything of a DC that a drawing call takes along. Counts as one call's work.
+  DrawState Drawing();
+  /// Counts work that a record asks for, in points that the page gets to hold. False when the file
+  /// has asked for more than any real one does: then no more records are drawn.
+  bool Spend(double points);
   FillMode PolyFillMode() const;
   /// The colour itself: palette indexes looked up, the flag byte gone.
   COLORREF Resolve(COLORREF color) const;
@@ -69,6 +72,9 @@ class Playback {
   bool DescribeBrush(const BrushObject& object, BrushDescription& brush);
   /// Whether there is a pen that draws; `pen` gets it as the engine takes it.
   bool DescribePen(PenDescription& pen);
+
+  /// Whether a path's inside can be worked out in reasonable time; if not, that is reported.
+  bool CanFill(const Path& path);
 
   // With the DC's pen and brush, as far as they draw.
   void Stroke(const Path& outline);
@@ -112,6 +118,7 @@ class Playback {
   ClipShape drawable_;  // state_.clip and state_.meta together
   ObjectTable objects_;
   FontCache fonts_;
+  double work_ = 0;  // points
   GrowingPath path_;
   bool in_path_ = false;
   Shared<BitmapSource> mono_original_;  // last used in text colours,

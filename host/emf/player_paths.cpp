@@ -40,6 +40,7 @@ void SelectClipPath(Playback& dc, PayloadReader& record) {
     dc.Fault("there is no way " + std::to_string(mode) + " to combine regions");
     return;
   }
+  if (!dc.CanFill(path)) return;
   DcState& state = dc.state();
   const auto shape = ClipShape::OfPath(path, dc.PolyFillMode());
   state.clip = state.clip.Combined(shape, static_cast<int>(mode));

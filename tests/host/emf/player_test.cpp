@@ -1,5 +1,6 @@
 #include "host/emf/player.h"
 
+#include <algorithm>
 #include <gtest/gtest.h>
 #include <string>
 
@@ -388,6 +389,24 @@ TEST(Player, WhatLeadsFar_IsDrawnAsFarAsItIsNear) {
   EXPECT_EQ(Play({{kEmrPOLYGON, {kB, kB, kB, kB, 3, 0, 0, 1000000, 0, 1000000, 1000000}}}).calls,
             "Fill M0,0 L65536,0 L65536,65536 Z | #ffffff\n"
             "Stroke M0,0 L65536,0 M65536,65536 L0,0 | thin pen #000000\n");
+}
+
+TEST(Player, EndlessWork_EndsWithAFault) {
+  // A clip of 2000 squares, and 5000 lines that each take it along.
+  std::vector<uint32_t> region = {32 + 16 * 2000, RGN_COPY, 32, 1, 2000, 16 * 2000, 0, 0, 9, 9};
+  for (uint32_t i = 0; i < 2000; ++i) {
+    region.insert(region.end(), {i % 50 * 4, i / 50 * 4, i % 50 * 4 + 2, i / 50 * 4 + 2});
+  }
+  std::vector<RecordSpec> records(5001, kLine);
+  records[0] = {kEmrEXTSELECTCLIPRGN, region};
+  const Played played = Play(records);
+  EXPECT_NE(played.faults.find("asks for too much work"), std::string::npos);
+  EXPECT_LT(std::count(played.calls.begin(), played.calls.end(), '\n'), 4000);
+
+  // A polygon whose edges cross the whole sheet a thousand times.
+  std::vector<uint32_t> zigzag = {kB, kB, kB, kB, 1000};
+  for (uint32_t i = 0; i < 1000; ++i) zigzag.insert(zigzag.end(), {i, i % 2 * 6000});
+  EXPECT_NE(Play({{kEmrPOLYGON, zigzag}}).faults.find("too intricate"), std::string::npos);
 }
 
 TEST(Player, SavedStates_AreBounded) {
