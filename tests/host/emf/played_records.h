@@ -20,7 +20,7 @@ inline uint32_t S(int16_t low, int16_t high) {
 
 constexpr uint32_t kStock = 0x80000000;
 
-struct RecordSpec {
+struct TestRecord {
   uint32_t type;
   std::vector<uint32_t> payload;
 };
@@ -31,7 +31,7 @@ struct Played {
   std::map<std::string, int> not_carried;
 };
 
-inline Played Play(const std::vector<RecordSpec>& records, const Transform& to_page = {}) {
+inline Played Play(const std::vector<TestRecord>& records, const Transform& to_page = {}) {
   MetafileBuilder builder;
   for (const auto& [type, payload] : records) builder.Add(type, payload);
   const auto file = builder.Finish();
@@ -45,7 +45,7 @@ inline Played Play(const std::vector<RecordSpec>& records, const Transform& to_p
 }
 
 /// The last call of `records`.
-inline std::string LastCall(const std::vector<RecordSpec>& records, const Transform& to_page = {}) {
+inline std::string LastCall(const std::vector<TestRecord>& records, const Transform& to_page = {}) {
   std::string calls = Play(records, to_page).calls;
   if (!calls.empty()) calls.pop_back();
   return calls.substr(calls.rfind('\n') + 1);

@@ -41,7 +41,7 @@ std::vector<uint32_t> DeviceSource(float scale = 1) {
   return {1, 0, F(scale), F(0), F(0), F(scale), F(0), F(0), 0xFFFFFF, DIB_RGB_COLORS};
 }
 
-RecordSpec BitBltRecord(uint32_t rop, float source_scale = 1) {
+TestRecord BitBltRecord(uint32_t rop, float source_scale = 1) {
   std::vector<uint32_t> payload = {kB, kB, kB, kB, 10, 20, 3, 2, rop};
   Append(payload, DeviceSource(source_scale));
   Append(payload, Place(23, Dib24(), 40));
@@ -50,7 +50,7 @@ RecordSpec BitBltRecord(uint32_t rop, float source_scale = 1) {
 }
 
 /// StretchBlt, AlphaBlend and TransparentBlt: the same, and the source's size at the end.
-RecordSpec StretchRecord(uint32_t type, uint32_t operation, int32_t width, int32_t height) {
+TestRecord StretchRecord(uint32_t type, uint32_t operation, int32_t width, int32_t height) {
   std::vector<uint32_t> payload = {kB, kB, kB, kB, 10, 20, 6, 4, operation};
   Append(payload, DeviceSource());
   Append(payload, Place(25, Dib24(), 40));
@@ -59,7 +59,7 @@ RecordSpec StretchRecord(uint32_t type, uint32_t operation, int32_t width, int32
   return {type, payload};
 }
 
-RecordSpec StretchDibitsRecord(uint32_t rop, const std::vector<uint32_t>& dib,
+TestRecord StretchDibitsRecord(uint32_t rop, const std::vector<uint32_t>& dib,
                                uint32_t info_bytes = 40) {
   std::vector<uint32_t> payload = {kB, kB, kB, kB, 10, 20, 1, 0, 3, 1};
   Append(payload, Place(18, dib, info_bytes));
@@ -68,7 +68,7 @@ RecordSpec StretchDibitsRecord(uint32_t rop, const std::vector<uint32_t>& dib,
   return {kEmrSTRETCHDIBITS, payload};
 }
 
-RecordSpec SetDibitsRecord(uint32_t start_row, uint32_t rows) {
+TestRecord SetDibitsRecord(uint32_t start_row, uint32_t rows) {
   std::vector<uint32_t> payload = {kB, kB, kB, kB, 10, 20, 0, 0, 4, 2};
   Append(payload, Place(17, Dib24(), 40));
   Append(payload, {DIB_RGB_COLORS, start_row, rows});
@@ -76,7 +76,7 @@ RecordSpec SetDibitsRecord(uint32_t start_row, uint32_t rows) {
   return {kEmrSETDIBITSTODEVICE, payload};
 }
 
-RecordSpec MaskBltRecord() {
+TestRecord MaskBltRecord() {
   std::vector<uint32_t> payload = {kB, kB, kB, kB, 10, 20, 3, 2, 0xAACC0020};
   Append(payload, DeviceSource());
   Append(payload, Place(30, Dib24(), 40));
@@ -87,7 +87,7 @@ RecordSpec MaskBltRecord() {
   return {kEmrMASKBLT, payload};
 }
 
-RecordSpec PlgBltRecord() {
+TestRecord PlgBltRecord() {
   std::vector<uint32_t> payload = {kB, kB, kB, kB, 0, 0, 30, 0, 0, 20, 1, 0, 3, 2};
   Append(payload, {F(1), F(0), F(0), F(1), F(0), F(0), 0xFFFFFF, DIB_RGB_COLORS});
   Append(payload, Place(33, Dib24(), 40));
@@ -96,7 +96,7 @@ RecordSpec PlgBltRecord() {
   return {kEmrPLGBLT, payload};
 }
 
-RecordSpec GradientRecord(uint32_t mode) {
+TestRecord GradientRecord(uint32_t mode) {
   return {kEmrGRADIENTFILL,
           {kB, kB, kB, kB, 2, 1, mode,  //
            0, 0, S(0, 0), S(0, 0),      // corner, colours
@@ -106,7 +106,7 @@ RecordSpec GradientRecord(uint32_t mode) {
 const Transform kTwice{2, 0, 0, 2, 0, 0};
 
 TEST(PlayerBitmaps, EachRecord_MakesItsBlit) {
-  const std::pair<RecordSpec, std::string> cases[] = {
+  const std::pair<TestRecord, std::string> cases[] = {
       {BitBltRecord(kCopy), "StretchBlt (20,40)-(26,44) rop 204 | 4x2x24 from (1,0)-(4,2) mode 1"},
       // The source's own transform.
       {BitBltRecord(kCopy, 0.5),
@@ -163,12 +163,12 @@ TEST(PlayerBitmaps, PatternBrushes_HaveTheirOwnOrTheTextsColours) {
     std::vector<uint32_t> payload = {1, DIB_RGB_COLORS};
     Append(payload, Place(6, Dib1(), 48));
     Append(payload, Dib1());
-    return RecordSpec{type, payload};
+    return TestRecord{type, payload};
   };
-  const RecordSpec select = {kEmrSELECTOBJECT, {1}};
-  const RecordSpec fill = {kEmrRECTANGLE, {1, 2, 3, 4}};
-  const RecordSpec no_pen = {kEmrSELECTOBJECT, {0x80000000 | NULL_PEN}};
-  const RecordSpec red_text = {kEmrSETTEXTCOLOR, {RGB(255, 0, 0)}};
+  const TestRecord select = {kEmrSELECTOBJECT, {1}};
+  const TestRecord fill = {kEmrRECTANGLE, {1, 2, 3, 4}};
+  const TestRecord no_pen = {kEmrSELECTOBJECT, {0x80000000 | NULL_PEN}};
+  const TestRecord red_text = {kEmrSETTEXTCOLOR, {RGB(255, 0, 0)}};
   const std::string outline = "Fill M3,2 L1,2 L1,4 L3,4 Z | pattern 8x1x1 ";
   EXPECT_EQ(LastCall({red_text, brush(kEmrCREATEDIBPATTERNBRUSHPT), select, no_pen, fill}),
             outline + "000000/ff0000");
@@ -177,13 +177,13 @@ TEST(PlayerBitmaps, PatternBrushes_HaveTheirOwnOrTheTextsColours) {
 }
 
 TEST(PlayerBitmaps, DamagedBitmaps_AreNotDrawn) {
-  const auto with = [](RecordSpec record, size_t word, uint32_t value) {
+  const auto with = [](TestRecord record, size_t word, uint32_t value) {
     record.payload[word] = value;
     return record;
   };
-  const RecordSpec whole = StretchDibitsRecord(kCopy, Dib24());
+  const TestRecord whole = StretchDibitsRecord(kCopy, Dib24());
   constexpr size_t kDib = 18;  // where it begins, in words
-  const std::pair<RecordSpec, std::string> cases[] = {
+  const std::pair<TestRecord, std::string> cases[] = {
       {with(whole, 11, 1000), "is too short for what it announces"},         // header's size
       {with(whole, 12, 0xFFFFFFF0), "is too short for what it announces"},   // place of the bits
       {with(whole, 13, 8), "a bitmap of 8 bytes that needs 24"},             // size of the bits

@@ -18,7 +18,7 @@ const char kPenAndWhite[] = " | thin pen #000000 | #ffffff";
 
 TEST(Player, DrawingRecord_MakesItsCall) {
   struct Case {
-    RecordSpec record;
+    TestRecord record;
     std::string call;
   };
   const std::vector<Case> cases = {
@@ -78,7 +78,7 @@ TEST(Player, DrawingRecord_MakesItsCall) {
 
 TEST(Player, EveryTruncationOfEveryRecord_DrawsNothingOutsideItsBytes) {
   // Arrays and offsets of this record lie where the payload says; cut short, it must be refused.
-  const std::vector<RecordSpec> records = {
+  const std::vector<TestRecord> records = {
       {kEmrPOLYLINE, {kB, kB, kB, kB, 3, 1, 2, 3, 4, 5, 6}},
       {kEmrPOLYPOLYGON16, {kB, kB, kB, kB, 1, 3, 3, S(1, 2), S(3, 4), S(5, 6)}},
       {kEmrPOLYDRAW, {kB, kB, kB, kB, 1, 1, 2, PT_MOVETO}},
@@ -87,10 +87,10 @@ TEST(Player, EveryTruncationOfEveryRecord_DrawsNothingOutsideItsBytes) {
       {kEmrCREATEPALETTE, {1, 0x300 | 2 << 16, 5, 6}},
       {kEmrEXTCREATEPEN, {1, 0, 0, 0, 0, PS_USERSTYLE, 1, 0, 0, 0, 2, 3, 4}},
   };
-  for (const RecordSpec& whole : records) {
+  for (const TestRecord& whole : records) {
     EXPECT_EQ(Play({whole}).faults, "") << RecordName(whole.type);
     for (size_t size = 0; size < whole.payload.size(); ++size) {
-      RecordSpec cut = whole;
+      TestRecord cut = whole;
       cut.payload.resize(size);
       const Played played = Play({cut});
       EXPECT_EQ(played.calls, "") << RecordName(whole.type) << " " << size;
@@ -100,7 +100,7 @@ TEST(Player, EveryTruncationOfEveryRecord_DrawsNothingOutsideItsBytes) {
 }
 
 TEST(Player, AbsurdCounts_LeaveAFault) {
-  const std::vector<RecordSpec> records = {
+  const std::vector<TestRecord> records = {
       {kEmrPOLYLINE, {kB, kB, kB, kB, 0xFFFFFFFF, 1, 2, 3, 4}},
       {kEmrPOLYBEZIER, {kB, kB, kB, kB, 3, 1, 2, 3, 4, 5, 6}},
       {kEmrPOLYBEZIERTO, {kB, kB, kB, kB, 2, 1, 2, 3, 4}},
@@ -120,7 +120,7 @@ TEST(Player, AbsurdCounts_LeaveAFault) {
       {kEmrCREATEBRUSHINDIRECT, {1, BS_HATCHED, 0, 12}},
       {250, {}},
   };
-  for (const RecordSpec& record : records) {
+  for (const TestRecord& record : records) {
     const Played played = Play({record});
     EXPECT_EQ(played.calls, "");
     EXPECT_NE(played.faults.find("record 2 (" + RecordName(record.type) + "): "), std::string::npos)
@@ -130,11 +130,11 @@ TEST(Player, AbsurdCounts_LeaveAFault) {
 
 // -- State ---------------------------------------------------------------------------------------
 
-const RecordSpec kLine = {kEmrLINETO, {10, 20}};
-const RecordSpec kBox = {kEmrRECTANGLE, {1, 2, 3, 4}};
+const TestRecord kLine = {kEmrLINETO, {10, 20}};
+const TestRecord kBox = {kEmrRECTANGLE, {1, 2, 3, 4}};
 
 TEST(Player, Transforms_MapToThePage) {
-  const std::vector<std::pair<std::vector<RecordSpec>, std::string>> cases = {
+  const std::vector<std::pair<std::vector<TestRecord>, std::string>> cases = {
       {{}, "Line 0,0 10,20"},
       {{{kEmrSETWINDOWORGEX, {1, 2}}}, "Line -1,-2 9,18"},
       {{{kEmrSETVIEWPORTORGEX, {1, 2}}}, "Line 1,2 11,22"},
@@ -169,9 +169,9 @@ TEST(Player, Transforms_MapToThePage) {
 }
 
 TEST(Player, PensAndBrushes_AreDescribed) {
-  const RecordSpec white_pen = {kEmrSELECTOBJECT, {kStock | WHITE_PEN}};
-  const RecordSpec select = {kEmrSELECTOBJECT, {1}};
-  const std::vector<std::pair<std::vector<RecordSpec>, std::string>> cases = {
+  const TestRecord white_pen = {kEmrSELECTOBJECT, {kStock | WHITE_PEN}};
+  const TestRecord select = {kEmrSELECTOBJECT, {1}};
+  const std::vector<std::pair<std::vector<TestRecord>, std::string>> cases = {
       {{white_pen}, "Stroke|thin pen #ffffff | #ffffff"},
       {{{kEmrSELECTOBJECT, {kStock | NULL_PEN}}}, "Fill|#ffffff"},
       {{{kEmrSELECTOBJECT, {kStock | NULL_BRUSH}}}, "StrokeOnly|thin pen #000000"},
@@ -228,12 +228,12 @@ TEST(Player, PensAndBrushes_AreDescribed) {
 }
 
 TEST(Player, PenWidths_FollowTheTransformExceptCosmetic) {
-  const RecordSpec select = {kEmrSELECTOBJECT, {1}};
-  const RecordSpec geometric = {kEmrEXTCREATEPEN,
+  const TestRecord select = {kEmrSELECTOBJECT, {1}};
+  const TestRecord geometric = {kEmrEXTCREATEPEN,
                                 {1, 0, 0, 0, 0, PS_GEOMETRIC, 2, BS_SOLID, 0, 0, 0}};
-  const RecordSpec cosmetic = {kEmrEXTCREATEPEN,
+  const TestRecord cosmetic = {kEmrEXTCREATEPEN,
                                {1, 0, 0, 0, 0, PS_COSMETIC, 1, BS_SOLID, 0, 0, 0}};
-  const RecordSpec simple = {kEmrCREATEPEN, {1, PS_SOLID, 1, 0, 0}};
+  const TestRecord simple = {kEmrCREATEPEN, {1, PS_SOLID, 1, 0, 0}};
   const Transform six{6, 0, 0, 6, 0, 0};
   const Transform turned{0, 6, -6, 0, 0, 0};
   EXPECT_EQ(LastCall({geometric, select, kLine}, six), "Line 0,0 60,120 | pen #000000 width 12");
@@ -259,11 +259,11 @@ TEST(Player, ArcDirection_TurnsArcs) {
 
 // -- Paths ---------------------------------------------------------------------------------------
 
-const RecordSpec kBegin = {kEmrBEGINPATH, {}};
-const RecordSpec kEnd = {kEmrENDPATH, {}};
+const TestRecord kBegin = {kEmrBEGINPATH, {}};
+const TestRecord kEnd = {kEmrENDPATH, {}};
 
 TEST(Player, PathBracket_CollectsFigures) {
-  const std::vector<RecordSpec> figures = {
+  const std::vector<TestRecord> figures = {
       {kEmrMOVETOEX, {1, 1}},
       {kEmrLINETO, {2, 1}},
       {kEmrLINETO, {2, 2}},
@@ -280,7 +280,7 @@ TEST(Player, PathBracket_CollectsFigures) {
       {kEmrSTROKEANDFILLPATH, "StrokeAndFill" + text + "thin pen #000000 | #ffffff"},
   };
   for (const auto& [type, call] : ends) {
-    std::vector<RecordSpec> records = {kBegin};
+    std::vector<TestRecord> records = {kBegin};
     records.insert(records.end(), figures.begin(), figures.end());
     records.push_back(kEnd);
     records.push_back({type, {kB, kB, kB, kB}});
@@ -292,8 +292,8 @@ TEST(Player, PathBracket_CollectsFigures) {
 }
 
 TEST(Player, FlattenAndWiden_ChangeThePath) {
-  const RecordSpec curve = {kEmrPOLYBEZIER, {kB, kB, kB, kB, 4, 0, 0, 0, 10, 10, 10, 10, 0}};
-  const RecordSpec stroke = {kEmrSTROKEPATH, {kB, kB, kB, kB}};
+  const TestRecord curve = {kEmrPOLYBEZIER, {kB, kB, kB, kB, 4, 0, 0, 0, 10, 10, 10, 10, 0}};
+  const TestRecord stroke = {kEmrSTROKEPATH, {kB, kB, kB, kB}};
   EXPECT_EQ(LastCall({kBegin, curve, kEnd, {kEmrFLATTENPATH, {}}, stroke}).find('B'),
             std::string::npos);
   // A horizontal line with flat ends becomes a box as high as the pen is wide.
@@ -318,16 +318,16 @@ std::vector<uint32_t> RegionData(uint32_t left = 0) {
   return {32, 1, 2, 32, 0, 0, 0, 0, left, 0, 9, 9, 20, 0, 29, 9};
 }
 
-RecordSpec WithRegion(uint32_t type, std::vector<uint32_t> before) {
+TestRecord WithRegion(uint32_t type, std::vector<uint32_t> before) {
   const auto data = RegionData();
   before.insert(before.end(), data.begin(), data.end());
   return {type, before};
 }
 
 TEST(Player, ClipRecords_ChangeTheClip) {
-  const RecordSpec clip = {kEmrINTERSECTCLIPRECT, {10, 10, 50, 50}};
+  const TestRecord clip = {kEmrINTERSECTCLIPRECT, {10, 10, 50, 50}};
   const Transform twice{2, 0, 0, 2, 0, 0};
-  const std::vector<std::pair<std::vector<RecordSpec>, std::string>> cases = {
+  const std::vector<std::pair<std::vector<TestRecord>, std::string>> cases = {
       {{clip}, "clip (20,20)-(100,100)"},
       {{clip, {kEmrINTERSECTCLIPRECT, {0, 0, 20, 20}}}, "clip (20,20)-(40,40)"},
       {{clip, {kEmrEXCLUDECLIPRECT, {0, 0, 60, 20}}}, "clip (20,40)-(100,100)"},
@@ -360,10 +360,10 @@ TEST(Player, ClipRecords_ChangeTheClip) {
 }
 
 TEST(Player, RegionRecords_PaintInLogicalUnits) {
-  const RecordSpec origin = {kEmrSETWINDOWORGEX, {N(-100), 0}};
-  const RecordSpec gray = {kEmrSELECTOBJECT, {kStock | GRAY_BRUSH}};
+  const TestRecord origin = {kEmrSETWINDOWORGEX, {N(-100), 0}};
+  const TestRecord gray = {kEmrSELECTOBJECT, {kStock | GRAY_BRUSH}};
   const std::string area = "Paint inside (100,0)-(129,9) | ";
-  const std::pair<RecordSpec, std::string> cases[] = {
+  const std::pair<TestRecord, std::string> cases[] = {
       {WithRegion(kEmrFILLRGN, {kB, kB, kB, kB, 64, kStock | BLACK_BRUSH}), area + "#000000"},
       {WithRegion(kEmrFRAMERGN, {kB, kB, kB, kB, 64, kStock | BLACK_BRUSH, 2, 2}),
        area + "#000000"},
@@ -397,7 +397,7 @@ TEST(Player, EndlessWork_EndsWithAFault) {
   for (uint32_t i = 0; i < 2000; ++i) {
     region.insert(region.end(), {i % 50 * 4, i / 50 * 4, i % 50 * 4 + 2, i / 50 * 4 + 2});
   }
-  std::vector<RecordSpec> records(5001, kLine);
+  std::vector<TestRecord> records(5001, kLine);
   records[0] = {kEmrEXTSELECTCLIPRGN, region};
   const Played played = Play(records);
   EXPECT_NE(played.faults.find("asks for too much work"), std::string::npos);
@@ -410,7 +410,7 @@ TEST(Player, EndlessWork_EndsWithAFault) {
 }
 
 TEST(Player, SavedStates_AreBounded) {
-  std::vector<RecordSpec> records(10001, {kEmrSAVEDC, {}});
+  std::vector<TestRecord> records(10001, {kEmrSAVEDC, {}});
   EXPECT_NE(Play(records).faults.find("record 10002 (EMR_SAVEDC): too many"), std::string::npos);
 }
 

@@ -11,7 +11,7 @@ constexpr uint32_t kB = 0;  // a number of the bounds, which are not read
 constexpr uint32_t kCompatible = 1, kAdvanced = 2;
 
 /// ExtTextOut of "ab" at (10, 20) with advances 7 and 9.
-RecordSpec TextRecord(uint32_t type, uint32_t options = 0, uint32_t mode = kCompatible,
+TestRecord TextRecord(uint32_t type, uint32_t options = 0, uint32_t mode = kCompatible,
                       uint32_t two_characters = S('a', 'b')) {
   return {type,
           {kB,
@@ -39,7 +39,7 @@ RecordSpec TextRecord(uint32_t type, uint32_t options = 0, uint32_t mode = kComp
 const std::string kPlain = "Text 'ab' at 10,20 dx 7/9 | #000000";
 
 TEST(PlayerText, EachRecord_DrawsItsLines) {
-  const std::pair<RecordSpec, std::string> cases[] = {
+  const std::pair<TestRecord, std::string> cases[] = {
       {TextRecord(kEmrEXTTEXTOUTW), kPlain},
       {TextRecord(kEmrEXTTEXTOUTA, 0, kCompatible, 'a' | 'b' << 8), kPlain},
       {TextRecord(kEmrEXTTEXTOUTW, ETO_OPAQUE), kPlain + " | on #ffffff (1,2)-(30,40)"},
@@ -63,12 +63,12 @@ TEST(PlayerText, EachRecord_DrawsItsLines) {
 }
 
 TEST(PlayerText, StateOfTheDc_GoesAlong) {
-  const RecordSpec text = TextRecord(kEmrEXTTEXTOUTW);
-  const RecordSpec advanced = TextRecord(kEmrEXTTEXTOUTW, 0, kAdvanced);
-  const RecordSpec upside_down[] = {{kEmrSETMAPMODE, {MM_ANISOTROPIC}},
+  const TestRecord text = TextRecord(kEmrEXTTEXTOUTW);
+  const TestRecord advanced = TextRecord(kEmrEXTTEXTOUTW, 0, kAdvanced);
+  const TestRecord upside_down[] = {{kEmrSETMAPMODE, {MM_ANISOTROPIC}},
                                     {kEmrSETVIEWPORTEXTEX, {2, N(-3)}}};
-  const RecordSpec turned = {kEmrSETWORLDTRANSFORM, {F(0), F(1), F(-1), F(0), F(0), F(0)}};
-  const std::pair<std::vector<RecordSpec>, std::string> cases[] = {
+  const TestRecord turned = {kEmrSETWORLDTRANSFORM, {F(0), F(1), F(-1), F(0), F(0), F(0)}};
+  const std::pair<std::vector<TestRecord>, std::string> cases[] = {
       {{{kEmrSETTEXTCOLOR, {RGB(1, 2, 3)}}, {kEmrSETBKMODE, {TRANSPARENT}}, text},
        "Text 'ab' at 10,20 dx 7/9 | #010203 | transparent"},
       {{{kEmrSETTEXTALIGN, {TA_BASELINE | TA_CENTER}}, text},
@@ -89,7 +89,7 @@ TEST(PlayerText, StateOfTheDc_GoesAlong) {
 }
 
 TEST(PlayerText, StepsAcrossTheLine_MoveThePosition) {
-  RecordSpec text = TextRecord(kEmrEXTTEXTOUTW, ETO_PDY);
+  TestRecord text = TextRecord(kEmrEXTTEXTOUTW, ETO_PDY);
   text.payload.insert(text.payload.end(), {N(5), N(6)});  // pairs: 7 along, 9 up; 5 along, 6 up
   EXPECT_EQ(LastCall({{kEmrSETTEXTALIGN, {TA_UPDATECP}}, text, text}),
             "Text 'ab' at 100,-15 align 1 dx 7/5 dy 9/6 | #000000");
@@ -126,7 +126,7 @@ TEST(PlayerText, GlyphIndexes_NeedTheirFontOrItsOrder) {
   MetafileBuilder builder;
   builder.Add(kEmrEXTCREATEFONTINDIRECTW, font);
   builder.Add(kEmrSELECTOBJECT, {1});
-  const RecordSpec text = TextRecord(kEmrEXTTEXTOUTW, ETO_GLYPH_INDEX, kCompatible, S(68, 69));
+  const TestRecord text = TextRecord(kEmrEXTTEXTOUTW, ETO_GLYPH_INDEX, kCompatible, S(68, 69));
   builder.Add(text.type, text.payload);
   const auto file = builder.Finish();
 
@@ -145,14 +145,14 @@ TEST(PlayerText, GlyphIndexes_NeedTheirFontOrItsOrder) {
 
 TEST(PlayerText, DamagedText_LeavesAFault) {
   const auto with = [](size_t word, uint32_t value) {
-    RecordSpec record = TextRecord(kEmrEXTTEXTOUTW);
+    TestRecord record = TextRecord(kEmrEXTTEXTOUTW);
     record.payload[word] = value;
     return record;
   };
-  const RecordSpec cases[] = {with(9, 0x80000001),   // count
+  const TestRecord cases[] = {with(9, 0x80000001),   // count
                               with(10, 0xFFFFFFFF),  // place of the text
                               with(16, 84)};         // place of the advances
-  for (const RecordSpec& record : cases) {
+  for (const TestRecord& record : cases) {
     const Played played = Play({record});
     EXPECT_EQ(played.calls, "");
     EXPECT_NE(played.faults.find("is too short for what it announces"), std::string::npos);
