@@ -41,16 +41,9 @@ class PictureInput : public PrintInput {
 
   bool PreparePage() override {
     if (next_ == frame_count_) return false;
-    const PictureDecoder decoder(content_);
-    const Orientation orientation = OrientationOf(content_, next_);
-    try {
-      picture_ = TurnUpright(decoder.Frame(next_, kMostPixels), orientation);
-    } catch (const UnreadablePicture& refused) {
-      throw UnreadableInput("has a frame " + std::to_string(next_ + 1) + " that " + refused.what());
-    }
-    dpi_ = decoder.FrameResolution(next_);
-    if (SwapsSides(orientation)) std::swap(dpi_.x, dpi_.y);
-    ++next_;
+    DecodeFrame();
+    // Drawing a large picture takes memory enough without its file.
+    if (++next_ == frame_count_) content_ = std::vector<std::byte>();
     return true;
   }
 
@@ -64,7 +57,19 @@ class PictureInput : public PrintInput {
   }
 
  private:
-  const std::vector<std::byte> content_;
+  void DecodeFrame() {
+    const PictureDecoder decoder(content_);
+    const Orientation orientation = OrientationOf(content_, next_);
+    try {
+      picture_ = TurnUpright(decoder.Frame(next_, kMostPixels), orientation);
+    } catch (const UnreadablePicture& refused) {
+      throw UnreadableInput("has a frame " + std::to_string(next_ + 1) + " that " + refused.what());
+    }
+    dpi_ = decoder.FrameResolution(next_);
+    if (SwapsSides(orientation)) std::swap(dpi_.x, dpi_.y);
+  }
+
+  std::vector<std::byte> content_;  // of the file; empty behind the last frame
   UINT frame_count_ = 0;
   UINT next_ = 0;         // frame that PreparePage decodes
   BitmapSource picture_;  // what DrawPage draws

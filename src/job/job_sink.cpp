@@ -9,6 +9,14 @@ namespace quillo {
 
 namespace {
 
+/// Makes room for a payload as soon as its header tells the size: a large one that comes in pieces
+/// is not moved from block to block.
+void ReservePayload(CBuffer& buffer) {
+  const Bytes unread = buffer.Unread();
+  if (unread.size() != sizeof(records::RecordHeader)) return;
+  buffer.Reserve(LoadOrZero<records::RecordHeader>(unread).payload_size);
+}
+
 /// Plays every whole record; an incomplete one stays until a later piece completes it.
 void PlayWholeRecords(CQloPrinter& job) {
   CBuffer& buffer = job.record_buffer;
@@ -19,7 +27,11 @@ void PlayWholeRecords(CQloPrinter& job) {
     buffer.Consume(static_cast<uint32_t>(frame->size));
   }
   // No record lives longer than its dispatch: a page's memory is that of its largest record.
-  if (buffer.Unread().empty()) buffer.Reset();
+  if (buffer.Unread().empty()) {
+    buffer.Reset();
+  } else {
+    ReservePayload(buffer);
+  }
 }
 
 /// Drops the record that `piece`, for which there is no memory, belongs to: what is buffered of it,
