@@ -4,6 +4,7 @@
 #include <vector>
 
 #include "imaging/dither.h"
+#include "imaging/noise.h"
 #include "imaging/orientation.h"
 #include "imaging/packed_rows.h"
 #include "imaging/paint_method.h"
@@ -18,164 +19,99 @@ PaletteEntry Rgb(uint32_t colour) {
           static_cast<uint8_t>(colour >> 16), 0};
 }
 
-TEST(DefaultPalette, SampleEntries_HaveTheirColours) {
+std::vector<PaletteEntry> Fixed(size_t colours) {
+  std::vector<PaletteEntry> palette(colours);
+  EXPECT_TRUE(FillDefaultPalette(palette));
+  return palette;
+}
+
+TEST(Palettes, SampleEntries_HaveTheirColours) {
   struct {
     size_t colours, index;
     uint32_t colour;
-  } const cases[] = {
-      {2, 1, 0xFFFFFF},    {4, 0, 0x000000},     {4, 1, 0xFFFFFF},    {4, 2, 0x000000},
-      {4, 3, 0x555555},    {8, 5, 0xFF00FF},     {8, 6, 0xFFFF00},    {16, 1, 0x800000},
-      {16, 8, 0xC0C0C0},   {16, 13, 0xFF00FF},   {32, 9, 0x5500FF},   {32, 6, 0x00FF00},
-      {64, 27, 0x55AAFF},  {64, 48, 0xFF0000},   {128, 37, 0x552455}, {128, 127, 0xFFFFFF},
-      {256, 37, 0x242455}, {256, 198, 0xDB24AA},
-  };
+  } const cases[] = {{2, 1, 0xFFFFFF},    {4, 1, 0xFFFFFF},     {4, 2, 0x000000},
+                     {4, 3, 0x555555},    {8, 5, 0xFF00FF},     {16, 8, 0xC0C0C0},
+                     {16, 13, 0xFF00FF},  {32, 9, 0x5500FF},    {64, 27, 0x55AAFF},
+                     {128, 37, 0x552455}, {128, 127, 0xFFFFFF}, {256, 198, 0xDB24AA}};
   for (const auto& c : cases) {
-    std::vector<PaletteEntry> palette(c.colours);
-    ASSERT_TRUE(FillDefaultPalette(palette));
-    EXPECT_EQ(palette[c.index], Rgb(c.colour)) << c.colours << " colours, entry " << c.index;
-    EXPECT_TRUE(IsDefaultPalette(palette, static_cast<uint32_t>(c.colours)));
+    EXPECT_EQ(Fixed(c.colours)[c.index], Rgb(c.colour)) << c.colours << ' ' << c.index;
+    EXPECT_TRUE(IsDefaultPalette(Fixed(c.colours), static_cast<uint32_t>(c.colours)));
   }
   std::vector<PaletteEntry> other(3);
   EXPECT_FALSE(FillDefaultPalette(other));
-}
-
-TEST(ColourCube, Entries_AreSixLevelsAndBlack) {
   PaletteEntry cube[256];
   FillColourCube(cube);
-  EXPECT_EQ(cube[3 * 36 + 2 * 6 + 1], Rgb(0x996633));
-  EXPECT_EQ(cube[215], Rgb(0xFFFFFF));
-  EXPECT_EQ(cube[216], Rgb(0));
-  EXPECT_EQ(cube[255], Rgb(0));
+  const std::pair<size_t, uint32_t> levels[] = {
+      {121, 0x996633}, {215, 0xFFFFFF}, {216, 0}, {255, 0}};
+  for (const auto& [index, colour] : levels) EXPECT_EQ(cube[index], Rgb(colour)) << index;
 }
 
 TEST(PaletteTests, BlackWhiteAndGrey_AreTold) {
   const PaletteEntry black = Rgb(0), white = Rgb(0xFFFFFF), red = Rgb(0xFF0000);
-  EXPECT_EQ(TestTwoColours(std::vector{black, white}), TwoColours::kBlackOnWhite);
-  EXPECT_EQ(TestTwoColours(std::vector{white, black}), TwoColours::kWhiteOnBlack);
-  EXPECT_EQ(TestTwoColours(std::vector{white, red}), TwoColours::kOther);
-  EXPECT_EQ(TestTwoColours(std::vector{black}), TwoColours::kOther);
-  EXPECT_TRUE(IsGreyPalette(std::vector{white, black}));
-  EXPECT_FALSE(IsGreyPalette(std::vector{white, red}));
-  EXPECT_FALSE(IsGreyPalette({}));
-}
-
-enum Colours { kBw, kWb, kRw, kFixed16, kFixed256, kNone };
-
-std::vector<PaletteEntry> MakePalette(Colours colours) {
-  std::vector<PaletteEntry> palette;
-  switch (colours) {
-    case kBw:
-      return {Rgb(0), Rgb(0xFFFFFF)};
-    case kWb:
-      return {Rgb(0xFFFFFF), Rgb(0)};
-    case kRw:
-      return {Rgb(0xFF0000), Rgb(0xFFFFFF)};
-    case kFixed16:
-      palette.resize(16);
-      break;
-    case kFixed256:
-      palette.resize(256);
-      break;
-    case kNone:
-      return {};
+  const struct {
+    std::vector<PaletteEntry> palette;
+    TwoColours two_colours;
+    bool grey;
+  } cases[] = {{{black, white}, TwoColours::kBlackOnWhite, true},
+               {{white, black}, TwoColours::kWhiteOnBlack, true},
+               {{white, red}, TwoColours::kOther, false},
+               {{black}, TwoColours::kOther, true},
+               {{}, TwoColours::kOther, false}};
+  for (const auto& c : cases) {
+    EXPECT_EQ(TestTwoColours(c.palette), c.two_colours) << c.palette.size();
+    EXPECT_EQ(IsGreyPalette(c.palette), c.grey) << c.palette.size();
   }
-  FillDefaultPalette(palette);
-  return palette;
 }
 
 TEST(ChoosePaintMethod, EveryRule_GivesItsMethod) {
-  struct {
+  using Palette = std::vector<PaletteEntry>;
+  const Palette kBw = {Rgb(0), Rgb(0xFFFFFF)}, kWb = {Rgb(0xFFFFFF), Rgb(0)},
+                kRw = {Rgb(0xFF0000), Rgb(0xFFFFFF)}, kFixed16 = Fixed(16), kFixed256 = Fixed(256),
+                kNone;
+  const struct {
     uint32_t bits, order;
-    Colours colours;
+    const Palette& palette;
     uint32_t depth, mode;
     int method;
-  } const cases[] = {
-      // 1 bit
-      {1, 0, kBw, 24, 0x10, 3},
-      {1, 0, kWb, 4, 0x10, 4},
-      {1, 0, kBw, 1, 0x10, 0},
-      {1, 0, kRw, 8, 0x98, 2},
-      {1, 0, kRw, 24, 0x98, 0},
-      {1, 0, kRw, 8, 0x18, 0},
-      {1, 0, kBw, 1, 0x40, 5},
-      {1, 0, kWb, 24, 0x40, 6},
-      {1, 0, kBw, 1, 0x50, 5},
-      {1, 0, kBw, 8, 0x50, 3},
-      {1, 0, kRw, 4, 0xC8, 2},
-      {1, 0, kRw, 24, 0xC8, 0},
-      {1, 0, kBw, 8, 0x88, 2},
-      {1, 0, kBw, 4, 0x88, 0},
-      {1, 0, kBw, 8, 0x08, 0},
-      // 2, 3, 5, 6, 7 bits
-      {2, 0, kBw, 24, 0, 1},
-      {3, 0, kBw, 4, 0x08, 2},
-      {5, 0, kBw, 8, 0x08, 1},
-      {6, 0, kBw, 8, 0x88, 2},
-      {7, 0, kBw, 24, 0x88, 1},
-      // 4 bits
-      {4, 0, kBw, 1, 0, 0},
-      {4, 0, kBw, 1, 0x08, 2},
-      {4, 0, kBw, 8, 0x08, 0},
-      {4, 0, kBw, 8, 0x88, 2},
-      {4, 0, kBw, 24, 0x88, 0},
-      {4, 0, kBw, 4, 0x08, 2},
-      {4, 0, kFixed16, 4, 0x08, 0},
-      {4, 0, kFixed16, 4, 0x88, 0},
-      {4, 0, kFixed16, 1, 0x88, 2},
-      // 8 bits
-      {8, 0, kBw, 4, 0, 0},
-      {8, 0, kBw, 4, 0x08, 2},
-      {8, 0, kBw, 8, 0x08, 0},
-      {8, 0, kBw, 8, 0x88, 2},
-      {8, 0, kFixed256, 8, 0x88, 0},
-      {8, 0, kFixed256, 4, 0x88, 2},
-      // 12 and 16 bits
-      {12, 2, kNone, 24, 0, 1},
-      {16, 2, kNone, 4, 0x08, 2},
-      {16, 2, kNone, 8, 0x08, 1},
-      {16, 2, kNone, 8, 0x88, 2},
-      {16, 1, kNone, 1, 0x88, 0},
-      // 24 bits, on devices that want blue first
-      {24, 1, kNone, 24, 0, 0},
-      {24, 1, kNone, 8, 0x08, 2},
-      {24, 0, kNone, 24, 0, 1},
-      {24, 0, kNone, 24, 0x800, 1},
-      {24, 5, kNone, 24, 0x800, 1},
-      {24, 5, kNone, 8, 0x08, 2},
-      // above
-      {32, 1, kNone, 1, 0x88, 0},
-      {48, 1, kNone, 8, 0, 1},
-      {48, 1, kNone, 8, 0x08, 2},
-      {64, 1, kNone, 24, 0x08, 1},
-  };
+  } cases[] = {
+      {1, 0, kBw, 24, 0x10, 3},      {1, 0, kWb, 4, 0x10, 4},       {1, 0, kBw, 1, 0x10, 0},
+      {1, 0, kRw, 8, 0x98, 2},       {1, 0, kRw, 24, 0x98, 0},      {1, 0, kRw, 8, 0x18, 0},
+      {1, 0, kBw, 1, 0x40, 5},       {1, 0, kWb, 24, 0x40, 6},      {1, 0, kBw, 1, 0x50, 5},
+      {1, 0, kBw, 8, 0x50, 3},       {1, 0, kRw, 4, 0xC8, 2},       {1, 0, kRw, 24, 0xC8, 0},
+      {1, 0, kBw, 8, 0x88, 2},       {1, 0, kBw, 4, 0x88, 0},       {1, 0, kBw, 8, 0x08, 0},
+      {2, 0, kBw, 24, 0, 1},         {3, 0, kBw, 4, 0x08, 2},       {5, 0, kBw, 8, 0x08, 1},
+      {6, 0, kBw, 8, 0x88, 2},       {7, 0, kBw, 24, 0x88, 1},      {4, 0, kBw, 1, 0, 0},
+      {4, 0, kBw, 1, 0x08, 2},       {4, 0, kBw, 8, 0x08, 0},       {4, 0, kBw, 8, 0x88, 2},
+      {4, 0, kBw, 24, 0x88, 0},      {4, 0, kBw, 4, 0x08, 2},       {4, 0, kFixed16, 4, 0x08, 0},
+      {4, 0, kFixed16, 4, 0x88, 0},  {4, 0, kFixed16, 1, 0x88, 2},  {8, 0, kBw, 4, 0, 0},
+      {8, 0, kBw, 4, 0x08, 2},       {8, 0, kBw, 8, 0x08, 0},       {8, 0, kBw, 8, 0x88, 2},
+      {8, 0, kFixed256, 8, 0x88, 0}, {8, 0, kFixed256, 4, 0x88, 2}, {12, 2, kNone, 24, 0, 1},
+      {16, 2, kNone, 4, 0x08, 2},    {16, 2, kNone, 8, 0x08, 1},    {16, 2, kNone, 8, 0x88, 2},
+      {16, 1, kNone, 1, 0x88, 0},    {24, 1, kNone, 24, 0, 0},      {24, 1, kNone, 8, 0x08, 2},
+      {24, 0, kNone, 24, 0, 1},      {24, 0, kNone, 24, 0x800, 1},  {24, 5, kNone, 24, 0x800, 1},
+      {24, 5, kNone, 8, 0x08, 2},    {32, 1, kNone, 1, 0x88, 0},    {48, 1, kNone, 8, 0, 1},
+      {48, 1, kNone, 8, 0x08, 2},    {64, 1, kNone, 24, 0x08, 1}};
   for (const auto& c : cases) {
-    const std::vector<PaletteEntry> palette = MakePalette(c.colours);
     EXPECT_EQ(static_cast<int>(
-                  ChoosePaintMethod({c.bits, c.order, palette}, c.depth, kOrderColour, c.mode)),
+                  ChoosePaintMethod({c.bits, c.order, c.palette}, c.depth, kOrderColour, c.mode)),
               c.method)
         << c.bits << " bits, depth " << c.depth << ", mode " << std::hex << c.mode;
   }
   EXPECT_EQ(ChoosePaintMethod({24, 0, {}}, 24, kOrderRedFirst, 0x800), PaintMethod::kAsIs);
-}
-
-TEST(QuantizeDepth, EveryDepth_FallsIntoItsClass) {
-  const uint32_t cases[][2] = {{1, 1}, {3, 1}, {4, 4}, {7, 4}, {8, 8}, {15, 8}, {16, 24}, {32, 24}};
-  for (const auto& [bits, depth] : cases) EXPECT_EQ(QuantizeDepth(bits), depth) << bits;
+  const uint32_t depths[][2] = {{1, 1}, {3, 1}, {4, 4}, {7, 4}, {8, 8}, {15, 8}, {16, 24}};
+  for (const auto& [bits, depth] : depths) EXPECT_EQ(QuantizeDepth(bits), depth) << bits;
 }
 
 TEST(ErrorDiffuser, NoiseOnEveryDevice_EqualsTheNaiveForm) {
   constexpr uint32_t kWidth = 23, kHeight = 9;
-  std::mt19937 random(3);
   for (const uint32_t bits : {1u, 4u, 8u}) {
-    std::vector<PaletteEntry> palette(size_t{1} << bits);
-    FillDefaultPalette(palette);
+    const std::vector<PaletteEntry> palette = Fixed(size_t{1} << bits);
     std::vector<std::byte> work(DitherWorkSize(kWidth));
     ErrorDiffuser diffuser(palette, kWidth, work);
     // Errors in sixteenths, with a margin, for all rows at once.
     std::vector<std::array<std::array<int, 3>, kWidth + 2>> errors(kHeight + 1);
     for (uint32_t y = 0; y < kHeight; ++y) {
-      std::vector<std::byte> row(kWidth * 3);
-      for (std::byte& byte : row) byte = static_cast<std::byte>(random());
+      const std::vector<std::byte> row = Noise(kWidth * 3, y);
       std::vector<std::byte> indexes(kWidth);
       diffuser.Row(row.data(), bits, indexes.data());
       for (uint32_t x = 0; x < kWidth; ++x) {
@@ -232,33 +168,24 @@ TEST(Orientation, EveryPerspective_ShowsItsFirstPixelInItsCorner) {
                      {5, 0, 0, 0, 1}, {6, 1, 0, 1, 1}, {7, 1, 2, 1, 1}, {8, 0, 2, 0, 1}};
   for (const auto& c : cases) {
     const Orientation orientation(c.perspective, 3, 2);
-    EXPECT_EQ(orientation.Seen(0, 0).x, c.x) << c.perspective;
-    EXPECT_EQ(orientation.Seen(0, 0).y, c.y) << c.perspective;
-    EXPECT_EQ(orientation.Seen(1, 0).x, c.next_x) << c.perspective;
-    EXPECT_EQ(orientation.Seen(1, 0).y, c.next_y) << c.perspective;
+    const auto first = orientation.Seen(0, 0), next = orientation.Seen(1, 0);
+    EXPECT_TRUE(first.x == c.x && first.y == c.y) << c.perspective;
+    EXPECT_TRUE(next.x == c.next_x && next.y == c.next_y) << c.perspective;
   }
 }
 
 TEST(StorageChoice, LargeBitmaps_GoToDiskWhenMemoryIsShort) {
   const MemoryState memory{.total = 1000, .free_physical = 300, .free_page_file = 200};
   struct {
-    const char* name;
     uint64_t size;
-    int64_t reserve, maximum;
+    int64_t reserve, maximum;  // bytes, or percentages below zero
     uint32_t type;
-  } const cases[] = {
-      {"fits", 500, 0, 1000, 1},
-      {"more than is free", 501, 0, 1000, 5},
-      {"bytes to keep free", 401, 100, 1000, 5},
-      {"a percentage to keep free", 301, -20, 1000, 5},
-      {"more to keep free than there is", 1, -90, 1000, 5},
-      {"above the maximum", 400, 0, 399, 5},
-      {"above a percentage", 400, 0, -39, 5},
-      {"at a percentage", 400, 0, -40, 1},
-      {"percentages without end", 400, INT64_MIN, INT64_MIN, 5},
-  };
+  } const cases[] = {{500, 0, 1000, 1},   {501, 0, 1000, 5}, {401, 100, 1000, 5},
+                     {301, -20, 1000, 5}, {1, -90, 1000, 5}, {400, 0, 399, 5},
+                     {400, 0, -39, 5},    {400, 0, -40, 1},  {400, INT64_MIN, INT64_MIN, 5}};
   for (const auto& c : cases) {
-    EXPECT_EQ(ChooseForLarge(1, c.size, {0, c.reserve, c.maximum}, memory), c.type) << c.name;
+    EXPECT_EQ(ChooseForLarge(1, c.size, {0, c.reserve, c.maximum}, memory), c.type)
+        << c.size << ' ' << c.reserve << ' ' << c.maximum;
   }
   EXPECT_EQ(KeepSmallInMemory(4), 1u);
   EXPECT_EQ(KeepSmallInMemory(8), 8u);

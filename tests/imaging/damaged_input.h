@@ -26,9 +26,8 @@ inline void TryDib(Bytes input) {
   const size_t split = LoadOrZero<uint16_t>(input);
   const Bytes dib = input.subspan(std::min<size_t>(2, input.size()));
   const size_t bits_at = std::min(split, dib.size());
-  const std::vector<std::byte> header = CopyOf(dib.first(bits_at));
-  const std::vector<std::byte> bits = CopyOf(dib.subspan(bits_at));
-  const ConvertedDib out = ConvertInMemory(header, bits, 1 << 18);
+  const ConvertedDib out =
+      ConvertInMemory(CopyOf(dib.first(bits_at)), CopyOf(dib.subspan(bits_at)), 1 << 18);
   Check(out.result == kSuccess || out.result == kInvalidArgument || out.result == kOutOfMemory ||
         out.result == kUnsupportedFormat);
   if (out.result != kSuccess || out.rows.empty()) return;

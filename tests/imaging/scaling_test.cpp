@@ -1,12 +1,12 @@
 #include <algorithm>
 #include <cmath>
 #include <gtest/gtest.h>
-#include <random>
-#include <string>
+#include <numeric>
 #include <vector>
 
 #include "imaging/area.h"
 #include "imaging/nearest.h"
+#include "imaging/noise.h"
 #include "imaging/pixel_bits.h"
 #include "imaging/resample.h"
 
@@ -36,14 +36,24 @@ struct Image {
     return pixel;
   }
 
+  /// For kernels that read their source row by row, and store rows.
+  [[nodiscard]] auto Reader() const {
+    return [this](uint32_t y) { return Row(y); };
+  }
+  auto Writer() {
+    return [this](uint32_t y, Bytes data) {
+      std::ranges::copy(data, Row(y));
+      return kSuccess;
+    };
+  }
+
   Geometry size;
   std::vector<std::byte> rows;
 };
 
-Image Noise(uint32_t width, uint32_t height, uint32_t bits, uint32_t seed = 1) {
+Image NoiseImage(uint32_t width, uint32_t height, uint32_t bits) {
   Image image(width, height, bits);
-  std::mt19937 random(seed);
-  for (std::byte& byte : image.rows) byte = static_cast<std::byte>(random());
+  image.rows = Noise(image.rows.size());
   return image;
 }
 
@@ -54,15 +64,11 @@ Image Nearest(const Image& source, uint32_t width, uint32_t height, bool in_plac
   Image target(width, height, source.size.bits_per_pixel);
   std::vector<uint32_t> columns(width);
   std::vector<std::byte> row(target.size.bytes_per_line);
-  const int result = ResizeNearest(
-      source.size, target.size, columns, row, [&](uint32_t y) { return source.Row(y); },
-      [&](uint32_t y) { return in_place ? target.Row(y) : nullptr; },
-      [&](uint32_t y, Bytes data) {
-        std::ranges::copy(data, target.Row(y));
-        return kSuccess;
-      },
-      NoProgress(height));
-  EXPECT_EQ(result, kSuccess);
+  EXPECT_EQ(ResizeNearest(
+                source.size, target.size, columns, row, source.Reader(),
+                [&](uint32_t y) { return in_place ? target.Row(y) : nullptr; }, target.Writer(),
+                NoProgress(height)),
+            kSuccess);
   return target;
 }
 
@@ -70,14 +76,11 @@ TEST(Nearest, RowPattern_FollowsTheGatheredRemainders) {
   struct {
     uint32_t source, destination;
     std::vector<uint32_t> positions;
-  } const cases[] = {
-      {3, 7, {0, 0, 0, 1, 1, 2, 2}},
-      {7, 3, {0, 2, 4}},
-      {4, 4, {0, 1, 2, 3}},
-      {5, 2, {0, 2}},
-      {1, 3, {0, 0, 0}},
-      {10, 4, {0, 2, 5, 7}},
-  };
+  } const cases[] = {{3, 7, {0, 0, 0, 1, 1, 2, 2}},
+                     {7, 3, {0, 2, 4}},
+                     {4, 4, {0, 1, 2, 3}},
+                     {5, 2, {0, 2}},
+                     {10, 4, {0, 2, 5, 7}}};
   for (const auto& c : cases) {
     std::vector<uint32_t> columns(c.destination);
     FillColumns(c.source, columns);
@@ -90,7 +93,7 @@ TEST(Nearest, EveryDepthAndSize_TakesPixelsWhole) {
                                {40, 3, 23, 3},  {1, 1, 9, 4},    {33, 7, 1, 1}};
   for (const uint32_t bits : kDepths) {
     for (const auto& [w, h, new_w, new_h] : sizes) {
-      const Image source = Noise(w, h, bits);
+      const Image source = NoiseImage(w, h, bits);
       const Image stored = Nearest(source, new_w, new_h, false);
       for (uint32_t y = 0; y < new_h; ++y) {
         for (uint32_t x = 0; x < new_w; ++x) {
@@ -107,7 +110,7 @@ TEST(Nearest, EveryDepthAndSize_TakesPixelsWhole) {
 TEST(Nearest, FastRow_EqualsThePlainForm) {
   for (uint32_t source_width = 1; source_width < 70; source_width += 3) {
     for (uint32_t width = 1; width < 70; ++width) {
-      const Image source = Noise(source_width, 1, 32);
+      const Image source = NoiseImage(source_width, 1, 32);
       std::vector<uint32_t> columns(width);
       FillColumns(source_width, columns);
       std::vector<std::byte> plain(size_t{width} * 4), fast(size_t{width} * 4);
@@ -124,40 +127,30 @@ int Record(int percent, void* user) {
 }
 
 TEST(Progress, Percentages_ComeInWholeStepsAndRemainders) {
-  struct {
-    uint32_t rows;
-    std::vector<int> percents;
-  } const cases[] = {{1, {0, 100}}, {3, {0, 33, 66, 100}}, {7, {0, 14, 28, 42, 57, 71, 85, 100}}};
-  for (const auto& c : cases) {
+  std::vector<int> all(101);  // rows that move nothing are not reported
+  std::iota(all.begin(), all.end(), 0);
+  const std::pair<uint32_t, std::vector<int>> cases[] = {
+      {1, {0, 100}}, {3, {0, 33, 66, 100}}, {7, {0, 14, 28, 42, 57, 71, 85, 100}}, {1000, all}};
+  for (const auto& [rows, percents] : cases) {
     std::vector<int> calls;
-    Progress progress(Record, &calls, c.rows);
+    Progress progress(Record, &calls, rows);
     EXPECT_EQ(progress.Start(), kSuccess);
-    for (uint32_t i = 0; i < c.rows; ++i) EXPECT_EQ(progress.RowDone(), kSuccess);
-    EXPECT_EQ(calls, c.percents) << c.rows;
+    for (uint32_t i = 0; i < rows; ++i) EXPECT_EQ(progress.RowDone(), kSuccess);
+    EXPECT_EQ(calls, percents) << rows;
   }
-  std::vector<int> many;
-  Progress progress(Record, &many, 1000);
-  progress.Start();
-  for (int i = 0; i < 1000; ++i) progress.RowDone();
-  EXPECT_EQ(many.size(), 101u);  // rows that move nothing are not reported
 }
 
 TEST(ScaleByArea, EveryRule_EqualsTheNaiveShare) {
   const uint32_t sizes[][4] = {{20, 14, 7, 5}, {7, 5, 20, 14}, {9, 9, 9, 4}, {5, 30, 11, 3}};
   for (const auto& [w, h, new_w, new_h] : sizes) {
-    const Image source = Noise(w, h, 1);
+    const Image source = NoiseImage(w, h, 1);
     for (const AreaRule rule :
          {AreaRule::kMajority, AreaRule::kAnySet, AreaRule::kAllSet, AreaRule::kLevels}) {
       Image target(new_w, new_h, rule == AreaRule::kLevels ? 8 : 1);
       std::vector<uint64_t> sums(new_w);
       std::vector<std::byte> row(target.size.bytes_per_line);
-      ScaleByArea(
-          rule, source.size, target.size, sums, row, [&](uint32_t y) { return source.Row(y); },
-          [&](uint32_t y, Bytes data) {
-            std::ranges::copy(data, target.Row(y));
-            return kSuccess;
-          },
-          NoProgress(new_h));
+      ScaleByArea(rule, source.size, target.size, sums, row, source.Reader(), target.Writer(),
+                  NoProgress(new_h));
       for (uint32_t y = 0; y < new_h; ++y) {
         for (uint32_t x = 0; x < new_w; ++x) {
           // Both bitmaps drawn on a grid that is fine enough for either.
@@ -166,21 +159,10 @@ TEST(ScaleByArea, EveryRule_EqualsTheNaiveShare) {
             for (uint32_t u = x * w; u < (x + 1) * w; ++u) set += source.At(u / new_w, v / new_h);
           }
           const uint64_t whole = uint64_t{w} * h;
-          uint64_t expected = 0;
-          switch (rule) {
-            case AreaRule::kMajority:
-              expected = set * 2 > whole;
-              break;
-            case AreaRule::kAnySet:
-              expected = set > 0;
-              break;
-            case AreaRule::kAllSet:
-              expected = set == whole;
-              break;
-            case AreaRule::kLevels:
-              expected = (set * 510 + whole) / (2 * whole);
-              break;
-          }
+          const uint64_t expected = rule == AreaRule::kMajority ? set * 2 > whole
+                                    : rule == AreaRule::kAnySet ? set > 0
+                                    : rule == AreaRule::kAllSet ? set == whole
+                                                                : (set * 510 + whole) / (2 * whole);
           ASSERT_EQ(target.At(x, y), expected) << w << 'x' << h << " rule " << int(rule);
         }
       }
@@ -218,15 +200,10 @@ Image Resampled(CubicFilter filter, const PixelFormat& format, const Image& sour
   Image target(width, height, source.size.bits_per_pixel);
   std::vector<double> work(ResampleWorkSize(source.size, target.size) / sizeof(double) + 1);
   std::vector<std::byte> row(target.size.bytes_per_line);
-  const int result = Resample(
-      filter, format, source.size, target.size, std::as_writable_bytes(std::span(work)), row,
-      [&](uint32_t y) { return source.Row(y); },
-      [&](uint32_t y, Bytes data) {
-        std::ranges::copy(data, target.Row(y));
-        return kSuccess;
-      },
-      NoProgress(height));
-  EXPECT_EQ(result, kSuccess);
+  EXPECT_EQ(
+      Resample(filter, format, source.size, target.size, std::as_writable_bytes(std::span(work)),
+               row, source.Reader(), target.Writer(), NoProgress(height)),
+      kSuccess);
   return target;
 }
 
@@ -235,7 +212,7 @@ TEST(Resample, BothFilters_EqualTheDefinition) {
   const uint32_t sizes[][4] = {{12, 9, 5, 4}, {5, 4, 12, 9}, {6, 40, 9, 7}, {3, 150, 2, 4}};
   for (const CubicFilter filter : {CubicFilter::kMitchell, CubicFilter::kCatmullRom}) {
     for (const auto& [w, h, new_w, new_h] : sizes) {
-      const Image source = Noise(w, h, 32);
+      const Image source = NoiseImage(w, h, 32);
       const Image target = Resampled(filter, {32, kOrderColour, {}}, source, new_w, new_h);
       for (uint32_t y = 0; y < new_h; ++y) {
         for (uint32_t x = 0; x < new_w; ++x) {
@@ -251,36 +228,21 @@ TEST(Resample, BothFilters_EqualTheDefinition) {
 }
 
 TEST(Resample, EveryFormat_KeepsAnEvenSurface) {
-  std::vector<PaletteEntry> palette(256);
   for (const uint32_t bits : kDepths) {
-    FillDefaultPalette(std::span(palette).first(PaletteSize(bits) != 0 ? PaletteSize(bits) : 2));
-    const PixelFormat format{bits,
-                             bits == 12 ? kOrderGrey
-                             : bits > 8 ? kOrderColour
-                                        : kOrderPalette,
-                             std::span(palette).first(PaletteSize(bits))};
-    Image source(6, 6, bits);
-    const Image pattern = Noise(1, 1, bits == 16 ? 16 : bits, 5);
-    for (uint32_t y = 0; y < 6; ++y) {
-      for (uint32_t x = 0; x < 6; ++x) {
-        uint64_t pixel = pattern.At(0, 0);
-        if (bits == 16) pixel &= 0x7FFF;  // the spare bit has no meaning
-        if (bits <= 8 || bits == 12) {
-          StorePixelBits(source.Row(y), bits, x, static_cast<uint32_t>(pixel));
-        } else {
-          std::memcpy(source.Row(y) + x * bits / 8, &pixel, bits / 8);
-        }
-      }
-    }
-    const Image target = Resampled(CubicFilter::kCatmullRom, format, source, 9, 4);
-    const auto colour = [&](const Image& image, uint32_t x, uint32_t y) {
-      Colour16 one[1];
-      DecodeRow(format, image.Row(y), x, one);
-      return ToEntry(one[0]);
-    };
+    std::vector<PaletteEntry> palette(PaletteSize(bits));
+    if (!palette.empty()) FillDefaultPalette(palette);
+    const uint32_t order = bits == 12 ? kOrderGrey : bits > 8 ? kOrderColour : kOrderPalette;
+    const PixelFormat format{bits, order, palette};
+    // One pixel of noise, enlarged without filtering; the spare bit of 16 has no meaning.
+    Image pixel = NoiseImage(1, 1, bits);
+    if (bits == 16) pixel.rows[1] &= std::byte{0x7F};
+    const Image target =
+        Resampled(CubicFilter::kCatmullRom, format, Nearest(pixel, 6, 6, false), 9, 4);
+    Colour16 colour[1], surface[9];
+    DecodeRow(format, pixel.Row(0), 0, colour);
     for (uint32_t y = 0; y < 4; ++y) {
-      for (uint32_t x = 0; x < 9; ++x)
-        EXPECT_EQ(colour(target, x, y), colour(source, 0, 0)) << bits;
+      DecodeRow(format, target.Row(y), 0, surface);
+      for (const Colour16& at : surface) EXPECT_EQ(ToEntry(at), ToEntry(colour[0])) << bits;
     }
   }
 }
