@@ -3,11 +3,10 @@
 #include <vector>
 
 #include "bench/compare_sides.h"
+#include "bench/driver_job.h"
 #include "capture/hooks.h"
-#include "driver/device.h"
 #include "host/engine/services/brushes.h"
 #include "host/engine/services/paths.h"
-#include "job/job.h"
 
 // What a stroke costs on its way through capture, sink and playback, as a multiple of the same GDI
 // calls made directly on a metafile DC.
@@ -20,13 +19,9 @@ const std::vector<POINTFIX> kPoints = {{0, 0},       {1600, 160}, {3200, 80},
                                        {4800, 1600}, {80, 320},   {960, 2400},
                                        {160, 480},   {4000, 800}, {16, 16}};
 
-class DriverSide {
+class DriverSide : bench::DriverJob {
  public:
   DriverSide() {
-    device_.signature = device_.closing_signature = kDeviceSignature;
-    device_.resolution = {600, 600};
-    device_.job = &job_;
-    surface_.dhpdev = reinterpret_cast<DHPDEV>(&device_);
     attributes_.fl = LA_GEOMETRIC;
     attributes_.iJoin = JOIN_MITER;
     attributes_.elWidth.e = 5;
@@ -34,15 +29,11 @@ class DriverSide {
   }
 
   void Draw(HDC page) {
-    job_.playback.page_dc = page;
-    quillo::DrvStrokePath(&surface_, &path_, nullptr, nullptr, &brush_, nullptr, &attributes_,
+    quillo::DrvStrokePath(SurfaceOn(page), &path_, nullptr, nullptr, &brush_, nullptr, &attributes_,
                           R2_COPYPEN);
   }
 
  private:
-  CQloPrinter job_{HeapCreate(0, 0, 0), nullptr, 1};
-  DEVICE_PDEV device_ = {};
-  SURFOBJ surface_ = {};
   LINEATTRS attributes_ = {};
   host::BrushObject brush_{kColour};
   host::PathObject path_{{{PD_BEGINSUBPATH, kPoints}}};

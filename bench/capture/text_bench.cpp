@@ -5,12 +5,11 @@
 #include <vector>
 
 #include "bench/compare_sides.h"
+#include "bench/driver_job.h"
 #include "capture/hooks.h"
-#include "driver/device.h"
 #include "host/engine/services/brushes.h"
 #include "host/engine/services/fonts.h"
 #include "host/engine/services/strings.h"
-#include "job/job.h"
 
 // What a text call of 43 characters costs on its way through capture, sink and playback, as a
 // multiple of the same GDI calls made directly on a metafile DC; as characters, and as glyph
@@ -30,27 +29,18 @@ IFIMETRICS Metrics() {
   return metrics;
 }
 
-class DriverSide {
+class DriverSide : bench::DriverJob {
  public:
   DriverSide(const std::wstring& text, FLONG accelerators)
       : text_(std::vector<GLYPHPOS>(text.size()), text, accelerators | SO_FLAG_DEFAULT_PLACEMENT,
-              RECTL{}) {
-    device_.signature = device_.closing_signature = kDeviceSignature;
-    device_.resolution = {600, 600};
-    device_.job = &job_;
-    surface_.dhpdev = reinterpret_cast<DHPDEV>(&device_);
-  }
+              RECTL{}) {}
 
   void Draw(HDC page) {
-    job_.playback.page_dc = page;
-    quillo::DrvTextOut(&surface_, &text_, &font_, nullptr, nullptr, nullptr, &brush_, nullptr,
+    quillo::DrvTextOut(SurfaceOn(page), &text_, &font_, nullptr, nullptr, nullptr, &brush_, nullptr,
                        nullptr, R2_COPYPEN);
   }
 
  private:
-  CQloPrinter job_{HeapCreate(0, 0, 0), nullptr, 1};
-  DEVICE_PDEV device_ = {};
-  SURFOBJ surface_ = {};
   host::BrushObject brush_{0x112233};
   host::FontObject font_{Metrics(), {kFace, L"Regular", kFace}, kFontTransform};
   host::StringObject text_;

@@ -5,9 +5,8 @@
 
 #include "base/gdi_owners.h"
 #include "bench/compare_sides.h"
+#include "bench/driver_job.h"
 #include "capture/hooks.h"
-#include "driver/device.h"
-#include "job/job.h"
 
 // What a blit of a 1000 x 1000 picture of 24 bits costs from hook to page metafile, as a multiple
 // of the same blit made directly from a DIB section.
@@ -17,13 +16,9 @@ namespace {
 constexpr LONG kSide = 1000;
 constexpr ULONG kRowBytes = 3 * kSide;
 
-class DriverSide {
+class DriverSide : bench::DriverJob {
  public:
   DriverSide() {
-    device_.signature = device_.closing_signature = kDeviceSignature;
-    device_.resolution = {600, 600};
-    device_.job = &job_;
-    target_.dhpdev = reinterpret_cast<DHPDEV>(&device_);
     source_.sizlBitmap = {kSide, kSide};
     source_.cjBits = kRowBytes * kSide;
     source_.pvBits = source_.pvScan0 = bits_.data();
@@ -33,17 +28,13 @@ class DriverSide {
   }
 
   void Draw(HDC page) {
-    job_.playback.page_dc = page;
     RECTL to = {100, 100, 100 + kSide, 100 + kSide};
     POINTL origin = {0, 0};
-    quillo::DrvBitBlt(&target_, &source_, nullptr, nullptr, nullptr, &to, &origin, nullptr, nullptr,
-                      nullptr, 0xCCCC);
+    quillo::DrvBitBlt(SurfaceOn(page), &source_, nullptr, nullptr, nullptr, &to, &origin, nullptr,
+                      nullptr, nullptr, 0xCCCC);
   }
 
  private:
-  CQloPrinter job_{HeapCreate(0, 0, 0), nullptr, 1};
-  DEVICE_PDEV device_ = {};
-  SURFOBJ target_ = {};
   SURFOBJ source_ = {};
   std::vector<BYTE> bits_ = std::vector<BYTE>(kRowBytes * kSide, BYTE{0x5A});
 };

@@ -2,9 +2,8 @@
 
 #include <algorithm>
 #include <gtest/gtest.h>
-#include <vector>
 
-#include "imaging/kernel_settings.h"
+#include "imaging/settings_scope.h"
 #include "imaging/storage.h"
 
 namespace quillo::imaging {
@@ -36,16 +35,16 @@ TEST(Init, ArgumentsAndForms_GiveTheirCodes) {
   }
 }
 
-TEST(Init, EveryDepth_DerivesItsFields) {
+TEST(Init, EveryDepthAndTheSettings_FillItsFields) {
   struct {
     uint32_t bits, line, colours, order;
     int32_t high;
-  } const cases[] = {
-      {1, 4, 2, 0, 0},    {2, 4, 4, 0, 1},    {3, 4, 8, 0, 2},   {4, 4, 16, 0, 3},
-      {5, 4, 32, 0, 4},   {6, 4, 64, 0, 5},   {7, 8, 128, 0, 6}, {8, 8, 256, 0, 7},
-      {12, 8, 0, 2, 11},  {16, 12, 0, 1, 15}, {24, 16, 0, 1, 7}, {32, 20, 0, 1, -1},
-      {48, 32, 0, 1, 15}, {64, 40, 0, 1, 15},
-  };
+  } const cases[] = {{1, 4, 2, 0, 0},    {2, 4, 4, 0, 1},    {7, 8, 128, 0, 6}, {8, 8, 256, 0, 7},
+                     {12, 8, 0, 2, 11},  {16, 12, 0, 1, 15}, {24, 16, 0, 1, 7}, {32, 20, 0, 1, -1},
+                     {48, 32, 0, 1, 15}, {64, 40, 0, 1, 15}};
+  SettingsScope settings;
+  settings->process_value = 77;
+  settings->y_resolution = 600;
   for (const auto& c : cases) {
     BitmapHandle record{};
     ASSERT_EQ(Init(&record, kCurrentForm, 5, 3, c.bits), kSuccess);
@@ -59,7 +58,8 @@ TEST(Init, EveryDepth_DerivesItsFields) {
     EXPECT_EQ(record.view_perspective, kBottomRowFirst);
     EXPECT_EQ(record.percent, 100u);
     EXPECT_EQ(record.x_resolution, 150u);
-    EXPECT_EQ(record.flags, 0u);
+    EXPECT_EQ(record.y_resolution, 600u);
+    EXPECT_EQ(record.process_value, 77u);
   }
 }
 
@@ -76,63 +76,39 @@ TEST(Init, OldForm_TouchesNothingBehindIt) {
   EXPECT_EQ(record.flags, 0u);
 }
 
-TEST(Init, ThreadSettings_GoIntoTheRecord) {
-  KernelSettings& settings = ThreadSettings();
-  const KernelSettings before = settings;
-  settings.process_value = 77;
-  settings.x_resolution = 300;
-  settings.y_resolution = 600;
-  BitmapHandle record{};
-  Init(&record, kCurrentForm, 1, 1, 24);
-  settings = before;
-  EXPECT_EQ(record.process_value, 77u);
-  EXPECT_EQ(record.x_resolution, 300u);
-  EXPECT_EQ(record.y_resolution, 600u);
-}
-
 TEST(Create, Arguments_GiveTheirCodes) {
   uint8_t data[64];
   struct {
-    const char* name;
     uint32_t type, width, bits, order, view, data_size;
     int result;
-  } const cases[] = {
-      {"no pixels", 1, 0, 8, 0, 0, 0, kEmptyData},
-      {"no pixels comes before the type", 3, 0, 8, 0, 0, 0, kEmptyData},
-      {"unknown type", 3, 4, 8, 0, 0, 0, kInvalidArgument},
-      {"order 5 of 24 bits", 1, 4, 24, 5, 0, 0, kSuccess},
-      {"order 5 of 16 bits", 1, 4, 16, 5, 0, 0, kUnsupportedDepth},
-      {"view 8", 1, 4, 8, 0, 8, 0, kSuccess},
-      {"view 9", 1, 4, 8, 0, 9, 0, kInvalidArgument},
-      {"caller data", 2, 4, 8, 0, 0, 16, kSuccess},
-      {"caller data of another size", 2, 4, 8, 0, 0, 15, kInvalidArgument},
-  };
+  } const cases[] = {{1, 0, 8, 0, 0, 0, kEmptyData},         {3, 0, 8, 0, 0, 0, kEmptyData},
+                     {3, 4, 8, 0, 0, 0, kInvalidArgument},   {1, 4, 24, 5, 0, 0, kSuccess},
+                     {1, 4, 16, 5, 0, 0, kUnsupportedDepth}, {1, 4, 8, 0, 8, 0, kSuccess},
+                     {1, 4, 8, 0, 9, 0, kInvalidArgument},   {2, 4, 8, 0, 0, 16, kSuccess},
+                     {2, 4, 8, 0, 0, 15, kInvalidArgument}};
   for (const auto& c : cases) {
     BitmapHandle record{};
     EXPECT_EQ(Create(&record, kCurrentForm, c.type, c.width, 4, c.bits, c.order, nullptr, c.view,
                      c.data_size != 0 ? data : nullptr, c.data_size),
               c.result)
-        << c.name;
-    EXPECT_EQ((record.flags & kAllocated) != 0, c.result == kSuccess) << c.name;
+        << "type " << c.type << ", " << c.bits << " bits, view " << c.view;
+    EXPECT_EQ((record.flags & kAllocated) != 0, c.result == kSuccess);
     Free(&record);
-    EXPECT_EQ(record.flags, 0u) << c.name;
+    EXPECT_EQ(record.flags, 0u);
   }
 }
 
 TEST(Create, Palettes_ComeFromRampCallerOrDefault) {
   const PaletteEntry own[2] = {{1, 2, 3, 0}, {4, 5, 6, 0}};
-  BitmapHandle record{};
-  ASSERT_EQ(Create(&record, kCurrentForm, 1, 1, 1, 0, 0, own, 0, nullptr, 0), kSuccess);
-  EXPECT_EQ(record.bits_per_pixel, 8u);
-  EXPECT_EQ(record.view_perspective, kTopRowFirst);
-  EXPECT_EQ(PaletteOf(record)[77], (PaletteEntry{77, 77, 77, 0}));
-  Free(&record);
-  ASSERT_EQ(Create(&record, kCurrentForm, 1, 1, 1, 1, 0, own, 4, nullptr, 0), kSuccess);
-  EXPECT_EQ(PaletteOf(record)[1], own[1]);
-  Free(&record);
-  ASSERT_EQ(Create(&record, kCurrentForm, 1, 1, 1, 4, 0, nullptr, 4, nullptr, 0), kSuccess);
-  EXPECT_TRUE(IsDefaultPalette(PaletteOf(record), 16));
-  Free(&record);
+  BitmapScope ramp, callers, usual;
+  ASSERT_EQ(Create(ramp.Get(), kCurrentForm, 1, 1, 1, 0, 0, own, 0, nullptr, 0), kSuccess);
+  EXPECT_EQ(ramp->bits_per_pixel, 8u);
+  EXPECT_EQ(ramp->view_perspective, kTopRowFirst);
+  EXPECT_EQ(PaletteOf(*ramp.Get())[77], (PaletteEntry{77, 77, 77, 0}));
+  ASSERT_EQ(Create(callers.Get(), kCurrentForm, 1, 1, 1, 1, 0, own, 4, nullptr, 0), kSuccess);
+  EXPECT_EQ(PaletteOf(*callers.Get())[1], own[1]);
+  ASSERT_EQ(Create(usual.Get(), kCurrentForm, 1, 1, 1, 4, 0, nullptr, 4, nullptr, 0), kSuccess);
+  EXPECT_TRUE(IsDefaultPalette(PaletteOf(*usual.Get()), 16));
 }
 
 TEST(Free, NullAndForeignRecords_AreLeftAlone) {

