@@ -3,6 +3,7 @@
 #include <filesystem>
 #include <fstream>
 #include <gtest/gtest.h>
+#include <map>
 
 #include "base/gdi_owners.h"
 #include "e2e/command.h"
@@ -85,13 +86,23 @@ TEST_F(PrintCommand, ThreeSheets_AreThreePagesOfOneJob) {
     EXPECT_NEAR(static_cast<double>(header.rclBounds.right - header.rclBounds.left),
                 side * 600 / 2540, 20);
   }
-  int starts = 0, deliveries = 0;
-  for (const Json& call : report["notifications"]) {
-    starts += call["method"] == "NotifyJobStart" ? 1 : 0;
-    deliveries += call["method"] == "NotifyPage" ? 1 : 0;
+  std::vector<std::string> heard;
+  for (const Json& call : report["notifications"]) heard.push_back(call["method"]);
+  std::vector<std::string> expected{"NotifyJobStart"};
+  for (int page = 0; page < 3; ++page) {
+    expected.insert(expected.end(), {"GetPageObject", "NotifyPageStart", "NotifyPage"});
   }
-  EXPECT_EQ(starts, 1);
-  EXPECT_EQ(deliveries, 3);
+  expected.insert(expected.end(), {"NotifyFontsFile", "NotifyDocumentEnd", "NotifyJobEnd"});
+  EXPECT_EQ(heard, expected);
+  const Json& delivery = report["notifications"][6];
+  EXPECT_EQ(delivery["page"], 2);
+  EXPECT_EQ(delivery["file"], "page-0002.emf");
+  const Json described = {{"kind", 1}, {"width", 4200.0}, {"height", 2970.0},
+                          {"mode", 3}, {"x_dpi", 600},    {"y_dpi", 600}};
+  for (const auto& [key, value] : described.items()) {
+    EXPECT_EQ(delivery["page_object"][key], value) << key;
+  }
+  EXPECT_EQ(report["notifications"][10]["fonts"], Json::array());
 }
 
 TEST_F(PrintCommand, SheetAndResolution_GiveThePagesScale) {
@@ -201,19 +212,29 @@ TEST_F(PrintCommand, OutputThatCannotBe_IsToldBeforePrinting) {
   EXPECT_NE(result.errors.find("b.emf"), std::string::npos) << result.errors;
 }
 
+// Whatever the client does, the job goes on and leaves nothing behind.
 TEST_F(PrintCommand, FaultyClients_GiveTheirExitCode) {
+  using Calls = std::map<std::string, int>;
+  const Calls all = {{"NotifyJobStart", 1}, {"GetPageObject", 2},   {"NotifyPageStart", 2},
+                     {"NotifyPage", 2},     {"NotifyFontsFile", 1}, {"NotifyDocumentEnd", 1},
+                     {"NotifyJobEnd", 1}};
+  Calls without_objects = all;
+  without_objects.erase("NotifyPageStart");
   const struct {
     const wchar_t* client;
     int exit_code;
-    bool second_page;
+    Calls calls;
     const char* said;
   } cases[] = {
-      {L"absent", 4, false, "DrvStartPage"},
-      {L"late", 0, true, ""},
-      {L"hanging", 0, true, ""},
-      {L"failing", 5, false, "page 1 did not arrive"},
-      {L"dying", 5, false, "page 1 did not arrive"},
-      {L"without-text-runs", 0, true, ""},
+      {L"absent", 4, {}, "DrvStartPage"},
+      {L"late", 0, all, ""},
+      {L"hanging", 0, all, ""},
+      {L"failing", 5, without_objects, "page 1 did not arrive"},
+      {L"dying",
+       5,
+       {{"NotifyJobStart", 1}, {"GetPageObject", 1}, {"NotifyPageStart", 1}},
+       "page 1 did not arrive"},
+      {L"without-text-runs", 0, all, ""},
   };
   for (const auto& test : cases) {
     SCOPED_TRACE(testing::Message() << test.client);
@@ -222,8 +243,16 @@ TEST_F(PrintCommand, FaultyClients_GiveTheirExitCode) {
     EXPECT_EQ(result.exit_code, test.exit_code);
     EXPECT_NE(result.errors.find(test.said), std::string::npos) << result.errors;
     // Each run also takes the pages of the one before away.
-    EXPECT_EQ(fs::exists(out_ / L"page-0002.emf"), test.second_page);
-    EXPECT_TRUE(fs::exists(out_ / L"job.json"));
+    EXPECT_EQ(fs::exists(out_ / L"page-0002.emf"), test.exit_code == 0);
+    Calls heard;
+    const Json report = ReadJobReport(out_);
+    for (const Json& call : report["notifications"]) ++heard[call["method"]];
+    EXPECT_EQ(heard, test.calls);
+    EXPECT_EQ(report["job_end_event"], test.calls.contains("NotifyJobEnd"));
+    for (const auto& entry : fs::recursive_directory_iterator(fs::temp_directory_path())) {
+      EXPECT_NE(entry.path().extension(), L".stg") << entry.path();
+      EXPECT_NE(entry.path().extension(), L".fpt") << entry.path();
+    }
   }
 }
 

@@ -17,7 +17,6 @@
 namespace quillo {
 namespace {
 
-using test::Line;
 using test::RecordingClient;
 
 constexpr int kDpi = 300;
@@ -27,6 +26,7 @@ class Document : public testing::Test {
   void SetUp() override {
     ASSERT_TRUE(SUCCEEDED(CoInitializeEx(nullptr, COINIT_MULTITHREADED)));
     host::EnsurePrinter(host::kPrinterName, kDpi, {});
+    mode_ = host::MakeDeviceMode(host::kPrinterName, {.paper = DMPAPER_A4}, kDpi);
     driver_.emplace(test::BuiltFile(L"QXDRV06X.dll"));
     spool_job_.emplace(host::kPrinterName, L"A document");
     client_.LeaveConnection(spool_job_->Id());
@@ -36,18 +36,14 @@ class Document : public testing::Test {
     CoUninitialize();
   }
 
-  static DeviceMode Mode(short paper, bool landscape) {
-    return host::MakeDeviceMode(host::kPrinterName,
-                                host::Sheet{.paper = paper, .landscape = landscape}, kDpi);
-  }
-
-  std::unique_ptr<host::PrintSession> Start(const DEVMODEW& mode) {
+  std::unique_ptr<host::PrintSession> Start() {
     const host::PrinterPort port = {spool_job_->Printer(), host::kPrinterName, L"FILE:"};
-    auto session = std::make_unique<host::PrintSession>(driver_->Functions(), port, mode);
+    auto session = std::make_unique<host::PrintSession>(driver_->Functions(), port, mode_.pub);
     session->StartDocument(L"A document", spool_job_->Id());
     return session;
   }
 
+  DeviceMode mode_ = {};
   RecordingClient client_;
   std::optional<host::DriverModule> driver_;
   std::optional<host::SpoolJob> spool_job_;
@@ -78,46 +74,6 @@ void DrawShapes(host::Graphics& page) {
   page.Paint(host::ClipShape(RECTL{0, 0, 500, 250}), fill, state);
 }
 
-/// Opens the file of a page.
-EnhMetafile OpenPage(const wchar_t* path) { return EnhMetafile(GetEnhMetaFileW(path)); }
-
-TEST_F(Document, ThreeSheets_OneJobWithEachPagesFrame) {
-  const struct {
-    short paper;
-    bool landscape;
-    LONG width, height;  // 0.01 mm
-  } sheets[] = {{DMPAPER_A4, false, 21000, 29700},
-                {DMPAPER_A3, true, 42000, 29700},
-                {DMPAPER_LETTER, false, 21590, 27940}};
-  std::vector<RECTL> frames;
-  std::vector<DWORD> records;
-  client_.on_page_file = [&](const wchar_t* path) {
-    ENHMETAHEADER header = {};
-    GetEnhMetaFileHeader(OpenPage(path).Get(), sizeof header, &header);
-    frames.push_back(header.rclFrame);
-    records.push_back(header.nRecords);
-  };
-
-  const auto session = Start(Mode(sheets[0].paper, sheets[0].landscape).pub);
-  for (const auto& sheet : sheets) {
-    const DeviceMode mode = Mode(sheet.paper, sheet.landscape);
-    DrawShapes(session->StartPage(mode.pub));
-    session->SendPage();
-  }
-  session->EndDocument();
-
-  ASSERT_EQ(frames.size(), std::size(sheets));
-  for (size_t i = 0; i < frames.size(); ++i) {
-    EXPECT_EQ(frames[i].right - frames[i].left, sheets[i].width) << i;
-    EXPECT_EQ(frames[i].bottom - frames[i].top, sheets[i].height) << i;
-    EXPECT_GT(records[i], 50u) << i;
-  }
-  const auto starts = std::ranges::count_if(
-      client_.calls, [](const std::string& call) { return call.starts_with("NotifyJobStart"); });
-  EXPECT_EQ(starts, 1);
-  EXPECT_EQ(client_.calls.back(), Line("NotifyJobEnd VORNIX Quillo 6/", spool_job_->Id()));
-}
-
 /// What the process holds. Wine does not count handles, so the next free ones stand for all.
 struct Holdings {
   WORD gdi_object;
@@ -143,11 +99,10 @@ struct Holdings {
 };
 
 TEST_F(Document, TwoHundredPages_HoldNoMoreThanTwo) {
-  const DeviceMode mode = Mode(DMPAPER_A4, false);
-  const auto session = Start(mode.pub);
+  const auto session = Start();
   Holdings after_two = {};
   for (int page = 1; page <= 200; ++page) {
-    DrawShapes(session->StartPage(mode.pub));
+    DrawShapes(session->StartPage(mode_.pub));
     session->SendPage();
     client_.calls.clear();
     if (page == 2) after_two = Holdings::Now();
@@ -160,9 +115,8 @@ TEST_F(Document, TwoHundredPages_HoldNoMoreThanTwo) {
 }
 
 TEST_F(Document, CallsAfterTheEnd_FindNoJob) {
-  const DeviceMode mode = Mode(DMPAPER_A4, false);
-  const auto session = Start(mode.pub);
-  session->StartPage(mode.pub);
+  const auto session = Start();
+  session->StartPage(mode_.pub);
   session->SendPage();
   SURFOBJ* surface = session->Device().Surface();
   session->EndDocument();

@@ -3,21 +3,13 @@
 #include "base/windows.h"
 
 #include <functional>
-#include <sstream>
 #include <string>
 #include <vector>
 
 #include "job/client.h"
+#include "support/line.h"
 
 namespace quillo::test {
-
-/// The parts as one text.
-template <typename... Parts>
-std::string Line(const Parts&... parts) {
-  std::ostringstream line;
-  (line << ... << parts);
-  return line.str();
-}
 
 /// A client application inside the test's own process: notes every call that a job makes as one
 /// line, and answers as it is told.

@@ -17,19 +17,6 @@ Options Parsed(const std::vector<std::string>& arguments) {
   return answer == nullptr ? std::get<Options>(result) : Options{};
 }
 
-TEST(ParseCommandLine, InputAlone_TakesDefaults) {
-  const Options options = Parsed({"dir/file.emf"});
-  ASSERT_EQ(options.inputs.size(), 1u);
-  EXPECT_EQ(options.inputs[0].path, L"dir/file.emf");
-  EXPECT_EQ(options.inputs[0].sheet, kLetter);
-  EXPECT_EQ(options.output, L"out");
-  EXPECT_EQ(options.dpi, 600);
-  EXPECT_TRUE(options.fit);
-  EXPECT_EQ(options.document, L"file.emf");
-  EXPECT_EQ(options.preview_dpi, 96);
-  EXPECT_FALSE(options.quiet);
-}
-
 TEST(ParseCommandLine, Options_AreTaken) {
   const Options options =
       Parsed({"--dpi", "300", "--actual-size", "-o", "/tmp/a b", "a.emf", "--document=Grüße",

@@ -54,12 +54,5 @@ TEST_F(ResultFolderOfAJob, ForeignReports_AreLeftAlone) {
   }
 }
 
-TEST_F(ResultFolderOfAJob, FolderThatCannotBe_IsAFailure) {
-  fs::create_directories(base_);
-  Touch(base_ / L"file");
-  EXPECT_THROW(ResultFolder(base_ / L"file"), ResultFailure);
-  EXPECT_THROW(ResultFolder(base_ / L"file" / L"below"), ResultFailure);
-}
-
 }  // namespace
 }  // namespace quillo::host

@@ -15,16 +15,9 @@ std::vector<std::byte> Pack(const std::vector<uint32_t>& words) {
 /// A BITMAPINFOHEADER, and what follows it.
 std::vector<std::byte> Info(int32_t width, int32_t height, uint32_t depth, uint32_t compression,
                             uint32_t colors_used = 0, const std::vector<uint32_t>& after = {}) {
-  std::vector<uint32_t> words = {40,
-                                 static_cast<uint32_t>(width),
-                                 static_cast<uint32_t>(height),
-                                 1 | depth << 16,
-                                 compression,
-                                 0,
-                                 0,
-                                 0,
-                                 colors_used,
-                                 0};
+  const auto columns = static_cast<uint32_t>(width), rows = static_cast<uint32_t>(height);
+  std::vector<uint32_t> words = {40, columns, rows, 1 | depth << 16, compression,
+                                 0,  0,       0,    colors_used,     0};
   words.insert(words.end(), after.begin(), after.end());
   return Pack(words);
 }
@@ -97,7 +90,7 @@ TEST(Dib, ColourTable_IsReadAsFarAsItGoes) {
 
 TEST(Dib, CoreHeader_HasTriplesOfColour) {
   std::vector<std::byte> info = Pack({12, 5 | 2 << 16, 1 | 1 << 16});
-  for (const int part : {1, 2, 3, 4, 5, 6}) info.push_back(static_cast<std::byte>(part));
+  for (int part = 1; part <= 6; ++part) info.push_back(static_cast<std::byte>(part));
   const auto dib = Parse(info, 8);
   ASSERT_TRUE(dib);
   EXPECT_EQ(dib->width, 5);
@@ -106,19 +99,11 @@ TEST(Dib, CoreHeader_HasTriplesOfColour) {
 }
 
 TEST(Dib, Masks_AreRunsOfBits) {
-  const struct {
-    std::vector<uint32_t> masks;
-    bool accepted;
-  } cases[] = {
-      {{0xFF0000, 0xFF00, 0xFF}, true},
-      {{0xFFE0, 0xFF0000, 0xFF}, true},  // these share bits
-      {{0, 0, 0}, false},
-      {{0xF0F, 0xF0, 0}, false},
-      {{0xFF0000, 0xFF00}, false},  // behind the end
-  };
-  for (const auto& [masks, accepted] : cases) {
-    EXPECT_EQ(Parse(Info(1, 1, 32, 3, 0, masks), 4).has_value(), accepted);
-  }
+  using Masks = std::vector<uint32_t>;
+  const Masks accepted[] = {{0xFF0000, 0xFF00, 0xFF}, {0xFFE0, 0xFF0000, 0xFF}};  // may share bits
+  const Masks refused[] = {{0, 0, 0}, {0xF0F, 0xF0, 0}, {0xFF0000, 0xFF00}};      // too short
+  for (const Masks& m : accepted) EXPECT_TRUE(Parse(Info(1, 1, 32, 3, 0, m), 4)) << m[0];
+  for (const Masks& m : refused) EXPECT_FALSE(Parse(Info(1, 1, 32, 3, 0, m), 4)) << m[0];
 }
 
 TEST(Dib, EveryTruncatedHeader_IsRefused) {

@@ -10,49 +10,34 @@ namespace {
 // 1000 x 500 pixels on 200 x 100 mm: 5 pixels a millimetre.
 PageTransform Reference() { return {{1000, 500}, {200, 100}}; }
 
-TEST(PageTransform, MapModes_ScaleByTheReferenceDevice) {
+TEST(PageTransform, MapModes_ScaleByTheReferenceDeviceOrTheExtents) {
   const struct {
     uint32_t mode;
-    double x;
-    double y;
+    PointD alone;
+    PointD extents;  // with a window of 100 x 100 and a viewport of 200 x 400
   } cases[] = {
-      {1, 1, 1},                       // MM_TEXT
-      {2, 0.5, -0.5},                  // MM_LOMETRIC: 0.1 mm
-      {3, 0.05, -0.05},                // MM_HIMETRIC: 0.01 mm
-      {4, 1.27, -1.27},                // MM_LOENGLISH: 0.01 inch
-      {5, 0.127, -0.127},              // MM_HIENGLISH: 0.001 inch
-      {6, 127 / 1440., -127 / 1440.},  // MM_TWIPS
-      {7, 0.5, -0.5},                  // MM_ISOTROPIC begins as MM_LOMETRIC
+      {1, {1, 1}, {1, 1}},                                            // MM_TEXT
+      {2, {0.5, -0.5}, {0.5, -0.5}},                                  // MM_LOMETRIC: 0.1 mm
+      {3, {0.05, -0.05}, {0.05, -0.05}},                              // MM_HIMETRIC: 0.01 mm
+      {4, {1.27, -1.27}, {1.27, -1.27}},                              // MM_LOENGLISH: 0.01 inch
+      {5, {0.127, -0.127}, {0.127, -0.127}},                          // MM_HIENGLISH
+      {6, {127 / 1440., -127 / 1440.}, {127 / 1440., -127 / 1440.}},  // MM_TWIPS
+      {7, {0.5, -0.5}, {2, 2}},  // MM_ISOTROPIC begins as MM_LOMETRIC
+      {8, {1, 1}, {2, 4}},       // MM_ANISOTROPIC
   };
-  for (const auto& [mode, x, y] : cases) {
+  for (const auto& c : cases) {
+    SCOPED_TRACE(c.mode);
     PageTransform page = Reference();
-    ASSERT_TRUE(page.SetMapMode(mode));
-    EXPECT_NEAR(page.ToDevice().m11, x, 0.002) << mode;
-    EXPECT_NEAR(page.ToDevice().m22, y, 0.002) << mode;
+    ASSERT_TRUE(page.SetMapMode(c.mode));
+    EXPECT_NEAR(page.ToDevice().m11, c.alone.x, 0.002);
+    EXPECT_NEAR(page.ToDevice().m22, c.alone.y, 0.002);
+    EXPECT_TRUE(page.SetWindowExtent({100, 100}));
+    EXPECT_TRUE(page.SetViewportExtent({200, 400}));
+    EXPECT_NEAR(page.ToDevice().m11, c.extents.x, 0.002);
+    EXPECT_NEAR(page.ToDevice().m22, c.extents.y, 0.002);
   }
   EXPECT_FALSE(Reference().SetMapMode(0));
   EXPECT_FALSE(Reference().SetMapMode(9));
-}
-
-TEST(PageTransform, Extents_OnlyCountInTheFreeModes) {
-  for (const auto& [mode, x, y] : {std::tuple{1u, 1.0, 1.0}, {8u, 2.0, 4.0}, {7u, 2.0, 2.0}}) {
-    PageTransform page = Reference();
-    page.SetMapMode(mode);
-    EXPECT_TRUE(page.SetWindowExtent({100, 100}));
-    EXPECT_TRUE(page.SetViewportExtent({200, 400}));
-    EXPECT_EQ(page.ToDevice().m11, x) << mode;
-    EXPECT_EQ(page.ToDevice().m22, y) << mode;
-  }
-}
-
-TEST(PageTransform, Origins_ShiftWindowThenViewport) {
-  PageTransform page = Reference();
-  page.SetMapMode(8);
-  page.SetWindowExtent({10, 10});
-  page.SetViewportExtent({20, -20});
-  page.SetWindowOrigin({3, 4});
-  page.SetViewportOrigin({100, 200});
-  EXPECT_EQ(page.ToDevice().Apply(4, 6), (PointD{102, 196}));
 }
 
 TEST(PageTransform, ScaledExtents_NeverBecomeZero) {
@@ -111,12 +96,6 @@ TEST(PageMapping, FitFrame_KeepsProportionsAndCentres) {
   const Transform fit = FitFrame(HeaderOf({100, 200, 1100, 700}, {}), {1000, 2000});
   EXPECT_EQ(fit.Apply(5, 10), (PointD{0, 750}));
   EXPECT_EQ(fit.Apply(55, 35), (PointD{1000, 1250}));
-}
-
-TEST(PageMapping, ActualSize_UsesTheFramesMillimetres) {
-  const Transform map = ActualSize(HeaderOf({0, 0, 2540, 2540}, {}), 600);  // one inch
-  EXPECT_NEAR(map.Apply(127, 127).x, 600, 1e-9);
-  EXPECT_NEAR(map.Apply(127, 127).y, 600, 1e-9);
 }
 
 }  // namespace

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "base/ddi.h"
+
 #include <bit>
 #include <map>
 #include <string>
@@ -7,7 +9,6 @@
 
 #include "host/emf/metafile_builder.h"
 #include "host/emf/player.h"
-#include "host/emf/recording_canvas.h"
 
 namespace quillo::host::emf {
 
@@ -19,6 +20,7 @@ inline uint32_t S(int16_t low, int16_t high) {
 }
 
 constexpr uint32_t kStock = 0x80000000;
+constexpr uint32_t kB = 0;  // a number of the bounds, which are not read
 
 struct TestRecord {
   uint32_t type;
@@ -26,29 +28,15 @@ struct TestRecord {
 };
 
 struct Played {
-  std::string calls;   // a line each
+  std::string calls;   // drawing calls, a line each; each line of text is 100 logical units long
   std::string faults;  // a line each
-  std::map<std::string, int> not_carried;
+  PlayResult result;
 };
 
-inline Played Play(const std::vector<TestRecord>& records, const Transform& to_page = {}) {
-  MetafileBuilder builder;
-  for (const auto& [type, payload] : records) builder.Add(type, payload);
-  const auto file = builder.Finish();
-  MetafileReader reader(file);
-  RecordingCanvas canvas;
-  Played played;
-  played.not_carried = PlayMetafile(reader, to_page, canvas).not_carried;
-  played.calls = canvas.Take();
-  for (const MetafileFault& fault : reader.faults()) played.faults += Describe(fault) + "\n";
-  return played;
-}
+Played Play(const std::vector<TestRecord>& records, const Transform& to_page = {},
+            const PlayOptions& options = {});
 
 /// The last call of `records`.
-inline std::string LastCall(const std::vector<TestRecord>& records, const Transform& to_page = {}) {
-  std::string calls = Play(records, to_page).calls;
-  if (!calls.empty()) calls.pop_back();
-  return calls.substr(calls.rfind('\n') + 1);
-}
+std::string LastCall(const std::vector<TestRecord>& records, const Transform& to_page = {});
 
 }  // namespace quillo::host::emf

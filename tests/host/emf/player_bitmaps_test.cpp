@@ -6,7 +6,6 @@
 namespace quillo::host::emf {
 namespace {
 
-constexpr uint32_t kB = 0;  // a number of the bounds, which are not read
 constexpr uint32_t kCopy = SRCCOPY;
 
 /// A DIB of 4 x 2 pixels and 24 bits.
@@ -154,7 +153,7 @@ TEST(PlayerBitmaps, TurnedDc_DrawsParallelograms) {
             "PlgBlt -20,10 -20,13 -22,10 | 4x2x24 from (1,0)-(4,2)");
   EXPECT_EQ(LastCall({GradientRecord(GRADIENT_FILL_RECT_V)}, quarter),
             "GradientFill mode 2 0,0 0,10 -5,0 -5,10 0,10 -5,0");
-  EXPECT_EQ(Play({MaskBltRecord()}, quarter).not_carried,
+  EXPECT_EQ(Play({MaskBltRecord()}, quarter).result.not_carried,
             (std::map<std::string, int>{{"EMR_MASKBLT", 1}}));
 }
 

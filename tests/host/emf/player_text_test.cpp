@@ -7,33 +7,32 @@
 namespace quillo::host::emf {
 namespace {
 
-constexpr uint32_t kB = 0;  // a number of the bounds, which are not read
 constexpr uint32_t kCompatible = 1, kAdvanced = 2;
 
 /// ExtTextOut of "ab" at (10, 20) with advances 7 and 9.
 TestRecord TextRecord(uint32_t type, uint32_t options = 0, uint32_t mode = kCompatible,
                       uint32_t two_characters = S('a', 'b')) {
-  return {type,
-          {kB,
-           kB,
-           kB,
-           kB,
-           mode,
-           F(1),
-           F(1),  //
-           10,
-           20,
-           2,
-           76,
-           options,  // reference, count, place of the text, options
-           1,
-           2,
-           30,
-           40,  // rectangle
-           80,  // place of the advances
-           two_characters,
-           7,
-           9}};
+  const std::vector<uint32_t> payload = {kB,
+                                         kB,
+                                         kB,
+                                         kB,
+                                         mode,
+                                         F(1),
+                                         F(1),  //
+                                         10,
+                                         20,
+                                         2,
+                                         76,
+                                         options,  // place and count of the text
+                                         1,
+                                         2,
+                                         30,
+                                         40,  // rectangle
+                                         80,  // place of the advances
+                                         two_characters,
+                                         7,
+                                         9};
+  return {type, payload};
 }
 
 const std::string kPlain = "Text 'ab' at 10,20 dx 7/9 | #000000";
@@ -123,23 +122,15 @@ TEST(PlayerText, GlyphIndexes_NeedTheirFontOrItsOrder) {
     font.push_back(name[0] | static_cast<uint32_t>(name[1]) << 16);
   }
   font.resize(1 + 23);
-  MetafileBuilder builder;
-  builder.Add(kEmrEXTCREATEFONTINDIRECTW, font);
-  builder.Add(kEmrSELECTOBJECT, {1});
   const TestRecord text = TextRecord(kEmrEXTTEXTOUTW, ETO_GLYPH_INDEX, kCompatible, S(68, 69));
-  builder.Add(text.type, text.payload);
-  const auto file = builder.Finish();
-
-  for (const GlyphOrder order : {GlyphOrder::kAssume, GlyphOrder::kDrop}) {
-    MetafileReader reader(file);
-    RecordingCanvas canvas;
-    const PlayResult result = PlayMetafile(reader, {}, canvas, {order});
-    const FontUse& use = result.fonts.at(L"Nowhere Sans");
+  for (const bool assumed : {true, false}) {
+    const Played played = Play({{kEmrEXTCREATEFONTINDIRECTW, font}, {kEmrSELECTOBJECT, {1}}, text},
+                               {}, {assumed ? GlyphOrder::kAssume : GlyphOrder::kDrop});
+    const FontUse& use = played.result.fonts.at(L"Nowhere Sans");
     EXPECT_TRUE(use.substituted);
-    EXPECT_EQ(use.assumed_glyphs, order == GlyphOrder::kAssume ? 2 : 0);
-    EXPECT_EQ(use.dropped_glyphs, order == GlyphOrder::kAssume ? 0 : 2);
-    EXPECT_EQ(canvas.Take(),
-              order == GlyphOrder::kAssume ? "Text 68 69 at 10,20 dx 7/9 | #000000\n" : "");
+    EXPECT_EQ(use.assumed_glyphs, assumed ? 2 : 0);
+    EXPECT_EQ(use.dropped_glyphs, assumed ? 0 : 2);
+    EXPECT_EQ(played.calls, assumed ? "Text 68 69 at 10,20 dx 7/9 | #000000\n" : "");
   }
 }
 

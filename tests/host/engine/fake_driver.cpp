@@ -2,12 +2,15 @@
 
 #include <cmath>
 #include <iomanip>
-#include <sstream>
+#include <span>
 
 #include "host/engine/services/surfaces.h"
+#include "support/line.h"
 
 namespace quillo::host {
 namespace {
+
+using test::Line;
 
 FakeDriver* fake = nullptr;
 
@@ -30,63 +33,52 @@ std::string NumberOf(DHPDEV device) {
 
 std::string NumberOf(SURFOBJ* surface) { return NumberOf(surface->dhpdev); }
 
+std::string Describe(const POINTL& p) { return Line(p.x, ",", p.y); }
+
+std::string Describe(const RECTL& r) {
+  return Line(r.left, ",", r.top, ",", r.right, ",", r.bottom);
+}
+
 std::string Describe(PATHOBJ* path) {
-  std::ostringstream text;
+  std::string text;
   PATHDATA data{};
   PATHOBJ_vEnumStart(path);
-  bool more = true;
-  while (more) {
+  for (bool more = true; more;) {
     more = PATHOBJ_bEnum(path, &data) != FALSE;
-    text << " [" << std::hex << data.flags << std::dec << ":";
-    for (ULONG i = 0; i < data.count; ++i) {
-      text << " " << data.pptfx[i].x / 16.0 << "," << data.pptfx[i].y / 16.0;
+    text += Line(" [", std::hex, data.flags, ":");
+    for (const POINTFIX& p : std::span(data.pptfx, data.count)) {
+      text += Line(" ", p.x / 16.0, ",", p.y / 16.0);
     }
-    text << "]";
+    text += "]";
   }
-  return text.str();
+  return text;
 }
 
 std::string Describe(CLIPOBJ* clip) {
-  std::ostringstream text;
   if (clip->iDComplexity == DC_TRIVIAL) return "trivial";
-  text << (clip->iDComplexity == DC_RECT ? "rect " : "complex ") << clip->rclBounds.left << ","
-       << clip->rclBounds.top << "," << clip->rclBounds.right << "," << clip->rclBounds.bottom;
-  if (clip->iDComplexity == DC_COMPLEX) {
-    PATHOBJ* outline = CLIPOBJ_ppoGetPath(clip);
-    text << Describe(outline);
-    EngDeletePath(outline);
-  }
-  return text.str();
+  if (clip->iDComplexity == DC_RECT) return "rect " + Describe(clip->rclBounds);
+  PATHOBJ* outline = CLIPOBJ_ppoGetPath(clip);
+  const std::string text = "complex " + Describe(clip->rclBounds) + Describe(outline);
+  EngDeletePath(outline);
+  return text;
 }
 
 std::string Describe(BRUSHOBJ* brush) {
-  std::ostringstream text;
-  if (brush->iSolidColor != 0xFFFFFFFF) {
-    text << "solid " << std::hex << brush->iSolidColor;
-  } else {
-    const auto* realized = static_cast<const char*>(BRUSHOBJ_pvGetRbrush(brush));
-    text << (realized != nullptr ? realized : "unrealized");
-  }
-  return text.str();
+  if (brush->iSolidColor != 0xFFFFFFFF) return Line("solid ", std::hex, brush->iSolidColor);
+  const auto* realized = static_cast<const char*>(BRUSHOBJ_pvGetRbrush(brush));
+  return realized != nullptr ? realized : "unrealized";
 }
 
 std::string Describe(const LINEATTRS& line, XFORMOBJ* transform) {
-  std::ostringstream text;
-  if (line.fl & LA_GEOMETRIC) {
-    XFORML matrix{};
-    XFORMOBJ_iGetXform(transform, &matrix);
-    text << "wide " << line.elWidth.e << "x" << matrix.eM11;
-    for (ULONG i = 0; i < line.cstyle; ++i) text << "/" << line.pstyle[i].e;
-  } else {
-    text << "thin " << line.elWidth.l;
-    for (ULONG i = 0; i < line.cstyle; ++i) text << "/" << line.pstyle[i].l;
+  const bool wide = (line.fl & LA_GEOMETRIC) != 0;
+  XFORML matrix{};
+  XFORMOBJ_iGetXform(transform, &matrix);
+  std::string text =
+      wide ? Line("wide ", line.elWidth.e, "x", matrix.eM11) : Line("thin ", line.elWidth.l);
+  for (const FLOAT_LONG& dash : std::span(line.pstyle, line.cstyle)) {
+    text += wide ? Line("/", dash.e) : Line("/", dash.l);
   }
-  return text.str();
-}
-
-std::string Describe(const RECTL& r) {
-  return std::to_string(r.left) + "," + std::to_string(r.top) + "," + std::to_string(r.right) +
-         "," + std::to_string(r.bottom);
+  return text;
 }
 
 DHPDEV APIENTRY EnablePDEV(DEVMODEW* mode, LPWSTR, ULONG, HSURF*, ULONG, GDIINFO* capabilities,
@@ -143,28 +135,27 @@ WINBOOL APIENTRY EndDoc(SURFOBJ* surface, FLONG flags) {
 WINBOOL APIENTRY RealizeBrush(BRUSHOBJ* brush, SURFOBJ*, SURFOBJ* pattern, SURFOBJ*,
                               XLATEOBJ* xlate, ULONG hatch) {
   if (!Note("RealizeBrush")) return FALSE;
-  std::ostringstream text;
-  text << "hatch " << hatch << " " << pattern->sizlBitmap.cx << "x" << pattern->sizlBitmap.cy
-       << std::hex;
-  for (ULONG i = 0; i < xlate->cEntries; ++i) text << " " << xlate->pulXlate[i];
-  void* block = BRUSHOBJ_pvAllocRbrush(brush, static_cast<ULONG>(text.str().size() + 1));
-  brush->pvRbrush = std::char_traits<char>::copy(static_cast<char*>(block), text.str().c_str(),
-                                                 text.str().size());
+  std::string text =
+      Line("hatch ", hatch, " ", pattern->sizlBitmap.cx, "x", pattern->sizlBitmap.cy);
+  for (const ULONG color : std::span(xlate->pulXlate, xlate->cEntries)) {
+    text += Line(" ", std::hex, color);
+  }
+  void* block = BRUSHOBJ_pvAllocRbrush(brush, static_cast<ULONG>(text.size() + 1));
+  brush->pvRbrush =
+      std::char_traits<char>::copy(static_cast<char*>(block), text.c_str(), text.size());
   return TRUE;
 }
 
 WINBOOL APIENTRY StrokePath(SURFOBJ*, PATHOBJ* path, CLIPOBJ* clip, XFORMOBJ* transform,
                             BRUSHOBJ* brush, POINTL*, LINEATTRS* line, MIX mix) {
-  return Note("StrokePath", Describe(*line, transform) + ", " + Describe(brush) + ", mix " +
-                                std::to_string(mix & 0xFF) + "," + Describe(path) + ", " +
-                                Describe(clip));
+  return Note("StrokePath", Line(Describe(*line, transform), ", ", Describe(brush), ", mix ",
+                                 mix & 0xFF, ",", Describe(path), ", ", Describe(clip)));
 }
 
 WINBOOL APIENTRY FillPath(SURFOBJ*, PATHOBJ* path, CLIPOBJ* clip, BRUSHOBJ* brush, POINTL*, MIX mix,
                           FLONG options) {
-  return Note("FillPath", Describe(brush) + ", mix " + std::to_string(mix & 0xFF) + ", mode " +
-                              std::to_string(options) + "," + Describe(path) + ", " +
-                              Describe(clip));
+  return Note("FillPath", Line(Describe(brush), ", mix ", mix & 0xFF, ", mode ", options, ",",
+                               Describe(path), ", ", Describe(clip)));
 }
 
 WINBOOL APIENTRY StrokeAndFillPath(SURFOBJ*, PATHOBJ*, CLIPOBJ*, XFORMOBJ*, BRUSHOBJ* stroke,
@@ -183,86 +174,83 @@ WINBOOL APIENTRY Paint(SURFOBJ*, CLIPOBJ* clip, BRUSHOBJ* brush, POINTL*, MIX) {
 
 /// Size, depth and, of small pictures, all pixels as the driver would copy them.
 std::string Describe(SURFOBJ* surface, XLATEOBJ* translation) {
-  if (surface == nullptr) return "-";
-  std::ostringstream text;
-  text << surface->sizlBitmap.cx << "x" << surface->sizlBitmap.cy << "x"
-       << BitsPerPixel(surface->iBitmapFormat);
-  if (surface->iBitmapFormat > BMF_32BPP) return text.str() + " rle";
-  text << std::hex << std::setfill('0');
+  const auto [width, height] = surface->sizlBitmap;
+  const ULONG depth = BitsPerPixel(surface->iBitmapFormat);
+  std::string text = Line(width, "x", height, "x", depth);
+  if (surface->iBitmapFormat > BMF_32BPP) return text + " rle";
   if (translation != nullptr && translation->cEntries > 0 && translation->cEntries <= 4) {
-    text << " {";
-    for (ULONG i = 0; i < translation->cEntries; ++i) text << " " << translation->pulXlate[i];
-    text << " }";
+    text += " {";
+    for (const ULONG color : std::span(translation->pulXlate, translation->cEntries)) {
+      text += Line(" ", std::hex, color);
+    }
+    text += " }";
   }
-  const ULONG row_bytes =
-      (static_cast<ULONG>(surface->sizlBitmap.cx) * BitsPerPixel(surface->iBitmapFormat) + 7) / 8;
-  if (surface->cjBits > 64) return text.str();
-  for (LONG y = 0; y < surface->sizlBitmap.cy; ++y) {
+  if (surface->cjBits > 64) return text;
+  for (LONG y = 0; y < height; ++y) {
     const auto* row = static_cast<const uint8_t*>(surface->pvScan0) + y * surface->lDelta;
-    text << (y == 0 ? " " : "/");
-    for (ULONG i = 0; i < row_bytes; ++i) text << std::setw(2) << int{row[i]};
+    text += y == 0 ? " " : "/";
+    for (const uint8_t byte : std::span(row, (static_cast<ULONG>(width) * depth + 7) / 8)) {
+      text += Line(std::hex, std::setfill('0'), std::setw(2), int{byte});
+    }
   }
-  return text.str();
+  return text;
 }
-
-std::string Describe(const POINTL& p) { return std::to_string(p.x) + "," + std::to_string(p.y); }
 
 WINBOOL APIENTRY BitBlt(SURFOBJ*, SURFOBJ* source, SURFOBJ* mask, CLIPOBJ*, XLATEOBJ* translation,
                         RECTL* target, POINTL* source_origin, POINTL* mask_origin, BRUSHOBJ* brush,
                         POINTL*, ROP4 rop4) {
-  std::ostringstream text;
-  text << Describe(*target) << " rop " << std::hex << rop4;
-  if (brush != nullptr) text << ", " << Describe(brush);
+  std::string text = Line(Describe(*target), " rop ", std::hex, rop4);
+  if (brush != nullptr) text += ", " + Describe(brush);
   if (source != nullptr) {
-    text << ", from " << Describe(*source_origin) << " of " << Describe(source, translation);
+    text += ", from " + Describe(*source_origin) + " of " + Describe(source, translation);
   }
-  if (mask != nullptr) {
-    text << ", mask " << Describe(*mask_origin) << " of " << Describe(mask, nullptr);
-  }
-  return Note("BitBlt", text.str());
+  if (mask != nullptr)
+    text += ", mask " + Describe(*mask_origin) + " of " + Describe(mask, nullptr);
+  return Note("BitBlt", text);
 }
 
 WINBOOL APIENTRY CopyBits(SURFOBJ*, SURFOBJ* source, CLIPOBJ*, XLATEOBJ* translation, RECTL* target,
                           POINTL* origin) {
-  return Note("CopyBits", Describe(*target) + " from " + Describe(*origin) + " of " +
-                              Describe(source, translation));
+  return Note("CopyBits", Line(Describe(*target), " from ", Describe(*origin), " of ",
+                               Describe(source, translation)));
 }
 
 WINBOOL APIENTRY StretchBlt(SURFOBJ*, SURFOBJ* source, SURFOBJ*, CLIPOBJ*, XLATEOBJ* translation,
                             COLORADJUSTMENT*, POINTL*, RECTL* target, RECTL* rect, POINTL*,
                             ULONG mode) {
-  return Note("StretchBlt", Describe(*target) + " from " + Describe(*rect) + " of " +
-                                Describe(source, translation) + ", mode " + std::to_string(mode));
+  return Note("StretchBlt", Line(Describe(*target), " from ", Describe(*rect), " of ",
+                                 Describe(source, translation), ", mode ", mode));
 }
 
 WINBOOL APIENTRY AlphaBlend(SURFOBJ*, SURFOBJ* source, CLIPOBJ*, XLATEOBJ* translation,
                             RECTL* target, RECTL* rect, BLENDOBJ* blend) {
-  return Note("AlphaBlend", Describe(*target) + " from " + Describe(*rect) + " of " +
-                                Describe(source, translation) + ", " +
-                                std::to_string(blend->BlendFunction.SourceConstantAlpha) + "/" +
-                                std::to_string(blend->BlendFunction.AlphaFormat));
+  const BLENDFUNCTION& how = blend->BlendFunction;
+  return Note("AlphaBlend", Line(Describe(*target), " from ", Describe(*rect), " of ",
+                                 Describe(source, translation), ", ", int{how.SourceConstantAlpha},
+                                 "/", int{how.AlphaFormat}));
 }
 
 WINBOOL APIENTRY TextOutHook(SURFOBJ*, STROBJ* string, FONTOBJ* font, CLIPOBJ*, RECTL*,
                              RECTL* opaque, BRUSHOBJ* ink, BRUSHOBJ*, POINTL*, MIX) {
-  std::ostringstream text;
-  text << std::string(string->pwszOrg, string->pwszOrg + string->cGlyphs) << " accel " << std::hex
-       << string->flAccel << std::dec << ", " << Describe(ink);
-  if (opaque != nullptr) text << ", opaque " << Describe(*opaque);
+  std::string text(string->pwszOrg, string->pwszOrg + string->cGlyphs);
+  text += Line(" accel ", std::hex, string->flAccel) + ", " + Describe(ink);
+  if (opaque != nullptr) text += ", opaque " + Describe(*opaque);
   ULONG count = 0;
   GLYPHPOS* glyphs = nullptr;
-  bool more = true;
-  for (STROBJ_vEnumStart(string); more;) {
+  STROBJ_vEnumStart(string);
+  for (bool more = true; more;) {
     more = STROBJ_bEnum(string, &count, &glyphs) == TRUE;
-    text << ", at";
-    for (ULONG i = 0; i < count && i < 4; ++i) text << " " << Describe(glyphs[i].ptl);
+    text += ", at";
+    for (ULONG i = 0; i < count && i < 4; ++i) text += " " + Describe(glyphs[i].ptl);
   }
-  XFORML matrix{};
-  XFORMOBJ_iGetXform(FONTOBJ_pxoGetXform(font), &matrix);
+  XFORML m{};
+  XFORMOBJ_iGetXform(FONTOBJ_pxoGetXform(font), &m);
   const double em = FONTOBJ_pifi(font)->fwdUnitsPerEm;
-  text << ", em " << std::lround(matrix.eM11 * em) << " " << std::lround(matrix.eM12 * em) << " "
-       << std::lround(matrix.eM21 * em) << " " << std::lround(matrix.eM22 * em);
-  return Note("TextOut", text.str());
+  text += ", em";
+  for (const FLOATL scale : {m.eM11, m.eM12, m.eM21, m.eM22}) {
+    text += Line(" ", std::lround(scale * em));
+  }
+  return Note("TextOut", text);
 }
 
 }  // namespace

@@ -65,8 +65,11 @@ bool OutlineGivesRegion(const ClipShape& shape) {
   return EqualRgn(filled.Get(), shape.Handle()) != FALSE;
 }
 
-TEST(ClipShape, OutlineOfCombinedRectangles_IsTheRegion) {
+TEST(ClipShape, OutlineOfRectangles_IsTheRegion) {
   const auto rect = [](LONG l, LONG t, LONG r, LONG b) { return ClipShape(RECTL{l, t, r, b}); };
+  Path overlapping;
+  overlapping.AddRectangle(0, 0, 20, 20);
+  overlapping.AddRectangle(10, 10, 30, 30);
   const ClipShape shapes[] = {
       rect(0, 0, 10, 10).Combined(rect(5, 5, 20, 20), RGN_OR),
       rect(0, 0, 30, 30).Combined(rect(10, 10, 20, 20), RGN_DIFF),  // a hole
@@ -77,8 +80,10 @@ TEST(ClipShape, OutlineOfCombinedRectangles_IsTheRegion) {
           .Combined(rect(5, 5, 25, 25), RGN_XOR)            // a frame with
           .Combined(rect(8, 8, 12, 30), RGN_OR),            // a bar through it
       rect(0, 0, 9, 1).Combined(rect(4, 0, 5, 9), RGN_OR),  // a thin T
+      ClipShape::OfPath(overlapping, FillMode::kWinding),
+      ClipShape::OfPath(overlapping, FillMode::kAlternate),
   };
-  for (const ClipShape& shape : shapes) EXPECT_TRUE(OutlineGivesRegion(shape));
+  for (const ClipShape& shape : shapes) EXPECT_TRUE(OutlineGivesRegion(shape)) << &shape - shapes;
 }
 
 TEST(ClipShape, OutlineOfSlantedRegion_TakesFewPoints) {
@@ -111,14 +116,6 @@ TEST(ClipShape, PathCutByRectangles_KeepsItsExactOutline) {
   EXPECT_EQ(cut.Outline().Figures()[0].points.size(), 4u);
   EXPECT_EQ(cut.Outline().Bounds().yBottom, 54 * 16);
   EXPECT_EQ(cut.Bounds().bottom, 54);
-}
-
-TEST(ClipShape, OverlappingWindingPath_IsOutlinedWithoutOverlap) {
-  Path path;
-  path.AddRectangle(0, 0, 20, 20);
-  path.AddRectangle(10, 10, 30, 30);
-  EXPECT_TRUE(OutlineGivesRegion(ClipShape::OfPath(path, FillMode::kWinding)));
-  EXPECT_TRUE(OutlineGivesRegion(ClipShape::OfPath(path, FillMode::kAlternate)));
 }
 
 TEST(ClipShape, Combined_UnboundedGivesWay) {

@@ -3,13 +3,13 @@
 #include "base/windows.h"
 
 #include <filesystem>
+#include <fstream>
 #include <gtest/gtest.h>
-#include <wincodec.h>
 
-#include "base/com_owners.h"
 #include "base/gdi_owners.h"
 #include "host/base/com_apartment.h"
 #include "host/base/failure.h"
+#include "host/pictures/picture_decoder.h"
 
 namespace quillo::host {
 namespace {
@@ -43,29 +43,17 @@ class Preview : public testing::Test {
 TEST_F(Preview, Page_BecomesPngOfItsSheet) {
   WritePreview(page_, png_, 50);
 
-  ComPtr<IWICImagingFactory> factory;
-  ASSERT_EQ(CoCreateInstance(CLSID_WICImagingFactory, nullptr, CLSCTX_INPROC_SERVER,
-                             IID_IWICImagingFactory, reinterpret_cast<void**>(factory.Receive())),
-            S_OK);
-  ComPtr<IWICBitmapDecoder> decoder;
-  ASSERT_EQ(factory->CreateDecoderFromFilename(png_.c_str(), nullptr, GENERIC_READ,
-                                               WICDecodeMetadataCacheOnDemand, decoder.Receive()),
-            S_OK);
-  ComPtr<IWICBitmapFrameDecode> frame;
-  ASSERT_EQ(decoder->GetFrame(0, frame.Receive()), S_OK);
-  UINT width = 0, height = 0;
-  frame->GetSize(&width, &height);
-  EXPECT_EQ(width, 50u);
-  EXPECT_EQ(height, 100u);
-  double x_dpi = 0, y_dpi = 0;
-  frame->GetResolution(&x_dpi, &y_dpi);
-  EXPECT_NEAR(x_dpi, 50, 0.1);
-
-  std::vector<BYTE> pixels(152 * 100);
-  ASSERT_EQ(frame->CopyPixels(nullptr, 152, static_cast<UINT>(pixels.size()), pixels.data()), S_OK);
-  const auto pixel = [&pixels](int x, int y) {
-    const BYTE* at = &pixels[static_cast<size_t>(y * 152 + x * 3)];
-    return RGB(at[2], at[1], at[0]);
+  std::ifstream file(png_, std::ios::binary);
+  const std::string bytes(std::istreambuf_iterator<char>(file), {});
+  const PictureDecoder decoder(std::as_bytes(std::span(bytes)));
+  EXPECT_NEAR(decoder.FrameResolution(0).x, 50, 0.1);
+  const BitmapSource picture = decoder.Frame(0, 5000);
+  EXPECT_EQ(picture.width, 50);
+  ASSERT_EQ(picture.height, 100);
+  const auto pixel = [&picture](size_t x, size_t y) {
+    const std::byte* at = &picture.bits[y * picture.Stride() + x * 3];
+    return RGB(std::to_integer<int>(at[2]), std::to_integer<int>(at[1]),
+               std::to_integer<int>(at[0]));
   };
   EXPECT_EQ(pixel(25, 25), RGB(255, 255, 255));
   EXPECT_EQ(pixel(25, 75), RGB(255, 0, 0));

@@ -8,25 +8,19 @@
 namespace quillo::host {
 namespace {
 
-std::vector<std::byte> Bytes(std::initializer_list<int> values) {
-  std::vector<std::byte> bytes;
-  for (const int value : values) bytes.push_back(static_cast<std::byte>(value));
-  return bytes;
-}
-
 TEST(ParsePrinterValue, Texts_GiveValueOrNothing) {
   const struct {
     const char* text;
     bool understood;
     DWORD type;
-    std::vector<std::byte> bytes;
+    std::vector<int> bytes;
   } cases[] = {
-      {"a=bc", true, REG_SZ, Bytes({'b', 0, 'c', 0, 0, 0})},
-      {"a=", true, REG_SZ, Bytes({0, 0})},
-      {"a=b=c", true, REG_SZ, Bytes({'b', 0, '=', 0, 'c', 0, 0, 0})},
-      {"a=dword:258", true, REG_DWORD, Bytes({2, 1, 0, 0})},
-      {"a=dword:0xFF000000", true, REG_DWORD, Bytes({0, 0, 0, 255})},
-      {"a=hex:0a,1B 2c3d", true, REG_BINARY, Bytes({0x0A, 0x1B, 0x2C, 0x3D})},
+      {"a=bc", true, REG_SZ, {'b', 0, 'c', 0, 0, 0}},
+      {"a=", true, REG_SZ, {0, 0}},
+      {"a=b=c", true, REG_SZ, {'b', 0, '=', 0, 'c', 0, 0, 0}},
+      {"a=dword:258", true, REG_DWORD, {2, 1, 0, 0}},
+      {"a=dword:0xFF000000", true, REG_DWORD, {0, 0, 0, 255}},
+      {"a=hex:0a,1B 2c3d", true, REG_BINARY, {0x0A, 0x1B, 0x2C, 0x3D}},
       {"a=hex:", true, REG_BINARY, {}},
       {"=b", false, 0, {}},
       {"a", false, 0, {}},
@@ -43,7 +37,9 @@ TEST(ParsePrinterValue, Texts_GiveValueOrNothing) {
     if (!value) continue;
     EXPECT_EQ(value->name, L"a") << test.text;
     EXPECT_EQ(value->type, test.type) << test.text;
-    EXPECT_EQ(value->bytes, test.bytes) << test.text;
+    std::vector<int> bytes;
+    for (const std::byte byte : value->bytes) bytes.push_back(std::to_integer<int>(byte));
+    EXPECT_EQ(bytes, test.bytes) << test.text;
   }
 }
 
