@@ -5,7 +5,6 @@
 
 #include "imaging/dither.h"
 #include "imaging/noise.h"
-#include "imaging/orientation.h"
 #include "imaging/packed_rows.h"
 #include "imaging/paint_method.h"
 #include "imaging/pixel_bits.h"
@@ -157,20 +156,6 @@ TEST(PackRow, AnyRow_UnpacksToItselfWithinTheBound) {
     ASSERT_EQ(unpacked, row);
     // A damaged row ends in zeros and reads nothing behind its end.
     for (size_t cut = 0; cut < size; cut += 7) UnpackRow(Bytes(packed).first(cut), unpacked);
-  }
-}
-
-TEST(Orientation, EveryPerspective_ShowsItsFirstPixelInItsCorner) {
-  // Where row 0, column 0 and row 0, column 1 of a bitmap of 3 x 2 pixels are seen.
-  struct {
-    uint32_t perspective, x, y, next_x, next_y;
-  } const cases[] = {{1, 0, 0, 1, 0}, {2, 2, 0, 1, 0}, {3, 2, 1, 1, 1}, {4, 0, 1, 1, 1},
-                     {5, 0, 0, 0, 1}, {6, 1, 0, 1, 1}, {7, 1, 2, 1, 1}, {8, 0, 2, 0, 1}};
-  for (const auto& c : cases) {
-    const Orientation orientation(c.perspective, 3, 2);
-    const auto first = orientation.Seen(0, 0), next = orientation.Seen(1, 0);
-    EXPECT_TRUE(first.x == c.x && first.y == c.y) << c.perspective;
-    EXPECT_TRUE(next.x == c.next_x && next.y == c.next_y) << c.perspective;
   }
 }
 

@@ -3,7 +3,6 @@
 #include <cmath>
 #include <filesystem>
 #include <gtest/gtest.h>
-#include <string>
 #include <vector>
 
 #include "imaging/avx2.h"
@@ -117,48 +116,6 @@ TEST(ReadColourTable, ShortTables_AreBlackOrGrey) {
     ReadColourTable(header, dib, palette);
     EXPECT_EQ(palette[1], c.second) << c.header_size;
     EXPECT_EQ(palette[2], c.third) << c.header_size;
-  }
-}
-
-/// Expands a stream and shows each row in hexadecimal digits, one a pixel of 4 bits, two of 8.
-std::string Expand(uint16_t bits, int32_t width, int32_t height, const std::vector<std::byte>& in) {
-  const Header header{
-      .width = width, .height = height, .bits = bits, .compression = bits == 8 ? 1u : 2u};
-  const ConvertedDib out = ConvertInMemory(AsBytes(header), in);
-  std::string text = out.result == kSuccess ? "" : "failed";
-  for (size_t i = 0; i < out.rows.size(); ++i) {
-    const size_t column = i % out.geometry.bytes_per_line;
-    if (i != 0 && column == 0) text += '|';
-    if (column >= (static_cast<size_t>(width) * bits + 7) / 8) continue;
-    for (const int shift : {4, 0}) {
-      text += "0123456789ABCDEF"[static_cast<int>(out.rows[i]) >> shift & 15];
-    }
-  }
-  return text;
-}
-
-TEST(ExpandRle, Streams_GiveTheirPixels) {
-  struct {
-    const char* name;
-    uint16_t bits;
-    int32_t width, height;
-    std::vector<std::byte> stream;
-    const char* rows;
-  } const cases[] = {
-      {"run over the row", 8, 3, 1, ToBytes({255, 7}), "070707"},
-      {"literal with padding", 8, 4, 1, ToBytes({0, 3, 1, 2, 3, 99, 1, 4}), "01020304"},
-      {"literal cut off", 8, 4, 1, ToBytes({0, 4, 1, 2}), "01020000"},
-      {"end of line", 8, 1, 2, ToBytes({1, 1, 0, 0, 1, 2}), "01|02"},
-      {"delta", 8, 3, 3, ToBytes({1, 1, 0, 2, 1, 2, 1, 2}), "010000|000000|000002"},
-      {"delta back to no column", 8, 2, 1, ToBytes({1, 1, 0, 2, 0, 0, 1, 2}), "0102"},
-      {"delta out of the bitmap", 8, 2, 2, ToBytes({1, 1, 0, 2, 255, 255, 9, 9}), "0100|0000"},
-      {"delta cut off", 8, 2, 1, ToBytes({1, 1, 0, 2, 1}), "0100"},
-      {"nibble run from an odd column", 4, 6, 1, ToBytes({1, 0xA0, 4, 0x12}), "A12120"},
-      {"nibble literal from an odd column", 4, 4, 1, ToBytes({1, 0x90, 0, 3, 0x12, 0x30}), "9123"},
-      {"nibble literal over the row", 4, 2, 1, ToBytes({0, 5, 0x12, 0x34, 0x50, 0}), "12"},
-  };
-  for (const auto& c : cases) {
-    EXPECT_EQ(Expand(c.bits, c.width, c.height, c.stream), c.rows) << c.name;
   }
 }
 
@@ -328,7 +285,12 @@ TEST(DamagedInput, FilesOfEarlierFaults_ReadNothingOutside) {
 }
 
 TEST(DamagedInput, NoiseAndCutFiles_ReadNothingOutside) {
-  for (uint32_t seed = 0; seed < 300; ++seed) TryRle(Noise(seed * 3, seed));
+  for (uint32_t seed = 0; seed < 600; ++seed) {
+    std::vector<std::byte> input = Noise(5 + seed, seed);
+    // Small numbers alone are mostly escapes: ends of lines, positions and short literals.
+    if (seed % 2 != 0) std::ranges::for_each(input, [](std::byte& b) { b &= std::byte{7}; });
+    TryRle(input);
+  }
   for (uint16_t bits = 1; bits <= 64; ++bits) {
     for (const uint32_t compression : {0u, 1u, 2u, 3u, Code("I420"), Code("YUY2"), Code("Y41P")}) {
       const Header header{.width = 12, .height = -8, .bits = bits, .compression = compression};

@@ -206,17 +206,6 @@ TEST(ConvertFromDib, HeaderFields_GoIntoTheRecord) {
   }
 }
 
-TEST(ConvertFromDib, UnknownResolution_IsTheScreens) {
-  const BITMAPINFOHEADER header = {sizeof(header), 4, 4, 1, 24, BI_RGB, 0, 0, 0, 0, 0};
-  BitmapHandle record{};
-  ASSERT_EQ(ConvertFromDib(&record, kCurrentForm, &header, nullptr), kSuccess);
-  const HDC screen = GetDC(nullptr);
-  const int per_metre =
-      MulDiv(GetDeviceCaps(screen, HORZRES), 1000, GetDeviceCaps(screen, HORZSIZE));
-  ReleaseDC(nullptr, screen);
-  EXPECT_EQ(record.x_resolution, (static_cast<uint32_t>(per_metre) * 254 + 5000) / 10000);
-}
-
 TEST(ConvertFromDib, BadInput_GivesItsCodeAndHoldsNothing) {
   constexpr DWORD kJpeg = 0x47504A4D;  // "MJPG": described, but not converted
   struct {

@@ -102,18 +102,6 @@ TEST(Storage, EveryKind_KeepsRowsAndLeavesNothing) {
   }
 }
 
-TEST(Storage, NoDirectoryForTheFile_FailsAndLeavesNothing) {
-  SettingsScope settings;
-  wcscpy_s(settings->temporary_directory, L"Z:\\no\\such\\directory");
-  const DWORD handles = HandleCount();
-  BitmapHandle record{};
-  EXPECT_EQ(Create(&record, kCurrentForm, kMemoryTypeFile, 10, 10, 24, 1, nullptr, 0, nullptr, 0),
-            kOutOfMemory);
-  EXPECT_EQ(record.flags, 0u);
-  EXPECT_EQ(record.lookup8, nullptr);
-  EXPECT_EQ(HandleCount(), handles);
-}
-
 TEST(Storage, CompressedRowsThatGrow_AreKept) {
   BitmapScope record;
   ASSERT_EQ(Create(record.Get(), kCurrentForm, 768, 4000, 40000, 1, 0, nullptr, 0, nullptr, 0),
