@@ -24,8 +24,10 @@ std::vector<uint32_t> Dib1() {
           0x0000000F};                                                    // a row
 }
 
-void Append(std::vector<uint32_t>& to, const std::vector<uint32_t>& what) {
-  to.insert(to.end(), what.begin(), what.end());
+std::vector<uint32_t> Join(std::initializer_list<std::vector<uint32_t>> parts) {
+  std::vector<uint32_t> whole;
+  for (const auto& part : parts) whole.insert(whole.end(), part.begin(), part.end());
+  return whole;
 }
 
 /// offset and size of header and bits of a DIB that begins behind `words` payload words.
@@ -41,58 +43,52 @@ std::vector<uint32_t> DeviceSource(float scale = 1) {
 }
 
 TestRecord BitBltRecord(uint32_t rop, float source_scale = 1) {
-  std::vector<uint32_t> payload = {kB, kB, kB, kB, 10, 20, 3, 2, rop};
-  Append(payload, DeviceSource(source_scale));
-  Append(payload, Place(23, Dib24(), 40));
-  Append(payload, Dib24());
-  return {kEmrBITBLT, payload};
+  return {kEmrBITBLT, Join({{kB, kB, kB, kB, 10, 20, 3, 2, rop},
+                            DeviceSource(source_scale),
+                            Place(23, Dib24(), 40),
+                            Dib24()})};
 }
 
 /// StretchBlt, AlphaBlend and TransparentBlt: the same, and the source's size at the end.
 TestRecord StretchRecord(uint32_t type, uint32_t operation, int32_t width, int32_t height) {
-  std::vector<uint32_t> payload = {kB, kB, kB, kB, 10, 20, 6, 4, operation};
-  Append(payload, DeviceSource());
-  Append(payload, Place(25, Dib24(), 40));
-  Append(payload, {N(width), N(height)});
-  Append(payload, Dib24());
-  return {type, payload};
+  return {type, Join({{kB, kB, kB, kB, 10, 20, 6, 4, operation},
+                      DeviceSource(),
+                      Place(25, Dib24(), 40),
+                      {N(width), N(height)},
+                      Dib24()})};
 }
 
 TestRecord StretchDibitsRecord(uint32_t rop, const std::vector<uint32_t>& dib,
                                uint32_t info_bytes = 40) {
-  std::vector<uint32_t> payload = {kB, kB, kB, kB, 10, 20, 1, 0, 3, 1};
-  Append(payload, Place(18, dib, info_bytes));
-  Append(payload, {DIB_RGB_COLORS, rop, 30, 10});
-  Append(payload, dib);
-  return {kEmrSTRETCHDIBITS, payload};
+  return {kEmrSTRETCHDIBITS, Join({{kB, kB, kB, kB, 10, 20, 1, 0, 3, 1},
+                                   Place(18, dib, info_bytes),
+                                   {DIB_RGB_COLORS, rop, 30, 10},
+                                   dib})};
 }
 
 TestRecord SetDibitsRecord(uint32_t start_row, uint32_t rows) {
-  std::vector<uint32_t> payload = {kB, kB, kB, kB, 10, 20, 0, 0, 4, 2};
-  Append(payload, Place(17, Dib24(), 40));
-  Append(payload, {DIB_RGB_COLORS, start_row, rows});
-  Append(payload, Dib24());
-  return {kEmrSETDIBITSTODEVICE, payload};
+  return {kEmrSETDIBITSTODEVICE, Join({{kB, kB, kB, kB, 10, 20, 0, 0, 4, 2},
+                                       Place(17, Dib24(), 40),
+                                       {DIB_RGB_COLORS, start_row, rows},
+                                       Dib24()})};
 }
 
 TestRecord MaskBltRecord() {
-  std::vector<uint32_t> payload = {kB, kB, kB, kB, 10, 20, 3, 2, 0xAACC0020};
-  Append(payload, DeviceSource());
-  Append(payload, Place(30, Dib24(), 40));
-  Append(payload, {5, 0, DIB_RGB_COLORS});
-  Append(payload, Place(30 + Dib24().size(), Dib1(), 48));
-  Append(payload, Dib24());
-  Append(payload, Dib1());
-  return {kEmrMASKBLT, payload};
+  return {kEmrMASKBLT, Join({{kB, kB, kB, kB, 10, 20, 3, 2, 0xAACC0020},
+                             DeviceSource(),
+                             Place(30, Dib24(), 40),
+                             {5, 0, DIB_RGB_COLORS},
+                             Place(30 + Dib24().size(), Dib1(), 48),
+                             Dib24(),
+                             Dib1()})};
 }
 
 TestRecord PlgBltRecord() {
-  std::vector<uint32_t> payload = {kB, kB, kB, kB, 0, 0, 30, 0, 0, 20, 1, 0, 3, 2};
-  Append(payload, {F(1), F(0), F(0), F(1), F(0), F(0), 0xFFFFFF, DIB_RGB_COLORS});
-  Append(payload, Place(33, Dib24(), 40));
-  Append(payload, {0, 0, 0, 0, 0, 0, 0});  // no mask
-  Append(payload, Dib24());
-  return {kEmrPLGBLT, payload};
+  return {kEmrPLGBLT, Join({{kB, kB, kB, kB, 0, 0, 30, 0, 0, 20, 1, 0, 3, 2},
+                            {F(1), F(0), F(0), F(1), F(0), F(0), 0xFFFFFF, DIB_RGB_COLORS},
+                            Place(33, Dib24(), 40),
+                            {0, 0, 0, 0, 0, 0, 0},  // no mask
+                            Dib24()})};
 }
 
 TestRecord GradientRecord(uint32_t mode) {
@@ -159,10 +155,7 @@ TEST(PlayerBitmaps, TurnedDc_DrawsParallelograms) {
 
 TEST(PlayerBitmaps, PatternBrushes_HaveTheirOwnOrTheTextsColours) {
   const auto brush = [](uint32_t type) {
-    std::vector<uint32_t> payload = {1, DIB_RGB_COLORS};
-    Append(payload, Place(6, Dib1(), 48));
-    Append(payload, Dib1());
-    return TestRecord{type, payload};
+    return TestRecord{type, Join({{1, DIB_RGB_COLORS}, Place(6, Dib1(), 48), Dib1()})};
   };
   const TestRecord select = {kEmrSELECTOBJECT, {1}};
   const TestRecord fill = {kEmrRECTANGLE, {1, 2, 3, 4}};

@@ -3,7 +3,6 @@
 #include <gtest/gtest.h>
 
 #include "host/engine/services/brushes.h"
-#include "host/engine/services/colors.h"
 #include "host/engine/services/guard.h"
 #include "host/engine/services/surfaces.h"
 #include "host/engine/services/transforms.h"
@@ -78,17 +77,6 @@ TEST(XformObject, Apply_MapsEachModeAndRoundsToNearest) {
     EXPECT_EQ(out.x, c.out.x) << c.complexity << " " << c.mode;
     EXPECT_EQ(out.y, c.out.y) << c.complexity << " " << c.mode;
   }
-}
-
-TEST(XlateObject, Palette_IsTheVectorAsColorrefs) {
-  XlateObject xlate({0x112233, 0xFF0000});
-  ULONG palette[3] = {7, 7, 7};
-  EXPECT_EQ(XLATEOBJ_cGetPalette(&xlate, XO_SRCPALETTE, 3, palette), 2u);
-  EXPECT_EQ(palette[0], 0x332211u);
-  EXPECT_EQ(palette[1], 0x0000FFu);
-  EXPECT_EQ(palette[2], 7u);
-  xlate.pulXlate = nullptr;
-  EXPECT_EQ(XLATEOBJ_piVector(&xlate)[1], 0xFF0000u);
 }
 
 WINBOOL APIENTRY RealizeWithIndex(BRUSHOBJ* brush, SURFOBJ*, SURFOBJ*, SURFOBJ*, XLATEOBJ*,

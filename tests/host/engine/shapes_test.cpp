@@ -46,19 +46,6 @@ TEST(Path, Coordinates_AreClampedToTheFormat) {
   EXPECT_EQ(ToFix(std::nan("")), 0);
 }
 
-TEST(Path, CloseFigure_NextFigureStartsWhereTheLastDid) {
-  Path path;
-  path.MoveTo(1.0, 2.0);
-  path.MoveTo(3.0, 4.0);
-  path.LineTo(5.0, 6.0);
-  path.CloseFigure();
-  path.LineTo(7.0, 8.0);
-  ASSERT_EQ(path.Figures().size(), 2u);
-  EXPECT_TRUE(path.Figures()[0].closed);
-  EXPECT_EQ(path.Figures()[1].points[0].x, 48);
-  EXPECT_EQ(path.Bounds().xRight, 112);
-}
-
 /// Whether filling the outline by the alternate rule gives the region back exactly.
 bool OutlineGivesRegion(const ClipShape& shape) {
   const Region filled = FillPolygons(ToPolygons(shape.Outline()), FillMode::kAlternate);

@@ -109,19 +109,6 @@ TEST_P(PrinterAtResolution, ReferenceDc_MatchesSheetAndScale) {
 INSTANTIATE_TEST_SUITE_P(Resolutions, PrinterAtResolution,
                          testing::Values(kLeastDpi, 96, 127, 150, 300, 600, 1201, kMostDpi));
 
-TEST(SpoolJob, Names_ComeBackFromTheSpooler) {
-  EnsurePrinter(kPrinterName, 600, {});
-  const SpoolJob job(kPrinterName, L"Überblick");
-  DWORD needed = 0;
-  GetJobW(job.Printer(), job.Id(), 1, nullptr, 0, &needed);
-  std::vector<std::byte> buffer(needed);
-  auto* info = reinterpret_cast<JOB_INFO_1W*>(buffer.data());
-  ASSERT_TRUE(
-      GetJobW(job.Printer(), job.Id(), 1, reinterpret_cast<BYTE*>(buffer.data()), needed, &needed));
-  EXPECT_STREQ(info->pPrinterName, kPrinterName);
-  EXPECT_STREQ(info->pDocument, L"Überblick");
-}
-
 TEST(SpoolJob, IdTakenElsewhere_TakesTheNext) {
   EnsurePrinter(kPrinterName, 600, {});
   DWORD first = 0;
