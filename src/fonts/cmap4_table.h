@@ -7,7 +7,7 @@
 
 #include "base/bytes.h"
 
-// Reading of the format-4 subtable of a TrueType 'cmap' table (OpenType specification, "cmap").
+// Reading of the format-4 subtable of a TrueType 'cmap' table (OpenType, "cmap").
 namespace quillo::fonts {
 
 /// Where the bytes of one font's 'cmap' table come from.
