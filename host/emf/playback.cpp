@@ -14,8 +14,8 @@ namespace {
 // A file of nothing but EMR_SAVEDC must not fill the memory with states.
 constexpr size_t kMostSaves = 10000;
 
-// Every call takes the outline of its clip and the pixels of its pattern along to the page, so that a
-// small file can ask for a page of gigabytes. This much makes a quarter of one.
+// Every call takes the outline of its clip and the pixels of its pattern along to the page, so that
+// a small file can ask for a page of gigabytes. This much makes a quarter of one.
 constexpr double kMostPoints = 30e6;
 constexpr double kBytesPerPoint = 8;
 
