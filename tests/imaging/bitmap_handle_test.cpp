@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <gtest/gtest.h>
+#include <tuple>
 
 #include "imaging/settings_scope.h"
 #include "imaging/storage.h"
@@ -48,18 +49,15 @@ TEST(Init, EveryDepthAndTheSettings_FillItsFields) {
   for (const auto& c : cases) {
     BitmapHandle record{};
     ASSERT_EQ(Init(&record, kCurrentForm, 5, 3, c.bits), kSuccess);
-    EXPECT_EQ(record.bytes_per_line, c.line) << c.bits;
-    EXPECT_EQ(record.data_size, c.line * 3) << c.bits;
-    EXPECT_EQ(record.large_data_size, c.line * 3) << c.bits;
-    EXPECT_EQ(record.colours, c.colours) << c.bits;
-    EXPECT_EQ(record.colour_order, c.order) << c.bits;
-    EXPECT_EQ(record.high_bit, c.high) << c.bits;
-    EXPECT_EQ(record.low_bit, c.high) << c.bits;
-    EXPECT_EQ(record.view_perspective, kBottomRowFirst);
-    EXPECT_EQ(record.percent, 100u);
-    EXPECT_EQ(record.x_resolution, 150u);
-    EXPECT_EQ(record.y_resolution, 600u);
-    EXPECT_EQ(record.process_value, 77u);
+    EXPECT_EQ(std::tuple(record.bytes_per_line, record.data_size, record.large_data_size),
+              std::tuple(c.line, c.line * 3, c.line * 3))
+        << c.bits;
+    EXPECT_EQ(std::tuple(record.colours, record.colour_order, record.high_bit, record.low_bit),
+              std::tuple(c.colours, c.order, c.high, c.high))
+        << c.bits;
+    EXPECT_EQ(std::tuple(record.view_perspective, record.percent, record.x_resolution,
+                         record.y_resolution, record.process_value),
+              std::tuple(kBottomRowFirst, 100u, 150u, 600u, 77u));
   }
 }
 

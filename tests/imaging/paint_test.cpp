@@ -201,20 +201,18 @@ void MakeDot(BitmapHandle* record, bool inverted) {
 
 TEST(Paint, OneBitMethods_KeepDotsTheirOwnWay) {
   struct {
-    const char* name;
     uint32_t mode;
     LONG size;
     int dot_x;  // where the dot is expected
     COLORREF dot;
-  } const cases[] = {
-      {"grey, shrinking to a quarter", kModeGreyScale, 4, 1, RGB(191, 191, 191)},
-      {"grey, larger", kModeGreyScale, 16, 5, RGB(0, 0, 0)},
-      {"two colours, unscaled", kModeTwoColours, 8, 2, RGB(0, 0, 0)},
-      {"two colours, shrinking", kModeTwoColours, 2, 0, RGB(0, 0, 0)},
-      {"two colours, larger", kModeTwoColours, 16, 5, RGB(0, 0, 0)},
-  };
+  } const cases[] = {{kModeGreyScale, 4, 1, RGB(191, 191, 191)},
+                     {kModeGreyScale, 16, 5, 0},
+                     {kModeTwoColours, 8, 2, 0},
+                     {kModeTwoColours, 2, 0, 0},
+                     {kModeTwoColours, 16, 5, 0}};
   for (const auto& c : cases) {
     for (const bool inverted : {false, true}) {
+      SCOPED_TRACE(std::to_string(c.mode) + " to " + std::to_string(c.size));
       SettingsScope settings;
       settings->display_mode = c.mode;
       const Canvas canvas;
@@ -223,9 +221,8 @@ TEST(Paint, OneBitMethods_KeepDotsTheirOwnWay) {
       const RECT to = {0, 0, c.size, c.size};
       ASSERT_EQ(Paint(canvas.Dc(), bitmap.Get(), nullptr, nullptr, &to, nullptr, SRCCOPY),
                 kSuccess);
-      EXPECT_EQ(canvas.At(c.dot_x, c.dot_x), c.dot) << c.name << inverted;
-      const int last = static_cast<int>(c.size) - 1;
-      EXPECT_EQ(canvas.At(last, last), kWhite) << c.name << inverted;
+      EXPECT_EQ(canvas.At(c.dot_x, c.dot_x), c.dot) << inverted;
+      EXPECT_EQ(canvas.At(c.size - 1, c.size - 1), kWhite) << inverted;
     }
   }
 }
