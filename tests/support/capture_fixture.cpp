@@ -27,7 +27,7 @@ CaptureTest::CaptureTest()
 void CaptureTest::SwallowStream() { WriteJob(&job_, &kEndless, sizeof kEndless, nullptr); }
 
 std::string CaptureTest::TakeRecords() {
-  const std::string text = DumpRecords(job_.record_buffer.Unread().subspan(sizeof kEndless));
+  std::string text = DumpRecords(job_.record_buffer.Unread().subspan(sizeof kEndless));
   job_.record_buffer.Reset();
   SwallowStream();
   return text;
