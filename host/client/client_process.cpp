@@ -30,7 +30,7 @@ Pipe MakePipe(bool child_reads) {
 }
 
 /// The folder is the process's current one, so that its name need not pass a command line.
-KernelHandle StartProcess(const std::filesystem::path& program, std::wstring arguments,
+KernelHandle StartProcess(const std::filesystem::path& program, const std::wstring& arguments,
                           const std::filesystem::path& folder, HANDLE input, HANDLE output) {
   STARTUPINFOW startup{};
   startup.cb = sizeof startup;
