@@ -30,7 +30,7 @@ class CBuffer {
   uint32_t WriteToFile(const wchar_t* path) const;
 
   /// The bytes not yet parsed; valid until the next Append.
-  [[nodiscard]] MutableBytes Unread() const {
+  [[nodiscard]] Bytes Unread() const {
     return {base_ + read_position_, total_written_ - read_position_};
   }
 

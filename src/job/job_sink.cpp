@@ -9,29 +9,22 @@ namespace quillo {
 
 namespace {
 
-/// Makes room for a payload as soon as its header tells the size: a large one that comes in pieces
-/// is not moved from block to block.
-void ReservePayload(CBuffer& buffer) {
-  const Bytes unread = buffer.Unread();
-  if (unread.size() != sizeof(records::RecordHeader)) return;
-  buffer.Reserve(LoadOrZero<records::RecordHeader>(unread).payload_size);
+using records::RecordHeader;
+
+void Play(CQloPrinter& job, uint32_t type, Bytes payload) {
+  constexpr uint32_t kPlayed = records::kPlayedTypeBits;
+  if ((type & kPlayed) == kPlayed) DispatchRecord(job.playback, type, payload);
 }
 
 /// Plays every whole record; an incomplete one stays until a later piece completes it.
 void PlayWholeRecords(CQloPrinter& job) {
   CBuffer& buffer = job.record_buffer;
   while (const auto frame = records::NextFrame(buffer.Unread())) {
-    if ((frame->type & records::kPlayedTypeBits) == records::kPlayedTypeBits) {
-      DispatchRecord(job.playback, frame->type, frame->payload);
-    }
+    Play(job, frame->type, frame->payload);
     buffer.Consume(static_cast<uint32_t>(frame->size));
   }
   // No record lives longer than its dispatch: a page's memory is that of its largest record.
-  if (buffer.Unread().empty()) {
-    buffer.Reset();
-  } else {
-    ReservePayload(buffer);
-  }
+  if (buffer.Unread().empty()) buffer.Reset();
 }
 
 /// Drops the record that `piece`, for which there is no memory, belongs to: what is buffered of it,
@@ -39,11 +32,32 @@ void PlayWholeRecords(CQloPrinter& job) {
 void DropRecord(CQloPrinter& job, Bytes piece) {
   const Bytes begun = job.record_buffer.Unread();
   // Every header comes whole, alone or in front of its payload.
-  const auto header = LoadOrZero<records::RecordHeader>(begun.empty() ? piece : begun);
+  const auto header = LoadOrZero<RecordHeader>(begun.empty() ? piece : begun);
   const uint64_t size = sizeof(header) + uint64_t{header.payload_size};
   const uint64_t come = begun.size() + piece.size();
   job.lost_bytes = size > come ? size - come : 0;
   job.record_buffer.Reset();
+}
+
+void Take(CQloPrinter& job, Bytes piece) {
+  CBuffer& buffer = job.record_buffer;
+  const Bytes begun = buffer.Unread();
+  if (begun.size() == sizeof(RecordHeader)) {
+    const auto header = LoadOrZero<RecordHeader>(begun);
+    if (header.payload_size == piece.size()) {
+      // Most payloads come in one piece. It is played where it lies: pictures are not copied again.
+      buffer.Reset();
+      Play(job, header.type, piece);
+      return;
+    }
+    // Room for the whole payload: a large one is not moved from block to block while it comes.
+    buffer.Reserve(header.payload_size);
+  }
+  if (buffer.Append(piece.data(), static_cast<uint32_t>(piece.size())) == piece.size()) {
+    PlayWholeRecords(job);
+  } else {
+    DropRecord(job, piece);
+  }
 }
 
 }  // namespace
@@ -53,10 +67,8 @@ int32_t WriteJob(CQloPrinter* job, const void* bytes, uint32_t size, uint32_t* w
     ++job->record_count;
     if (job->lost_bytes != 0) {
       job->lost_bytes -= std::min<uint64_t>(job->lost_bytes, size);
-    } else if (job->record_buffer.Append(bytes, size) == size) {
-      PlayWholeRecords(*job);
     } else {
-      DropRecord(*job, Bytes(static_cast<const std::byte*>(bytes), size));
+      Take(*job, Bytes(static_cast<const std::byte*>(bytes), size));
     }
   }
   if (written != nullptr) *written = size;

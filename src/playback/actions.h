@@ -9,13 +9,13 @@
 namespace quillo {
 
 /// What one record type does on the context's page DC. The dispatcher has made sure that the
-/// payload holds the type's smallest size; it may stand at any address and be changed in place.
-/// Returns what DispatchRecord is to answer.
-using PlaybackAction = int32_t (*)(PlaybackContext& context, MutableBytes payload);
+/// payload holds the type's smallest size; it may stand at any address. Returns what DispatchRecord
+/// is to answer.
+using PlaybackAction = int32_t (*)(PlaybackContext& context, Bytes payload);
 
 // One declaration for every action of the record list; types that share an action repeat it.
 #define QUILLO_DECLARE_ACTION(name, type, size, needs, action) \
-  int32_t action(PlaybackContext& context, MutableBytes payload);
+  int32_t action(PlaybackContext& context, Bytes payload);
 QUILLO_RECORD_LIST(QUILLO_DECLARE_ACTION)
 #undef QUILLO_DECLARE_ACTION
 

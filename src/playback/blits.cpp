@@ -11,13 +11,13 @@ namespace quillo {
 
 using namespace records;
 
-int32_t PlayPatBlt(PlaybackContext& context, MutableBytes payload) {
+int32_t PlayPatBlt(PlaybackContext& context, Bytes payload) {
   const auto record = LoadOrZero<PatBltPayload>(payload);
   const Rect& to = record.destination;
   return PatBlt(context.page_dc, to.left, to.top, Width(to), Height(to), record.rop);
 }
 
-int32_t PlayBitBlt(PlaybackContext& context, MutableBytes payload) {
+int32_t PlayBitBlt(PlaybackContext& context, Bytes payload) {
   const auto record = LoadOrZero<BitBltPayload>(payload);
   SourceBitmap source;
   if (!source.Load(payload, record.source_offset)) return 0;
@@ -32,7 +32,7 @@ int32_t PlayBitBlt(PlaybackContext& context, MutableBytes payload) {
 
 // Always copies, whatever raster operation the captured call had; that is meant. Colour adjustment
 // and stretch mode stay set on the page DC.
-int32_t PlayStretchBlt(PlaybackContext& context, MutableBytes payload) {
+int32_t PlayStretchBlt(PlaybackContext& context, Bytes payload) {
   const auto record = LoadOrZero<StretchBltPayload>(payload);
   SourceBitmap source;
   if (!source.Load(payload, record.source_offset) || !source.Reduce(context.job.bitmap_limits)) {
@@ -54,7 +54,7 @@ int32_t PlayStretchBlt(PlaybackContext& context, MutableBytes payload) {
                     source.Scaled(Height(from)), SRCCOPY);
 }
 
-int32_t PlayAlphaBlend(PlaybackContext& context, MutableBytes payload) {
+int32_t PlayAlphaBlend(PlaybackContext& context, Bytes payload) {
   const auto record = LoadOrZero<AlphaBlendPayload>(payload);
   SourceBitmap source;
   if (!source.Load(payload, record.source_offset) || !source.Reduce(context.job.bitmap_limits)) {

@@ -32,7 +32,7 @@ constexpr DispatchTable kTable = MakeDispatchTable();
 
 }  // namespace
 
-int32_t DispatchRecord(PlaybackContext& context, uint32_t type, MutableBytes payload) {
+int32_t DispatchRecord(PlaybackContext& context, uint32_t type, Bytes payload) {
   const uint32_t index = type - kFirstPlayedType;
   if (index >= kTable.size()) return 0;
   const DispatchRow& row = kTable[index];

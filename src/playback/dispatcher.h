@@ -11,7 +11,7 @@ namespace quillo {
 ///
 /// The payload is the job's and may be changed in place. Returns 1 when the record was played, 0
 /// when it was ignored (unknown type, too short a payload) or its drawing call failed.
-int32_t DispatchRecord(PlaybackContext& context, uint32_t type, MutableBytes payload);
+int32_t DispatchRecord(PlaybackContext& context, uint32_t type, Bytes payload);
 
 /// Deselects and deletes the current pen, font and brush, in this order.
 void ReleaseDrawingObjects(PlaybackContext& context);

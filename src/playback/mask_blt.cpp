@@ -30,7 +30,7 @@ Bitmap CreateMask(const JobLink& job, Bytes payload, uint32_t offset) {
 
 }  // namespace
 
-int32_t PlayMaskBlt(PlaybackContext& context, MutableBytes payload) {
+int32_t PlayMaskBlt(PlaybackContext& context, Bytes payload) {
   const auto record = LoadOrZero<MaskBltPayload>(payload);
   const Bitmap mask = CreateMask(context.job, payload, record.mask_offset);
   SourceBitmap source;

@@ -86,7 +86,7 @@ bool PaintPage(HDC page_dc, Bytes header, Bytes bits) {
 
 }  // namespace
 
-int32_t PlaySetDibitsToDevice(PlaybackContext& context, MutableBytes payload) {
+int32_t PlaySetDibitsToDevice(PlaybackContext& context, Bytes payload) {
   if (context.page_dc == nullptr) return 0;
   const auto record = LoadOrZero<SetDibitsPayload>(payload);
   const auto dib = LocatePackedDib(payload, record.source_offset);
@@ -103,7 +103,7 @@ int32_t PlaySetDibitsToDevice(PlaybackContext& context, MutableBytes payload) {
                         SRCCOPY) == imaging::kSuccess;
 }
 
-int32_t PlayPageBitmap(PlaybackContext& context, MutableBytes payload) {
+int32_t PlayPageBitmap(PlaybackContext& context, Bytes payload) {
   const bool drawn =
       context.page_dc != nullptr && PaintPage(context.page_dc, context.band_header, payload);
   if (!drawn) *context.job.state_flags |= kJobFailedBit;

@@ -73,15 +73,13 @@ void SelectFillBrush(PlaybackContext& context, Bytes payload) {
   FreeBrush(context.job.heap, block);
 }
 
-// Cosmetic pens and pens one unit wide take a solid brush: makes `brush` one and returns its style,
-// or kNoSavedStyle where the brush stays. A cosmetic pen's width becomes 1 in the record itself.
-UINT ForceSolidBrush(MutableBytes payload, LOGBRUSH& brush) {
-  auto record = LoadOrZero<ExtCreatePenPayload>(payload);
+// Cosmetic pens become one unit wide. Pens of that width take a solid brush: makes `brush` one and
+// returns its style, or kNoSavedStyle where the brush stays.
+UINT ForceSolidBrush(ExtCreatePenPayload& record, LOGBRUSH& brush) {
   UINT saved_style = kNoSavedStyle;
   if ((record.style & PS_TYPE_MASK) == PS_COSMETIC) {
     saved_style = std::exchange(brush.lbStyle, BS_SOLID);
     record.width = 1;
-    Store(payload, offsetof(ExtCreatePenPayload, width), record.width);
   }
   if (record.width == 1) saved_style = std::exchange(brush.lbStyle, BS_SOLID);
   return saved_style;
@@ -97,7 +95,7 @@ void RestoreBrushStyleInverted(UINT saved_style, LOGBRUSH& brush) {
 
 }  // namespace
 
-int32_t PlayCreatePen(PlaybackContext& context, MutableBytes payload) {
+int32_t PlayCreatePen(PlaybackContext& context, Bytes payload) {
   static_assert(sizeof(LOGPEN) == sizeof(CreatePenPayload));
   ReleasePen(context);
   const auto pen = LoadOrZero<LOGPEN>(payload);
@@ -105,29 +103,29 @@ int32_t PlayCreatePen(PlaybackContext& context, MutableBytes payload) {
   return 1;
 }
 
-int32_t PlayExtCreatePen(PlaybackContext& context, MutableBytes payload) {
-  const auto count = LoadOrZero<ExtCreatePenPayload>(payload).count;
-  const size_t entry_bytes = size_t{count} * sizeof(DWORD);
+int32_t PlayExtCreatePen(PlaybackContext& context, Bytes payload) {
+  auto record = LoadOrZero<ExtCreatePenPayload>(payload);
+  const size_t entry_bytes = size_t{record.count} * sizeof(DWORD);
   if (!RangeFits(payload.size(), kPenEntriesOffset, entry_bytes)) return 0;
 
   ReleasePen(context);
   LOGBRUSH black = {};
   LOGBRUSH& brush = context.pen_brush_pending != 0 ? context.pen_brush : black;
-  const UINT saved_style = ForceSolidBrush(payload, brush);
-  const auto record = LoadOrZero<ExtCreatePenPayload>(payload);
+  const UINT saved_style = ForceSolidBrush(record, brush);
 
   // Without memory for the entries GDI gets none, and their count all the same.
   HeapBlock entries;
-  if (count != 0) entries = HeapBlock(entry_bytes, context.job.heap, 0);
+  if (record.count != 0) entries = HeapBlock(entry_bytes, context.job.heap, 0);
   if (entries) std::memcpy(entries.Get(), payload.data() + kPenEntriesOffset, entry_bytes);
 
-  const HPEN pen = ExtCreatePen(record.style, record.width, &brush, count, entries.As<DWORD>());
+  const HPEN pen =
+      ExtCreatePen(record.style, record.width, &brush, record.count, entries.As<DWORD>());
   MakeCurrent(context.page_dc, pen, context.current_pen, context.previous_pen);
   RestoreBrushStyleInverted(saved_style, brush);
   return 1;
 }
 
-int32_t PlayCreateBrush(PlaybackContext& context, MutableBytes payload) {
+int32_t PlayCreateBrush(PlaybackContext& context, Bytes payload) {
   const auto record = LoadOrZero<CreateBrushPayload>(payload);
   if (!HoldsPattern(record, payload)) return 0;
   if (record.usage != kFillBrush) {

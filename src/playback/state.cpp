@@ -11,15 +11,15 @@ namespace quillo {
 
 using namespace records;
 
-int32_t PlayNothing(PlaybackContext&, MutableBytes) { return 1; }
+int32_t PlayNothing(PlaybackContext&, Bytes) { return 1; }
 
-int32_t PlayDibHeader(PlaybackContext& context, MutableBytes payload) {
+int32_t PlayDibHeader(PlaybackContext& context, Bytes payload) {
   const size_t size = std::min(payload.size(), sizeof context.band_header);
   std::copy_n(payload.begin(), size, context.band_header);
   return 1;
 }
 
-int32_t PlayDevMode(PlaybackContext& context, MutableBytes payload) {
+int32_t PlayDevMode(PlaybackContext& context, Bytes payload) {
   DeviceMode* const settings = context.job.device_settings;
   if (settings != nullptr && payload.data() != nullptr) {
     std::memcpy(settings, payload.data(), std::min(payload.size(), sizeof *settings));
@@ -27,23 +27,23 @@ int32_t PlayDevMode(PlaybackContext& context, MutableBytes payload) {
   return 1;
 }
 
-int32_t PlayPageValue(PlaybackContext& context, MutableBytes payload) {
+int32_t PlayPageValue(PlaybackContext& context, Bytes payload) {
   context.page_value = LoadOrZero<Point>(payload);
   return 1;
 }
 
-int32_t PlaySaveDc(PlaybackContext& context, MutableBytes) {
+int32_t PlaySaveDc(PlaybackContext& context, Bytes) {
   SaveDC(context.page_dc);
   return 1;
 }
 
-int32_t PlayRestoreDc(PlaybackContext& context, MutableBytes) {
+int32_t PlayRestoreDc(PlaybackContext& context, Bytes) {
   ReleaseDrawingObjects(context);
   RestoreDC(context.page_dc, -1);
   return 1;
 }
 
-int32_t PlaySetWorldTransform(PlaybackContext& context, MutableBytes payload) {
+int32_t PlaySetWorldTransform(PlaybackContext& context, Bytes payload) {
   const auto transform = LoadOrZero<XFORM>(payload);
   static_assert(sizeof(XFORM) == sizeof(Transform));
   SetGraphicsMode(context.page_dc, GM_ADVANCED);
@@ -53,39 +53,39 @@ int32_t PlaySetWorldTransform(PlaybackContext& context, MutableBytes payload) {
 }
 
 // The context's copy is meant to keep the transform last set: font look-up reads it.
-int32_t PlayResetWorldTransform(PlaybackContext& context, MutableBytes) {
+int32_t PlayResetWorldTransform(PlaybackContext& context, Bytes) {
   ModifyWorldTransform(context.page_dc, nullptr, MWT_IDENTITY);
   SetGraphicsMode(context.page_dc, GM_COMPATIBLE);
   return 1;
 }
 
-int32_t PlaySetBkColor(PlaybackContext& context, MutableBytes payload) {
+int32_t PlaySetBkColor(PlaybackContext& context, Bytes payload) {
   SetBkColor(context.page_dc, LoadOrZero<COLORREF>(payload));
   return 1;
 }
 
-int32_t PlaySetBkMode(PlaybackContext& context, MutableBytes payload) {
+int32_t PlaySetBkMode(PlaybackContext& context, Bytes payload) {
   SetBkMode(context.page_dc, LoadOrZero<int32_t>(payload));
   return 1;
 }
 
-int32_t PlaySetMiterLimit(PlaybackContext& context, MutableBytes payload) {
+int32_t PlaySetMiterLimit(PlaybackContext& context, Bytes payload) {
   SetMiterLimit(context.page_dc, LoadOrZero<float>(payload), nullptr);
   return 1;
 }
 
-int32_t PlaySetPolyFillMode(PlaybackContext& context, MutableBytes payload) {
+int32_t PlaySetPolyFillMode(PlaybackContext& context, Bytes payload) {
   SetPolyFillMode(context.page_dc, LoadOrZero<int32_t>(payload));
   return 1;
 }
 
-int32_t PlaySetBrushOrg(PlaybackContext& context, MutableBytes payload) {
+int32_t PlaySetBrushOrg(PlaybackContext& context, Bytes payload) {
   const auto origin = LoadOrZero<Point>(payload);
   SetBrushOrgEx(context.page_dc, origin.x, origin.y, nullptr);
   return 1;
 }
 
-int32_t PlaySetRop2(PlaybackContext& context, MutableBytes payload) {
+int32_t PlaySetRop2(PlaybackContext& context, Bytes payload) {
   SetROP2(context.page_dc, LoadOrZero<int32_t>(payload));
   return 1;
 }

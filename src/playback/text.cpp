@@ -59,7 +59,7 @@ HeapBlock TranslateRun(const PlaybackContext& context, Bytes glyphs, uint32_t co
 
 }  // namespace
 
-int32_t PlayCreateFont(PlaybackContext& context, MutableBytes payload) {
+int32_t PlayCreateFont(PlaybackContext& context, Bytes payload) {
   static_assert(sizeof(LOGFONTW) == sizeof(LogFont));
   ReleaseFont(context);
   auto font = LoadOrZero<LOGFONTW>(payload);
@@ -71,7 +71,7 @@ int32_t PlayCreateFont(PlaybackContext& context, MutableBytes payload) {
   return 1;
 }
 
-int32_t PlayExtTextOut(PlaybackContext& context, MutableBytes payload) {
+int32_t PlayExtTextOut(PlaybackContext& context, Bytes payload) {
   auto record = LoadOrZero<ExtTextOutHeader>(payload);
   const size_t text_bytes = size_t{record.count} * sizeof(uint16_t);
   if (!RangeFits(payload.size(), sizeof record, text_bytes)) return 0;
@@ -83,7 +83,6 @@ int32_t PlayExtTextOut(PlaybackContext& context, MutableBytes payload) {
     if (!translated) return 1;
     text = {translated.As<const std::byte>(), text_bytes};
     record.options &= ~uint32_t{ETO_GLYPH_INDEX};
-    Store(payload, offsetof(ExtTextOutHeader, options), record.options);
   }
   if (context.non_ascii_text_seen == 0) context.non_ascii_text_seen = HoldsNonAscii(text);
 
@@ -95,17 +94,17 @@ int32_t PlayExtTextOut(PlaybackContext& context, MutableBytes payload) {
   return 1;
 }
 
-int32_t PlaySetTextColor(PlaybackContext& context, MutableBytes payload) {
+int32_t PlaySetTextColor(PlaybackContext& context, Bytes payload) {
   SetTextColor(context.page_dc, LoadOrZero<COLORREF>(payload));
   return 1;
 }
 
-int32_t PlaySetTextAlign(PlaybackContext& context, MutableBytes payload) {
+int32_t PlaySetTextAlign(PlaybackContext& context, Bytes payload) {
   SetTextAlign(context.page_dc, LoadOrZero<uint32_t>(payload));
   return 1;
 }
 
-int32_t PlayTextRun(PlaybackContext& context, MutableBytes payload) {
+int32_t PlayTextRun(PlaybackContext& context, Bytes payload) {
   context.run_list.Append(LoadOrZero<TextRunPayload>(payload).glyph_count);
   return 1;
 }

@@ -17,15 +17,15 @@ static_assert(sizeof(RecordHeader) == 8);
 /// One whole record inside a stream.
 struct Frame {
   uint32_t type;
-  MutableBytes payload;
+  Bytes payload;
   size_t size;  // header and payload
 };
 
 /// The record at the start of `stream`, or nothing while its header or payload is incomplete.
-inline std::optional<Frame> NextFrame(MutableBytes stream) {
+inline std::optional<Frame> NextFrame(Bytes stream) {
   if (stream.size() < sizeof(RecordHeader)) return std::nullopt;
   const auto header = LoadOrZero<RecordHeader>(stream);
-  const MutableBytes rest = stream.subspan(sizeof(RecordHeader));
+  const Bytes rest = stream.subspan(sizeof(RecordHeader));
   if (rest.size() < header.payload_size) return std::nullopt;
   return Frame{header.type, rest.first(header.payload_size),
                sizeof(RecordHeader) + header.payload_size};
