@@ -27,10 +27,10 @@ std::vector<std::wstring> InstalledFaces() {
   any.lfCharSet = DEFAULT_CHARSET;
   EnumFontFamiliesExW(screen.Get(), &any, TakeFace, reinterpret_cast<LPARAM>(&faces), 0);
   std::ranges::sort(faces);
-  const auto repeated = std::ranges::unique(faces);
-  faces.erase(repeated.begin(), repeated.end());
-  std::ranges::stable_partition(
-      faces, [](const std::wstring& face) { return face.find(L"Mono") != std::wstring::npos; });
+  faces.erase(std::unique(faces.begin(), faces.end()), faces.end());
+  std::stable_partition(faces.begin(), faces.end(), [](const std::wstring& face) {
+    return face.find(L"Mono") != std::wstring::npos;
+  });
   return faces;
 }
 

@@ -23,7 +23,7 @@ TEST(Owner, EveryWayOut_ReleasesOnceAndKeepsLastError) {
   {
     Counted a(1);
     Counted b(std::move(a));
-    EXPECT_FALSE(a);
+    EXPECT_FALSE(a);  // NOLINT(bugprone-use-after-move): what it is left as
     a = std::move(b);
     EXPECT_TRUE(a);
     a.Reset(2);

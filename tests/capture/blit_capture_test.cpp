@@ -161,9 +161,11 @@ TEST_F(BlitTest, ColourTable_ComesFromTheTranslation) {
   const std::pair<XLATEOBJ*, std::string> cases[] = {
       {nullptr, kMaskColours}, {&full, both},   {&vectorless, both},
       {&palette, both},        {&longer, both}, {&shorter, "1122330000000000"}};
+  const auto record = [](const std::string& table) {
+    return "SETDIBITSTODEVICE 1 2 4 4 5 6 28 [" + kHeader1 + table + kMaskBits + "]\n";
+  };
   for (const auto& [translation, table] : cases) {
-    EXPECT_EQ(CopyBits(&mask_, nullptr, translation),
-              "SETDIBITSTODEVICE 1 2 4 4 5 6 28 [" + kHeader1 + table + kMaskBits + "]\n");
+    EXPECT_EQ(CopyBits(&mask_, nullptr, translation), record(table));
   }
 }
 

@@ -27,7 +27,7 @@ class WritePathTest : public test::CaptureTest {
     host::PathObject path(runs);
     bool drawn = false;
     EXPECT_TRUE(WritePath(device_, &path, drawn, fill_mode));
-    const std::string records = TakeRecords();
+    std::string records = TakeRecords();
     const auto has = [&records](const char* name) {
       return records.find(name) != std::string::npos;
     };
@@ -108,7 +108,7 @@ class WriteClipTest : public test::CaptureTest {
   std::string Record(CLIPOBJ* clip, const records::Rect* drawing_bounds) {
     bounds_ = {-1, -1, -1, -1};
     const bool written = WriteClip(device_, clip, drawing_bounds, &bounds_);
-    const std::string records = TakeRecords();
+    std::string records = TakeRecords();
     EXPECT_EQ(written, !records.empty());
     EXPECT_EQ(bounds_.left == -1, records.empty());
     return records;

@@ -121,7 +121,7 @@ TEST_F(PrintCommand, SheetAndResolution_GiveThePagesScale) {
 }
 
 TEST_F(PrintCommand, InputsThatAreNone_AreNamedAndNothingIsWritten) {
-  std::ofstream(folder_ / L"empty.emf");
+  std::ofstream(folder_ / L"empty.emf") << "";
   std::ofstream(folder_ / L"noise") << std::string("\1\2\3\0\xFF", 5);
   std::ofstream(folder_ / L"cut.png", std::ios::binary) << "\x89PNG\r\n\x1A\n";
   std::ofstream(folder_ / L"short.emf", std::ios::binary) << std::string("\1\0\0\0\x6C\0\0\0", 8);

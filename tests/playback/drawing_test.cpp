@@ -56,7 +56,7 @@ TEST(Drawing, EachRecord_SameMetafileAsTheCallsThemselves) {
   Page page;
   for (const auto& step : kDrawing) EXPECT_EQ(page.Play(step.type, step.payload), 1) << step.type;
   // The DC's transform is gone, playback's copy of it stays.
-  EXPECT_EQ(std::memcmp(&page.context.world_transform, &kTurned, sizeof kTurned), 0);
+  EXPECT_EQ(PayloadOf(page.context.world_transform), PayloadOf(kTurned));
   EXPECT_EQ(GetGraphicsMode(page.context.page_dc), GM_COMPATIBLE);
   EXPECT_EQ(page.Records(), RecordDirect([](HDC dc) {
               for (const auto& step : kDrawing) step.draw(dc);

@@ -2,6 +2,8 @@
 #define CINTERFACE
 #include "base/windows.h"
 
+#include <cstddef>
+
 #include "quillo_idl.h"
 
 namespace {

@@ -58,7 +58,7 @@ std::string Describe(CLIPOBJ* clip) {
   if (clip->iDComplexity == DC_TRIVIAL) return "trivial";
   if (clip->iDComplexity == DC_RECT) return "rect " + Describe(clip->rclBounds);
   PATHOBJ* outline = CLIPOBJ_ppoGetPath(clip);
-  const std::string text = "complex " + Describe(clip->rclBounds) + Describe(outline);
+  std::string text = "complex " + Describe(clip->rclBounds) + Describe(outline);
   EngDeletePath(outline);
   return text;
 }

@@ -6,7 +6,7 @@
 namespace quillo::host {
 namespace {
 
-using std::string_literals::operator""s;
+using namespace std::string_literals;
 
 Orientation Read(const std::string& file, uint32_t frame = 0) {
   return OrientationOf({reinterpret_cast<const std::byte*>(file.data()), file.size()}, frame);

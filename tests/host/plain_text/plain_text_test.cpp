@@ -7,7 +7,7 @@
 namespace quillo::host {
 namespace {
 
-using std::string_literals::operator""s;
+using namespace std::string_literals;
 
 Bytes AsBytes(const std::string& text) {
   return {reinterpret_cast<const std::byte*>(text.data()), text.size()};
