@@ -107,13 +107,15 @@ HDC PresentAsDibSection(BitmapHandle* record) {
 void ReleaseDibSectionDc(HDC dc) {
   if (dc == nullptr) return;
   CreatedDc owned_dc(dc);
+  Bitmap bitmap(static_cast<HBITMAP>(GetCurrentObject(dc, OBJ_BITMAP)));
   // The order of release is that of use: the DIB section leaves the DC before it is deleted.
   const Bitmap stand_in(CreateBitmap(1, 1, 1, 1, nullptr));
-  Bitmap bitmap(static_cast<HBITMAP>(SelectObject(dc, stand_in.Get())));
+  const bool deselected = stand_in && SelectObject(dc, stand_in.Get()) != nullptr;
   DIBSECTION shared{};
   const bool known = GetObjectW(bitmap.Get(), sizeof(shared), &shared) == sizeof(shared);
   KernelHandle section(known ? shared.dshSection : nullptr);
   section.Reset();
+  if (!deselected) owned_dc.Reset();  // the DC lets go of what it holds, too
   bitmap.Reset();
   owned_dc.Reset();
 }

@@ -9,6 +9,7 @@
 #include "imaging/dib_section.h"
 #include "imaging/rows.h"
 #include "imaging/settings_scope.h"
+#include "support/import_patch.h"
 
 namespace quillo::imaging {
 namespace {
@@ -188,6 +189,19 @@ TEST(PresentAsDibSection, GlobalMemoryAndChunks_MoveIntoASection) {
     Free(&record);
     EXPECT_EQ(HandleCount(), handles);
   }
+}
+
+TEST(ReleaseDibSectionDc, WithoutAStandIn_LeavesNothing) {
+  BitmapScope bitmap;
+  ASSERT_EQ(Create(bitmap.Get(), kCurrentForm, 1, 4, 4, 24, 1, nullptr, 1, nullptr, 0), kSuccess);
+  const DWORD handles = HandleCount();
+  DibSectionDc dc(PresentAsDibSection(bitmap.Get()));
+  const HGDIOBJ shown = GetCurrentObject(dc.Get(), OBJ_BITMAP);
+  const test::ImportPatch patch(
+      "CreateBitmap", static_cast<decltype(&CreateBitmap)>([](auto...) -> HBITMAP { return {}; }));
+  dc.Reset();
+  EXPECT_EQ(GetObjectType(shown), 0u);
+  EXPECT_EQ(HandleCount(), handles);
 }
 
 TEST(PresentAsDibSection, TilesAndOtherViews_AreRefusedAndTurned) {
