@@ -91,6 +91,7 @@ bool EmbedFont(const PlaybackContext& context, const LOGFONTW& font) {
   const Font created(CreateFontIndirectW(&font));
   if (!dc || !created) return false;
   const SelectScope selected(dc.Get(), created.Get());
+  if (!selected) return false;
   DWORD size = 0;
   const HeapBlock content = ReadFontFile(dc.Get(), size);
   Path path;

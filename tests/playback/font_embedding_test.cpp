@@ -123,6 +123,8 @@ TEST_F(FontEmbeddingTest, AnyStepThatFails_LeavesNoFileAndNoObject) {
       "GetDC", +[](HWND) WINAPI -> HDC { return nullptr; });
   fails_with(
       "CreateFontIndirectW", +[](const LOGFONTW*) WINAPI -> HFONT { return nullptr; });
+  fails_with(
+      "SelectObject", +[](HDC, HGDIOBJ) WINAPI -> HGDIOBJ { return nullptr; });
   fails_with("GetFontData", static_cast<FontData*>([](auto...) -> DWORD { return 0; }));
   fails_with("GetFontData", static_cast<FontData*>([](auto...) -> DWORD { return GDI_ERROR; }));
   fails_with(
