@@ -7,10 +7,8 @@
 
 namespace quillo {
 
-/// Plays one record onto the context's page DC.
-///
-/// The payload is the job's and may be changed in place. Returns 1 when the record was played, 0
-/// when it was ignored (unknown type, too short a payload) or its drawing call failed.
+/// Plays one record onto the context's page DC. 1 when the record was played, 0 when it was ignored
+/// (unknown type, too short a payload) or its drawing call failed.
 int32_t DispatchRecord(PlaybackContext& context, uint32_t type, Bytes payload);
 
 /// Deselects and deletes the current pen, font and brush, in this order.
