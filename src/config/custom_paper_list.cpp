@@ -4,12 +4,6 @@
 
 namespace quillo {
 
-namespace {
-
-using NumberSet = std::bitset<65536>;
-
-}  // namespace
-
 CustomPaper* Join(CustomPaper* head, CustomPaper* tail) {
   CustomPaper** end = &head;
   while (*end != nullptr) end = &(*end)->next;
@@ -18,7 +12,7 @@ CustomPaper* Join(CustomPaper* head, CustomPaper* tail) {
 }
 
 CustomPaper* TakeDuplicates(CustomPaper* head) {
-  NumberSet seen;
+  std::bitset<65536> seen;
   CustomPaper* taken = nullptr;
   for (CustomPaper** link = &head; *link != nullptr;) {
     CustomPaper* paper = *link;
@@ -37,15 +31,6 @@ CustomPaper* TakeDuplicates(CustomPaper* head) {
 const CustomPaper* FindPaper(const CustomPaper* head, uint16_t number) {
   while (head != nullptr && head->number != number) head = head->next;
   return head;
-}
-
-uint16_t UnusedPaperNumber(const CustomPaper* head) {
-  NumberSet used;
-  for (; head != nullptr; head = head->next) used.set(head->number);
-  for (uint32_t number = kFirstCustomPaperNumber; number <= kLastCustomPaperNumber; ++number) {
-    if (!used.test(number)) return static_cast<uint16_t>(number);
-  }
-  return 0;
 }
 
 SizeClass SizeClassOf(const CustomPaper& paper) {

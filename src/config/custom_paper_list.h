@@ -33,9 +33,6 @@ CustomPaper* TakeDuplicates(CustomPaper* head);
 /// The first paper of a number, or null.
 const CustomPaper* FindPaper(const CustomPaper* head, uint16_t number);
 
-/// The lowest number that no paper of the list has; 0 when no further paper can be added.
-uint16_t UnusedPaperNumber(const CustomPaper* head);
-
 /// How the paper geometry reads the size of a custom paper. It is stored in tenths of a millimetre
 /// all the same: meant so.
 SizeClass SizeClassOf(const CustomPaper& paper);

@@ -36,15 +36,5 @@ TEST(CustomPaperList, TakeDuplicates_FirstOfANumberStays) {
   EXPECT_EQ(TakeDuplicates(nullptr), nullptr);
 }
 
-TEST(CustomPaperList, UnusedPaperNumber_LowestUntilAllAreTaken) {
-  EXPECT_EQ(UnusedPaperNumber(nullptr), 257);
-  EXPECT_EQ(UnusedPaperNumber(Papers({257, 259, 256, 40000}).Head()), 258);
-  std::vector<uint16_t> all;
-  for (uint16_t number = 257; number < 32767; ++number) all.push_back(number);
-  EXPECT_EQ(UnusedPaperNumber(Papers(all).Head()), 32767);
-  all.push_back(32767);
-  EXPECT_EQ(UnusedPaperNumber(Papers(all).Head()), 0);
-}
-
 }  // namespace
 }  // namespace quillo
