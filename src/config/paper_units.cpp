@@ -4,15 +4,11 @@
 #include <iterator>
 
 #include "base/rounding.h"
+#include "base/wrapping.h"
 
 namespace quillo {
 
 namespace {
-
-/// Product modulo 2^32, as signed hardware multiplies.
-constexpr int32_t WrappingMultiply(int32_t a, int32_t b) {
-  return static_cast<int32_t>(static_cast<uint32_t>(a) * static_cast<uint32_t>(b));
-}
 
 /// Truncating quotient; 0 for a divisor of 0, and the one quotient that does not fit wraps.
 constexpr int32_t SafeDivide(int32_t a, int32_t b) {

@@ -4,6 +4,7 @@
 #include <cstdlib>
 
 #include "base/kernel_owners.h"
+#include "base/wrapping.h"
 #include "imaging/area.h"
 #include "imaging/device_colours.h"
 #include "imaging/dib_section.h"
@@ -46,7 +47,8 @@ struct Size {
 };
 
 Size SizeOf(const RECT& rectangle) {
-  return {rectangle.right - rectangle.left, rectangle.bottom - rectangle.top};
+  return {WrappingSubtract(rectangle.right, rectangle.left),
+          WrappingSubtract(rectangle.bottom, rectangle.top)};
 }
 
 /// Draws a part of a presented bitmap over the whole destination.

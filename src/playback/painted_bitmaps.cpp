@@ -96,8 +96,8 @@ int32_t PlaySetDibitsToDevice(PlaybackContext& context, Bytes payload) {
   const PaintPaletteScope palette(context.page_dc, *bitmap.Get());
   const Rect& to = record.destination;
   const Point& origin = record.source_origin;
-  const RECT from = {origin.x, origin.y, WrappedSum(origin.x, Width(to)),
-                     WrappedSum(origin.y, Height(to))};
+  const RECT from = {origin.x, origin.y, WrappingAdd(origin.x, Width(to)),
+                     WrappingAdd(origin.y, Height(to))};
   const RECT destination = {to.left, to.top, to.right, to.bottom};
   return imaging::Paint(context.page_dc, bitmap.Get(), &from, nullptr, &destination, nullptr,
                         SRCCOPY) == imaging::kSuccess;

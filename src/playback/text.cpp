@@ -5,6 +5,7 @@
 #include "base/checked.h"
 #include "base/kernel_owners.h"
 #include "base/rounding.h"
+#include "base/wrapping.h"
 #include "fonts/font_map_manager.h"
 #include "playback/actions.h"
 #include "playback/current_objects.h"
@@ -64,7 +65,7 @@ int32_t PlayCreateFont(PlaybackContext& context, Bytes payload) {
   ReleaseFont(context);
   auto font = LoadOrZero<LOGFONTW>(payload);
   font.lfWidth = 0;
-  font.lfHeight = static_cast<LONG>(0u - static_cast<uint32_t>(font.lfHeight));
+  font.lfHeight = WrappingSubtract(0, font.lfHeight);
   RememberFont(context, font);
   MakeCurrent(context.page_dc, CreateFontIndirectW(&font), context.current_font,
               context.previous_font);
