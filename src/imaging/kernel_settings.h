@@ -24,7 +24,7 @@ struct KernelSettings {
   uint16_t display_table[256];  // levels; the identity after 0x0004 was set
   StatusCallback status;        // or null
   void* status_user;            //
-  wchar_t temporary_directory[MAX_PATH];  // empty: the user's TEMP folder
+  wchar_t temporary_directory[MAX_PATH];  // empty: the process's TEMP folder
 };
 
 /// The calling thread's settings, made on first use and dropped with the thread. When they cannot

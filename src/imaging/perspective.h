@@ -8,9 +8,8 @@ namespace quillo::imaging {
 /// Width and height change places where the axes were swapped. `source` is locked.
 int MakeUpright(const BitmapHandle& source, BitmapHandle* upright);
 
-/// Rearranges the pixels so that the view perspective becomes bottom row first, and the picture
-/// stays (MakeUpright in place). On failure the record is
-/// unchanged.
+/// MakeUpright in place: rearranges the pixels so that the picture stays while the view perspective
+/// becomes bottom row first. On failure the record is unchanged.
 int TurnUpright(BitmapHandle& record);
 
 }  // namespace quillo::imaging
