@@ -1,6 +1,7 @@
 #include "tests/host/engine/fake_driver.h"
 
 #include <cmath>
+#include <cstring>
 #include <iomanip>
 #include <span>
 
@@ -54,13 +55,31 @@ std::string Describe(PATHOBJ* path) {
   return text;
 }
 
+// What is usual is left out of a call's text: a clip that leaves the whole page, R2_COPYPEN for
+// both mixes, an origin of 0.
+
 std::string Describe(CLIPOBJ* clip) {
-  if (clip->iDComplexity == DC_TRIVIAL) return "trivial";
-  if (clip->iDComplexity == DC_RECT) return "rect " + Describe(clip->rclBounds);
+  const RECTL page{0, 0, fake->size.cx, fake->size.cy};
+  if (clip->iDComplexity == DC_TRIVIAL) return "";
+  if (clip->iDComplexity == DC_RECT) {
+    const bool whole = std::memcmp(&clip->rclBounds, &page, sizeof page) == 0;
+    return whole ? "" : ", clip " + Describe(clip->rclBounds);
+  }
   PATHOBJ* outline = CLIPOBJ_ppoGetPath(clip);
-  std::string text = "complex " + Describe(clip->rclBounds) + Describe(outline);
+  std::string text = ", clip inside " + Describe(clip->rclBounds) + Describe(outline);
   EngDeletePath(outline);
   return text;
+}
+
+std::string DescribeMix(MIX mix) {
+  std::string text;
+  if ((mix & 0xFF) != R2_COPYPEN) text += Line(", mix ", mix & 0xFF);
+  if (mix >> 8 != (mix & 0xFF)) text += Line(", background mix ", mix >> 8);
+  return text;
+}
+
+std::string DescribeOrigin(const POINTL* origin) {
+  return origin->x == 0 && origin->y == 0 ? "" : ", origin " + Describe(*origin);
 }
 
 std::string Describe(BRUSHOBJ* brush) {
@@ -69,16 +88,21 @@ std::string Describe(BRUSHOBJ* brush) {
   return realized != nullptr ? realized : "unrealized";
 }
 
-std::string Describe(const LINEATTRS& line, XFORMOBJ* transform) {
+/// A pen: a thin one, or a wide one with what makes it unlike a round one.
+std::string Describe(const LINEATTRS& line, XFORMOBJ* transform, BRUSHOBJ* brush) {
   const bool wide = (line.fl & LA_GEOMETRIC) != 0;
   XFORML matrix{};
   XFORMOBJ_iGetXform(transform, &matrix);
-  std::string text =
-      wide ? Line("wide ", line.elWidth.e, "x", matrix.eM11) : Line("thin ", line.elWidth.l);
+  std::string text = wide ? Line("wide ", line.elWidth.e, "x", matrix.eM11) : "thin";
   for (const FLOAT_LONG& dash : std::span(line.pstyle, line.cstyle)) {
     text += wide ? Line("/", dash.e) : Line("/", dash.l);
   }
-  return text;
+  if (line.fl & LA_ALTERNATE) text += " alternate";
+  if (line.iJoin == JOIN_BEVEL) text += " bevel";
+  if (line.iJoin == JOIN_MITER) text += Line(" miter ", line.eMiterLimit);
+  if (line.iEndCap == ENDCAP_SQUARE) text += " square";
+  if (line.iEndCap == ENDCAP_BUTT) text += " butt";
+  return text + " " + Describe(brush);
 }
 
 DHPDEV APIENTRY EnablePDEV(DEVMODEW* mode, LPWSTR, ULONG, HSURF*, ULONG, GDIINFO* capabilities,
@@ -147,29 +171,36 @@ WINBOOL APIENTRY RealizeBrush(BRUSHOBJ* brush, SURFOBJ*, SURFOBJ* pattern, SURFO
 }
 
 WINBOOL APIENTRY StrokePath(SURFOBJ*, PATHOBJ* path, CLIPOBJ* clip, XFORMOBJ* transform,
-                            BRUSHOBJ* brush, POINTL*, LINEATTRS* line, MIX mix) {
-  return Note("StrokePath", Line(Describe(*line, transform), ", ", Describe(brush), ", mix ",
-                                 mix & 0xFF, ",", Describe(path), ", ", Describe(clip)));
+                            BRUSHOBJ* brush, POINTL* origin, LINEATTRS* line, MIX mix) {
+  return Note("StrokePath", Line(Describe(*line, transform, brush), ",", Describe(path),
+                                 DescribeMix(mix), DescribeOrigin(origin), Describe(clip)));
 }
 
-WINBOOL APIENTRY FillPath(SURFOBJ*, PATHOBJ* path, CLIPOBJ* clip, BRUSHOBJ* brush, POINTL*, MIX mix,
-                          FLONG options) {
-  return Note("FillPath", Line(Describe(brush), ", mix ", mix & 0xFF, ", mode ", options, ",",
-                               Describe(path), ", ", Describe(clip)));
+WINBOOL APIENTRY FillPath(SURFOBJ*, PATHOBJ* path, CLIPOBJ* clip, BRUSHOBJ* brush, POINTL* origin,
+                          MIX mix, FLONG mode) {
+  return Note("FillPath",
+              Line(Describe(brush), mode == FP_WINDINGMODE ? " winding" : "", ",", Describe(path),
+                   DescribeMix(mix), DescribeOrigin(origin), Describe(clip)));
 }
 
-WINBOOL APIENTRY StrokeAndFillPath(SURFOBJ*, PATHOBJ*, CLIPOBJ*, XFORMOBJ*, BRUSHOBJ* stroke,
-                                   LINEATTRS*, BRUSHOBJ* fill, POINTL*, MIX, FLONG) {
-  return Note("StrokeAndFillPath", Describe(stroke) + ", " + Describe(fill));
+WINBOOL APIENTRY StrokeAndFillPath(SURFOBJ*, PATHOBJ* path, CLIPOBJ* clip, XFORMOBJ* transform,
+                                   BRUSHOBJ* stroke, LINEATTRS* line, BRUSHOBJ* fill,
+                                   POINTL* origin, MIX mix, FLONG mode) {
+  return Note("StrokeAndFillPath",
+              Line(Describe(*line, transform, stroke), ", ", Describe(fill),
+                   mode == FP_WINDINGMODE ? " winding" : "", ",", Describe(path), DescribeMix(mix),
+                   DescribeOrigin(origin), Describe(clip)));
 }
 
-WINBOOL APIENTRY LineTo(SURFOBJ*, CLIPOBJ*, BRUSHOBJ*, LONG x1, LONG y1, LONG x2, LONG y2, RECTL*,
-                        MIX) {
-  return Note("LineTo", Describe(RECTL{x1, y1, x2, y2}));
+WINBOOL APIENTRY LineTo(SURFOBJ*, CLIPOBJ* clip, BRUSHOBJ* brush, LONG x1, LONG y1, LONG x2,
+                        LONG y2, RECTL*, MIX mix) {
+  return Note("LineTo", Line(Describe(brush), ", ", Describe(RECTL{x1, y1, x2, y2}),
+                             DescribeMix(mix), Describe(clip)));
 }
 
-WINBOOL APIENTRY Paint(SURFOBJ*, CLIPOBJ* clip, BRUSHOBJ* brush, POINTL*, MIX) {
-  return Note("Paint", Describe(brush) + ", " + Describe(clip));
+WINBOOL APIENTRY Paint(SURFOBJ*, CLIPOBJ* clip, BRUSHOBJ* brush, POINTL* origin, MIX mix) {
+  return Note("Paint",
+              Line(Describe(brush), DescribeMix(mix), DescribeOrigin(origin), Describe(clip)));
 }
 
 /// Size, depth and, of small pictures, all pixels as the driver would copy them.
@@ -196,43 +227,47 @@ std::string Describe(SURFOBJ* surface, XLATEOBJ* translation) {
   return text;
 }
 
-WINBOOL APIENTRY BitBlt(SURFOBJ*, SURFOBJ* source, SURFOBJ* mask, CLIPOBJ*, XLATEOBJ* translation,
-                        RECTL* target, POINTL* source_origin, POINTL* mask_origin, BRUSHOBJ* brush,
-                        POINTL*, ROP4 rop4) {
+WINBOOL APIENTRY BitBlt(SURFOBJ*, SURFOBJ* source, SURFOBJ* mask, CLIPOBJ* clip,
+                        XLATEOBJ* translation, RECTL* target, POINTL* source_origin,
+                        POINTL* mask_origin, BRUSHOBJ* brush, POINTL* brush_origin, ROP4 rop4) {
   std::string text = Line(Describe(*target), " rop ", std::hex, rop4);
-  if (brush != nullptr) text += ", " + Describe(brush);
+  if (brush != nullptr) text += ", " + Describe(brush) + DescribeOrigin(brush_origin);
   if (source != nullptr) {
     text += ", from " + Describe(*source_origin) + " of " + Describe(source, translation);
   }
-  if (mask != nullptr)
+  if (mask != nullptr) {
     text += ", mask " + Describe(*mask_origin) + " of " + Describe(mask, nullptr);
-  return Note("BitBlt", text);
+  }
+  return Note("BitBlt", text + Describe(clip));
 }
 
-WINBOOL APIENTRY CopyBits(SURFOBJ*, SURFOBJ* source, CLIPOBJ*, XLATEOBJ* translation, RECTL* target,
-                          POINTL* origin) {
+WINBOOL APIENTRY CopyBits(SURFOBJ*, SURFOBJ* source, CLIPOBJ* clip, XLATEOBJ* translation,
+                          RECTL* target, POINTL* origin) {
   return Note("CopyBits", Line(Describe(*target), " from ", Describe(*origin), " of ",
-                               Describe(source, translation)));
+                               Describe(source, translation), Describe(clip)));
 }
 
-WINBOOL APIENTRY StretchBlt(SURFOBJ*, SURFOBJ* source, SURFOBJ*, CLIPOBJ*, XLATEOBJ* translation,
-                            COLORADJUSTMENT*, POINTL*, RECTL* target, RECTL* rect, POINTL*,
-                            ULONG mode) {
+WINBOOL APIENTRY StretchBlt(SURFOBJ*, SURFOBJ* source, SURFOBJ*, CLIPOBJ* clip,
+                            XLATEOBJ* translation, COLORADJUSTMENT*, POINTL*, RECTL* target,
+                            RECTL* rect, POINTL*, ULONG mode) {
   return Note("StretchBlt", Line(Describe(*target), " from ", Describe(*rect), " of ",
-                                 Describe(source, translation), ", mode ", mode));
+                                 Describe(source, translation), ", mode ", mode, Describe(clip)));
 }
 
-WINBOOL APIENTRY AlphaBlend(SURFOBJ*, SURFOBJ* source, CLIPOBJ*, XLATEOBJ* translation,
+WINBOOL APIENTRY AlphaBlend(SURFOBJ*, SURFOBJ* source, CLIPOBJ* clip, XLATEOBJ* translation,
                             RECTL* target, RECTL* rect, BLENDOBJ* blend) {
   const BLENDFUNCTION& how = blend->BlendFunction;
   return Note("AlphaBlend", Line(Describe(*target), " from ", Describe(*rect), " of ",
                                  Describe(source, translation), ", ", int{how.SourceConstantAlpha},
-                                 "/", int{how.AlphaFormat}));
+                                 "/", int{how.AlphaFormat}, Describe(clip)));
 }
 
-WINBOOL APIENTRY TextOutHook(SURFOBJ*, STROBJ* string, FONTOBJ* font, CLIPOBJ*, RECTL*,
+WINBOOL APIENTRY TextOutHook(SURFOBJ*, STROBJ* string, FONTOBJ* font, CLIPOBJ* clip, RECTL*,
                              RECTL* opaque, BRUSHOBJ* ink, BRUSHOBJ*, POINTL*, MIX) {
-  std::string text(string->pwszOrg, string->pwszOrg + string->cGlyphs);
+  std::string text;
+  for (const wchar_t unit : std::wstring(string->pwszOrg, string->cGlyphs)) {
+    text += unit < 128 ? std::string(1, static_cast<char>(unit)) : Line("\\", std::hex, int{unit});
+  }
   text += Line(" accel ", std::hex, string->flAccel) + ", " + Describe(ink);
   if (opaque != nullptr) text += ", opaque " + Describe(*opaque);
   ULONG count = 0;
@@ -250,7 +285,7 @@ WINBOOL APIENTRY TextOutHook(SURFOBJ*, STROBJ* string, FONTOBJ* font, CLIPOBJ*, 
   for (const FLOATL scale : {m.eM11, m.eM12, m.eM21, m.eM22}) {
     text += Line(" ", std::lround(scale * em));
   }
-  return Note("TextOut", text);
+  return Note("TextOut", text + Describe(clip));
 }
 
 }  // namespace
