@@ -9,7 +9,7 @@
 #include <vector>
 
 #include "host/emf/player.h"
-#include "host/engine/canvas.h"
+#include "host/engine/graphics.h"
 
 namespace quillo::host {
 
@@ -41,7 +41,7 @@ class PrintInput {
   /// Gets the next page ready; false when there is none. Throws UnreadableInput.
   virtual bool PreparePage() = 0;
   /// Draws the page that is ready.
-  virtual DrawResult DrawPage(Canvas& canvas, const PageSetup& setup) = 0;
+  virtual DrawResult DrawPage(Graphics& canvas, const PageSetup& setup) = 0;
 };
 
 /// Opens a file of any kind that is printed; its content tells the kind. Throws UnreadableInput.

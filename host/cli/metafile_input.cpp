@@ -15,7 +15,7 @@ class MetafileInput : public PrintInput {
 
   bool PreparePage() override { return !drawn_; }
 
-  DrawResult DrawPage(Canvas& canvas, const PageSetup& setup) override {
+  DrawResult DrawPage(Graphics& canvas, const PageSetup& setup) override {
     drawn_ = true;
     const SIZEL size = canvas.Size();
     const emf::Transform to_page =

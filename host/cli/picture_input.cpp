@@ -47,7 +47,7 @@ class PictureInput : public PrintInput {
     return true;
   }
 
-  DrawResult DrawPage(Canvas& canvas, const PageSetup& setup) override {
+  DrawResult DrawPage(Graphics& canvas, const PageSetup& setup) override {
     const RECTL target =
         Place(picture_.width / dpi_.x, picture_.height / dpi_.y, canvas.Size(), setup);
     canvas.StretchBlt(target, picture_, {0, 0, picture_.width, picture_.height}, 0xCC, nullptr,

@@ -49,7 +49,7 @@ class TextInput : public PrintInput {
 
   bool PreparePage() override { return !lines_.AtEnd(); }
 
-  DrawResult DrawPage(Canvas& canvas, const PageSetup& setup) override {
+  DrawResult DrawPage(Graphics& canvas, const PageSetup& setup) override {
     if (!fonts_) fonts_.emplace(std::max(1L, std::lround(kPoints * setup.dpi / 72.0)));
     const TextPage page = Measure(*fonts_->Main(), canvas.Size(), setup.dpi);
     DrawResult result;
@@ -69,7 +69,7 @@ class TextInput : public PrintInput {
 
  private:
   /// Draws a line run by run: neighbours of one font go together.
-  void DrawLine(const TextLine& line, const TextPage& page, double baseline, Canvas& canvas,
+  void DrawLine(const TextLine& line, const TextPage& page, double baseline, Graphics& canvas,
                 DrawResult& result) {
     double x = page.left;
     for (size_t at = 0; at < line.text.size();) {

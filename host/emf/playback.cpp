@@ -72,12 +72,12 @@ HandlerTable MakeHandlers() {
 
 }  // namespace
 
-PlayResult PlayMetafile(MetafileReader& reader, const Transform& to_page, Canvas& canvas,
+PlayResult PlayMetafile(MetafileReader& reader, const Transform& to_page, Graphics& canvas,
                         const PlayOptions& options) {
   return Playback(reader, to_page, canvas, options).PlayAll();
 }
 
-Playback::Playback(MetafileReader& reader, const Transform& to_page, Canvas& canvas,
+Playback::Playback(MetafileReader& reader, const Transform& to_page, Graphics& canvas,
                    const PlayOptions& options)
     : reader_(reader),
       canvas_(canvas),
@@ -223,7 +223,7 @@ Shared<BitmapSource> Playback::InTextColors(const Shared<BitmapSource>& bitmap) 
 
 void Playback::Stroke(const Path& outline) {
   PenDescription pen;
-  if (state_.rop2 == R2_NOP || outline.Empty() || !DescribePen(pen)) return;
+  if (!DescribePen(pen)) return;
   canvas_.Stroke(LeadsFar(outline) ? NearLine(outline) : outline, pen, Drawing());
 }
 
@@ -235,7 +235,7 @@ bool Playback::CanFill(const Path& path) {
 
 void Playback::Fill(const Path& outline) {
   BrushDescription brush;
-  if (state_.rop2 == R2_NOP || outline.Empty() || !DescribeBrush(*state_.brush, brush)) return;
+  if (!DescribeBrush(*state_.brush, brush)) return;
   canvas_.Fill(LeadsFar(outline) ? NearInside(outline) : outline, brush, PolyFillMode(), Drawing());
 }
 
@@ -247,7 +247,7 @@ void Playback::StrokeAndFill(const Path& outline) {
     Stroke(outline);
     return;
   }
-  if (state_.rop2 == R2_NOP || outline.Empty() || !CanFill(outline)) return;
+  if (!CanFill(outline)) return;
   canvas_.StrokeAndFill(outline, pen, brush, PolyFillMode(), Drawing());
 }
 
@@ -262,7 +262,7 @@ void Playback::StrokeLine(PointL end) {
     return;
   }
   PenDescription pen;
-  if (state_.rop2 == R2_NOP || !DescribePen(pen)) return;
+  if (!DescribePen(pen)) return;
   canvas_.Line(ToPointFix(from.x, from.y), ToPointFix(to.x, to.y), pen, Drawing());
 }
 

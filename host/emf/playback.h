@@ -13,7 +13,7 @@
 #include "host/emf/payload_reader.h"
 #include "host/emf/player.h"
 #include "host/emf/record_types.h"
-#include "host/engine/canvas.h"
+#include "host/engine/graphics.h"
 
 namespace quillo::host::emf {
 
@@ -32,7 +32,7 @@ struct GrowingPath {
 /// behind it. The handlers of the records (player_*.cpp) work on it.
 class Playback {
  public:
-  Playback(MetafileReader& reader, const Transform& to_page, Canvas& canvas,
+  Playback(MetafileReader& reader, const Transform& to_page, Graphics& canvas,
            const PlayOptions& options);
 
   PlayResult PlayAll();
@@ -43,7 +43,7 @@ class Playback {
   /// Puts a created object into the table; a place beyond the declared size is reported.
   void StoreObject(uint32_t index, Object object);
   FontCache& fonts() { return fonts_; }
-  Canvas& canvas() { return canvas_; }
+  Graphics& canvas() { return canvas_; }
   const PlayOptions& options() const { return options_; }
   bool Save();
   /// `level` as RestoreDC takes it: negative counts from the last save, positive from the first.
@@ -109,7 +109,7 @@ class Playback {
   Shared<BitmapSource> InTextColors(const Shared<BitmapSource>& bitmap);
 
   MetafileReader& reader_;
-  Canvas& canvas_;
+  Graphics& canvas_;
   const PlayOptions options_;
   const Transform device_to_page_;
   Transform to_page_;

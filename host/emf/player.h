@@ -6,7 +6,7 @@
 
 #include "host/emf/reader.h"
 #include "host/emf/transform.h"
-#include "host/engine/canvas.h"
+#include "host/engine/graphics.h"
 
 namespace quillo::host::emf {
 
@@ -42,7 +42,7 @@ struct PlayResult {
 /// faults afterwards; a damaged record is passed over, and the rest is drawn. Needs COM on this
 /// thread (bitmaps that are coded as JPEG or PNG).
 /// `to_page`: from pixels of the reference device to pixels of the canvas (see page_mapping.h).
-PlayResult PlayMetafile(MetafileReader& reader, const Transform& to_page, Canvas& canvas,
+PlayResult PlayMetafile(MetafileReader& reader, const Transform& to_page, Graphics& canvas,
                         const PlayOptions& options = {});
 
 }  // namespace quillo::host::emf

@@ -20,7 +20,7 @@ std::optional<ClipShape> ReadLogicalRegion(Playback& dc, PayloadReader& record, 
 
 void PaintWith(Playback& dc, const ClipShape& area, const BrushObject& object) {
   BrushDescription brush;
-  if (dc.state().rop2 == R2_NOP || !dc.DescribeBrush(object, brush)) return;
+  if (!dc.DescribeBrush(object, brush)) return;
   dc.canvas().Paint(area, brush, dc.Drawing());
 }
 

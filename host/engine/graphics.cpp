@@ -35,6 +35,8 @@ Graphics::Graphics(const DriverFunctions& driver, const DEVINFO& device_info, Su
       surface_(surface),
       last_clip_on_surface_(RECTL{0, 0, surface.sizlBitmap.cx, surface.sizlBitmap.cy}) {}
 
+Graphics::~Graphics() = default;
+
 SIZEL Graphics::Size() const { return surface_.sizlBitmap; }
 
 void Graphics::CountRealizations(unsigned count) {

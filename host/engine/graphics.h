@@ -2,18 +2,22 @@
 
 #include "base/ddi.h"
 
+#include <array>
 #include <cstdint>
 #include <map>
 #include <memory>
 #include <optional>
 #include <set>
+#include <span>
 #include <string>
 #include <vector>
 
-#include "host/engine/canvas.h"
+#include "host/engine/drawing.h"
 #include "host/engine/driver_functions.h"
+#include "host/engine/path.h"
 #include "host/engine/services/clips.h"
 #include "host/engine/services/surfaces.h"
+#include "host/engine/text.h"
 #include "host/engine/text_layout.h"
 
 namespace quillo::host {
@@ -27,40 +31,61 @@ struct DdiCalls {
 
 /// The drawing engine of one page: what GDI does between an application's call and the driver.
 ///
-/// Only hooks that the table has and the surface asks for are called; when one answers FALSE, the
-/// engine falls back as Windows does.
-class Graphics : public Canvas {
+/// Everything is in device space. Calls whose drawing lies outside the clip or the surface are
+/// dropped, as GDI drops them. Only hooks that the table has and the surface asks for are called;
+/// when one answers FALSE, the engine falls back as Windows does.
+class Graphics {
  public:
   /// `surface` must have been associated with a device of `driver`, and outlive this object.
   Graphics(const DriverFunctions& driver, const DEVINFO& device_info, Surface& surface);
+  ~Graphics();
 
-  void Stroke(const Path& path, const PenDescription& pen, const DrawState& state) override;
-  void Fill(const Path& path, const BrushDescription& brush, FillMode mode,
-            const DrawState& state) override;
+  void Stroke(const Path& path, const PenDescription& pen, const DrawState& state);
+  void Fill(const Path& path, const BrushDescription& brush, FillMode mode, const DrawState& state);
   void StrokeAndFill(const Path& path, const PenDescription& pen, const BrushDescription& brush,
-                     FillMode mode, const DrawState& state) override;
-  void Line(POINTFIX from, POINTFIX to, const PenDescription& pen, const DrawState& state) override;
-  void Paint(const ClipShape& area, const BrushDescription& brush, const DrawState& state) override;
+                     FillMode mode, const DrawState& state);
+  /// One line. A solid cosmetic pen goes to DrvLineTo first, any other is a path.
+  void Line(POINTFIX from, POINTFIX to, const PenDescription& pen, const DrawState& state);
+  /// Paints the pixels of `area` that the clip leaves (FillRgn, PaintRgn, InvertRgn, FrameRgn).
+  void Paint(const ClipShape& area, const BrushDescription& brush, const DrawState& state);
+
+  /// The blits. `source_origin` and source rectangles are in pixels of the source, rows from the
+  /// top; parts outside the source draw nothing. Targets may be mirrored (right < left, bottom <
+  /// top) where a source rectangle is given. `rop3` is the operation byte of a ternary code (0xCC:
+  /// SRCCOPY); a brush or source that the operation does not use may be null.
   void BitBlt(const RECTL& target, uint8_t rop3, const BrushDescription* brush,
-              const BitmapSource* source, POINTL source_origin, const DrawState& state) override;
+              const BitmapSource* source, POINTL source_origin, const DrawState& state);
   void StretchBlt(const RECTL& target, const BitmapSource& source, const RECTL& source_rect,
                   uint8_t rop3, const BrushDescription* brush, ULONG stretch_mode,
-                  const DrawState& state) override;
+                  const DrawState& state);
+  /// Two operations on one rectangle: where the mask (1 bit a pixel, as large as the source
+  /// rectangle from `mask_origin` on) is set the low byte of `rop4`, elsewhere the high one.
   void MaskBlt(const RECTL& target, uint16_t rop4, const BrushDescription* brush,
                const BitmapSource& source, const RECTL& source_rect, const BitmapSource& mask,
-               POINTL mask_origin, const DrawState& state) override;
+               POINTL mask_origin, const DrawState& state);
+  /// Copies a source rectangle into a parallelogram: its top left, top right and bottom left
+  /// corner. A mask that is given (1 bit a pixel, as large as the source rectangle from
+  /// `mask_origin` on) leaves out the pixels where it is clear.
   void PlgBlt(const std::array<POINTFIX, 3>& target, const BitmapSource& source,
               const RECTL& source_rect, const BitmapSource* mask, POINTL mask_origin,
-              ULONG stretch_mode, const DrawState& state) override;
+              ULONG stretch_mode, const DrawState& state);
+  /// With AC_SRC_ALPHA the source has 32 bits, the colours multiplied by the alpha.
   void AlphaBlend(const RECTL& target, const BitmapSource& source, const RECTL& source_rect,
-                  BLENDFUNCTION blend, const DrawState& state) override;
+                  BLENDFUNCTION blend, const DrawState& state);
+  /// Copies all pixels but those of the colour `key` (0x00RRGGBB).
   void TransparentBlt(const RECTL& target, const BitmapSource& source, const RECTL& source_rect,
-                      uint32_t key, const DrawState& state) override;
+                      uint32_t key, const DrawState& state);
+  /// Vertices in device pixels; `mesh` holds their numbers, two for each rectangle
+  /// (GRADIENT_FILL_RECT_H, _V) or three for each triangle (GRADIENT_FILL_TRIANGLE). Meshes with a
+  /// number that has no vertex are left out.
   void GradientFill(std::span<const TRIVERTEX> vertices, std::span<const ULONG> mesh, ULONG mode,
-                    const DrawState& state) override;
-  double Text(const TextDescription& text, const DrawState& state) override;
-  SIZEL Size() const override;
+                    const DrawState& state);
 
+  /// Draws a line of text; see text.h. Gives the length of the line in logical units.
+  double Text(const TextDescription& text, const DrawState& state);
+
+  /// Size in device pixels.
+  SIZEL Size() const;
   const DdiCalls& Calls() const { return calls_; }
 
  private:
