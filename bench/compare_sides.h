@@ -4,11 +4,15 @@
 
 #include <algorithm>
 #include <cstdio>
+#include <functional>
 #include <vector>
 
 #include "base/gdi_owners.h"
 
 namespace quillo::bench {
+
+/// Draws what is measured, once.
+using Draw = std::function<void(HDC page)>;
 
 /// What is compared, and how often.
 struct Comparison {
@@ -18,24 +22,22 @@ struct Comparison {
   int calls = 400;  // in each round
 };
 
-/// Microseconds of each of so many side.Draw(HDC) on a fresh metafile.
-template <typename Side>
-double TimeCall(Side& side, int calls) {
+/// Microseconds of each of so many calls on a fresh metafile.
+inline double TimeCall(const Draw& draw, int calls) {
   const MetafileDc page(CreateEnhMetaFileW(nullptr, nullptr, nullptr, nullptr));
   LARGE_INTEGER frequency, begin, end;
   QueryPerformanceFrequency(&frequency);
   QueryPerformanceCounter(&begin);
-  for (int i = 0; i < calls; ++i) side.Draw(page.Get());
+  for (int i = 0; i < calls; ++i) draw(page.Get());
   QueryPerformanceCounter(&end);
   return static_cast<double>(end.QuadPart - begin.QuadPart) * 1e6 /
          static_cast<double>(frequency.QuadPart) / calls;
 }
 
-/// Records that one side.Draw(HDC) leaves in a metafile.
-template <typename Side>
-DWORD CountRecords(Side& side) {
+/// Records that one call leaves in a metafile.
+inline DWORD CountRecords(const Draw& draw) {
   MetafileDc page(CreateEnhMetaFileW(nullptr, nullptr, nullptr, nullptr));
-  side.Draw(page.Get());
+  draw(page.Get());
   ENHMETAHEADER header = {};
   GetEnhMetaFileHeader(page.Close().Get(), sizeof header, &header);
   return header.nRecords;
@@ -49,8 +51,7 @@ inline double Median(std::vector<double> values) {
 /// Prints what a call costs through the driver, as a multiple of the same GDI calls made directly.
 /// Both sides run in turn, so that the machine's load hits both; the median of the rounds' ratios
 /// counts. 0, 1 when it is above the limit, 2 when the driver's metafile lacks records.
-template <typename Driver, typename Direct>
-int CompareSides(const Comparison& what, Driver& driver, Direct& direct) {
+inline int CompareSides(const Comparison& what, const Draw& driver, const Draw& direct) {
   const DWORD driver_records = CountRecords(driver), direct_records = CountRecords(direct);
   if (driver_records < direct_records) {
     std::printf("%s: driver %lu records, direct %lu: calls are missing\n", what.name,

@@ -17,7 +17,6 @@ class DriverJob {
     surface_.dhpdev = reinterpret_cast<DHPDEV>(&device_);
   }
 
- protected:
   /// The surface, whose drawing goes to this page.
   SURFOBJ* SurfaceOn(HDC page) {
     job_.playback.page_dc = page;
