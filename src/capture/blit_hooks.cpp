@@ -87,11 +87,9 @@ BOOL APIENTRY DrvCopyBits(SURFOBJ* target, SURFOBJ* source, CLIPOBJ* clip, XLATE
   if (source != nullptr && source->iType != STYPE_BITMAP) {
     return EngEraseSurface(target, target_rect, kWhite);
   }
-  DEVICE_PDEV* device = FindDevice(target);
-  if (device == nullptr) SetLastError(ERROR_INVALID_PARAMETER);
-  return CaptureDrawing(device, [&](DEVICE_PDEV& found) {
-    WriteTargetClip(found, clip, target_rect);
-    EmitSetDibitsToDevice(found, {ToRect(target_rect), ToPoint(source_origin), 0},
+  return CaptureDrawing(FindDevice(target), [&](DEVICE_PDEV& device) {
+    WriteTargetClip(device, clip, target_rect);
+    EmitSetDibitsToDevice(device, {ToRect(target_rect), ToPoint(source_origin), 0},
                           {source, translation});
     return TRUE;
   });

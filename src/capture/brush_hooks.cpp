@@ -31,10 +31,7 @@ BrushColours HatchColours(XLATEOBJ* translation) {
 BOOL APIENTRY DrvRealizeBrush(BRUSHOBJ* brush, SURFOBJ* target, SURFOBJ* pattern, SURFOBJ*,
                               XLATEOBJ* translation, ULONG hatch) noexcept {
   const DEVICE_PDEV* device = FindDevice(target);
-  if (device == nullptr) {
-    SetLastError(ERROR_INVALID_PARAMETER);
-    return FALSE;
-  }
+  if (device == nullptr) return FALSE;
   const bool hatched = hatch < kHatchCount;
   uint32_t pattern_size = hatched ? 0 : PackedBitmapSize(pattern);
   const auto total_size = CheckedAdd(kRealisedBrushSize, pattern_size);

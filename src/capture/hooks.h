@@ -5,10 +5,10 @@
 // The drawing entries of the DDI table, with the interface's own prototypes. They stand in this
 // namespace because the system header declares the same names without noexcept.
 //
-// Every hook that draws finds the device through its surface: an unknown device and a device that
-// refuses drawing (kDrawingRefused) answer FALSE, one that discards it (kDrawingDiscarded) answers
-// TRUE and records nothing. Otherwise the call is recorded as one bracket of records, which is
-// closed on every way out.
+// Every hook that draws finds the device through its surface: an unknown device (with the last
+// error of FindDevice) and a device that refuses drawing (kDrawingRefused) answer FALSE, one that
+// discards it (kDrawingDiscarded) answers TRUE and records nothing. Otherwise the call is recorded
+// as one bracket of records, which is closed on every way out.
 namespace quillo {
 
 BOOL APIENTRY DrvStrokePath(SURFOBJ* surface, PATHOBJ* path, CLIPOBJ* clip, XFORMOBJ* transform,

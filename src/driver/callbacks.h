@@ -3,7 +3,8 @@
 #include "base/ddi.h"
 
 // The device, surface, document and page callbacks of the driver's table, by their interface names.
-// (The drawing hooks are in capture/hooks.h.) A dead or foreign device gives last error 87.
+// (The drawing hooks are in capture/hooks.h.) Without a living device they fail with the last error
+// that FindDevice sets.
 namespace quillo {
 
 DHPDEV APIENTRY DrvEnablePDEV(DEVMODEW* mode, LPWSTR log_address, ULONG pattern_count,

@@ -16,9 +16,10 @@ namespace {
 /// Nothing is ever mapped below this address on Windows, so a small number is no record.
 constexpr uintptr_t kLowestAddress = 0x10000;
 
-bool LooksLikeRecord(const void* record) {
-  const auto address = reinterpret_cast<uintptr_t>(record);
-  return address >= kLowestAddress && address % alignof(DEVICE_PDEV) == 0;
+bool IsLiving(const DEVICE_PDEV* device) {
+  const auto address = reinterpret_cast<uintptr_t>(device);
+  return address >= kLowestAddress && address % alignof(DEVICE_PDEV) == 0 &&
+         device->signature == kDeviceSignature && device->closing_signature == kDeviceSignature;
 }
 
 DHPDEV HandleOf(DEVICE_PDEV* device) { return reinterpret_cast<DHPDEV>(device); }
@@ -39,14 +40,13 @@ void DeletePalette(DEVICE_PDEV& device) {
 
 DEVICE_PDEV* FindDevice(DHPDEV handle) {
   auto* device = reinterpret_cast<DEVICE_PDEV*>(handle);
-  if (!LooksLikeRecord(device)) return nullptr;
-  if (device->signature != kDeviceSignature) return nullptr;
-  if (device->closing_signature != kDeviceSignature) return nullptr;
-  return device;
+  if (IsLiving(device)) return device;
+  SetLastError(ERROR_INVALID_PARAMETER);
+  return nullptr;
 }
 
 DEVICE_PDEV* FindDevice(const SURFOBJ* surface) {
-  return surface != nullptr ? FindDevice(surface->dhpdev) : nullptr;
+  return FindDevice(surface != nullptr ? surface->dhpdev : nullptr);
 }
 
 DHPDEV APIENTRY DrvEnablePDEV(DEVMODEW* mode, LPWSTR /*log_address*/, ULONG pattern_count,
@@ -84,10 +84,7 @@ DHPDEV APIENTRY DrvEnablePDEV(DEVMODEW* mode, LPWSTR /*log_address*/, ULONG patt
 BOOL APIENTRY DrvResetPDEV(DHPDEV old_handle, DHPDEV new_handle) noexcept {
   const DEVICE_PDEV* old_device = FindDevice(old_handle);
   DEVICE_PDEV* new_device = FindDevice(new_handle);
-  if (old_device == nullptr || new_device == nullptr) {
-    SetLastError(ERROR_INVALID_PARAMETER);
-    return FALSE;
-  }
+  if (old_device == nullptr || new_device == nullptr) return FALSE;
   if ((old_device->flags & kDocumentOpen) == 0) return TRUE;
   new_device->document_word = old_device->document_word;
   new_device->job = old_device->job;
@@ -98,19 +95,12 @@ BOOL APIENTRY DrvResetPDEV(DHPDEV old_handle, DHPDEV new_handle) noexcept {
 
 VOID APIENTRY DrvCompletePDEV(DHPDEV handle, HDEV engine_device) noexcept {
   DEVICE_PDEV* device = FindDevice(handle);
-  if (device == nullptr) {
-    SetLastError(ERROR_INVALID_PARAMETER);
-    return;
-  }
-  device->engine_device = engine_device;
+  if (device != nullptr) device->engine_device = engine_device;
 }
 
 VOID APIENTRY DrvDisablePDEV(DHPDEV handle) noexcept {
   DEVICE_PDEV* device = FindDevice(handle);
-  if (device == nullptr) {
-    SetLastError(ERROR_INVALID_PARAMETER);
-    return;
-  }
+  if (device == nullptr) return;
   DeletePalette(*device);
   // A handle that outlives its device must not be found again.
   device->signature = 0;

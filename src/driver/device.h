@@ -54,10 +54,11 @@ inline CQloPrinter* LivingJob(const DEVICE_PDEV& device) {
   return device.job_ended != 0 ? nullptr : device.job;
 }
 
-/// The record behind a handle, or null (without a last error) when it is not a living device.
+/// The record behind a handle; null, with last error ERROR_INVALID_PARAMETER, when it is not a
+/// living device.
 DEVICE_PDEV* FindDevice(DHPDEV handle);
 
-/// The device that a surface belongs to, or null.
+/// The device that a surface belongs to; null, with the same last error, when it has none.
 DEVICE_PDEV* FindDevice(const SURFOBJ* surface);
 
 }  // namespace quillo

@@ -7,19 +7,8 @@
 
 namespace quillo {
 
-namespace {
-
-/// The device of a page callback; a missing one sets the last error.
-DEVICE_PDEV* DeviceOf(const SURFOBJ* surface) {
-  DEVICE_PDEV* device = FindDevice(surface);
-  if (device == nullptr) SetLastError(ERROR_INVALID_PARAMETER);
-  return device;
-}
-
-}  // namespace
-
 BOOL APIENTRY DrvStartDoc(SURFOBJ* surface, LPWSTR /*document*/, DWORD job_id) noexcept {
-  DEVICE_PDEV* device = DeviceOf(surface);
+  DEVICE_PDEV* device = FindDevice(surface);
   if (device == nullptr) return FALSE;
   // A document that continues on a reset device keeps its job.
   if ((device->flags & kDocumentOpen) == 0) {
@@ -36,17 +25,17 @@ BOOL APIENTRY DrvStartDoc(SURFOBJ* surface, LPWSTR /*document*/, DWORD job_id) n
 }
 
 BOOL APIENTRY DrvStartPage(SURFOBJ* surface) noexcept {
-  const DEVICE_PDEV* device = DeviceOf(surface);
+  const DEVICE_PDEV* device = FindDevice(surface);
   return device != nullptr && StartPage(LivingJob(*device));
 }
 
 BOOL APIENTRY DrvSendPage(SURFOBJ* surface) noexcept {
-  const DEVICE_PDEV* device = DeviceOf(surface);
+  const DEVICE_PDEV* device = FindDevice(surface);
   return device != nullptr && SendPage(LivingJob(*device));
 }
 
 BOOL APIENTRY DrvEndDoc(SURFOBJ* surface, FLONG /*flags*/) noexcept {
-  DEVICE_PDEV* device = DeviceOf(surface);
+  DEVICE_PDEV* device = FindDevice(surface);
   if (device == nullptr) return TRUE;
   // An aborted document ends the same way.
   EndDocument(LivingJob(*device));

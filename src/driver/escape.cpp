@@ -36,11 +36,10 @@ DeviceUnits DeviceUnitsOf(DEVICE_PDEV& device) {
 
 }  // namespace
 
-/// Neither size is looked at: QUERYESCSUPPORT reads 4 bytes, GETDEVICEUNITS writes 16. Whatever
-/// fails answers 0 without a last error.
+/// Neither size is looked at: QUERYESCSUPPORT reads 4 bytes, GETDEVICEUNITS writes 16. An unknown
+/// escape and a missing buffer answer 0 without a last error.
 ULONG APIENTRY DrvEscape(SURFOBJ* surface, ULONG escape, ULONG /*input_size*/, PVOID input,
                          ULONG /*output_size*/, PVOID output) noexcept {
-  DEVICE_PDEV* device = FindDevice(surface);
   switch (escape) {
     case QUERYESCSUPPORT: {
       uint32_t asked = 0;
@@ -48,7 +47,9 @@ ULONG APIENTRY DrvEscape(SURFOBJ* surface, ULONG escape, ULONG /*input_size*/, P
       return IsSupported(asked);
     }
     case GETDEVICEUNITS: {
-      if (device == nullptr || output == nullptr) return 0;
+      if (output == nullptr) return 0;
+      DEVICE_PDEV* device = FindDevice(surface);
+      if (device == nullptr) return 0;
       const DeviceUnits units = DeviceUnitsOf(*device);
       std::memcpy(output, &units, sizeof(units));
       return 1;
@@ -56,7 +57,7 @@ ULONG APIENTRY DrvEscape(SURFOBJ* surface, ULONG escape, ULONG /*input_size*/, P
     case kPrivateNoOperation:
       return 1;
     case kPrivateJobMark:
-      if (device != nullptr) EmitRecord(*device, records::REC_ESCAPEMARK);
+      if (DEVICE_PDEV* device = FindDevice(surface)) EmitRecord(*device, records::REC_ESCAPEMARK);
       return 1;
     default:
       return 0;

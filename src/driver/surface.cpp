@@ -25,10 +25,7 @@ LONG RowBytes(LONG width) {
 
 HSURF APIENTRY DrvEnableSurface(DHPDEV handle) noexcept {
   DEVICE_PDEV* device = FindDevice(handle);
-  if (device == nullptr) {
-    SetLastError(ERROR_INVALID_PARAMETER);
-    return nullptr;
-  }
+  if (device == nullptr) return nullptr;
   const Extent printable = PrintableSize(device->mode, PaperUnit::kDevicePixels);
   device->surface_size = {printable.width, printable.height};
   const HBITMAP bitmap = EngCreateBitmap(device->surface_size, RowBytes(printable.width), BMF_24BPP,
@@ -45,11 +42,7 @@ HSURF APIENTRY DrvEnableSurface(DHPDEV handle) noexcept {
 
 VOID APIENTRY DrvDisableSurface(DHPDEV handle) noexcept {
   DEVICE_PDEV* device = FindDevice(handle);
-  if (device == nullptr) {
-    SetLastError(ERROR_INVALID_PARAMETER);
-    return;
-  }
-  if (device->surface == nullptr) return;
+  if (device == nullptr || device->surface == nullptr) return;
   EngDeleteSurface(device->surface);
   device->surface = nullptr;
 }

@@ -141,11 +141,11 @@ TEST_F(DrawingCallTest, DeviceState_DecidesWhetherACallIsRecorded) {
   foreign_surface.dhpdev = reinterpret_cast<DHPDEV>(&foreign);
   for (const Call& call : calls_) {
     SCOPED_TRACE(call.name);
-    SetLastError(0);
-    EXPECT_FALSE(call.draw(nullptr));
-    EXPECT_FALSE(call.draw(&foreign_surface));
-    EXPECT_EQ(GetLastError() == ERROR_INVALID_PARAMETER,
-              call.name == std::string("DrvCopyBits") || call.name == std::string("DrvTextOut"));
+    for (SURFOBJ* surface : {static_cast<SURFOBJ*>(nullptr), &foreign_surface}) {
+      SetLastError(0);
+      EXPECT_FALSE(call.draw(surface));
+      EXPECT_EQ(GetLastError(), static_cast<DWORD>(ERROR_INVALID_PARAMETER));
+    }
     for (const uint32_t flags : {kDrawingRefused | 0u, kDrawingRefused | kDrawingDiscarded}) {
       device_.flags = flags;
       EXPECT_FALSE(call.draw(&surface_));

@@ -47,14 +47,15 @@ TEST_F(EscapeTest, DeviceUnits_ArePrintableSizeAndMargins) {
   EXPECT_EQ(units, (std::array<uint32_t, 5>{2550 - 375, 3300 - 1050, 75, 150, 0}));
 }
 
-TEST_F(EscapeTest, BadArguments_AnswerZeroWithoutAnError) {
+TEST_F(EscapeTest, BadArguments_AnswerZero) {
   uint32_t units[4] = {};
   SetLastError(1234);
   EXPECT_EQ(Escape(&surface_, GETDEVICEUNITS, nullptr, nullptr), 0u);
-  EXPECT_EQ(Escape(nullptr, GETDEVICEUNITS, nullptr, units), 0u);
-  EXPECT_EQ(Escape(nullptr, 5001, nullptr, nullptr), 1u);
   EXPECT_EQ(Escape(nullptr, 7, nullptr, nullptr), 0u);
   EXPECT_EQ(GetLastError(), 1234u);
+  EXPECT_EQ(Escape(nullptr, 5001, nullptr, nullptr), 1u);
+  EXPECT_EQ(Escape(nullptr, GETDEVICEUNITS, nullptr, units), 0u);
+  EXPECT_EQ(GetLastError(), static_cast<DWORD>(ERROR_INVALID_PARAMETER));
 }
 
 TEST_F(EscapeTest, JobMark_IsWrittenOnlyIntoAnOpenJob) {
