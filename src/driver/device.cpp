@@ -30,12 +30,6 @@ void CopyAnswer(const Answer& answer, void* out, ULONG out_size) {
   if (out != nullptr) std::memcpy(out, &answer, std::min<size_t>(out_size, sizeof answer));
 }
 
-void DeletePalette(DEVICE_PDEV& device) {
-  if (device.palette == nullptr) return;
-  EngDeletePalette(device.palette);
-  device.palette = nullptr;
-}
-
 }  // namespace
 
 DEVICE_PDEV* FindDevice(DHPDEV handle) {
@@ -71,7 +65,6 @@ DHPDEV APIENTRY DrvEnablePDEV(DEVMODEW* mode, LPWSTR /*log_address*/, ULONG patt
 
   CopyAnswer(DescribeGraphics(device), caps, caps_size);
 
-  DeletePalette(device);
   device.palette = EngCreatePalette(PAL_BGR, 0, nullptr, 0, 0, 0);
   if (device.palette == nullptr) return nullptr;
   CopyAnswer(DescribeDevice(device), dev_info, dev_info_size);
@@ -101,7 +94,7 @@ VOID APIENTRY DrvCompletePDEV(DHPDEV handle, HDEV engine_device) noexcept {
 VOID APIENTRY DrvDisablePDEV(DHPDEV handle) noexcept {
   DEVICE_PDEV* device = FindDevice(handle);
   if (device == nullptr) return;
-  DeletePalette(*device);
+  if (device->palette != nullptr) EngDeletePalette(device->palette);
   // A handle that outlives its device must not be found again.
   device->signature = 0;
   device->closing_signature = 0;
