@@ -82,10 +82,10 @@ BOOL APIENTRY DrvTextOut(SURFOBJ* surface, STROBJ* text, FONTOBJ* font, CLIPOBJ*
     SetLastError(ERROR_INVALID_PARAMETER);
     return FALSE;
   }
+  const FontTransform transform(font);
   bool transform_set = false;
   const BOOL recorded = CaptureDrawing(target, [&](DEVICE_PDEV& device) {
     WriteClip(device, clip, nullptr);
-    const FontTransform transform(font);
     transform_set = !transform.IsIdentity();
     if (transform_set) EmitPayload(device, REC_SETWORLDTRANSFORM, transform.matrix);
     bool written = WriteFont(device, font);
