@@ -41,12 +41,11 @@ void DescribePage(IQuilloPage& page, const wchar_t* path, LONG dpi, const Extent
   page.SetMode(kPageMode);
 }
 
-/// A metafile on the job's own printer. `sheet` in tenths of a millimetre.
+/// A metafile on the job's own printer; when that gives no DC, GDI takes the display in its place.
+/// `sheet` in tenths of a millimetre.
 MetafileDc CreatePageMetafile(const CQloPrinter& job, const Extent& sheet) {
   if (job.page_path[0] == L'\0') return MetafileDc();
-  // Without its printer a page would be recorded at the screen's scale.
   const CreatedDc reference = CreatePrinterDc(job.printer, &job.device_settings->pub);
-  if (!reference) return MetafileDc();
   // Frames count in hundredths of a millimetre.
   const RECT frame = {0, 0, sheet.width * 10, sheet.height * 10};
   return MetafileDc(CreateEnhMetaFileW(reference.Get(), job.page_path, &frame, kDescription));
