@@ -31,13 +31,6 @@ struct LibraryTraits {
 };
 using Library = Owner<LibraryTraits>;
 
-struct MappedViewTraits {
-  using Type = void*;
-  static constexpr Type kNull = nullptr;
-  static void Release(Type view) { UnmapViewOfFile(view); }
-};
-using MappedView = Owner<MappedViewTraits>;
-
 /// A zero-initialised global memory block, locked for as long as it lives.
 struct GlobalBlockTraits {
   using Type = void*;

@@ -2,7 +2,6 @@
 
 #include "base/ddi.h"
 
-#include <cstdint>
 #include <span>
 
 #include "driver/device.h"

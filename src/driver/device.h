@@ -2,7 +2,6 @@
 
 #include "base/ddi.h"
 
-#include <cstddef>
 #include <cstdint>
 
 #include "config/device_mode.h"

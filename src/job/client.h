@@ -2,7 +2,6 @@
 
 #include "base/windows.h"
 
-#include <cstdint>
 #include <oaidl.h>
 
 #include "base/com_owners.h"

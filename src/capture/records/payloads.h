@@ -180,9 +180,6 @@ static_assert(sizeof(AlphaBlendPayload) == 40);
 static_assert(sizeof(TextRunPayload) == 38);
 static_assert(sizeof(Transform) == 24);
 
-/// Bytes of the device mode that REC_DEVMODE carries.
-inline constexpr uint32_t kDeviceModeBytes = 1052;
-
 /// Bytes that REC_DIBHEADER carries at most: a BITMAPINFOHEADER and one double word.
 inline constexpr uint32_t kBandHeaderBytes = 44;
 
