@@ -1,6 +1,5 @@
 #include "driver/device_mode_merge.h"
 
-#include <algorithm>
 #include <cstring>
 
 #include "config/paper_geometry.h"
@@ -59,8 +58,7 @@ void MergeDeviceMode(DeviceMode& mode, const DEVMODEW* caller) {
   std::memcpy(mode.pub.dmDeviceName, caller->dmDeviceName, sizeof mode.pub.dmDeviceName);
   mode.pub.dmDeviceName[CCHDEVICENAME - 1] = L'\0';
   const auto& own = *reinterpret_cast<const DeviceMode*>(caller);
-  std::memcpy(mode.private_part, own.private_part,
-              std::min(mode.pub.dmDriverExtra, caller->dmDriverExtra));
+  std::memcpy(mode.private_part, own.private_part, sizeof mode.private_part);
 }
 
 }  // namespace quillo
