@@ -24,11 +24,12 @@ HeapBlock ReadJobInfo(const CQloPrinter& job) {
   return {};
 }
 
-}  // namespace
-
+/// Whether the client can be told anything.
 bool ClientConnected(const CQloPrinter& job) {
   return (job.state & kClientNotConnected) == 0 && job.client;
 }
+
+}  // namespace
 
 void NotifyJobStart(CQloPrinter& job) {
   if (!ClientConnected(job)) return;

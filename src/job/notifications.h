@@ -8,9 +8,6 @@
 // answers. Nothing is sent while no client is connected; a failing call ends its own step only.
 namespace quillo {
 
-/// Whether the client can be told anything.
-bool ClientConnected(const CQloPrinter& job);
-
 /// Announces the job. Reads printer and document name from the spooler and keeps them in the job.
 void NotifyJobStart(CQloPrinter& job);
 
