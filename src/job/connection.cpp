@@ -1,7 +1,7 @@
 #include "job/connection.h"
 
 #include "config/user_paths.h"
-#include "job/job_paths.h"
+#include "job/job_path.h"
 
 namespace quillo {
 

@@ -2,7 +2,7 @@
 #include "config/user_paths.h"
 #include "job/compound_file.h"
 #include "job/job.h"
-#include "job/job_paths.h"
+#include "job/job_path.h"
 #include "job/notifications.h"
 #include "job/page.h"
 
