@@ -17,7 +17,7 @@ bool Pack(const DEVICE_PDEV& device, const BlitSource& source, MutableBytes plac
   return SurfaceToPackedBitmap(&device, source.surface, source.translation, place.data(), size);
 }
 
-// A record of a fixed part and one packed bitmap.
+/// A record of a fixed part and one packed bitmap.
 template <typename Payload>
 void EmitBlit(DEVICE_PDEV& device, RecordType type, Payload& blit, const BlitSource& source,
               UnpackedSource rule) {

@@ -19,8 +19,8 @@ using namespace records;
 
 constexpr ULONG kWhite = 0xFFFFFFFF;
 
-// Mode of REC_SETROP2 that DrvPaint records for a mix: its low byte. Unlike in path calls R2_WHITE
-// stays 16 here, which is meant.
+/// Mode of REC_SETROP2 that DrvPaint records for a mix: its low byte. Unlike in path calls R2_WHITE
+/// stays 16 here, which is meant.
 constexpr uint32_t PaintRop2(MIX mix) { return mix & 0xFF; }
 
 void WriteTargetClip(DEVICE_PDEV& device, CLIPOBJ* clip, const RECTL* target_rect) {

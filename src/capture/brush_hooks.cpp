@@ -16,8 +16,8 @@ struct BrushColours {
   uint32_t background = 0xFFFFFF;
 };
 
-// A hatch takes its colours from the translation vector: background first, then foreground. Vectors
-// of other lengths than 1 and 2 say nothing about them.
+/// A hatch takes its colours from the translation vector: background first, then foreground.
+/// Vectors of other lengths than 1 and 2 say nothing about them.
 BrushColours HatchColours(XLATEOBJ* translation) {
   BrushColours colours;
   const auto vector = TranslationVector(translation);

@@ -22,7 +22,7 @@ SurfaceBits BitsOf(const SURFOBJ& surface) {
           .top_down = (surface.fjBitmap & BMF_TOPDOWN) != 0};
 }
 
-// The translation vector as it stands, else the source palette with red and blue exchanged.
+/// The translation vector as it stands, else the source palette with red and blue exchanged.
 void FillColourTable(XLATEOBJ* translation, std::span<uint32_t> table) {
   const auto vector = TranslationVector(translation);
   if (vector.data() != nullptr) {
@@ -36,7 +36,7 @@ void FillColourTable(XLATEOBJ* translation, std::span<uint32_t> table) {
                  SwapRedBlue);
 }
 
-// Header and colour table of a surface that can be packed.
+/// Header and colour table of a surface that can be packed.
 DibInfo HeadOf(const DEVICE_PDEV* device, const SURFOBJ& surface, XLATEOBJ* translation) {
   const PixelFormat format = *FindPixelFormat(surface.iBitmapFormat);
   const DotsPerInch dpi =

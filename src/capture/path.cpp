@@ -11,8 +11,8 @@ namespace {
 
 using namespace records;
 
-// The rectangle of a closed figure whose first edge is horizontal. Its sides come from these very
-// corners and are not put in order. Curves and winding fills never count as rectangles.
+/// The rectangle of a closed figure whose first edge is horizontal. Its sides come from these very
+/// corners and are not put in order. Curves and winding fills never count as rectangles.
 std::optional<Rect> AsRectangle(FLONG flags, std::span<const POINTFIX> p, uint32_t fill_mode) {
   if (p.size() != 4 || (flags & PD_BEZIERS) != 0 || (flags & PD_CLOSEFIGURE) == 0 ||
       fill_mode == FP_WINDINGMODE) {
@@ -29,7 +29,7 @@ class PathWriter {
  public:
   PathWriter(DEVICE_PDEV& device, uint32_t fill_mode) : device_(device), fill_mode_(fill_mode) {}
 
-  // One run of the path; false on a malformed curve.
+  /// One run of the path; false on a malformed curve.
   bool WriteRun(const PATHDATA& run) {
     std::span<const POINTFIX> points;
     if (run.pptfx != nullptr) points = {run.pptfx, run.count};
@@ -55,7 +55,7 @@ class PathWriter {
   [[nodiscard]] bool Drawn() const { return drawn_; }
 
  private:
-  // Begins a figure; the points that it does not consume.
+  /// Begins a figure; the points that it does not consume.
   std::span<const POINTFIX> Begin(FLONG flags, std::span<const POINTFIX> points) {
     if (!open_) {
       open_ = true;

@@ -19,7 +19,7 @@ void WritePathClip(DEVICE_PDEV& device, CLIPOBJ* clip, PATHOBJ* path) {
   WriteClip(device, clip, &bounds);
 }
 
-// A path that will be filled; false, with the last error set, when it could not be recorded.
+/// A path that will be filled; false, with the last error set, when it could not be recorded.
 bool WriteFillPath(DEVICE_PDEV& device, PATHOBJ* path, FLONG options) {
   bool drawn = false;
   if (WritePath(device, path, drawn, options)) return true;
@@ -27,8 +27,8 @@ bool WriteFillPath(DEVICE_PDEV& device, PATHOBJ* path, FLONG options) {
   return false;
 }
 
-// The next path records the colour of a stroke as its background colour, unless the stroke had
-// none.
+/// The next path records the colour of a stroke as its background colour, unless the stroke had
+/// none.
 void RememberStrokeColour(DEVICE_PDEV& device, const BRUSHOBJ* brush) {
   if (brush != nullptr && brush->iSolidColor != kNoSolidColour) {
     device.remembered_colour = brush->iSolidColor;

@@ -14,7 +14,7 @@ namespace {
 
 using namespace records;
 
-// GDI's pens have at most 16 entries; an array that claims to be longer than this is not read.
+/// GDI's pens have at most 16 entries; an array that claims to be longer than this is not read.
 constexpr ULONG kMaxStyleEntries = 1024;
 
 std::span<const FLOAT_LONG> StyleOf(const LINEATTRS& attributes) {
@@ -65,7 +65,7 @@ void WriteGeometricPen(DEVICE_PDEV& device, LINEATTRS& attributes, XFORMOBJ* tra
   EmitExtCreatePen(device, style, width, {lengths.As<uint32_t>(), entries.size()});
 }
 
-// The style arrays that GDI gives the stock line styles of cosmetic pens.
+/// The style arrays that GDI gives the stock line styles of cosmetic pens.
 uint32_t CosmeticLineStyle(std::span<const FLOAT_LONG> entries) {
   static constexpr struct {
     uint32_t style;

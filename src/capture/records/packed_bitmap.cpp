@@ -7,7 +7,7 @@
 namespace quillo::records {
 namespace {
 
-// Indexed by surface format.
+/// Indexed by surface format.
 constexpr PixelFormat kPixelFormats[] = {{0, kDibRgb},    // BMF_DEVICE
                                          {1, kDibRgb},    // BMF_1BPP
                                          {4, kDibRgb},    // BMF_4BPP
@@ -20,8 +20,8 @@ constexpr PixelFormat kPixelFormats[] = {{0, kDibRgb},    // BMF_DEVICE
 
 constexpr int32_t kPelsWithoutDevice = 6000;
 
-// Pels per metre, with 40 in place of the exact 39.37 dots per metre per dot per inch; existing
-// streams have that factor, so it is meant.
+/// Pels per metre, with 40 in place of the exact 39.37 dots per metre per dot per inch; existing
+/// streams have that factor, so it is meant.
 int32_t PelsPerMetre(uint32_t dpi) {
   return dpi == 0 ? kPelsWithoutDevice : static_cast<int32_t>(dpi * 40);
 }
