@@ -71,7 +71,7 @@ bool WriteGlyphByGlyph(DEVICE_PDEV& device, const RunFrame& frame, std::span<con
                        std::span<const wchar_t> characters) {
   EmitRecord(device, REC_BEGINGLYPHRUNS);
   bool placed = true;
-  for (size_t i = 0; i < glyphs.size() && placed; ++i) {
+  for (size_t i = 0; i < glyphs.size(); ++i) {
     POINTL place = PlaceOf(glyphs[i], glyphs.front(), text);
     placed = ToFontSpace(transform, {&place, 1});
     if (!placed) break;
