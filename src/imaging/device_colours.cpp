@@ -28,9 +28,9 @@ uint32_t DeviceDepth(HDC dc) {
       static_cast<uint32_t>(GetDeviceCaps(dc, BITSPIXEL) * GetDeviceCaps(dc, PLANES)));
 }
 
-PaintMethod PaintMethodFor(HDC dc, const BitmapHandle& record) {
+PaintMethod PaintMethodFor(uint32_t device_depth, const BitmapHandle& record) {
   // Every GDI device takes the 24-bit pixels of a DIB, which are blue first.
-  return ChoosePaintMethod(FormatOf(record), DeviceDepth(dc), kOrderColour,
+  return ChoosePaintMethod(FormatOf(record), device_depth, kOrderColour,
                            ThreadSettings().display_mode);
 }
 
@@ -53,10 +53,11 @@ void FillLookupPalette(const BitmapHandle& record, PaletteEntry (&palette)[256])
 
 HPALETTE CreatePaintPalette(HDC dc, const BitmapHandle* record) {
   if (record == nullptr || !IsStructureSize(record->structure_size)) return nullptr;
+  const uint32_t device_depth = DeviceDepth(dc);
   PaletteEntry palette[256];
-  switch (PaintMethodFor(dc, *record)) {
+  switch (PaintMethodFor(device_depth, *record)) {
     case PaintMethod::kDither:
-      return CreateGdiPalette({palette, FillDitherPalette(DeviceDepth(dc), palette)});
+      return CreateGdiPalette({palette, FillDitherPalette(device_depth, palette)});
     case PaintMethod::kGreyBlackOnWhite:
     case PaintMethod::kGreyWhiteOnBlack:
       FillLookupPalette(*record, palette);

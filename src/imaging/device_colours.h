@@ -12,8 +12,8 @@ namespace quillo::imaging {
 /// Class of colour depth of a device (QuantizeDepth); 24 for a metafile and without a DC.
 uint32_t DeviceDepth(HDC dc);
 
-/// The method for painting the record on `dc` (or null) in the thread's display mode.
-PaintMethod PaintMethodFor(HDC dc, const BitmapHandle& record);
+/// The method for painting the record on a device of this DeviceDepth in the thread's display mode.
+PaintMethod PaintMethodFor(uint32_t device_depth, const BitmapHandle& record);
 
 /// The colours that method 2 dithers to on a device of `depth` bits (1, 4 or 8); the thread's
 /// display mode decides between two of 8 bits. Gives their number, and fills that many entries.

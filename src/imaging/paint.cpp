@@ -45,7 +45,7 @@ int Paint(HDC dc, BitmapHandle* record, const RECT* source, const RECT* source_c
     job.source = {job.source.top, job.source.left, job.source.bottom, job.source.right};
   }
   job.device_depth = DeviceDepth(dc);
-  job.method = PaintMethodFor(dc, *record);
+  job.method = PaintMethodFor(job.device_depth, *record);
   return RunPainter(job, *record);
 }
 
