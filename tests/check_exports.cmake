@@ -1,4 +1,5 @@
-# Holds the shipped driver's outside: exactly its four exports, and only system DLLs beside it.
+# Holds the shipped driver's outside: exactly its four exports, only system DLLs beside it, and no
+# part of the language runtime that throws.
 #   cmake -D DLL=... -D OBJDUMP=... -P check_exports.cmake
 execute_process(COMMAND "${OBJDUMP}" -p "${DLL}" OUTPUT_VARIABLE dump COMMAND_ERROR_IS_FATAL ANY)
 
@@ -19,3 +20,7 @@ foreach(library IN LISTS imports)
     message(FATAL_ERROR "links ${library} dynamically")
   endif()
 endforeach()
+
+if(dump MATCHES "RtlUnwindEx|_beginthreadex")
+  message(FATAL_ERROR "links code that throws exceptions")
+endif()

@@ -16,8 +16,8 @@ CustomPaper* TakeDuplicates(CustomPaper* head) {
   CustomPaper* taken = nullptr;
   for (CustomPaper** link = &head; *link != nullptr;) {
     CustomPaper* paper = *link;
-    if (!seen.test(paper->number)) {
-      seen.set(paper->number);
+    if (!seen[paper->number]) {
+      seen[paper->number] = true;
       link = &paper->next;
       continue;
     }

@@ -2,6 +2,7 @@
 
 #include <cstring>
 #include <cwchar>
+#include <utility>
 
 #include "config/platform.h"
 #include "config/printer_info.h"
@@ -17,7 +18,9 @@ constexpr wchar_t kLegacyKey[] = L"Printers\\VORNIX\\";
 /// The defaults that every printer is opened with: the access mask of the first caller stands for
 /// the whole process, on purpose.
 PRINTER_DEFAULTSW* OpenDefaults(DWORD access) {
-  static PRINTER_DEFAULTSW defaults = {nullptr, nullptr, access};
+  static PRINTER_DEFAULTSW defaults = {};
+  static bool chosen = false;
+  if (!std::exchange(chosen, true)) defaults.DesiredAccess = access;
   return &defaults;
 }
 

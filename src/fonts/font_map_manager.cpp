@@ -2,12 +2,11 @@
 
 #include <algorithm>
 #include <iterator>
-#include <new>
 
 namespace quillo {
 
 std::unique_ptr<CFontMapManager> CFontMapManager::Create() {
-  return std::unique_ptr<CFontMapManager>(new (std::nothrow) CFontMapManager);
+  return std::unique_ptr<CFontMapManager>(new CFontMapManager);
 }
 
 int32_t CFontMapManager::Translate(HDC dc, uint32_t count, const uint16_t* glyphs,
@@ -22,7 +21,7 @@ CFontMapper* CFontMapManager::FindOrMake(HDC dc) {
   for (const auto& mapper : slots_) {
     if (mapper && mapper->Matches(font)) return mapper.get();
   }
-  std::unique_ptr<CFontMapper> made(new (std::nothrow) CFontMapper);
+  std::unique_ptr<CFontMapper> made(new CFontMapper);
   if (!made || !made->Build(dc)) return nullptr;
   const int32_t slot = ChooseSlot();
   use_counts_[slot] = 0;

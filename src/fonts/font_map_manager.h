@@ -5,12 +5,13 @@
 #include <cstdint>
 #include <memory>
 
+#include "base/heap_object.h"
 #include "fonts/font_mapper.h"
 
 namespace quillo {
 
 /// The mappers of the fonts that a job has used, at most 50 of them.
-class CFontMapManager {
+class CFontMapManager : public HeapObject {
  public:
   CFontMapManager() = default;
   virtual ~CFontMapManager() = default;

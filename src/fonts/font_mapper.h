@@ -4,6 +4,7 @@
 
 #include <cstdint>
 
+#include "base/heap_object.h"
 #include "fonts/cmap4.h"
 #include "fonts/font_identity.h"
 #include "fonts/glyph_map.h"
@@ -11,7 +12,7 @@
 namespace quillo {
 
 /// Glyphs to characters for one font.
-class CFontMapper {
+class CFontMapper : public HeapObject {
  public:
   CFontMapper() = default;
   virtual ~CFontMapper() = default;
