@@ -134,7 +134,7 @@ TEST_F(FontEmbeddingTest, AnyStepThatFails_LeavesNoFileAndNoObject) {
   fails_with("WriteFile", static_cast<decltype(&WriteFile)>([](auto...) { return FALSE; }));
   fails_with("CreateFileW", static_cast<decltype(&CreateFileW)>(
                                 [](auto...) -> HANDLE { return INVALID_HANDLE_VALUE; }));
-  EXPECT_EQ(FreshObjectIndex(), fresh);
+  EXPECT_LE(FreshObjectIndex(), fresh);
 }
 
 }  // namespace

@@ -3,7 +3,9 @@
 #include <objbase.h>
 
 #include "config/user_paths.h"
+#include "host/client/com_object.h"
 #include "job/compound_file.h"
+#include "quillo_idl.h"
 
 namespace quillo::test {
 
@@ -17,49 +19,23 @@ std::string Narrow(const wchar_t* text) {
 
 constexpr DISPID kTextRuns = 7;
 
-/// What both objects share: counting and the IDispatch that automation asks for.
+/// In one process the object itself is passed.
 template <typename Interface>
-class Dispatchable : public Interface {
+class Passed : public host::ComObject<Interface> {
  public:
+  Passed() { CoCreateFreeThreadedMarshaler(this, marshaler_.Receive()); }
   HRESULT STDMETHODCALLTYPE QueryInterface(REFIID id, void** out) override {
-    *out = nullptr;
-    if (id == IID_IMarshal) return marshaler_->QueryInterface(id, out);
-    if (id != IID_IUnknown && id != IID_IDispatch && id != kClientInterfaceId) return E_NOINTERFACE;
-    *out = static_cast<Interface*>(this);
-    AddRef();
-    return S_OK;
+    return id == IID_IMarshal ? marshaler_->QueryInterface(id, out)
+                              : host::ComObject<Interface>::QueryInterface(id, out);
   }
-  ULONG STDMETHODCALLTYPE AddRef() override { return ++references_; }
-  ULONG STDMETHODCALLTYPE Release() override {
-    const ULONG left = --references_;
-    if (left == 0) delete this;
-    return left;
-  }
-  HRESULT STDMETHODCALLTYPE GetTypeInfoCount(UINT* count) override {
-    *count = 0;
-    return S_OK;
-  }
-  HRESULT STDMETHODCALLTYPE GetTypeInfo(UINT, LCID, ITypeInfo**) override { return E_NOTIMPL; }
-  HRESULT STDMETHODCALLTYPE GetIDsOfNames(REFIID, LPOLESTR*, UINT, LCID, DISPID*) override {
-    return DISP_E_UNKNOWNNAME;
-  }
-  HRESULT STDMETHODCALLTYPE Invoke(DISPID, REFIID, LCID, WORD, DISPPARAMS*, VARIANT*, EXCEPINFO*,
-                                   UINT*) override {
-    return DISP_E_MEMBERNOTFOUND;
-  }
-
- protected:
-  Dispatchable() { CoCreateFreeThreadedMarshaler(this, marshaler_.Receive()); }
-  virtual ~Dispatchable() = default;
 
  private:
-  ULONG references_ = 1;
-  ComPtr<IUnknown> marshaler_;  // in one process the object itself is passed
+  ComPtr<IUnknown> marshaler_;
 };
 
 }  // namespace
 
-class RecordingClient::Page : public Dispatchable<IQuilloPage> {
+class RecordingClient::Page : public Passed<::IQuilloPage> {
  public:
   explicit Page(RecordingClient& owner) : owner_(owner) { ++owner_.living_pages_; }
   ~Page() override { --owner_.living_pages_; }
@@ -119,7 +95,7 @@ class RecordingClient::Page : public Dispatchable<IQuilloPage> {
   RecordingClient& owner_;
 };
 
-class RecordingClient::Client : public Dispatchable<IQuilloClient> {
+class RecordingClient::Client : public Passed<::IQuilloClient> {
  public:
   explicit Client(RecordingClient& owner) : owner_(owner) {}
 
@@ -134,10 +110,10 @@ class RecordingClient::Client : public Dispatchable<IQuilloClient> {
   HRESULT STDMETHODCALLTYPE NotifyDocumentEnd(BSTR printer, LONG job) override {
     return Note("NotifyDocumentEnd " + Subject(printer, job));
   }
-  HRESULT STDMETHODCALLTYPE NotifyPageStart(BSTR printer, LONG job, IDispatch* page) override {
+  HRESULT STDMETHODCALLTYPE NotifyPageStart(BSTR printer, LONG job, ::IQuilloPage* page) override {
     return Note(Line("NotifyPageStart ", Subject(printer, job), " ", Number(page)));
   }
-  HRESULT STDMETHODCALLTYPE NotifyPage(BSTR printer, LONG job, IDispatch* page) override {
+  HRESULT STDMETHODCALLTYPE NotifyPage(BSTR printer, LONG job, ::IQuilloPage* page) override {
     if (owner_.on_page_file) owner_.on_page_file(static_cast<Page*>(page)->file.c_str());
     return Note(Line("NotifyPage ", Subject(printer, job), " ", Number(page)));
   }
@@ -151,7 +127,7 @@ class RecordingClient::Client : public Dispatchable<IQuilloClient> {
   HRESULT STDMETHODCALLTYPE NotifyError(BSTR printer, LONG job, LONG code) override {
     return Note(Line("NotifyError ", Subject(printer, job), " ", code));
   }
-  HRESULT STDMETHODCALLTYPE GetPageObject(IDispatch** page) override {
+  HRESULT STDMETHODCALLTYPE GetPageObject(::IQuilloPage** page) override {
     *page = nullptr;
     if (FAILED(Note("GetPageObject"))) return owner_.answer;
     *page = last_page_ = new Page(owner_);
@@ -165,13 +141,13 @@ class RecordingClient::Client : public Dispatchable<IQuilloClient> {
     return owner_.answer;
   }
   static std::string Subject(BSTR printer, LONG job) { return Line(Narrow(printer), "/", job); }
-  std::string Number(IDispatch* page) const {
+  std::string Number(::IQuilloPage* page) const {
     if (page == nullptr) return "no page";
     return page == last_page_ ? Line("page ", pages_) : "A FOREIGN PAGE";
   }
 
   RecordingClient& owner_;
-  IDispatch* last_page_ = nullptr;
+  ::IQuilloPage* last_page_ = nullptr;
   int pages_ = 0;
 };
 
