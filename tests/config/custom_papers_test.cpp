@@ -80,6 +80,10 @@ TEST_F(CustomPapersTest, Load_WhatCannotBeReadIsLeftOut) {
   const auto put = [](const wchar_t* name, const StoredValue& value) {
     return [=] { PutValue(kMachine, Subkey(0), name, value); };
   };
+  const auto put_paper = [](int index, const Paper& paper) {
+    return [=] { PutPaper(kMachine, index, paper); };
+  };
+  const Paper longest = {full_name, 300, 0, 1, 2}, too_long = {full_name + L"n", 300, 0, 1, 2};
   const struct {
     const char* what;
     std::function<void()> change;  // to a store of Note, Card and Roll
@@ -100,21 +104,9 @@ TEST_F(CustomPapersTest, Load_WhatCannotBeReadIsLeftOut) {
       {"name missing",
        [] { RegDeleteTreeW(kMachine, (Subkey(2) + L"\\CustomName").c_str()); },
        {kNote, kCard}},
-      {"name of 63 characters",
-       [&] {
-         PutPaper(kMachine, 0, {full_name, 300, 0, 1, 2});
-       },
-       {{full_name, 300, 0, 1, 2}, kCard, kRoll}},
-      {"name of 64 characters",
-       [&] {
-         PutPaper(kMachine, 0, {full_name + L"n", 300, 0, 1, 2});
-       },
-       {kCard, kRoll}},
-      {"number twice",
-       [] {
-         PutPaper(kMachine, 2, {L"2nd", 300, 0, 1, 2});
-       },
-       {kNote, kCard}},
+      {"name of 63 characters", put_paper(0, longest), {longest, kCard, kRoll}},
+      {"name of 64 characters", put_paper(0, too_long), {kCard, kRoll}},
+      {"number twice", put_paper(2, {L"2nd", 300, 0, 1, 2}), {kNote, kCard}},
   };
   for (const auto& c : cases) {
     StartAfresh();

@@ -11,29 +11,15 @@
 #include "imaging/paint_method.h"
 #include "imaging/rows.h"
 #include "imaging/settings_scope.h"
+#include "support/canvas.h"
 #include "support/import_patch.h"
 
 namespace quillo::imaging {
 namespace {
 
-/// A memory DC with 16 x 16 white pixels.
-class Canvas {
- public:
-  Canvas() : dc_(CreateCompatibleDC(nullptr)) {
-    BITMAPINFO info{};
-    info.bmiHeader = {sizeof(info.bmiHeader), 16, -16, 1, 32, BI_RGB, 0, 0, 0, 0, 0};
-    void* pixels = nullptr;
-    bitmap_.Reset(CreateDIBSection(nullptr, &info, DIB_RGB_COLORS, &pixels, nullptr, 0));
-    scope_.emplace(dc_.Get(), bitmap_.Get());
-    PatBlt(dc_.Get(), 0, 0, 16, 16, WHITENESS);
-  }
-  [[nodiscard]] HDC Dc() const { return dc_.Get(); }
-  [[nodiscard]] COLORREF At(int x, int y) const { return GetPixel(dc_.Get(), x, y); }
-
- private:
-  CreatedDc dc_;
-  Bitmap bitmap_;
-  std::optional<SelectScope> scope_;
+struct Canvas : test::Canvas {
+  Canvas() : test::Canvas(16, 16) {}
+  [[nodiscard]] COLORREF At(int x, int y) const { return GetPixel(Dc(), x, y); }
 };
 
 /// 4 x 4 pixels in 24 bits; the pixel at x, y has red x * 60 and green y * 60.

@@ -5,7 +5,7 @@
 
 #include "capture/records/types.h"
 #include "imaging/display_mode.h"
-#include "playback/canvas.h"
+#include "support/canvas.h"
 #include "playback/page.h"
 #include "playback/picture.h"
 #include "support/import_patch.h"

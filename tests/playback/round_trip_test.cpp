@@ -9,7 +9,7 @@
 #include "host/engine/services/colors.h"
 #include "host/engine/services/surfaces.h"
 #include "job/job.h"
-#include "playback/canvas.h"
+#include "support/canvas.h"
 #include "playback/picture.h"
 
 namespace quillo::test {

@@ -9,7 +9,7 @@
 
 namespace quillo::test {
 
-/// A white picture of 32 bits per pixel to draw pages on, one device unit a pixel.
+/// A white picture of 32 bits per pixel to draw on, one device unit a pixel.
 class Canvas {
  public:
   Canvas(int width, int height) : width_(width) {
@@ -24,6 +24,8 @@ class Canvas {
   Canvas(const Canvas&) = delete;
   Canvas& operator=(const Canvas&) = delete;
   ~Canvas() { dc_.Reset(); }
+
+  [[nodiscard]] HDC Dc() const { return dc_.Get(); }
 
   void Play(HENHMETAFILE metafile) {
     SetGraphicsMode(dc_.Get(), GM_ADVANCED);  // what metafiles are stored for
