@@ -27,6 +27,7 @@ TEST(DefaultDeviceMode, Name_CutAndDefaulted) {
   BuildDefaultDeviceMode(mode, nullptr);
   EXPECT_STREQ(mode.pub.dmDeviceName, L"VORNIX Quillo 6");
   EXPECT_EQ(mode.pub.dmFields, 0x00040F03u);
+  EXPECT_EQ(mode.pub.dmPrintQuality, DMRES_LOW);
   BuildDefaultDeviceMode(mode, L"0123456789012345678901234567890123456789");
   EXPECT_STREQ(mode.pub.dmDeviceName, L"0123456789012345678901234567890");
 }
