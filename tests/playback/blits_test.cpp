@@ -5,9 +5,10 @@
 
 #include "capture/records/types.h"
 #include "imaging/display_mode.h"
-#include "support/canvas.h"
 #include "playback/page.h"
 #include "playback/picture.h"
+#include "support/canvas.h"
+#include "support/gdi_objects.h"
 #include "support/import_patch.h"
 
 // How records reach GDI; pictures on their way from hook to page are in round_trip_test.cpp.
@@ -33,7 +34,7 @@ const BlitCase kBlitCases[] = {
 
 TEST(Blits, NoBitmapWhereTheRecordSays_NothingDrawn) {
   Page page;
-  const uintptr_t fresh = FreshObjectIndex();
+  const uintptr_t before = LiveGdiObjects();
   for (const BlitCase& c : kBlitCases) {
     SCOPED_TRACE(c.type);
     // A bitmap that did not pack leaves zeros.
@@ -46,7 +47,7 @@ TEST(Blits, NoBitmapWhereTheRecordSays_NothingDrawn) {
       EXPECT_EQ(page.Play(c.type, record), 0) << offset;
     }
   }
-  EXPECT_EQ(FreshObjectIndex(), fresh);
+  EXPECT_EQ(LiveGdiObjects(), before);
   EXPECT_TRUE(page.Records().empty());
 
   // What is drawn leaves no object either.
@@ -59,9 +60,9 @@ TEST(Blits, NoBitmapWhereTheRecordSays_NothingDrawn) {
     }
   };
   play_page();
-  const uintptr_t before = FreshObjectIndex();
+  const uintptr_t after_one = LiveGdiObjects();
   for (int i = 0; i < 10; ++i) play_page();
-  EXPECT_LE(FreshObjectIndex(), before + 10);
+  EXPECT_LE(LiveGdiObjects(), after_one + 10);
 }
 
 TEST(Blits, RunLengthSource_ConvertedWithItsTrueSize) {

@@ -24,11 +24,6 @@ EmfRecords RecordDirect(const std::function<void(HDC)>& draw) {
   return ReadRecords(dc.Close());
 }
 
-uintptr_t FreshObjectIndex() {
-  const Pen pen(CreatePen(PS_SOLID, 1, 0));
-  return reinterpret_cast<uintptr_t>(pen.Get()) & 0xFFFF;
-}
-
 Page::Page(size_t heap_limit)
     : heap_(HeapCreate(0, 0, heap_limit)),
       dc_(CreateEnhMetaFileW(nullptr, nullptr, nullptr, nullptr)),

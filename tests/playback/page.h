@@ -37,9 +37,6 @@ Payload PayloadOf(const Parts&... parts) {
   return payload;
 }
 
-/// The number of a fresh GDI object. Freed ones are given out again, so what leaks makes it grow.
-uintptr_t FreshObjectIndex();
-
 /// A playback context of its own that draws on a metafile in memory.
 class Page {
  public:

@@ -3,6 +3,7 @@
 #include "capture/records/types.h"
 #include "playback/page.h"
 #include "playback/picture.h"
+#include "support/gdi_objects.h"
 #include "support/import_patch.h"
 
 namespace quillo::test {
@@ -47,10 +48,10 @@ TEST(PensAndBrushes, EachKind_SelectedReplacedAndDeleted) {
   constexpr int kTimes = 20;
   for (const ObjectCase& c : kObjectCases) {
     Page page;
-    const uintptr_t before = FreshObjectIndex();
+    const uintptr_t before = LiveGdiObjects();
     for (int i = 0; i < kTimes; ++i) EXPECT_EQ(page.Play(c.type, c.payload), 1);
     page.Play(REC_RESTOREDC);
-    EXPECT_LE(FreshObjectIndex(), before + 2);
+    EXPECT_LE(LiveGdiObjects(), before + 2);
     EXPECT_EQ(page.Records(), RecordDirect([&](HDC dc) {
                 for (int i = 0; i < kTimes; ++i) {
                   const HGDIOBJ object = c.create();

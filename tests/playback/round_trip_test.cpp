@@ -9,8 +9,8 @@
 #include "host/engine/services/colors.h"
 #include "host/engine/services/surfaces.h"
 #include "job/job.h"
-#include "support/canvas.h"
 #include "playback/picture.h"
+#include "support/canvas.h"
 
 namespace quillo::test {
 namespace {
