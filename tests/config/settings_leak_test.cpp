@@ -5,6 +5,7 @@
 #include "config/settings_test.h"
 #include "config/stored_device_mode.h"
 #include "config/user_paths.h"
+#include "support/holdings.h"
 
 namespace quillo {
 namespace {
@@ -12,18 +13,6 @@ namespace {
 using namespace test;
 
 class SettingsLeakTest : public SettingsTest {};
-
-size_t HeapBytes() {
-  size_t bytes = 0;
-  PROCESS_HEAP_ENTRY entry = {};
-  while (HeapWalk(GetProcessHeap(), &entry)) {
-    if ((entry.wFlags & PROCESS_HEAP_ENTRY_BUSY) != 0) bytes += entry.cbData;
-  }
-  return bytes;
-}
-
-/// The lowest free kernel handle.
-HANDLE FreshHandle() { return KernelHandle(CreateEventW(nullptr, TRUE, FALSE, nullptr)).Get(); }
 
 void OneRound(HANDLE printer, const CustomPaper* papers) {
   DeviceMode mode;
@@ -58,11 +47,11 @@ TEST_F(SettingsLeakTest, ThousandRounds_LeaveNothing) {
   papers.Get()->number = 300;
 
   OneRound(printer_.Get(), papers.Get());
-  const size_t bytes = HeapBytes();
-  const HANDLE handle = FreshHandle();
+  const auto after_one = Holdings::Now();
   for (int i = 0; i < 1000; ++i) OneRound(printer_.Get(), papers.Get());
-  EXPECT_LT(HeapBytes(), bytes + 4096);
-  EXPECT_EQ(FreshHandle(), handle);
+  const auto after_all = Holdings::Now();
+  EXPECT_LT(after_all.heap_bytes, after_one.heap_bytes + 4096);
+  EXPECT_EQ(after_all.kernel_handle, after_one.kernel_handle);
 }
 
 }  // namespace

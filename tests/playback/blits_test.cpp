@@ -8,7 +8,7 @@
 #include "playback/page.h"
 #include "playback/picture.h"
 #include "support/canvas.h"
-#include "support/gdi_objects.h"
+#include "support/holdings.h"
 #include "support/import_patch.h"
 
 // How records reach GDI; pictures on their way from hook to page are in round_trip_test.cpp.

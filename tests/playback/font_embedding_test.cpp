@@ -7,7 +7,7 @@
 
 #include "capture/records/types.h"
 #include "playback/page.h"
-#include "support/gdi_objects.h"
+#include "support/holdings.h"
 #include "support/import_patch.h"
 #include "support/renamed_font.h"
 

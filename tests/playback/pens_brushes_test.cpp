@@ -3,7 +3,7 @@
 #include "capture/records/types.h"
 #include "playback/page.h"
 #include "playback/picture.h"
-#include "support/gdi_objects.h"
+#include "support/holdings.h"
 #include "support/import_patch.h"
 
 namespace quillo::test {

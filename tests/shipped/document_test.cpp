@@ -1,9 +1,6 @@
-#include <algorithm>
-#include <array>
 #include <gtest/gtest.h>
 #include <optional>
 
-#include "base/kernel_owners.h"
 #include "host/emf/metafile_script.h"
 #include "host/emf/player.h"
 #include "host/engine/driver_module.h"
@@ -12,7 +9,7 @@
 #include "host/printer/sheet.h"
 #include "host/printer/spool_job.h"
 #include "support/built_file.h"
-#include "support/gdi_objects.h"
+#include "support/holdings.h"
 #include "support/recording_client.h"
 
 // Whole documents through the shipped driver: the engine of the print host on one side, a client on
@@ -69,39 +66,16 @@ void DrawScripts(host::Graphics& page) {
   }
 }
 
-/// What the process holds. Wine does not count handles, so the next free one stands for all.
-struct Holdings {
-  uintptr_t gdi_objects;
-  size_t kernel_handle;
-  size_t heap_bytes;
-
-  static Holdings Now() {
-    Holdings now = {};
-    now.gdi_objects = test::LiveGdiObjects();
-    const KernelHandle event(CreateEventW(nullptr, TRUE, FALSE, nullptr));
-    now.kernel_handle = reinterpret_cast<size_t>(event.Get());
-    std::array<HANDLE, 64> heaps{};
-    const DWORD count = GetProcessHeaps(static_cast<DWORD>(heaps.size()), heaps.data());
-    for (DWORD i = 0; i < std::min<size_t>(count, heaps.size()); ++i) {
-      PROCESS_HEAP_ENTRY entry = {};
-      while (HeapWalk(heaps[i], &entry)) {
-        if ((entry.wFlags & PROCESS_HEAP_ENTRY_BUSY) != 0) now.heap_bytes += entry.cbData;
-      }
-    }
-    return now;
-  }
-};
-
 TEST_F(Document, TwoHundredPages_HoldNoMoreThanTwo) {
   const auto session = Start();
-  Holdings after_two = {};
+  test::Holdings after_two = {};
   for (int page = 1; page <= 200; ++page) {
     DrawScripts(session->StartPage(mode_.pub));
     session->SendPage();
     client_.calls.clear();
-    if (page == 2) after_two = Holdings::Now();
+    if (page == 2) after_two = test::Holdings::Now();
   }
-  const Holdings after_all = Holdings::Now();
+  const auto after_all = test::Holdings::Now();
   EXPECT_EQ(after_all.gdi_objects, after_two.gdi_objects);
   EXPECT_EQ(after_all.kernel_handle, after_two.kernel_handle);
   EXPECT_LT(after_all.heap_bytes, after_two.heap_bytes + 64 * 1024);

@@ -1,0 +1,49 @@
+#pragma once
+
+#include "base/windows.h"
+
+#include <algorithm>
+#include <array>
+#include <vector>
+
+#include "base/gdi_owners.h"
+#include "base/kernel_owners.h"
+
+namespace quillo::test {
+
+/// Tells how many GDI objects the process has, but for a constant: freed ones are given out again
+/// before others, so that the highest number among many fresh ones grows with each that leaks.
+inline uintptr_t LiveGdiObjects() {
+  std::vector<Pen> fresh;
+  uintptr_t highest = 0;
+  for (int i = 0; i < 1000; ++i) {
+    fresh.emplace_back(CreatePen(PS_SOLID, 1, 0));
+    highest = std::max(highest, reinterpret_cast<uintptr_t>(fresh.back().Get()) & 0xFFFF);
+  }
+  return highest;
+}
+
+/// What the process holds. Wine does not count handles, so the next free one stands for all.
+struct Holdings {
+  uintptr_t gdi_objects;
+  size_t kernel_handle;
+  size_t heap_bytes;
+
+  static Holdings Now() {
+    Holdings now = {};
+    now.gdi_objects = LiveGdiObjects();
+    const KernelHandle event(CreateEventW(nullptr, TRUE, FALSE, nullptr));
+    now.kernel_handle = reinterpret_cast<size_t>(event.Get());
+    std::array<HANDLE, 64> heaps{};
+    const DWORD count = GetProcessHeaps(static_cast<DWORD>(heaps.size()), heaps.data());
+    for (DWORD i = 0; i < std::min<size_t>(count, heaps.size()); ++i) {
+      PROCESS_HEAP_ENTRY entry = {};
+      while (HeapWalk(heaps[i], &entry)) {
+        if ((entry.wFlags & PROCESS_HEAP_ENTRY_BUSY) != 0) now.heap_bytes += entry.cbData;
+      }
+    }
+    return now;
+  }
+};
+
+}  // namespace quillo::test
