@@ -88,23 +88,6 @@ TEST(ClipShape, OutlineOfSlantedRegion_TakesFewPoints) {
   }
 }
 
-TEST(ClipShape, PathCutByRectangles_KeepsItsExactOutline) {
-  Path triangle;
-  triangle.MoveTo(0.5, 0.25);
-  triangle.LineTo(100.0, 33.0);
-  triangle.LineTo(20.0, 90.0);
-  const ClipShape clip = ClipShape::OfPath(triangle, FillMode::kWinding);
-  ASSERT_EQ(clip.Outline().Figures().size(), 1u);
-  EXPECT_EQ(clip.Outline().Figures()[0].points.size(), 3u);
-  EXPECT_EQ(clip.Outline().Figures()[0].points[0].x, 8);
-  EXPECT_TRUE(clip.Outline().Figures()[0].closed);
-
-  const ClipShape cut = clip.Combined(ClipShape(RECTL{0, 0, 200, 50}), RGN_AND).Offset(3, 4);
-  EXPECT_EQ(cut.Outline().Figures()[0].points.size(), 4u);
-  EXPECT_EQ(cut.Outline().Bounds().yBottom, 54 * 16);
-  EXPECT_EQ(cut.Bounds().bottom, 54);
-}
-
 TEST(ClipShape, Combined_UnboundedGivesWay) {
   const ClipShape everything, rect(RECTL{1, 2, 3, 4});
   EXPECT_TRUE(everything.Unbounded());
