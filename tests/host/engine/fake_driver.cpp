@@ -262,8 +262,10 @@ WINBOOL APIENTRY AlphaBlend(SURFOBJ*, SURFOBJ* source, CLIPOBJ* clip, XLATEOBJ* 
                                  "/", int{how.AlphaFormat}, Describe(clip)));
 }
 
-WINBOOL APIENTRY TextOutHook(SURFOBJ*, STROBJ* string, FONTOBJ* font, CLIPOBJ* clip, RECTL*,
-                             RECTL* opaque, BRUSHOBJ* ink, BRUSHOBJ*, POINTL*, MIX) {
+ULONG APIENTRY GetGlyphMode(DHPDEV, FONTOBJ*) { return Note("GetGlyphMode") ? FO_GLYPHBITS : 0; }
+
+WINBOOL APIENTRY TextOut(SURFOBJ*, STROBJ* string, FONTOBJ* font, CLIPOBJ* clip, RECTL*,
+                         RECTL* opaque, BRUSHOBJ* ink, BRUSHOBJ*, POINTL*, MIX) {
   std::string text;
   for (const wchar_t unit : std::wstring(string->pwszOrg, string->cGlyphs)) {
     text += unit < 128 ? std::string(1, static_cast<char>(unit)) : Line("\\", std::hex, int{unit});
@@ -292,27 +294,9 @@ WINBOOL APIENTRY TextOutHook(SURFOBJ*, STROBJ* string, FONTOBJ* font, CLIPOBJ* c
 
 FakeDriver::FakeDriver() {
   fake = this;
-  functions.EnablePDEV = EnablePDEV;
-  functions.CompletePDEV = CompletePDEV;
-  functions.ResetPDEV = ResetPDEV;
-  functions.DisablePDEV = DisablePDEV;
-  functions.EnableSurface = EnableSurface;
-  functions.DisableSurface = DisableSurface;
-  functions.StartDoc = StartDoc;
-  functions.StartPage = StartPage;
-  functions.SendPage = SendPage;
-  functions.EndDoc = EndDoc;
-  functions.RealizeBrush = RealizeBrush;
-  functions.StrokePath = StrokePath;
-  functions.FillPath = FillPath;
-  functions.StrokeAndFillPath = StrokeAndFillPath;
-  functions.LineTo = LineTo;
-  functions.Paint = Paint;
-  functions.BitBlt = BitBlt;
-  functions.CopyBits = CopyBits;
-  functions.StretchBlt = StretchBlt;
-  functions.AlphaBlend = AlphaBlend;
-  functions.TextOut = TextOutHook;
+#define QUILLO_TAKE(name, required) functions.name = name;
+  QUILLO_DDI_FUNCTIONS(QUILLO_TAKE)
+#undef QUILLO_TAKE
 }
 
 FakeDriver::~FakeDriver() { fake = nullptr; }
