@@ -65,7 +65,9 @@ HandlerTable MakeHandlers() {
   AddPathHandlers(table);
   AddClipHandlers(table);
   AddRegionHandlers(table);
-  AddBitmapHandlers(table);
+  AddBlitHandlers(table);
+  AddDibHandlers(table);
+  AddGradientHandlers(table);
   AddTextHandlers(table);
   return table;
 }

@@ -142,7 +142,9 @@ void AddShapeHandlers(HandlerTable& table);
 void AddPathHandlers(HandlerTable& table);
 void AddClipHandlers(HandlerTable& table);
 void AddRegionHandlers(HandlerTable& table);
-void AddBitmapHandlers(HandlerTable& table);
+void AddBlitHandlers(HandlerTable& table);
+void AddDibHandlers(HandlerTable& table);
+void AddGradientHandlers(HandlerTable& table);
 void AddTextHandlers(HandlerTable& table);
 
 }  // namespace quillo::host::emf

@@ -51,6 +51,20 @@ void CreateBrush(Playback& dc, PayloadReader& record) {
   dc.StoreObject(index, std::make_shared<const BrushObject>(brush));
 }
 
+template <BrushObject::Kind kind>
+void CreatePatternBrush(Playback& dc, PayloadReader& record) {
+  const auto index = record.Read<uint32_t>();
+  const auto colors = record.Read<uint32_t>();
+  const DibPlace place = ReadDibPlace(record);
+  if (!record.ok()) return;
+  BrushObject brush;
+  brush.pattern = ReadBitmap(dc, record, place, colors);
+  if (brush.pattern == nullptr) return;
+  // "Monochrome" brushes of more colours exist in files; they have their own.
+  brush.kind = brush.pattern->bits_per_pixel == 1 ? kind : BrushObject::Kind::kPattern;
+  dc.StoreObject(index, std::make_shared<const BrushObject>(std::move(brush)));
+}
+
 void CreatePen(Playback& dc, PayloadReader& record) {
   const auto index = record.Read<uint32_t>();
   PenObject pen;
@@ -195,6 +209,8 @@ void ResizePalette(Playback& dc, PayloadReader& record) {
 
 void AddObjectHandlers(HandlerTable& table) {
   table[kEmrCREATEBRUSHINDIRECT] = CreateBrush;
+  table[kEmrCREATEMONOBRUSH] = CreatePatternBrush<BrushObject::Kind::kMonoPattern>;
+  table[kEmrCREATEDIBPATTERNBRUSHPT] = CreatePatternBrush<BrushObject::Kind::kPattern>;
   table[kEmrCREATEPEN] = CreatePen;
   table[kEmrEXTCREATEPEN] = ExtCreatePen;
   table[kEmrEXTCREATEFONTINDIRECTW] = CreateFont;
