@@ -1,5 +1,6 @@
 #include "host/emf/bitmap_data.h"
 
+#include <algorithm>
 #include <utility>
 
 #include "host/pictures/picture_decoder.h"
@@ -8,8 +9,16 @@ namespace quillo::host::emf {
 
 namespace {
 
-// A coded picture's pixels: 200 MB as it is decoded.
-constexpr uint64_t kMostCodedPixels = 1 << 26;
+// A coded picture's pixels: 100 MB as it is decoded, and as much again on each step to the page.
+constexpr uint64_t kMostCodedPixels = 1 << 25;
+
+/// Counts what a picture makes on the page beyond the bytes that the record brought; false when the
+/// file has asked for too much.
+bool SpendOnDecoding(Playback& dc, const BitmapSource& bitmap, size_t brought) {
+  constexpr double kPageBytesPerPixel = 3, kBytesPerPoint = 8;
+  const double made = kPageBytesPerPixel * bitmap.width * bitmap.height;
+  return dc.Spend(std::max(0.0, made - static_cast<double>(brought)) / kBytesPerPoint);
+}
 
 BitmapSource FromDib(const Dib& dib) {
   if (dib.coding == Dib::Coding::kJpeg || dib.coding == Dib::Coding::kPng) {
@@ -54,7 +63,10 @@ std::shared_ptr<const BitmapSource> ReadBitmap(Playback& dc, PayloadReader& reco
     return nullptr;
   }
   try {
-    return std::make_shared<const BitmapSource>(FromDib(*dib));
+    auto bitmap = std::make_shared<const BitmapSource>(FromDib(*dib));
+    const bool decoded = dib->coding != Dib::Coding::kPlain;
+    if (decoded && !SpendOnDecoding(dc, *bitmap, bits.size())) return nullptr;
+    return bitmap;
   } catch (const UnreadablePicture& refused) {
     dc.Fault(std::string("its picture ") + refused.what());
     return nullptr;

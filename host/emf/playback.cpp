@@ -5,6 +5,7 @@
 #include <utility>
 
 #include "host/emf/far_path.h"
+#include "host/emf/path_work.h"
 #include "host/emf/rounding.h"
 
 namespace quillo::host::emf {
@@ -21,16 +22,9 @@ constexpr double kBytesPerPoint = 8;
 
 // Rows of pixels that the edges of one filled path cross: enough for a hatching of the whole sheet.
 constexpr double kMostCrossings = 3e6;
-
-double Crossings(const Path& path) {
-  double rows = 0;
-  for (const Figure& figure : path.Figures()) {
-    for (size_t i = 1; i < figure.points.size(); ++i) {
-      rows += std::fabs(double{1} * figure.points[i].y - figure.points[i - 1].y) / 16;
-    }
-  }
-  return rows;
-}
+// The platform works out the inside of stroked paths too, at a cost that grows faster than they do.
+constexpr double kMostStrokedCrossings = 1e5;
+constexpr double kPointsPerCrossing = 0.15;
 
 size_t PointCount(const Path& path) {
   size_t count = 0;
@@ -140,6 +134,13 @@ void Playback::TransformChanged() {
   to_page_ = state_.world.Then(state_.page.ToDevice()).Then(device_to_page_);
 }
 
+void Playback::CombineClip(const ClipShape& shape, int mode) {
+  state_.clip = state_.clip.Combined(shape, mode);
+  constexpr double kPointsPerRectangle = sizeof(RECT) / kBytesPerPoint;
+  Spend(static_cast<double>(state_.clip.RectangleCount()) * kPointsPerRectangle);
+  ClipChanged();
+}
+
 void Playback::ClipChanged() { drawable_ = state_.meta.Combined(state_.clip, RGN_AND); }
 
 void Playback::StoreObject(uint32_t index, Object object) {
@@ -226,11 +227,16 @@ Shared<BitmapSource> Playback::InTextColors(const Shared<BitmapSource>& bitmap) 
 void Playback::Stroke(const Path& outline) {
   PenDescription pen;
   if (!DescribePen(pen)) return;
-  canvas_.Stroke(LeadsFar(outline) ? NearLine(outline) : outline, pen, Drawing());
+  for (const Path& part :
+       SplitLine(LeadsFar(outline) ? NearLine(outline) : outline, kMostStrokedCrossings)) {
+    if (!Spend(Crossings(part) * kPointsPerCrossing)) return;
+    canvas_.Stroke(part, pen, Drawing());
+  }
 }
 
 bool Playback::CanFill(const Path& path) {
-  if (Crossings(path) <= kMostCrossings) return true;
+  const double crossings = Crossings(path);
+  if (crossings <= kMostCrossings) return Spend(crossings * kPointsPerCrossing);
   Fault("the inside of its path is too intricate to be drawn");
   return false;
 }
@@ -238,13 +244,15 @@ bool Playback::CanFill(const Path& path) {
 void Playback::Fill(const Path& outline) {
   BrushDescription brush;
   if (!DescribeBrush(*state_.brush, brush)) return;
-  canvas_.Fill(LeadsFar(outline) ? NearInside(outline) : outline, brush, PolyFillMode(), Drawing());
+  const Path shape = LeadsFar(outline) ? NearInside(outline) : outline;
+  if (CanFill(shape)) canvas_.Fill(shape, brush, PolyFillMode(), Drawing());
 }
 
 void Playback::StrokeAndFill(const Path& outline) {
   PenDescription pen;
   BrushDescription brush;
-  if (LeadsFar(outline) || !DescribePen(pen) || !DescribeBrush(*state_.brush, brush)) {
+  if (LeadsFar(outline) || Crossings(outline) > kMostStrokedCrossings || !DescribePen(pen) ||
+      !DescribeBrush(*state_.brush, brush)) {
     Fill(outline);
     Stroke(outline);
     return;

@@ -50,6 +50,8 @@ class Playback {
   bool Restore(int32_t level);
   /// After a change to the world or page transform.
   void TransformChanged();
+  /// `mode` as CombineRgn takes it.
+  void CombineClip(const ClipShape& shape, int mode);
   /// After a change to the clip or meta region.
   void ClipChanged();
 
@@ -73,7 +75,8 @@ class Playback {
   /// Whether there is a pen that draws; `pen` gets it as the engine takes it.
   bool DescribePen(PenDescription& pen);
 
-  /// Whether a path's inside can be worked out in reasonable time; if not, that is reported.
+  /// Whether a path's inside can be worked out in reasonable time, which counts as work; if not,
+  /// that is reported.
   bool CanFill(const Path& path);
 
   // With the DC's pen and brush, as far as they draw.

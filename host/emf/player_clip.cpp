@@ -9,17 +9,12 @@ namespace quillo::host::emf {
 
 namespace {
 
-void CombineClip(Playback& dc, const ClipShape& shape, int mode) {
-  dc.state().clip = dc.state().clip.Combined(shape, mode);
-  dc.ClipChanged();
-}
-
 void IntersectClipRect(Playback& dc, PayloadReader& record) {
-  CombineClip(dc, MapRectangle(record.Read<RectL>(), dc.ToPage()), RGN_AND);
+  dc.CombineClip(MapRectangle(record.Read<RectL>(), dc.ToPage()), RGN_AND);
 }
 
 void ExcludeClipRect(Playback& dc, PayloadReader& record) {
-  CombineClip(dc, MapRectangle(record.Read<RectL>(), dc.ToPage()), RGN_DIFF);
+  dc.CombineClip(MapRectangle(record.Read<RectL>(), dc.ToPage()), RGN_DIFF);
 }
 
 void OffsetClip(Playback& dc, PayloadReader& record) {
@@ -39,7 +34,7 @@ void SelectClipRegion(Playback& dc, PayloadReader& record) {
   }
   if (size == 0) {
     if (mode == RGN_COPY) {
-      CombineClip(dc, ClipShape(), RGN_COPY);
+      dc.CombineClip(ClipShape(), RGN_COPY);
     } else {
       dc.Fault("no region to combine with");
     }
@@ -48,7 +43,7 @@ void SelectClipRegion(Playback& dc, PayloadReader& record) {
   std::string what;
   const auto region = ReadRegion(record, size, dc.DeviceToPage(), what);
   if (!what.empty()) dc.Fault(what);
-  if (region) CombineClip(dc, *region, static_cast<int>(mode));
+  if (region) dc.CombineClip(*region, static_cast<int>(mode));
 }
 
 void SetMetaRegion(Playback& dc, PayloadReader&) {

@@ -33,24 +33,8 @@ std::vector<ULONG> SplitRectangles(std::vector<TRIVERTEX>& vertices, const std::
   return triangles;
 }
 
-/// Triangles are shaded pixel by pixel; leaves out those for which the file has no work left.
-void SpendOnTriangles(Playback& dc, const std::vector<TRIVERTEX>& vertices,
-                      std::vector<ULONG>& mesh) {
-  constexpr double kPixelsPerPoint = 100;  // a shaded pixel is that much cheaper
-  for (size_t i = 0; i + 2 < mesh.size(); i += 3) {
-    if (std::max({mesh[i], mesh[i + 1], mesh[i + 2]}) >= vertices.size()) continue;
-    const TRIVERTEX& a = vertices[mesh[i]];
-    const TRIVERTEX& b = vertices[mesh[i + 1]];
-    const TRIVERTEX& c = vertices[mesh[i + 2]];
-    const double width = double{1} * std::max({a.x, b.x, c.x}) - std::min({a.x, b.x, c.x});
-    const double height = double{1} * std::max({a.y, b.y, c.y}) - std::min({a.y, b.y, c.y});
-    const SIZEL page = dc.canvas().Size();
-    const double area = std::min<double>(width, page.cx) * std::min<double>(height, page.cy);
-    if (dc.Spend(50 + area / kPixelsPerPoint)) continue;
-    mesh.resize(i);
-    return;
-  }
-}
+// What drawing one shape costs, in points: a bracket of records with a picture of its colours.
+constexpr double kPointsPerShape = 750;
 
 void PlayGradientFill(Playback& dc, PayloadReader& record) {
   record.Skip(sizeof(RectL));  // bounds
@@ -75,7 +59,7 @@ void PlayGradientFill(Playback& dc, PayloadReader& record) {
     vertex.x = ToPixel(at.x);
     vertex.y = ToPixel(at.y);
   }
-  if (drawn_as == GRADIENT_FILL_TRIANGLE) SpendOnTriangles(dc, vertices, mesh);
+  if (!dc.Spend(kPointsPerShape * static_cast<double>(shape_count))) return;
   dc.canvas().GradientFill(vertices, mesh, drawn_as, dc.Drawing());
 }
 

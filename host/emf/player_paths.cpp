@@ -41,10 +41,7 @@ void SelectClipPath(Playback& dc, PayloadReader& record) {
     return;
   }
   if (!dc.CanFill(path)) return;
-  DcState& state = dc.state();
-  const auto shape = ClipShape::OfPath(path, dc.PolyFillMode());
-  state.clip = state.clip.Combined(shape, static_cast<int>(mode));
-  dc.ClipChanged();
+  dc.CombineClip(ClipShape::OfPath(path, dc.PolyFillMode()), static_cast<int>(mode));
 }
 
 }  // namespace

@@ -21,6 +21,7 @@ std::optional<ClipShape> ReadLogicalRegion(Playback& dc, PayloadReader& record, 
 void PaintWith(Playback& dc, const ClipShape& area, const BrushObject& object) {
   BrushDescription brush;
   if (!dc.DescribeBrush(object, brush)) return;
+  dc.Spend(static_cast<double>(area.RectangleCount()));
   dc.canvas().Paint(area, brush, dc.Drawing());
 }
 

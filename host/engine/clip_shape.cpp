@@ -117,6 +117,10 @@ RECTL ClipShape::Bounds() const { return state_->bounds; }
 
 bool ClipShape::IsRectangle() const { return state_->rectangle; }
 
+size_t ClipShape::RectangleCount() const {
+  return (GetRegionData(Handle(), 0, nullptr) - sizeof(RGNDATAHEADER)) / sizeof(RECT);
+}
+
 bool ClipShape::Contains(const RECTL& rect) const {
   const RECTL& b = state_->bounds;
   const bool inside_bounds =

@@ -36,6 +36,8 @@ class ClipShape {
   RECTL Bounds() const;
   /// Whether the shape is its bounding rectangle.
   bool IsRectangle() const;
+  /// How many rectangles its region holds: what combining and outlining it costs.
+  size_t RectangleCount() const;
   bool Contains(const RECTL& rect) const;
   bool Intersects(const RECTL& rect) const;
   /// The region behind the shape, in device pixels; owned by the shape.

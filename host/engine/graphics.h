@@ -26,7 +26,8 @@ namespace quillo::host {
 struct DdiCalls {
   std::map<std::string, uint64_t> made;     // every call
   std::map<std::string, uint64_t> refused;  // calls that answered FALSE and had no fallback left:
-                                            // their drawing is not on the page
+                                            // their drawing is not on the page; also what the
+                                            // engine had too large pictures to make for
 };
 
 /// The drawing engine of one page: what GDI does between an application's call and the driver.
@@ -97,6 +98,9 @@ class Graphics {
     ++calls_.made[name];
     return function(arguments...) != 0;
   }
+  /// Counts a picture of so many bytes that a call is broken down into. False when the page has had
+  /// too many of them: the call `name` then counts as refused.
+  bool MayMake(const char* name, double bytes);
   void Refused(const char* name) { ++calls_.refused[name]; }
   void CountRealizations(unsigned count);
 
@@ -133,6 +137,7 @@ class Graphics {
   ClipShape last_clip_;
   ClipShape last_clip_on_surface_;
   std::set<std::shared_ptr<const TextFont>> known_fonts_;  // the driver was asked about them
+  double made_bytes_ = 0;  // of pictures that calls were broken down into
   DdiCalls calls_;
 };
 

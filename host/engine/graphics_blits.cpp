@@ -14,6 +14,12 @@ namespace {
 
 constexpr uint8_t kSourceCopy = 0xCC;
 
+/// What calls of one page may be broken down into: the pixels of its sheet, and some more. Without
+/// a bound, small files could ask for pages of gigabytes.
+constexpr double kMostMadeSheets = 1.5;
+constexpr double kLeastMadeLimit = 128 << 20;  // bytes, whatever the sheet
+constexpr double kArgbBytes = 4;
+
 /// Whether the result of a ternary operation depends on its source or its brush.
 constexpr bool UsesSource(uint8_t rop3) { return ((rop3 >> 2 ^ rop3) & 0x33) != 0; }
 constexpr bool UsesBrush(uint8_t rop3) { return ((rop3 >> 4 ^ rop3) & 0x0F) != 0; }
@@ -26,6 +32,30 @@ RECTL Ordered(const RECTL& rect) {
 }
 
 bool IsEmpty(const RECTL& rect) { return rect.left >= rect.right || rect.top >= rect.bottom; }
+
+double PixelCount(SIZEL size) { return static_cast<double>(size.cx) * size.cy; }
+
+/// What a run-length picture takes when it is expanded.
+double ExpandedBytes(const BitmapSource& picture) {
+  if (!picture.run_length) return 0;
+  return static_cast<double>(picture.Stride()) * picture.height;
+}
+
+/// What StretchPart makes of a picture; a pixel of it takes the work of a byte at least.
+double StretchedBytes(const BitmapSource& source, SIZEL size) {
+  return PixelCount(size) * std::clamp<int>(source.bits_per_pixel, 8, 24) / 8;
+}
+
+/// Calls `draw` with the area in bands, so that no picture of one takes more than 32 MB.
+template <typename Draw>
+void InBands(const RECTL& area, Draw draw) {
+  constexpr LONG kMostPixels = (32 << 20) / 3;
+  const LONG rows = std::max<LONG>(1, kMostPixels / (area.right - area.left));
+  for (RECTL band = area; band.top < area.bottom; band.top = band.bottom) {
+    band.bottom = std::min(area.bottom, band.top + rows);
+    draw(band);
+  }
+}
 
 SIZEL SizeOf(const RECTL& rect) { return {rect.right - rect.left, rect.bottom - rect.top}; }
 
@@ -62,6 +92,16 @@ bool CropStretch(RECTL& target, RECTL& source_rect, const BitmapSource& source) 
 }
 
 }  // namespace
+
+bool Graphics::MayMake(const char* name, double bytes) {
+  const double sheet_bytes = 3 * PixelCount(Size());
+  if (made_bytes_ + bytes > std::max(kMostMadeSheets * sheet_bytes, kLeastMadeLimit)) {
+    Refused(name);
+    return false;
+  }
+  made_bytes_ += bytes;
+  return true;
+}
 
 RECTL Graphics::Visible(const RECTL& bounds, const ClipShape& clip) {
   const auto intersect = [](const RECTL& a, const RECTL& b) -> RECTL {
@@ -105,6 +145,7 @@ void Graphics::BitBlt(const RECTL& target, uint8_t rop3, const BrushDescription*
   POINTL none{};
   if (source != nullptr) CropArea(area, *source, source_origin, none);
   if (source == nullptr || rop3 != kSourceCopy) {
+    if (source != nullptr && !MayMake("DrvBitBlt", ExpandedBytes(*source))) return;
     std::optional<ReadablePicture> readable;
     if (source != nullptr) readable.emplace(*source);
     RasterOperation(area, SameOperation(rop3), brush, readable ? &**readable : nullptr,
@@ -125,6 +166,7 @@ void Graphics::BitBlt(const RECTL& target, uint8_t rop3, const BrushDescription*
 void Graphics::MaskBlt(const RECTL& target, uint16_t rop4, const BrushDescription* brush,
                        const BitmapSource& source, const RECTL& source_rect,
                        const BitmapSource& mask, POINTL mask_origin, const DrawState& state) {
+  if (!MayMake("DrvBitBlt", ExpandedBytes(source))) return;
   const ReadablePicture readable(source);
   const SIZEL size = SizeOf(source_rect);
   if (SizeOf(target).cx == size.cx && SizeOf(target).cy == size.cy) {
@@ -138,11 +180,17 @@ void Graphics::MaskBlt(const RECTL& target, uint16_t rop4, const BrushDescriptio
   if (IsEmpty(source_rect)) return;
   const RECTL area = Visible(Ordered(target), state.clip);
   if (IsEmpty(area)) return;
+  if (!MayMake("DrvBitBlt",
+               StretchedBytes(source, SizeOf(area)) + StretchedBytes(mask, SizeOf(area)))) {
+    return;
+  }
   const RECTL mask_rect{mask_origin.x, mask_origin.y, mask_origin.x + size.cx,
                         mask_origin.y + size.cy};
-  const BitmapSource stretched = StretchPart(*readable, source_rect, target, area);
-  const BitmapSource stretched_mask = StretchPart(mask, mask_rect, target, area);
-  RasterOperation(area, rop4, brush, &stretched, {}, &stretched_mask, {}, state);
+  InBands(area, [&](const RECTL& band) {
+    const BitmapSource stretched = StretchPart(*readable, source_rect, target, band);
+    const BitmapSource stretched_mask = StretchPart(mask, mask_rect, target, band);
+    RasterOperation(band, rop4, brush, &stretched, {}, &stretched_mask, {}, state);
+  });
 }
 
 void Graphics::StretchBlt(const RECTL& target, const BitmapSource& source, const RECTL& source_rect,
@@ -154,14 +202,16 @@ void Graphics::StretchBlt(const RECTL& target, const BitmapSource& source, const
     return;
   }
   RECTL to = target, from = source_rect;
-  if (!CropStretch(to, from, source)) return;
+  if (!CropStretch(to, from, source) || !MayMake("DrvStretchBlt", ExpandedBytes(source))) return;
   const ReadablePicture readable(source);
   if (rop3 != kSourceCopy) {
     const RECTL area = Visible(Ordered(to), state.clip);
-    if (IsEmpty(area)) return;
-    const BitmapSource stretched = StretchPart(*readable, from, to, area);
-    RasterOperation(area, SameOperation(rop3), UsesBrush(rop3) ? brush : nullptr, &stretched, {},
-                    nullptr, {}, state);
+    if (IsEmpty(area) || !MayMake("DrvBitBlt", StretchedBytes(source, SizeOf(area)))) return;
+    InBands(area, [&](const RECTL& band) {
+      const BitmapSource stretched = StretchPart(*readable, from, to, band);
+      RasterOperation(band, SameOperation(rop3), UsesBrush(rop3) ? brush : nullptr, &stretched, {},
+                      nullptr, {}, state);
+    });
     return;
   }
 
@@ -185,6 +235,8 @@ void Graphics::AlphaBlend(const RECTL& target, const BitmapSource& source, const
 
   // A blend cannot mirror: the picture is turned before.
   const bool mirrored = to.right < to.left || to.bottom < to.top;
+  const double turned_bytes = mirrored ? PixelCount(SizeOf(from)) * kArgbBytes : 0;
+  if (!MayMake("DrvAlphaBlend", ExpandedBytes(source) + turned_bytes)) return;
   const ReadablePicture readable(source);
   BitmapSource turned;
   if (mirrored) {
@@ -209,6 +261,9 @@ void Graphics::TransparentBlt(const RECTL& target, const BitmapSource& source,
                               const RECTL& source_rect, uint32_t key, const DrawState& state) {
   RECTL to = target, from = source_rect;
   if (!CropStretch(to, from, source)) return;
+  if (!MayMake("DrvAlphaBlend", ExpandedBytes(source) + PixelCount(SizeOf(from)) * kArgbBytes)) {
+    return;
+  }
   const ReadablePicture readable(source);
   const BitmapSource keyed =
       CopyArgb(*readable, from, to.right < to.left, to.bottom < to.top, key & ~kOpaque);
@@ -225,9 +280,10 @@ void Graphics::PlgBlt(const std::array<POINTFIX, 3>& target, const BitmapSource&
                nullptr, stretch_mode, state);
     return;
   }
-  if (IsEmpty(source_rect)) return;
+  if (IsEmpty(source_rect) || !MayMake("DrvStretchBlt", ExpandedBytes(source))) return;
   const ReadablePicture readable(source);
   if (mask == nullptr && a.x == b.x && a.y == c.y) {  // by a quarter turn
+    if (!MayMake("DrvStretchBlt", PixelCount(SizeOf(source_rect)) * kArgbBytes)) return;
     const BitmapSource turned = Transpose(*readable, source_rect);
     StretchBlt({round(a.x), round(a.y), round(c.x), round(b.y)}, turned,
                {0, 0, turned.width, turned.height}, kSourceCopy, nullptr, stretch_mode, state);
@@ -265,7 +321,9 @@ void Graphics::Slant(const std::array<PointD, 3>& corners, const BitmapSource& s
   const auto scaled = [&](LONG length) {
     return std::max<LONG>(1, static_cast<LONG>(std::lround(length * scale)));
   };
-  BitmapSource slanted = MakeArgb(scaled(full.cx), scaled(full.cy));
+  const SIZEL made = {scaled(full.cx), scaled(full.cy)};
+  if (!MayMake("DrvStretchBlt", PixelCount(made) * kArgbBytes)) return;
+  BitmapSource slanted = MakeArgb(made.cx, made.cy);
 
   const PixelReader pixels(source);
   std::optional<PixelReader> mask_pixels;

@@ -10,8 +10,6 @@ namespace {
 
 /// More colours than this never lie between two colours of 8 bits a channel.
 constexpr LONG kMostSteps = 1024;
-/// Values of one channel.
-constexpr LONG kMostTones = 256;
 constexpr uint8_t kSourceCopy = 0xCC;
 
 struct Color {
@@ -28,6 +26,16 @@ uint32_t Pack(const Color& color) {
     return static_cast<uint32_t>(std::clamp(value, 0.0, 255.0));
   };
   return byte(color.red) << 16 | byte(color.green) << 8 | byte(color.blue);
+}
+
+/// How many colours of 8 bits a channel lie on the way from one corner to another.
+LONG TonesBetween(const TRIVERTEX (&corners)[3]) {
+  const auto spread = [&](COLOR16 TRIVERTEX::*channel) {
+    const auto [least, most] =
+        std::minmax({corners[0].*channel, corners[1].*channel, corners[2].*channel});
+    return (most >> 8) - (least >> 8) + 1;
+  };
+  return std::max({spread(&TRIVERTEX::Red), spread(&TRIVERTEX::Green), spread(&TRIVERTEX::Blue)});
 }
 
 /// a * wa + b * wb + c * wc
@@ -55,7 +63,10 @@ void Graphics::FillTriangle(const TRIVERTEX (&corners)[3], const DrawState& stat
   // The colours go on beyond the edges, which the clip draws; no more of them are needed than eight
   // bits can tell apart.
   const LONG width = area.right - area.left, height = area.bottom - area.top;
-  BitmapSource picture = MakeArgb(std::min(width, kMostTones), std::min(height, kMostTones));
+  const LONG tones = TonesBetween(corners);
+  const SIZEL size = {std::min(width, tones), std::min(height, tones)};
+  if (!MayMake("DrvStretchBlt", 4.0 * size.cx * size.cy)) return;
+  BitmapSource picture = MakeArgb(size.cx, size.cy);
   for (LONG y = 0; y < picture.height; ++y) {
     for (LONG x = 0; x < picture.width; ++x) {
       const double dx = area.left + (x + 0.5) * width / picture.width - a.x;

@@ -96,6 +96,20 @@ TEST_F(Player, EndlessWork_EndsWithAFault) {
   for (uint32_t i = 0; i < 1000; ++i) zigzag.insert(zigzag.end(), {i, i % 2 * 6000});
   EXPECT_NE(Play(kEmrPOLYGON, zigzag).find("too intricate"), std::string::npos);
 
+  // As a line it is drawn in parts.
+  driver_.calls.clear();
+  EXPECT_EQ(Play(kEmrPOLYLINE, zigzag).find('!'), std::string::npos);
+  EXPECT_GT(driver_.calls.size(), 50u);
+
+  // Holes that make a clip of ever more rectangles, one saved state each.
+  MetafileBuilder holes;
+  for (uint32_t i = 0; i < 8000; ++i) {
+    const uint32_t x = i * 37 % 4000, y = i * 91 % 6000;
+    holes.Add(kEmrSAVEDC);
+    holes.Add(kEmrEXCLUDECLIPRECT, {x, y, x + 20, y + 20});
+  }
+  EXPECT_NE(Play(holes.Finish()).find("asks for too much work"), std::string::npos);
+
   MetafileBuilder saves;
   for (int i = 0; i <= 10000; ++i) saves.Add(kEmrSAVEDC);
   EXPECT_EQ(Play(saves.Finish()), "! record 10002 (EMR_SAVEDC): too many saved states\n");

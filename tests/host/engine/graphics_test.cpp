@@ -77,5 +77,21 @@ TEST_F(DrawingTest, Realizations_AreCounted) {
   EXPECT_EQ(page.Calls().made.at("DrvRealizeBrush"), 1u);
 }
 
+/// Nothing of such a picture may be made: it would take 144 MB.
+TEST_F(DrawingTest, PicturesTooLargeToBeMade_AreRefused) {
+  BitmapSource huge;
+  huge.width = huge.height = 12000;
+  huge.bits_per_pixel = 8;
+  huge.run_length = true;
+  Graphics page = Page();
+  page.BitBlt({0, 0, 1, 1}, 0x88, nullptr, &huge, {0, 0}, {});
+  page.StretchBlt({0, 0, 2, 2}, huge, {0, 0, 4, 4}, 0xCC, nullptr, COLORONCOLOR, {});
+  page.TransparentBlt({0, 0, 2, 2}, huge, {0, 0, 4, 4}, 0, {});
+  EXPECT_TRUE(driver_.calls.empty());
+  const std::map<std::string, uint64_t> refused = {
+      {"DrvAlphaBlend", 1}, {"DrvBitBlt", 1}, {"DrvStretchBlt", 1}};
+  EXPECT_EQ(page.Calls().refused, refused);
+}
+
 }  // namespace
 }  // namespace quillo::host
