@@ -9,9 +9,9 @@
 #include <string>
 #include <vector>
 
-#include "imaging/dib_rows.h"
-#include "imaging/nearest.h"
+#include "imaging/dib/dib_rows.h"
 #include "imaging/noise.h"
+#include "imaging/scaling/nearest.h"
 
 namespace quillo::imaging {
 namespace {

@@ -4,12 +4,12 @@
 
 #include "base/gdi_owners.h"
 #include "capture/records/packed_dib.h"
-#include "imaging/bitmap_handle.h"
-#include "imaging/convert_dib.h"
-#include "imaging/dib_section.h"
-#include "imaging/display_mode.h"
-#include "imaging/kernel_settings.h"
-#include "imaging/paint.h"
+#include "imaging/bitmap/bitmap_handle.h"
+#include "imaging/bitmap/dib_section.h"
+#include "imaging/bitmap/kernel_settings.h"
+#include "imaging/dib/convert_dib.h"
+#include "imaging/painting/display_mode.h"
+#include "imaging/painting/paint.h"
 #include "playback/actions.h"
 #include "playback/rectangles.h"
 

@@ -1,8 +1,8 @@
 #include "playback/source_bitmap.h"
 
 #include "capture/records/packed_bitmap.h"
-#include "imaging/convert_dib.h"
-#include "imaging/resize.h"
+#include "imaging/dib/convert_dib.h"
+#include "imaging/scaling/resize.h"
 
 namespace quillo {
 

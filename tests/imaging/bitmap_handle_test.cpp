@@ -1,11 +1,11 @@
-#include "imaging/bitmap_handle.h"
+#include "imaging/bitmap/bitmap_handle.h"
 
 #include <algorithm>
 #include <gtest/gtest.h>
 #include <tuple>
 
+#include "imaging/bitmap/storage.h"
 #include "imaging/settings_scope.h"
-#include "imaging/storage.h"
 
 namespace quillo::imaging {
 namespace {

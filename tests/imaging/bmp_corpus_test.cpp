@@ -11,7 +11,7 @@
 #include <string>
 
 #include "imaging/damaged_input.h"
-#include "imaging/pixel_format.h"
+#include "imaging/pixels/pixel_format.h"
 #include "support/corpus.h"
 
 namespace quillo::imaging {

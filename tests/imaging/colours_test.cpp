@@ -3,12 +3,12 @@
 #include <random>
 #include <vector>
 
-#include "imaging/dither.h"
+#include "imaging/bitmap/storage_choice.h"
 #include "imaging/noise.h"
-#include "imaging/packed_rows.h"
-#include "imaging/paint_method.h"
-#include "imaging/pixel_bits.h"
-#include "imaging/storage_choice.h"
+#include "imaging/painting/dither.h"
+#include "imaging/painting/paint_method.h"
+#include "imaging/pixels/packed_rows.h"
+#include "imaging/pixels/pixel_bits.h"
 
 namespace quillo::imaging {
 namespace {

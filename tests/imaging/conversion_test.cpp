@@ -5,11 +5,11 @@
 #include <gtest/gtest.h>
 #include <vector>
 
-#include "imaging/avx2.h"
-#include "imaging/bit_fields.h"
 #include "imaging/damaged_input.h"
+#include "imaging/dib/bit_fields.h"
+#include "imaging/dib/yuv.h"
 #include "imaging/noise.h"
-#include "imaging/yuv.h"
+#include "imaging/pixels/avx2.h"
 #include "support/corpus.h"
 
 namespace quillo::imaging {

@@ -5,10 +5,10 @@
 #include <vector>
 
 #include "base/bytes.h"
+#include "imaging/dib/rle.h"
 #include "imaging/dib_convert.h"
-#include "imaging/pixel_bits.h"
-#include "imaging/pixel_format.h"
-#include "imaging/rle.h"
+#include "imaging/pixels/pixel_bits.h"
+#include "imaging/pixels/pixel_format.h"
 
 // Input from anywhere through the readers of bitmaps: what the fuzz targets run, and what the tests
 // run again over the files that the targets found. Every block ends where its bytes end, so that a

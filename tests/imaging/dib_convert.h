@@ -3,9 +3,9 @@
 #include <cstddef>
 #include <vector>
 
-#include "imaging/dib_header.h"
-#include "imaging/dib_rows.h"
-#include "imaging/result.h"
+#include "imaging/dib/dib_header.h"
+#include "imaging/dib/dib_rows.h"
+#include "imaging/pixels/result.h"
 
 namespace quillo::imaging {
 

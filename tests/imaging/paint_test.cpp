@@ -1,4 +1,4 @@
-#include "imaging/paint.h"
+#include "imaging/painting/paint.h"
 
 #include <gtest/gtest.h>
 #include <optional>
@@ -6,10 +6,10 @@
 #include <vector>
 
 #include "base/gdi_owners.h"
-#include "imaging/device_colours.h"
-#include "imaging/display_mode.h"
-#include "imaging/paint_method.h"
-#include "imaging/rows.h"
+#include "imaging/bitmap/rows.h"
+#include "imaging/painting/device_colours.h"
+#include "imaging/painting/display_mode.h"
+#include "imaging/painting/paint_method.h"
 #include "imaging/settings_scope.h"
 #include "support/canvas.h"
 #include "support/import_patch.h"

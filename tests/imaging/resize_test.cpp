@@ -1,4 +1,4 @@
-#include "imaging/resize.h"
+#include "imaging/scaling/resize.h"
 
 #include <algorithm>
 #include <array>
@@ -6,8 +6,8 @@
 #include <string>
 #include <vector>
 
-#include "imaging/convert_dib.h"
-#include "imaging/rows.h"
+#include "imaging/bitmap/rows.h"
+#include "imaging/dib/convert_dib.h"
 #include "imaging/settings_scope.h"
 
 namespace quillo::imaging {

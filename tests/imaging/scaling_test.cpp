@@ -4,11 +4,11 @@
 #include <numeric>
 #include <vector>
 
-#include "imaging/area.h"
-#include "imaging/nearest.h"
 #include "imaging/noise.h"
-#include "imaging/pixel_bits.h"
-#include "imaging/resample.h"
+#include "imaging/pixels/pixel_bits.h"
+#include "imaging/scaling/area.h"
+#include "imaging/scaling/nearest.h"
+#include "imaging/scaling/resample.h"
 
 namespace quillo::imaging {
 namespace {

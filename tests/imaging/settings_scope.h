@@ -4,7 +4,7 @@
 
 #include <string>
 
-#include "imaging/kernel_settings.h"
+#include "imaging/bitmap/kernel_settings.h"
 
 namespace quillo::imaging {
 

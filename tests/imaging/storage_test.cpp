@@ -1,4 +1,4 @@
-#include "imaging/storage.h"
+#include "imaging/bitmap/storage.h"
 
 #include <gtest/gtest.h>
 #include <random>
@@ -6,8 +6,8 @@
 #include <thread>
 #include <vector>
 
-#include "imaging/dib_section.h"
-#include "imaging/rows.h"
+#include "imaging/bitmap/dib_section.h"
+#include "imaging/bitmap/rows.h"
 #include "imaging/settings_scope.h"
 #include "support/import_patch.h"
 

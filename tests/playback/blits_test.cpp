@@ -4,7 +4,7 @@
 #include <winspool.h>
 
 #include "capture/records/types.h"
-#include "imaging/display_mode.h"
+#include "imaging/painting/display_mode.h"
 #include "playback/page.h"
 #include "playback/picture.h"
 #include "support/canvas.h"

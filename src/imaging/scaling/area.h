@@ -1,0 +1,31 @@
+#pragma once
+
+#include <cstdint>
+#include <span>
+
+#include "base/bytes.h"
+#include "imaging/pixels/geometry.h"
+#include "imaging/pixels/progress.h"
+#include "imaging/pixels/row_access.h"
+
+namespace quillo::imaging {
+
+/// What becomes of the share of a destination pixel that 1-pixels of a 1-bit source cover.
+enum class AreaRule {
+  kMajority,  // 1-bit result: 1 when more than half is covered
+  kAnySet,    // 1-bit result: 1 when anything is covered, so that 1-pixels survive
+  kAllSet,    // 1-bit result: 1 when all is covered, so that 0-pixels survive
+  kLevels,    // 8-bit result: the share, from 0 to 255
+};
+
+/// Scales a 1-bit bitmap by area averaging (box filter): every destination pixel is a rectangle of
+/// the source, whose pixels count by the part of them that lies in it. Exact, in integers.
+///
+/// `source` and `destination` are not empty; `sums` (destination.width) and `row` (a zeroed row of
+/// the result) are work space. 1, kFileError for a row that cannot be fetched, or what stopped
+/// `store` or `progress`.
+int ScaleByArea(AreaRule rule, const Geometry& source, const Geometry& destination,
+                std::span<uint64_t> sums, MutableBytes row, RowFetch fetch, RowStore store,
+                Progress progress);
+
+}  // namespace quillo::imaging

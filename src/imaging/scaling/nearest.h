@@ -1,0 +1,62 @@
+#pragma once
+
+#include <cstdint>
+#include <span>
+
+#include "base/bytes.h"
+#include "imaging/pixels/geometry.h"
+#include "imaging/pixels/progress.h"
+#include "imaging/pixels/row_access.h"
+
+namespace quillo::imaging {
+
+/// Walks the source positions of nearest-neighbour scaling, in integer steps only: the whole and
+/// the remainder of source / destination, the remainders gathered until they make one step more.
+class NearestSteps {
+ public:
+  /// `destination` is not 0. Equal sizes advance by a whole remainder.
+  constexpr NearestSteps(uint32_t source, uint32_t destination)
+      : destination_(destination),
+        quotient_(source == destination ? 0 : source / destination),
+        remainder_(source == destination ? source : source % destination) {}
+
+  [[nodiscard]] constexpr uint32_t Position() const { return position_; }
+
+  constexpr void Advance() {
+    position_ += quotient_;
+    gathered_ += remainder_;
+    if (gathered_ >= destination_) {
+      gathered_ -= destination_;
+      ++position_;
+    }
+  }
+
+ private:
+  uint32_t destination_;
+  uint32_t quotient_;
+  uint32_t remainder_;
+  uint64_t gathered_ = 0;
+  uint32_t position_ = 0;
+};
+
+/// Source column of every destination column.
+void FillColumns(uint32_t source_width, std::span<uint32_t> columns);
+
+/// Copies `columns.size()` whole pixels of `bits` each from those columns of `source` into `row`;
+/// other depths than those of bitmaps leave it untouched. Below 8 bits the bytes of `row` that hold
+/// pixels are zeroed first. Uses AVX2 where the machine has it.
+void ScaleRow(uint32_t bits, const std::byte* source, std::span<const uint32_t> columns,
+              std::byte* row);
+/// The plain form of ScaleRow, which defines its result.
+void ScaleRowPlain(uint32_t bits, const std::byte* source, std::span<const uint32_t> columns,
+                   std::byte* row);
+
+/// Nearest neighbour of a whole bitmap; both have the same depth. Destination rows are written in
+/// place, or put together in `row` and stored. `columns` (destination.width) and `row`
+/// (destination.bytes_per_line, zero) are work space. A source row is fetched once, in rising
+/// order. 1, kFileError for a row that cannot be fetched, or what stopped `store` or `progress`.
+int ResizeNearest(const Geometry& source, const Geometry& destination, std::span<uint32_t> columns,
+                  MutableBytes row, RowFetch fetch, RowPlace place, RowStore store,
+                  Progress progress);
+
+}  // namespace quillo::imaging
