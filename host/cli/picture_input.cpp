@@ -5,6 +5,7 @@
 #include <cstring>
 #include <string_view>
 
+#include "host/cli/bmp_file.h"
 #include "host/pictures/orientation.h"
 #include "host/pictures/picture_decoder.h"
 
@@ -33,10 +34,17 @@ RECTL Place(double width, double height, SIZEL page, const PageSetup& setup) {
 class PictureInput : public PrintInput {
  public:
   explicit PictureInput(std::vector<std::byte> content) : content_(std::move(content)) {
-    const PictureDecoder decoder(content_);
-    frame_count_ = decoder.FrameCount();
     // Decoded to see that it can be, and dropped: many pictures may wait to be printed.
-    decoder.Frame(0, kMostPixels);
+    try {
+      const PictureDecoder decoder(content_);
+      decoder.Frame(0, kMostPixels);
+      frame_count_ = decoder.FrameCount();
+    } catch (const UnreadablePicture&) {
+      if (!IsBmp(content_)) throw;
+      ReadBmp(content_);
+      frame_count_ = 1;
+      read_as_dib_ = true;
+    }
   }
 
   bool PreparePage() override {
@@ -58,6 +66,12 @@ class PictureInput : public PrintInput {
 
  private:
   void DecodeFrame() {
+    if (read_as_dib_) {
+      BmpPicture read = ReadBmp(content_);
+      picture_ = std::move(read.pixels);
+      dpi_ = read.dpi;
+      return;
+    }
     const PictureDecoder decoder(content_);
     const Orientation orientation = OrientationOf(content_, next_);
     try {
@@ -71,9 +85,10 @@ class PictureInput : public PrintInput {
 
   std::vector<std::byte> content_;  // of the file; empty behind the last frame
   UINT frame_count_ = 0;
-  UINT next_ = 0;         // frame that PreparePage decodes
-  BitmapSource picture_;  // what DrawPage draws
-  Resolution dpi_{};      // of picture_
+  bool read_as_dib_ = false;  // a BMP file that the platform cannot decode
+  UINT next_ = 0;             // frame that PreparePage decodes
+  BitmapSource picture_;      // what DrawPage draws
+  Resolution dpi_{};          // of picture_
 };
 
 }  // namespace

@@ -3,14 +3,12 @@
 #include <algorithm>
 #include <utility>
 
+#include "host/emf/dib_source.h"
 #include "host/pictures/picture_decoder.h"
 
 namespace quillo::host::emf {
 
 namespace {
-
-// A coded picture's pixels: 100 MB as it is decoded, and as much again on each step to the page.
-constexpr uint64_t kMostCodedPixels = 1 << 25;
 
 /// Counts what a picture makes on the page beyond the bytes that the record brought; false when the
 /// file has asked for too much.
@@ -18,24 +16,6 @@ bool SpendOnDecoding(Playback& dc, const BitmapSource& bitmap, size_t brought) {
   constexpr double kPageBytesPerPixel = 3, kBytesPerPoint = 8;
   const double made = kPageBytesPerPixel * bitmap.width * bitmap.height;
   return dc.Spend(std::max(0.0, made - static_cast<double>(brought)) / kBytesPerPoint);
-}
-
-BitmapSource FromDib(const Dib& dib) {
-  if (dib.coding == Dib::Coding::kJpeg || dib.coding == Dib::Coding::kPng) {
-    return PictureDecoder(dib.bits).Frame(0, kMostCodedPixels);
-  }
-  BitmapSource bitmap;
-  bitmap.width = dib.width;
-  bitmap.height = dib.height;
-  bitmap.bits_per_pixel = dib.depth;
-  bitmap.top_down = dib.top_down;
-  bitmap.run_length = dib.coding == Dib::Coding::kRunLength;
-  bitmap.red_mask = dib.red_mask;
-  bitmap.green_mask = dib.green_mask;
-  bitmap.blue_mask = dib.blue_mask;
-  bitmap.palette = dib.palette;
-  bitmap.bits.assign(dib.bits.begin(), dib.bits.end());
-  return bitmap;
 }
 
 }  // namespace
@@ -63,7 +43,7 @@ std::shared_ptr<const BitmapSource> ReadBitmap(Playback& dc, PayloadReader& reco
     return nullptr;
   }
   try {
-    auto bitmap = std::make_shared<const BitmapSource>(FromDib(*dib));
+    auto bitmap = std::make_shared<const BitmapSource>(SourceOf(*dib));
     const bool decoded = dib->coding != Dib::Coding::kPlain;
     if (decoded && !SpendOnDecoding(dc, *bitmap, bits.size())) return nullptr;
     return bitmap;

@@ -30,6 +30,11 @@ void BlendOnWhite(const BYTE* source, UINT pixels, std::byte* target) {
 
 }  // namespace
 
+Resolution UsableResolution(Resolution dpi) {
+  const auto usable = [](double value) { return value >= 10 && value <= 10'000; };
+  return usable(dpi.x) && usable(dpi.y) ? dpi : Resolution{96, 96};
+}
+
 PictureDecoder::PictureDecoder(Bytes file) {
   Step(CoCreateInstance(CLSID_WICImagingFactory, nullptr, CLSCTX_INPROC_SERVER,
                         IID_IWICImagingFactory, reinterpret_cast<void**>(factory_.Receive())),
@@ -56,8 +61,7 @@ ComPtr<IWICBitmapFrameDecode> PictureDecoder::OpenFrame(UINT index) const {
 Resolution PictureDecoder::FrameResolution(UINT index) const {
   Resolution dpi{};
   if (FAILED(OpenFrame(index)->GetResolution(&dpi.x, &dpi.y))) dpi = {};
-  const auto usable = [](double value) { return value >= 10 && value <= 10'000; };
-  return usable(dpi.x) && usable(dpi.y) ? dpi : Resolution{96, 96};
+  return UsableResolution(dpi);
 }
 
 BitmapSource PictureDecoder::Frame(UINT index, uint64_t most_pixels) const {

@@ -24,6 +24,9 @@ struct Resolution {
   double y;
 };
 
+/// `dpi`, or 96 where that is no resolution of a picture.
+Resolution UsableResolution(Resolution dpi);
+
 /// A picture file in memory (PNG, JPEG, BMP, TIFF, GIF), decoded by the platform. Needs COM on this
 /// thread.
 class PictureDecoder {
@@ -35,7 +38,7 @@ class PictureDecoder {
   /// A frame's pixels on white, 24 bits each, rows from the top. Throws UnreadablePicture, also for
   /// frames of more than `most_pixels`.
   BitmapSource Frame(UINT index, uint64_t most_pixels) const;
-  /// What the file says of a frame's size; 96 where it says nothing usable.
+  /// What the file says of a frame's size, where that is usable.
   Resolution FrameResolution(UINT index) const;
 
  private:
