@@ -41,7 +41,8 @@ std::wstring TextOf(Bytes record) {
 /// Follows the fonts of a page and takes down its text.
 class TextCollector {
  public:
-  explicit TextCollector(PageContent& content) : content_(content) {}
+  TextCollector(const std::vector<bool>& glyph_texts, PageContent& content)
+      : glyph_texts_(glyph_texts), content_(content) {}
 
   void Take(const emf::Record& record) {
     const auto object = LoadOrZero<uint32_t>(record.bytes, 8);
@@ -74,15 +75,22 @@ class TextCollector {
 
   void TakeText(std::wstring text) {
     if (text.empty()) return;
-    content_.characters += text.size();
-    const auto lost = std::ranges::count(text, L'\0');
-    if (lost != 0) content_.lost_characters[face_] += static_cast<uint64_t>(lost);
-    std::ranges::replace(text, L'\0', L'\xFFFD');
     if (!call_open_) content_.text.emplace_back();
     call_open_ = true;
+    content_.characters += text.size();
+    const size_t call = content_.text.size() - 1;
+    if (call < glyph_texts_.size() && glyph_texts_[call]) {
+      const auto lost = std::ranges::count_if(
+          text, [](wchar_t unit) { return unit == L'\0' || unit == kUnmapped; });
+      if (lost != 0) content_.lost_characters[face_] += static_cast<uint64_t>(lost);
+    }
+    std::ranges::replace(text, L'\0', L'\xFFFD');
     content_.text.back() += ToUtf8(text);
   }
 
+  static constexpr wchar_t kUnmapped = 0x0640;  // the driver's character for such glyphs
+
+  const std::vector<bool>& glyph_texts_;
   PageContent& content_;
   std::map<uint32_t, std::string> faces_;  // of the font objects, by number
   std::string face_;                       // of the selected font
@@ -91,10 +99,10 @@ class TextCollector {
 
 }  // namespace
 
-PageContent ReadPageFile(const std::filesystem::path& path) {
+PageContent ReadPageFile(const std::filesystem::path& path, const std::vector<bool>& glyph_texts) {
   const std::vector<std::byte> bytes = ReadAll(path);
   PageContent content;
-  TextCollector text(content);
+  TextCollector text(glyph_texts, content);
   try {
     emf::MetafileReader reader(bytes);
     while (const auto record = reader.Next()) {

@@ -201,7 +201,7 @@ class PrintJob {
       return;
     }
     try {
-      page.content = ReadPageFile(path);
+      page.content = ReadPageFile(path, page.calls.glyph_texts);
       for (const auto& [face, count] : page.content.lost_characters) {
         console_.Problem(page.input + ": " + std::to_string(count) + " glyphs of \"" + face +
                          "\" have no characters on the page: they cannot be searched");

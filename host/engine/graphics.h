@@ -28,6 +28,8 @@ struct DdiCalls {
   std::map<std::string, uint64_t> refused;  // calls that answered FALSE and had no fallback left:
                                             // their drawing is not on the page; also what the
                                             // engine had too large pictures to make for
+  std::vector<bool> glyph_texts;            // of each text call that drew: whether its text came as
+                                            // glyph indexes
 };
 
 /// The drawing engine of one page: what GDI does between an application's call and the driver.

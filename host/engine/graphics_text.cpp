@@ -150,8 +150,9 @@ void Graphics::DrawGlyphs(const TextDescription& text, const TextLayout& layout,
             nullptr, opaque ? &opaque_area : nullptr, ink.Brush(),
             opaque ? background.Brush() : nullptr, &origin,
             static_cast<MIX>(R2_COPYPEN << 8 | R2_COPYPEN))) {
-    Refused("DrvTextOut");
+    return Refused("DrvTextOut");
   }
+  calls_.glyph_texts.push_back(text.glyph_indexes);
 }
 
 }  // namespace quillo::host
