@@ -130,35 +130,49 @@ TextLine ReadLine(Playback& dc, PayloadReader& record, bool advanced, bool wide)
 
 // -- Drawing -------------------------------------------------------------------------------------
 
-/// Whether glyph indexes may be used with `font`. Where it stands in for a font that is missing,
-/// they mean something only when the two have the same order of glyphs.
-bool GlyphsFit(const TextFont& font, GlyphOrder order) {
-  if (!font.Substituted() || order == GlyphOrder::kAssume) return true;
-  if (order == GlyphOrder::kDrop) return false;
-  // The order that most fonts keep for ASCII.
-  for (wchar_t character = L' '; character <= L'~'; ++character) {
-    if (font.GlyphOf(character) != character - 29) return false;
+// The order of glyphs that most fonts keep: ASCII at character - 29. Behind it they differ.
+constexpr wchar_t kCommonShift = 29;
+constexpr wchar_t kFirstCommon = L' ' - kCommonShift, kLastCommon = L'~' - kCommonShift;
+
+bool KeepsCommonOrder(const TextFont& font) {
+  for (wchar_t glyph = kFirstCommon; glyph <= kLastCommon; ++glyph) {
+    if (font.GlyphOf(static_cast<wchar_t>(glyph + kCommonShift)) != glyph) return false;
   }
   return true;
 }
 
-/// Notes the line among the fonts' uses; false when it cannot be drawn.
-bool CountUse(Playback& dc, const TextLine& line, const TextFont& font) {
+/// Puts kNoGlyph in the place of the glyph indexes that mean nothing certain with `font`, and
+/// counts them. Where the font stands in for a missing one, that is all that both do not have in
+/// common.
+size_t DropUncertainGlyphs(std::wstring& glyphs, const TextFont& font, GlyphOrder order) {
+  if (!font.Substituted() || order == GlyphOrder::kAssume) return 0;
+  const bool common = order == GlyphOrder::kAsSubstitute && KeepsCommonOrder(font);
+  const auto is_uncertain = [common](wchar_t glyph) {
+    return !common || glyph < kFirstCommon || glyph > kLastCommon;
+  };
+  const auto dropped = std::ranges::count_if(glyphs, is_uncertain);
+  std::ranges::replace_if(glyphs, is_uncertain, kNoGlyph);
+  return static_cast<size_t>(dropped);
+}
+
+/// The line's text as far as it can be drawn; notes it among the fonts' uses.
+std::wstring DrawableText(Playback& dc, const TextLine& line, const TextFont& font) {
+  if (line.text.empty()) return {};
   FontUse& use = dc.result().fonts[font.Wanted().lfFaceName];
   use.used = font.Family();
   use.substituted = font.Substituted();
-  const bool indexes = (line.options & ETO_GLYPH_INDEX) != 0;
-  if (!indexes) {
+  if ((line.options & ETO_GLYPH_INDEX) == 0) {
     use.characters += line.text.size();
-    return true;
+    return line.text;
   }
-  if (!GlyphsFit(font, dc.options().glyph_order)) {
-    use.dropped_glyphs += line.text.size();
-    dc.NotCarried();
-    return false;
-  }
-  (font.Substituted() ? use.assumed_glyphs : use.characters) += line.text.size();
-  return true;
+  std::wstring glyphs = line.text;
+  const size_t dropped = DropUncertainGlyphs(glyphs, font, dc.options().glyph_order);
+  const size_t drawn = glyphs.size() - dropped;
+  use.dropped_glyphs += dropped;
+  (font.Substituted() ? use.assumed_glyphs : use.characters) += drawn;
+  if (drawn != 0) return glyphs;
+  dc.NotCarried();
+  return {};
 }
 
 /// From logical units to the page for text: in the compatible graphics mode never mirrored.
@@ -213,7 +227,7 @@ void DrawLine(Playback& dc, const TextLine& line) {
   DrawState drawing = dc.Drawing();
   drawing.rop2 = R2_COPYPEN;
   if (!dc.InPath()) ApplyRectangle(dc, line, text, drawing);
-  if (!line.text.empty() && CountUse(dc, line, *text.font)) text.text = line.text;
+  text.text = DrawableText(dc, line, *text.font);
   if (text.text.empty() && !text.opaque) return;
 
   const PointL& reference = (state.text_align & TA_UPDATECP) != 0 ? state.position : line.reference;
@@ -221,6 +235,9 @@ void DrawLine(Playback& dc, const TextLine& line) {
   text.x = at.x;
   text.y = at.y;
   text.glyph_indexes = (line.options & ETO_GLYPH_INDEX) != 0;
+  text.right_to_left =
+      (line.options & ETO_RTLREADING) != 0 || (state.text_align & TA_RTLREADING) != 0;
+  text.in_order = (line.options & ETO_IGNORELANGUAGE) != 0;
   text.to_device = TextTransform(dc, line.advanced);
   text.align = state.text_align;
   text.dx = line.dx;

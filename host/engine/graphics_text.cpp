@@ -132,12 +132,16 @@ void Graphics::DrawGlyphs(const TextDescription& text, const TextLayout& layout,
   if (!clip) return;
 
   std::vector<GLYPHPOS> glyphs;
+  std::wstring units;
   for (size_t i = 0; i < layout.glyphs.size(); ++i) {
+    if (text.glyph_indexes && text.text[i] == kNoGlyph) continue;
+    units += text.text[i];
     const RECTL at = Around({layout.origins[i]});
     glyphs.push_back({layout.glyphs[i], nullptr, {at.left, at.top}});
   }
+  if (glyphs.empty()) return;
   const size_t batch = glyphs.size() > kGlyphsAtHand ? kGlyphsAtHand : 0;
-  StringObject string(std::move(glyphs), text.text, accelerators, cell, batch);
+  StringObject string(std::move(glyphs), std::move(units), accelerators, cell, batch);
   FontObject realized(font.Metrics(), font.Names(), layout.font_to_device, font.FontType());
   BrushObjects ink(BrushDescription::Solid(text.color), driver_.RealizeBrush, surface_);
   BrushObjects background(BrushDescription::Solid(text.background), driver_.RealizeBrush, surface_);

@@ -11,6 +11,9 @@
 
 namespace quillo::host {
 
+/// Among glyph indexes: one that takes its advance and draws nothing.
+inline constexpr wchar_t kNoGlyph = 0xFFFF;
+
 /// One line of text and everything of a DC that places it.
 ///
 /// Positions are laid out in text space: logical units, x along an unrotated line, y downwards, the
@@ -18,7 +21,7 @@ namespace quillo::host {
 /// GM_COMPATIBLE it is without mirroring, in GM_ADVANCED the whole transform of the DC.
 struct TextDescription {
   std::shared_ptr<const TextFont> font;
-  std::wstring text;           // UTF-16, or glyph indexes
+  std::wstring text;           // UTF-16, or glyph indexes and kNoGlyph
   bool glyph_indexes = false;  // ETO_GLYPH_INDEX
   bool right_to_left = false;  // ETO_RTLREADING or TA_RTLREADING: reading order of the whole line
   bool in_order = false;       // ETO_IGNORELANGUAGE: no unit changes its place

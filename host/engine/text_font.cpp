@@ -1,9 +1,13 @@
 #include "host/engine/text_font.h"
 
+#include <algorithm>
 #include <cmath>
 #include <cstddef>
 #include <new>
 #include <vector>
+
+#include "base/bytes.h"
+#include "host/engine/font_names.h"
 
 namespace quillo::host {
 namespace {
@@ -60,8 +64,13 @@ TextFont::TextFont(const LOGFONTW& font) : wanted_(font), dc_(CreateCompatibleDC
   Measure(metrics);
 
   const wchar_t* wanted_name = font.lfFaceName + (font.lfFaceName[0] == L'@' ? 1 : 0);
-  substituted_ = *wanted_name != 0 && !SameName(names_.family, wanted_name) &&
-                 !SameName(names_.face, wanted_name);
+  FileNames file = ReadFileNames(dc_.Get());
+  if (file.every.empty()) file = {names_.family, {names_.family, names_.face}};
+  family_ = file.family;
+  substituted_ =
+      *wanted_name != 0 && std::ranges::none_of(file.every, [&](const std::wstring& name) {
+        return SameName(name, wanted_name);
+      });
   const double em = metrics.otmEMSquare;
   const double cell = ascent_ + descent_;
   scale_y_ = font.lfHeight < 0   ? -font.lfHeight / em
@@ -74,6 +83,11 @@ TextFont::TextFont(const LOGFONTW& font) : wanted_(font), dc_(CreateCompatibleDC
 }
 
 void TextFont::Measure(const OUTLINETEXTMETRICW& metrics) {
+  constexpr DWORD kMaxpTable = 0x7078616D;
+  uint16_t glyphs = 0;
+  if (GetFontData(dc_.Get(), kMaxpTable, 4, &glyphs, sizeof glyphs) == sizeof glyphs) {
+    glyph_count_ = SwapBytes(glyphs);
+  }
   const TEXTMETRICW& text = metrics.otmTextMetrics;
   ascent_ = text.tmAscent;
   descent_ = text.tmDescent;
@@ -134,7 +148,8 @@ USHORT TextFont::GlyphOf(wchar_t unit) const {
 
 int TextFont::AdvanceOf(USHORT glyph) const {
   const auto [entry, is_new] = advances_.try_emplace(glyph, 0);
-  if (is_new) GetCharWidthI(dc_.Get(), glyph, 1, nullptr, &entry->second);
+  // For a glyph that the font lacks, the platform may answer with anything.
+  if (is_new && glyph < glyph_count_) GetCharWidthI(dc_.Get(), glyph, 1, nullptr, &entry->second);
   return entry->second;
 }
 

@@ -19,8 +19,9 @@ class TextFont {
   explicit TextFont(const LOGFONTW& font);
 
   const LOGFONTW& Wanted() const { return wanted_; }
-  /// Family name of the font that is really used.
-  const std::wstring& Family() const { return names_.family; }
+  /// Family name of the font that is really used, from its file. (Names() are those that the
+  /// platform goes by, which are the wanted ones where it replaces a font by another.)
+  const std::wstring& Family() const { return family_; }
   /// Whether another family than the wanted one is used.
   bool Substituted() const { return substituted_; }
 
@@ -39,7 +40,7 @@ class TextFont {
 
   /// The glyph of a UTF-16 unit; 0 when the font has none.
   USHORT GlyphOf(wchar_t unit) const;
-  /// Advance of a glyph in font units.
+  /// Advance of a glyph in font units; 0 when the font has no such glyph.
   int AdvanceOf(USHORT glyph) const;
 
   /// A DC with the font selected, a pixel for each font unit.
@@ -56,7 +57,9 @@ class TextFont {
   Font font_;
   CreatedDc dc_;  // has font_ selected, so that it goes first
   FontNames names_;
+  std::wstring family_;
   bool substituted_ = false;
+  USHORT glyph_count_ = 0;
   double scale_x_ = 1, scale_y_ = 1;
   int ascent_ = 0, descent_ = 0;
   Bar underline_{}, strike_out_{};

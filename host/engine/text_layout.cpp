@@ -80,6 +80,7 @@ TextLayout LayOut(const TextDescription& text) {
     if (std::abs(at.x - natural) * pixels > 0.5) layout.natural = false;
     const double own = font.AdvanceOf(layout.glyphs[i]) * font.ScaleX();
     natural += own;
+    if (text.glyph_indexes && text.text[i] == kNoGlyph) layout.natural = false;
     const bool space = !text.glyph_indexes && text.text[i] == L' ';
     at.x += i < text.dx.size() ? text.dx[i]
                                : own + text.character_extra + (space ? text.break_extra : 0);

@@ -118,14 +118,23 @@ TEST_F(Player, EndlessWork_EndsWithAFault) {
 TEST_F(Player, GlyphIndexes_NeedTheirFontOrItsOrder) {
   const auto path = std::filesystem::path(QUILLO_SOURCE_DIR) / "tests/corpus/emf/missing_font.txt";
   for (const ScriptCase& c : ReadScript(path)) {
-    EXPECT_EQ(Play(c.metafile, {}, {GlyphOrder::kAssume}), c.expected);
-    const FontUse assumed = result_.fonts.at(L"Nowhere Sans");
-    EXPECT_TRUE(assumed.substituted);
-    EXPECT_EQ(assumed.assumed_glyphs, 2u);
-    EXPECT_EQ(assumed.dropped_glyphs, 0u);
-    EXPECT_EQ(Play(c.metafile, {}, {GlyphOrder::kDrop}), "- EMR_EXTTEXTOUTW 1\n");
-    EXPECT_EQ(result_.fonts.at(L"Nowhere Sans").dropped_glyphs, 2u);
-    EXPECT_EQ(result_.fonts.at(L"Nowhere Sans").assumed_glyphs, 0u);
+    const struct {
+      GlyphOrder order;
+      uint64_t dropped;
+      std::string expected;
+    } orders[] = {
+        {GlyphOrder::kAssume, 0, c.expected},
+        {GlyphOrder::kAsSubstitute, 1,
+         "> GetGlyphMode\n> TextOut D accel 102, solid 0, at 10,20, em 20 0 0 20\n"},
+        {GlyphOrder::kDrop, 2, "- EMR_EXTTEXTOUTW 1\n"},
+    };
+    for (const auto& test : orders) {
+      EXPECT_EQ(Play(c.metafile, {}, {test.order}), test.expected);
+      const FontUse& use = result_.fonts.at(L"Nowhere Sans");
+      EXPECT_TRUE(use.substituted);
+      EXPECT_EQ(use.assumed_glyphs, 2 - test.dropped);
+      EXPECT_EQ(use.dropped_glyphs, test.dropped);
+    }
   }
 }
 

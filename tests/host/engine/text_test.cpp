@@ -86,6 +86,13 @@ TEST(TextFont, Metrics_AreThoseOfTheInstalledFont) {
 
   wcscpy(wanted.lfFaceName, L"No Such Font At All");
   EXPECT_TRUE(TextFont(wanted).Substituted());
+
+  // The platform answers to the name of a font that it replaces by another.
+  wcscpy(wanted.lfFaceName, L"Courier New");
+  const TextFont replaced(wanted);
+  EXPECT_EQ(replaced.Names().family, L"Courier New");
+  EXPECT_EQ(replaced.Family(), L"Liberation Mono");
+  EXPECT_TRUE(replaced.Substituted());
 }
 
 }  // namespace
