@@ -54,6 +54,24 @@ ENHMETAHEADER HeaderOf(const fs::path& page) {
   return header;
 }
 
+/// The characters of a page as GDI reads them; those of glyph indexes do not count.
+std::wstring TextOf(const fs::path& page) {
+  std::wstring text;
+  const auto take = [](HDC, HANDLETABLE*, const ENHMETARECORD* record, int, LPARAM text_pointer) {
+    if (record->iType != EMR_EXTTEXTOUTW) return 1;
+    const EMRTEXT& line = reinterpret_cast<const EMREXTTEXTOUTW*>(record)->emrtext;
+    const auto* units = reinterpret_cast<const char*>(record) + line.offString;
+    if ((line.fOptions & ETO_GLYPH_INDEX) == 0) {
+      reinterpret_cast<std::wstring*>(text_pointer)
+          ->append(reinterpret_cast<const wchar_t*>(units), line.nChars);
+    }
+    return 1;
+  };
+  const EnhMetafile metafile(GetEnhMetaFileW(page.c_str()));
+  EnumEnhMetaFile(nullptr, metafile.Get(), take, &text, nullptr);
+  return text;
+}
+
 TEST_F(PrintCommand, ThreeSheets_AreThreePagesOfOneJob) {
   const CommandResult result =
       Print(L"--paper A4" + Quoted(L"a.emf") + L" --paper A3 --landscape" + Quoted(L"b.emf") +
@@ -166,22 +184,70 @@ TEST_F(PrintCommand, Picture_IsDrawnAtItsSizeOrFitted) {
 }
 
 TEST_F(PrintCommand, Text_FillsPagesAndStaysText) {
-  std::string text = "\xD0\x9F\xD1\x80\xD0\xB8\tx\r\n";  // Cyrillic
-  for (int i = 0; i < 100; ++i) text += "line " + std::to_string(i) + "\n";
-  std::ofstream(folder_ / L"text", std::ios::binary) << text << "\fend";
+  // Cyrillic, Greek, a mark that combines, and Chinese, which the main font lacks.
+  const std::wstring first = L"Пр Ωή e\x0301 漢字";
+  std::wstring text = first + L"\tx\r\n", printed = first + L"    x";
+  for (int i = 0; i < 100; ++i) {
+    text += L"line " + std::to_wstring(i) + L"\n";
+    printed += L"line " + std::to_wstring(i);
+  }
+  text.insert(0, 1, L'\xFEFF').append(L"\fend");
+  std::ofstream(folder_ / L"text", std::ios::binary)
+      .write(reinterpret_cast<const char*>(text.data()),
+             static_cast<std::streamsize>(text.size() * sizeof(wchar_t)));
   const CommandResult result = Print(Quoted(L"text") + L" --paper A4 --dpi 300");
   EXPECT_EQ(result.exit_code, 0) << result.errors;
   const Json report = ReadJobReport(out_);
   ASSERT_EQ(report["pages"].size(), 3u);
-  std::vector<std::string> lines;
+  std::wstring on_pages;
   for (const Json& page : report["pages"]) {
+    std::u8string told;
+    for (const std::string call : page["text"]) told.append(call.begin(), call.end());
+    const std::wstring page_text = TextOf(out_ / page["file"].get<std::string>());
+    EXPECT_EQ(page_text, fs::path(told).wstring());
+    on_pages += page_text;
     EXPECT_EQ(page["lost_characters"].size(), 0u) << page;
-    for (const Json& line : page["text"]) lines.push_back(line);
   }
-  ASSERT_EQ(lines.size(), 102u);
-  EXPECT_EQ(lines[0], "\xD0\x9F\xD1\x80\xD0\xB8     x");
-  EXPECT_EQ(lines[100], "line 99");
-  EXPECT_EQ(lines[101], "end");
+  EXPECT_EQ(on_pages, printed + L"end");
+}
+
+TEST_F(PrintCommand, GlyphIndexes_BecomeTheirCharacters) {
+  const std::wstring text = L"Größe, Ξένος 12";
+  const struct {
+    const wchar_t* face;
+    wchar_t one_more;  // a glyph that is none of the font's; 0: none
+    std::wstring on_page;
+  } lines[] = {
+      {L"Liberation Sans", 0, text},
+      {L"Liberation Mono", 0xFFF0, text + L"\x0640"},
+      // The last of its character maps is one of another format.
+      {L"DejaVu Sans", 0, std::wstring(text.size(), L'\0')},
+  };
+  {
+    MetafileDc dc(CreateEnhMetaFileW(nullptr, (folder_ / L"glyphs.emf").c_str(), nullptr, nullptr));
+    std::wstring glyphs;
+    for (const auto& line : lines) {
+      const Font font(
+          CreateFontW(-20, 0, 0, 0, FW_NORMAL, 0, 0, 0, DEFAULT_CHARSET, 0, 0, 0, 0, line.face));
+      const SelectScope selected(dc.Get(), font.Get());
+      glyphs.resize(text.size());
+      GetGlyphIndicesW(dc.Get(), text.c_str(), static_cast<int>(glyphs.size()),
+                       reinterpret_cast<WORD*>(glyphs.data()), 0);
+      if (line.one_more != 0) glyphs += line.one_more;
+      ExtTextOutW(dc.Get(), 10, 30 * static_cast<int>(&line - lines), ETO_GLYPH_INDEX, nullptr,
+                  glyphs.c_str(), static_cast<UINT>(glyphs.size()), nullptr);
+    }
+    const EnhMetafile closed = dc.Close();
+  }
+  const CommandResult result = Print(Quoted(L"glyphs.emf"));
+  EXPECT_EQ(result.exit_code, 0) << result.errors;
+  std::wstring expected;
+  for (const auto& line : lines) expected += line.on_page;
+  EXPECT_EQ(TextOf(out_ / L"page-0001.emf"), expected);
+  const Json lost = {{"DejaVu Sans", text.size()}, {"Liberation Mono", 1}};
+  EXPECT_EQ(ReadJobReport(out_)["pages"][0]["lost_characters"], lost);
+  EXPECT_NE(result.errors.find("glyphs of \"DejaVu Sans\" have no characters"), std::string::npos)
+      << result.errors;
 }
 
 TEST_F(PrintCommand, CustomPaper_IsListedAndPrintedOn) {
