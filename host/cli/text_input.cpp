@@ -28,7 +28,10 @@ struct TextPage {
 TextPage Measure(const TextFont& font, SIZEL page, int dpi) {
   const auto margin = [dpi](LONG side) { return std::min(kMargin * dpi, side / 10.0); };
   const double left = margin(page.cx), top = margin(page.cy);
-  const double cell_width = font.AdvanceOf(font.GlyphOf(L'0')) * font.ScaleX();
+  // The advance that the page's font has by itself, so that whole lines are drawn at once.
+  const XFORML font_to_device = {static_cast<float>(font.ScaleX()), 0, 0,
+                                 static_cast<float>(font.ScaleY()), 0, 0};
+  const double cell_width = font.AdvanceUnder(font_to_device, font.GlyphOf(L'0'));
   const double ascent = font.Ascent() * font.ScaleY();
   const double line_height = ascent + font.Descent() * font.ScaleY();
   const auto fitting = [](double room, double size) {

@@ -218,7 +218,9 @@ void MoveBehind(Playback& dc, const TextLine& line, double length) {
 void DrawLine(Playback& dc, const TextLine& line) {
   const DcState& state = dc.state();
   TextDescription text;
-  text.font = dc.fonts().Find(state.font->font);
+  LOGFONTW font = state.font->font;
+  if (!line.advanced) font.lfOrientation = font.lfEscapement;  // the compatible mode has one angle
+  text.font = dc.fonts().Find(font);
   if (text.font == nullptr) {
     dc.Fault("there is no font for its text");
     return;

@@ -36,7 +36,10 @@ bool SameName(const std::wstring& a, const wchar_t* b) {
 
 }  // namespace
 
-TextFont::TextFont(const LOGFONTW& font) : wanted_(font), dc_(CreateCompatibleDC(nullptr)) {
+TextFont::TextFont(const LOGFONTW& font)
+    : wanted_(font),
+      dc_(CreateCompatibleDC(nullptr)),
+      transformed_dc_(CreateCompatibleDC(nullptr)) {
   LOGFONTW upright = font;
   upright.lfWidth = upright.lfEscapement = upright.lfOrientation = 0;
   upright.lfUnderline = upright.lfStrikeOut = FALSE;
@@ -58,6 +61,10 @@ TextFont::TextFont(const LOGFONTW& font) : wanted_(font), dc_(CreateCompatibleDC
   std::vector<std::byte> block = open(font.lfHeight);
   const TEXTMETRICW as_wanted = metrics_of(block).otmTextMetrics;
   block = open(-static_cast<LONG>(metrics_of(block).otmEMSquare));
+  if (SetGraphicsMode(transformed_dc_.Get(), GM_ADVANCED) == 0 ||
+      SelectObject(transformed_dc_.Get(), font_.Get()) == nullptr) {
+    throw std::bad_alloc();
+  }
   const OUTLINETEXTMETRICW& metrics = metrics_of(block);
   names_ = {NameIn(block, metrics.otmpFamilyName), NameIn(block, metrics.otmpStyleName),
             NameIn(block, metrics.otmpFaceName)};
@@ -146,11 +153,25 @@ USHORT TextFont::GlyphOf(wchar_t unit) const {
   return entry->second;
 }
 
-int TextFont::AdvanceOf(USHORT glyph) const {
-  const auto [entry, is_new] = advances_.try_emplace(glyph, 0);
+int TextFont::Look(std::map<USHORT, int>& advances, HDC dc, USHORT glyph) const {
+  const auto [entry, is_new] = advances.try_emplace(glyph, 0);
   // For a glyph that the font lacks, the platform may answer with anything.
-  if (is_new && glyph < glyph_count_) GetCharWidthI(dc_.Get(), glyph, 1, nullptr, &entry->second);
+  if (is_new && glyph < glyph_count_) GetCharWidthI(dc, glyph, 1, nullptr, &entry->second);
   return entry->second;
+}
+
+int TextFont::AdvanceOf(USHORT glyph) const { return Look(advances_, dc_.Get(), glyph); }
+
+double TextFont::AdvanceUnder(const XFORML& font_to_device, USHORT glyph) const {
+  const XFORML& m = font_to_device;
+  if (const std::array wanted = {m.eM11, m.eM12, m.eM21, m.eM22}; wanted != transform_) {
+    const XFORM world = {m.eM11, m.eM12, m.eM21, m.eM22, 0, 0};
+    SetWorldTransform(transformed_dc_.Get(), &world);
+    transform_ = wanted;
+    transformed_advances_.clear();
+  }
+  return std::round(Look(transformed_advances_, transformed_dc_.Get(), glyph) *
+                    std::hypot(m.eM11, m.eM12));
 }
 
 }  // namespace quillo::host

@@ -2,6 +2,7 @@
 
 #include "base/ddi.h"
 
+#include <array>
 #include <map>
 #include <string>
 
@@ -42,6 +43,9 @@ class TextFont {
   USHORT GlyphOf(wchar_t unit) const;
   /// Advance of a glyph in font units; 0 when the font has no such glyph.
   int AdvanceOf(USHORT glyph) const;
+  /// The advance in device pixels that the platform gives it by itself where this transform is set,
+  /// as on a page: whole ones, and under a turned transform sometimes quite others.
+  double AdvanceUnder(const XFORML& font_to_device, USHORT glyph) const;
 
   /// A DC with the font selected, a pixel for each font unit.
   HDC Dc() const { return dc_.Get(); }
@@ -51,6 +55,7 @@ class TextFont {
   FLONG FontType() const { return font_type_; }  // FO_*
 
  private:
+  int Look(std::map<USHORT, int>& advances, HDC dc, USHORT glyph) const;
   void Measure(const OUTLINETEXTMETRICW& metrics);
 
   LOGFONTW wanted_;
@@ -67,6 +72,9 @@ class TextFont {
   FLONG font_type_ = FO_TYPE_TRUETYPE;
   mutable std::map<wchar_t, USHORT> glyphs_;  // looked up before
   mutable std::map<USHORT, int> advances_;
+  CreatedDc transformed_dc_;  // has font_ selected too, and this transform set
+  mutable std::array<float, 4> transform_{1, 0, 0, 1};
+  mutable std::map<USHORT, int> transformed_advances_;
 };
 
 }  // namespace quillo::host

@@ -57,7 +57,16 @@ double BaselineBelow(UINT align, const TextFont& font) {
 TextLayout LayOut(const TextDescription& text) {
   const TextFont& font = *text.font;
   const Turn line(font.Wanted().lfEscapement), glyph(font.Wanted().lfOrientation);
+  const XFORM& m = text.to_device;
   TextLayout layout;
+  const PointD right = ToDevice(m, glyph.Apply(font.ScaleX(), 0));
+  const PointD down = ToDevice(m, glyph.Apply(0, font.ScaleY()));
+  layout.font_to_device = {static_cast<float>(right.x),
+                           static_cast<float>(right.y),
+                           static_cast<float>(down.x),
+                           static_cast<float>(down.y),
+                           0,
+                           0};
 
   for (const wchar_t unit : text.text) {
     layout.glyphs.push_back(text.glyph_indexes ? static_cast<USHORT>(unit) : font.GlyphOf(unit));
@@ -69,17 +78,17 @@ TextLayout LayOut(const TextDescription& text) {
   // Along the line and above it, in logical units.
   std::vector<PointD> places(text.text.size());
   PointD at{0, 0};
-  double natural = 0;  // where the font's own advances lead
-  const XFORM& m = text.to_device;
+  double natural = 0;  // where the page's font leads by itself, pixels
+  if (font.Wanted().lfEscapement != font.Wanted().lfOrientation) layout.natural = false;
   const PointD along = ToDevice(m, line.Apply(1, 0));
   const double pixels = std::hypot(along.x, along.y);
   for (size_t place = 0; place < places.size(); ++place) {
     const size_t i = order.empty() ? place : order[place];
     places[i] = at;
-    // Half a pixel is what rounding to whole ones can move a glyph anyway.
-    if (std::abs(at.x - natural) * pixels > 0.5) layout.natural = false;
+    // A driver gets whole pixels, so that half a one is no difference.
+    if (std::abs(at.x * pixels - natural) > 0.5) layout.natural = false;
     const double own = font.AdvanceOf(layout.glyphs[i]) * font.ScaleX();
-    natural += own;
+    natural += font.AdvanceUnder(layout.font_to_device, layout.glyphs[i]);
     if (text.glyph_indexes && text.text[i] == kNoGlyph) layout.natural = false;
     const bool space = !text.glyph_indexes && text.text[i] == L' ';
     at.x += i < text.dx.size() ? text.dx[i]
@@ -111,15 +120,6 @@ TextLayout LayOut(const TextDescription& text) {
   layout.start = on_page(0, 0);
   layout.end = on_page(layout.length, 0);
   layout.up = ToDevice(m, line.Apply(0, -font.ScaleY()));
-
-  const PointD right = ToDevice(m, glyph.Apply(font.ScaleX(), 0));
-  const PointD down = ToDevice(m, glyph.Apply(0, font.ScaleY()));
-  layout.font_to_device = {static_cast<float>(right.x),
-                           static_cast<float>(right.y),
-                           static_cast<float>(down.x),
-                           static_cast<float>(down.y),
-                           0,
-                           0};
   return layout;
 }
 

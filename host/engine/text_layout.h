@@ -27,7 +27,7 @@ struct TextLayout {
   double length = 0;            // of the line, logical units
   PointD start{}, end{};        // of the baseline
   PointD up{};                  // across the line, for each font unit above the baseline
-  bool natural = true;          // every glyph stands where the font's own advances put it
+  bool natural = true;          // every glyph stands where the page's font puts it by itself
   bool straight = true;         // no glyph leaves the line
   XFORML font_to_device{};      // font units, y downwards, to device pixels; no offset
 
