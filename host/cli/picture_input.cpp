@@ -6,6 +6,7 @@
 #include <string_view>
 
 #include "host/cli/bmp_file.h"
+#include "host/pictures/gif_animation.h"
 #include "host/pictures/orientation.h"
 #include "host/pictures/picture_decoder.h"
 
@@ -39,6 +40,7 @@ class PictureInput : public PrintInput {
       const PictureDecoder decoder(content_);
       decoder.Frame(0, kMostPixels);
       frame_count_ = decoder.FrameCount();
+      animation_ = GifAnimation::Open(content_);
     } catch (const UnreadablePicture&) {
       if (!IsBmp(content_)) throw;
       ReadBmp(content_);
@@ -75,7 +77,8 @@ class PictureInput : public PrintInput {
     const PictureDecoder decoder(content_);
     const Orientation orientation = OrientationOf(content_, next_);
     try {
-      picture_ = TurnUpright(decoder.Frame(next_, kMostPixels), orientation);
+      picture_ = animation_ ? animation_->Next(decoder, kMostPixels)
+                            : TurnUpright(decoder.Frame(next_, kMostPixels), orientation);
     } catch (const UnreadablePicture& refused) {
       throw UnreadableInput("has a frame " + std::to_string(next_ + 1) + " that " + refused.what());
     }
@@ -85,6 +88,7 @@ class PictureInput : public PrintInput {
 
   std::vector<std::byte> content_;  // of the file; empty behind the last frame
   UINT frame_count_ = 0;
+  std::optional<GifAnimation> animation_;
   bool read_as_dib_ = false;  // a BMP file that the platform cannot decode
   UINT next_ = 0;             // frame that PreparePage decodes
   BitmapSource picture_;      // what DrawPage draws

@@ -17,12 +17,13 @@ void Step(HRESULT result, const char* call) {
   throw UnreadablePicture(text);
 }
 
-/// A row of blue, green, red, alpha (not premultiplied) to one of blue, green, red.
-void BlendOnWhite(const BYTE* source, UINT pixels, std::byte* target) {
-  for (UINT i = 0; i < pixels; ++i, source += 4, target += 3) {
+/// A row of blue, green, red, alpha (not premultiplied) over one of blue, green, red.
+void BlendRow(const BYTE* source, size_t pixels, std::byte* target) {
+  for (size_t i = 0; i < pixels; ++i, source += 4, target += 3) {
     const unsigned alpha = source[3];
     for (int channel = 0; channel < 3; ++channel) {
-      const unsigned value = source[channel] * alpha + 255 * (255 - alpha);
+      const unsigned under = std::to_integer<unsigned>(target[channel]);
+      const unsigned value = source[channel] * alpha + under * (255 - alpha);
       target[channel] = static_cast<std::byte>((value + 127) / 255);
     }
   }
@@ -33,6 +34,22 @@ void BlendOnWhite(const BYTE* source, UINT pixels, std::byte* target) {
 Resolution UsableResolution(Resolution dpi) {
   const auto usable = [](double value) { return value >= 10 && value <= 10'000; };
   return usable(dpi.x) && usable(dpi.y) ? dpi : Resolution{96, 96};
+}
+
+BitmapSource BlankPicture(UINT width, UINT height, uint64_t most_pixels) {
+  if (width == 0 || height == 0 || uint64_t{width} * height > most_pixels) {
+    throw UnreadablePicture("has " + std::to_string(width) + " x " + std::to_string(height) +
+                            " pixels");
+  }
+  BitmapSource picture;
+  picture.width = static_cast<LONG>(width);
+  picture.height = static_cast<LONG>(height);
+  picture.bits_per_pixel = 24;
+  picture.top_down = true;
+  const auto size = CheckedMultiply<size_t>(picture.Stride(), height);
+  if (!size || *size > UINT32_MAX) throw UnreadablePicture("is larger than 4 GB");
+  picture.bits.assign(*size, std::byte{0xFF});
+  return picture;
 }
 
 PictureDecoder::PictureDecoder(Bytes file) {
@@ -65,39 +82,37 @@ Resolution PictureDecoder::FrameResolution(UINT index) const {
 }
 
 BitmapSource PictureDecoder::Frame(UINT index, uint64_t most_pixels) const {
+  UINT width = 0, height = 0;
+  Step(OpenFrame(index)->GetSize(&width, &height), "GetSize");
+  BitmapSource picture = BlankPicture(width, height, most_pixels);
+  BlendFrame(index, {0, 0}, picture);
+  return picture;
+}
+
+void PictureDecoder::BlendFrame(UINT index, POINT at, BitmapSource& picture) const {
   const ComPtr<IWICBitmapFrameDecode> frame = OpenFrame(index);
   UINT width = 0, height = 0;
   Step(frame->GetSize(&width, &height), "GetSize");
-  if (width == 0 || height == 0 || uint64_t{width} * height > most_pixels) {
-    throw UnreadablePicture("has " + std::to_string(width) + " x " + std::to_string(height) +
-                            " pixels");
-  }
+  if (at.x >= picture.width || at.y >= picture.height) return;
+  width = std::min(width, static_cast<UINT>(picture.width - at.x));
+  height = std::min(height, static_cast<UINT>(picture.height - at.y));
   ComPtr<IWICBitmapSource> pixels;
   Step(WICConvertBitmapSource(GUID_WICPixelFormat32bppBGRA, frame.Get(), pixels.Receive()),
        "WICConvertBitmapSource");
 
-  BitmapSource bitmap;
-  bitmap.width = static_cast<LONG>(width);
-  bitmap.height = static_cast<LONG>(height);
-  bitmap.bits_per_pixel = 24;
-  bitmap.top_down = true;
-  const auto size = CheckedMultiply<size_t>(bitmap.Stride(), height);
-  if (!size || *size > UINT32_MAX) throw UnreadablePicture("is larger than 4 GB");
-  bitmap.bits.resize(*size);
   // A few rows at a time: a large picture need not stand in memory twice.
   constexpr UINT kStripRows = 64;
   const UINT strip_stride = width * 4;
   std::vector<BYTE> strip(size_t{strip_stride} * kStripRows);
   for (UINT top = 0; top < height; top += kStripRows) {
     const UINT rows = std::min(kStripRows, height - top);
-    const WICRect rect{0, static_cast<INT>(top), bitmap.width, static_cast<INT>(rows)};
+    const WICRect rect{0, static_cast<INT>(top), static_cast<INT>(width), static_cast<INT>(rows)};
     Step(pixels->CopyPixels(&rect, strip_stride, strip_stride * rows, strip.data()), "CopyPixels");
-    for (UINT row = 0; row < rows; ++row) {
-      BlendOnWhite(&strip[size_t{strip_stride} * row], width,
-                   &bitmap.bits[bitmap.Stride() * (top + row)]);
+    std::byte* target = &picture.bits[picture.Stride() * (static_cast<size_t>(at.y) + top)];
+    for (UINT row = 0; row < rows; ++row, target += picture.Stride()) {
+      BlendRow(&strip[size_t{strip_stride} * row], width, target + size_t{3} * at.x);
     }
   }
-  return bitmap;
 }
 
 }  // namespace quillo::host

@@ -27,6 +27,10 @@ struct Resolution {
 /// `dpi`, or 96 where that is no resolution of a picture.
 Resolution UsableResolution(Resolution dpi);
 
+/// A white picture of 24 bits a pixel, rows from the top. Throws UnreadablePicture when it would be
+/// empty or have more than `most_pixels`.
+BitmapSource BlankPicture(UINT width, UINT height, uint64_t most_pixels);
+
 /// A picture file in memory (PNG, JPEG, BMP, TIFF, GIF), decoded by the platform. Needs COM on this
 /// thread.
 class PictureDecoder {
@@ -38,6 +42,9 @@ class PictureDecoder {
   /// A frame's pixels on white, 24 bits each, rows from the top. Throws UnreadablePicture, also for
   /// frames of more than `most_pixels`.
   BitmapSource Frame(UINT index, uint64_t most_pixels) const;
+  /// Blends a frame over a picture of BlankPicture's kind; what lies outside is cut off. Throws
+  /// UnreadablePicture.
+  void BlendFrame(UINT index, POINT at, BitmapSource& picture) const;
   /// What the file says of a frame's size, where that is usable.
   Resolution FrameResolution(UINT index) const;
 
