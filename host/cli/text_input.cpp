@@ -25,13 +25,17 @@ struct TextPage {
   int lines;
 };
 
+/// The advance that the page's font has by itself, so that whole lines are drawn at once.
+double AdvanceOnPage(const TextFont& font, wchar_t unit) {
+  const XFORML font_to_device = {static_cast<float>(font.ScaleX()), 0, 0,
+                                 static_cast<float>(font.ScaleY()), 0, 0};
+  return font.AdvanceUnder(font_to_device, font.GlyphOf(unit));
+}
+
 TextPage Measure(const TextFont& font, SIZEL page, int dpi) {
   const auto margin = [dpi](LONG side) { return std::min(kMargin * dpi, side / 10.0); };
   const double left = margin(page.cx), top = margin(page.cy);
-  // The advance that the page's font has by itself, so that whole lines are drawn at once.
-  const XFORML font_to_device = {static_cast<float>(font.ScaleX()), 0, 0,
-                                 static_cast<float>(font.ScaleY()), 0, 0};
-  const double cell_width = font.AdvanceUnder(font_to_device, font.GlyphOf(L'0'));
+  const double cell_width = AdvanceOnPage(font, L'0');
   const double ascent = font.Ascent() * font.ScaleY();
   const double line_height = ascent + font.Descent() * font.ScaleY();
   const auto fitting = [](double room, double size) {
@@ -71,21 +75,31 @@ class TextInput : public PrintInput {
   }
 
  private:
-  /// Draws a line run by run: neighbours of one font go together.
+  /// Draws a line run by run: neighbours of one font go together. Wide characters stand as close as
+  /// their font has them, since a gap would read as a blank; the next blank leads back to the
+  /// cells.
   void DrawLine(const TextLine& line, const TextPage& page, double baseline, Graphics& canvas,
                 DrawResult& result) {
-    double x = page.left;
+    double x = page.left, cell_end = page.left;
     for (size_t at = 0; at < line.text.size();) {
       TextDescription run;
       run.font = fonts_->FontFor(line.text[at]);
       run.align = TA_LEFT | TA_BASELINE;
       run.x = x;
       run.y = baseline;
-      for (; at < line.text.size() && BelongsTo(run, line, at); ++at) {
-        const double advance = line.columns[at] * page.cell_width;
-        run.text += line.text[at];
+      for (bool on_cells = true; on_cells && at < line.text.size() && BelongsTo(run, line, at);
+           ++at) {
+        const wchar_t unit = line.text[at];
+        double advance = line.columns[at] * page.cell_width;
+        cell_end += advance;
+        if (line.columns[at] == 2) advance = std::min(advance, AdvanceOnPage(*run.font, unit));
+        run.text += unit;
         run.dx.push_back(advance);
         x += advance;
+        if (unit == L' ' && x != cell_end) {
+          x = cell_end;
+          on_cells = false;  // the line goes on as a run of its own
+        }
       }
       canvas.Text(run, DrawState());
       TakeDown(run, result);
