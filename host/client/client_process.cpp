@@ -40,9 +40,13 @@ KernelHandle StartProcess(const std::filesystem::path& program, const std::wstri
   startup.hStdError = GetStdHandle(STD_ERROR_HANDLE);
   PROCESS_INFORMATION info{};
   std::wstring command = L"\"" + program.wstring() + L"\" " + arguments;
-  if (!CreateProcessW(program.c_str(), command.data(), nullptr, nullptr, TRUE, CREATE_NO_WINDOW,
-                      nullptr, folder.c_str(), &startup, &info)) {
-    throw SystemFailure(kCannotStart, "CreateProcess");
+  // Wine now and then loses a process while it starts, and says so with this error.
+  for (int tries_left = 3;
+       !CreateProcessW(program.c_str(), command.data(), nullptr, nullptr, TRUE, CREATE_NO_WINDOW,
+                       nullptr, folder.c_str(), &startup, &info);) {
+    if (GetLastError() != ERROR_INTERNAL_ERROR || --tries_left == 0) {
+      throw SystemFailure(kCannotStart, "CreateProcess");
+    }
   }
   const KernelHandle thread(info.hThread);
   return KernelHandle(info.hProcess);
