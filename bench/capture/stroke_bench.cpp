@@ -3,10 +3,10 @@
 #include <vector>
 
 #include "bench/compare_sides.h"
-#include "bench/driver_job.h"
 #include "capture/hooks.h"
 #include "host/engine/services/brushes.h"
 #include "host/engine/services/paths.h"
+#include "support/driver_job.h"
 
 // What a stroke costs on its way through capture, sink and playback, as a multiple of the same GDI
 // calls made directly on a metafile DC.
@@ -16,7 +16,7 @@ int main() {
   const std::vector<POINTFIX> points = {{0, 0},       {1600, 160}, {3200, 80},
                                         {4800, 1600}, {80, 320},   {960, 2400},
                                         {160, 480},   {4000, 800}, {16, 16}};
-  bench::DriverJob job;
+  test::DriverJob job;
   host::BrushObject brush{kColour};
   host::PathObject path{{{PD_BEGINSUBPATH, points}}};
   LINEATTRS attributes = {};

@@ -5,11 +5,11 @@
 #include <vector>
 
 #include "bench/compare_sides.h"
-#include "bench/driver_job.h"
 #include "capture/hooks.h"
 #include "host/engine/services/brushes.h"
 #include "host/engine/services/fonts.h"
 #include "host/engine/services/strings.h"
+#include "support/driver_job.h"
 
 // What a text call of 43 characters costs on its way through capture, sink and playback, as a
 // multiple of the same GDI calls made directly on a metafile DC; as characters, and as glyph
@@ -23,7 +23,7 @@ int main() {
   metrics.fwdUnitsPerEm = 2048;
   metrics.usWinWeight = FW_NORMAL;
 
-  bench::DriverJob job;
+  test::DriverJob job;
   host::BrushObject brush{0x112233};
   host::FontObject font{metrics, {kFace, L"Regular", kFace}, {0.05f, 0, 0, 0.05f, 0, 0}};
   const auto string_of = [](const std::wstring& units, FLONG accelerators) {

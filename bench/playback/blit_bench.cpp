@@ -5,9 +5,9 @@
 
 #include "base/gdi_owners.h"
 #include "bench/compare_sides.h"
-#include "bench/driver_job.h"
 #include "capture/hooks.h"
 #include "host/engine/services/surfaces.h"
+#include "support/driver_job.h"
 
 // What a blit of a 1000 x 1000 picture of 24 bits costs from hook to page metafile, as a multiple
 // of the same blit made directly from a DIB section.
@@ -15,7 +15,7 @@ int main() {
   using namespace quillo;
   constexpr LONG kSide = 1000;
   constexpr ULONG kBytes = 3 * kSide * kSide;
-  bench::DriverJob job;
+  test::DriverJob job;
   std::vector<BYTE> bits(kBytes, BYTE{0x5A});
   host::Surface source({kSide, kSide}, BMF_24BPP, true, bits.data(), kBytes, 3 * kSide);
   const auto driver = [&](HDC page) {

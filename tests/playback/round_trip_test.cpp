@@ -8,41 +8,14 @@
 #include "host/engine/services/clips.h"
 #include "host/engine/services/colors.h"
 #include "host/engine/services/surfaces.h"
-#include "job/job.h"
 #include "playback/picture.h"
 #include "support/canvas.h"
+#include "support/driver_job.h"
 
 namespace quillo::test {
 namespace {
 
 constexpr int kSide = 40;
-
-/// A device whose job draws on a page in memory.
-class PageDevice {
- public:
-  PageDevice() {
-    device_.signature = device_.closing_signature = kDeviceSignature;
-    device_.resolution = {600, 600};
-    device_.job = &job_;
-    job_.playback.page_dc = page_.Get();
-    surface.dhpdev = reinterpret_cast<DHPDEV>(&device_);
-    surface.sizlBitmap = {kSide, kSide};
-  }
-
-  EnhMetafile ClosePage() { return page_.Close(); }
-
-  SURFOBJ surface = {};
-
- private:
-  struct Heap {
-    HANDLE handle = HeapCreate(0, 0, 0);
-    ~Heap() { HeapDestroy(handle); }
-  };
-  Heap heap_;
-  DEVICE_PDEV device_ = {};
-  MetafileDc page_{CreateEnhMetaFileW(nullptr, nullptr, nullptr, nullptr)};
-  CQloPrinter job_{heap_.handle, /*job_printer=*/nullptr, /*id=*/1};
-};
 
 enum Hook { kBitBlt, kCopyBits, kStretchBlt, kAlphaBlend };
 
@@ -82,11 +55,12 @@ void CheckRoundTrip(Hook hook, ULONG format, const Picture& picture, bool top_do
   host::XlateObject colours({std::begin(Picture::kPalette), std::end(Picture::kPalette)});
   constexpr RECTL kFrom = {1, 2, 16, 10};
   constexpr RECTL kTo = {10, 8, 25, 16};
-  PageDevice device;
-  ASSERT_TRUE(Draw(hook, &device.surface, &source, &c.clip,
+  MetafileDc page(CreateEnhMetaFileW(nullptr, nullptr, nullptr, nullptr));
+  DriverJob job({kSide, kSide});
+  ASSERT_TRUE(Draw(hook, job.SurfaceOn(page.Get()), &source, &c.clip,
                    picture.bit_count <= 8 ? &colours : nullptr, kTo, kFrom));
   Canvas canvas(kSide, kSide);
-  canvas.Play(device.ClosePage().Get());
+  canvas.Play(page.Close().Get());
   for (int y = 0; y < kSide; ++y) {
     for (int x = 0; x < kSide; ++x) {
       const auto holds = [x, y](const RECTL& r) {

@@ -12,14 +12,8 @@ constexpr records::RecordHeader kEndless = {records::REC_RAWDATA, 0xFFFFFFFF};
 
 }  // namespace
 
-CaptureTest::CaptureTest()
-    : heap_(HeapCreate(0, 0, 0)), job_(heap_.get(), /*job_printer=*/nullptr, /*id=*/1) {
-  device_.signature = device_.closing_signature = kDeviceSignature;
-  device_.resolution = {600, 300};
+CaptureTest::CaptureTest() : DriverJob({200, 100}, {600, 300}) {
   device_.remembered_colour = 0xFFFFFF;
-  device_.job = &job_;
-  surface_.dhpdev = reinterpret_cast<DHPDEV>(&device_);
-  surface_.sizlBitmap = {200, 100};
   surface_.iType = STYPE_BITMAP;
   SwallowStream();
 }

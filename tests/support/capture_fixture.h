@@ -3,18 +3,16 @@
 #include "base/ddi.h"
 
 #include <gtest/gtest.h>
-#include <memory>
 #include <string>
 
-#include "driver/device.h"
-#include "job/job.h"
+#include "support/driver_job.h"
 #include "support/import_patch.h"
 
 namespace quillo::test {
 
 /// A device of 600 x 300 dpi on a surface of 200 x 100 pixels, in a job that keeps the stream
 /// unplayed.
-class CaptureTest : public testing::Test {
+class CaptureTest : public testing::Test, protected DriverJob {
  protected:
   CaptureTest();
 
@@ -25,17 +23,8 @@ class CaptureTest : public testing::Test {
   /// be there.
   std::string TakeDrawing();
 
-  DEVICE_PDEV device_ = {};
-  SURFOBJ surface_ = {};  // of the device
-
  private:
   void SwallowStream();
-
-  struct HeapDeleter {
-    void operator()(HANDLE heap) const { HeapDestroy(heap); }
-  };
-  std::unique_ptr<void, HeapDeleter> heap_;
-  CQloPrinter job_;
 };
 
 /// For as long as it lives, some allocations from the process heap fail. One at a time.
