@@ -3,6 +3,7 @@
 #include <algorithm>
 
 #include "base/checked.h"
+#include "base/dib_depth.h"
 
 namespace quillo::host::emf {
 
@@ -59,10 +60,7 @@ std::optional<Header> ReadHeader(Bytes info) {
 bool FindCoding(const Header& header, Dib& dib) {
   switch (header.compression) {
     case kRgb:
-      for (const int depth : {1, 4, 8, 16, 24, 32}) {
-        if (header.depth == depth) return true;
-      }
-      return false;
+      return IsDibDepth(header.depth);
     case kBitFields:
     case kAlphaBitFields:
       return header.depth == 16 || header.depth == 32;

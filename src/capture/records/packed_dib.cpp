@@ -3,23 +3,10 @@
 #include <cstring>
 
 #include "base/checked.h"
+#include "base/dib_depth.h"
 
 namespace quillo::records {
 namespace {
-
-bool IsCarriedDepth(uint32_t bit_count) {
-  switch (bit_count) {
-    case 1:
-    case 4:
-    case 8:
-    case 16:
-    case 24:
-    case 32:
-      return true;
-    default:
-      return false;
-  }
-}
 
 bool IsRunLength(const DibHeader& header) {
   return (header.compression == kDibRle8 && header.bit_count == 8) ||
@@ -29,7 +16,7 @@ bool IsRunLength(const DibHeader& header) {
 }  // namespace
 
 std::optional<uint64_t> DibBitsBytes(const DibHeader& header) {
-  if (header.width < 1 || header.height == 0 || !IsCarriedDepth(header.bit_count)) {
+  if (header.width < 1 || header.height == 0 || !IsDibDepth(header.bit_count)) {
     return std::nullopt;
   }
   const auto signed_height = int64_t{header.height};

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <utility>
 
+#include "base/dib_depth.h"
 #include "base/gdi_owners.h"
 #include "base/kernel_owners.h"
 #include "imaging/bitmap/perspective.h"
@@ -20,23 +21,9 @@ struct DibInfo {
   };
 };
 
-bool IsPresentableDepth(uint32_t bits_per_pixel) {
-  switch (bits_per_pixel) {
-    case 1:
-    case 4:
-    case 8:
-    case 16:
-    case 24:
-    case 32:
-      return true;
-    default:
-      return false;
-  }
-}
-
 bool IsPresentable(const BitmapHandle& record) {
   return IsStructureSize(record.structure_size) && IsValid(record) &&
-         record.colour_order != kOrderGrey && IsPresentableDepth(record.bits_per_pixel) &&
+         record.colour_order != kOrderGrey && IsDibDepth(record.bits_per_pixel) &&
          (record.flags & (kTiled | kCallerMemory)) == 0;
 }
 
