@@ -6,23 +6,17 @@
 #include "host/engine/graphics.h"
 #include "host/engine/picture_objects.h"
 #include "host/engine/raster.h"
+#include "host/engine/raster_operation.h"
 
 // The blits. What the driver does not hook (operations while stretching, parallelograms, colour
 // keys) is broken down into the hooks that it has, by way of pictures that the engine makes.
 namespace quillo::host {
 namespace {
 
-constexpr uint8_t kSourceCopy = 0xCC;
-
 /// What calls of one page may be broken down into: the pixels of its sheet, and some more. Without
 /// a bound, small files could ask for pages of gigabytes.
 constexpr double kMostMadeSheets = 1.5;
 constexpr double kLeastMadeLimit = 128 << 20;  // bytes, whatever the sheet
-constexpr double kArgbBytes = 4;
-
-/// Whether the result of a ternary operation depends on its source or its brush.
-constexpr bool UsesSource(uint8_t rop3) { return ((rop3 >> 2 ^ rop3) & 0x33) != 0; }
-constexpr bool UsesBrush(uint8_t rop3) { return ((rop3 >> 4 ^ rop3) & 0x0F) != 0; }
 
 constexpr ROP4 SameOperation(uint8_t rop3) { return static_cast<ROP4>(rop3 << 8 | rop3); }
 

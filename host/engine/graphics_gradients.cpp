@@ -3,6 +3,7 @@
 
 #include "host/engine/graphics.h"
 #include "host/engine/raster.h"
+#include "host/engine/raster_operation.h"
 
 // Gradients, which no driver of this kind hooks: pictures of them are drawn instead.
 namespace quillo::host {
@@ -10,7 +11,6 @@ namespace {
 
 /// More colours than this never lie between two colours of 8 bits a channel.
 constexpr LONG kMostSteps = 1024;
-constexpr uint8_t kSourceCopy = 0xCC;
 
 struct Color {
   double red, green, blue;
@@ -65,7 +65,7 @@ void Graphics::FillTriangle(const TRIVERTEX (&corners)[3], const DrawState& stat
   const LONG width = area.right - area.left, height = area.bottom - area.top;
   const LONG tones = TonesBetween(corners);
   const SIZEL size = {std::min(width, tones), std::min(height, tones)};
-  if (!MayMake("DrvStretchBlt", 4.0 * size.cx * size.cy)) return;
+  if (!MayMake("DrvStretchBlt", kArgbBytes * size.cx * size.cy)) return;
   BitmapSource picture = MakeArgb(size.cx, size.cy);
   for (LONG y = 0; y < picture.height; ++y) {
     for (LONG x = 0; x < picture.width; ++x) {

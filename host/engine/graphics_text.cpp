@@ -4,13 +4,12 @@
 
 #include "host/engine/brush_objects.h"
 #include "host/engine/graphics.h"
+#include "host/engine/raster_operation.h"
 #include "host/engine/services/strings.h"
 #include "host/engine/text_layout.h"
 
 namespace quillo::host {
 namespace {
-
-constexpr uint8_t kPatternCopy = 0xF0;
 
 LONG Round(double value) { return static_cast<LONG>(std::lround(value)); }
 

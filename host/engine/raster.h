@@ -28,6 +28,8 @@ class PixelReader {
   const BitmapSource& picture_;
 };
 
+inline constexpr double kArgbBytes = 4;  // of each pixel of MakeArgb's pictures
+
 /// A black, fully transparent picture of 32 bits a pixel, top-down.
 BitmapSource MakeArgb(LONG width, LONG height);
 

@@ -88,7 +88,7 @@ TextLayout LayOut(const TextDescription& text) {
     // A driver gets whole pixels, so that half a one is no difference.
     if (std::abs(at.x * pixels - natural) > 0.5) layout.natural = false;
     const double own = font.AdvanceOf(layout.glyphs[i]) * font.ScaleX();
-    natural += font.AdvanceUnder(layout.font_to_device, layout.glyphs[i]);
+    if (layout.natural) natural += font.AdvanceUnder(layout.font_to_device, layout.glyphs[i]);
     if (text.glyph_indexes && text.text[i] == kNoGlyph) layout.natural = false;
     const bool space = !text.glyph_indexes && text.text[i] == L' ';
     at.x += i < text.dx.size() ? text.dx[i]
