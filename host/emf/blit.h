@@ -9,17 +9,13 @@
 #include "host/emf/playback.h"
 #include "host/emf/transform.h"
 #include "host/engine/drawing.h"
+#include "host/engine/raster_operation.h"
 
 // What the records that draw bitmaps have in common.
 namespace quillo::host::emf {
 
-inline constexpr uint8_t kSourceCopy = 0xCC;
-
 /// The ternary operation of a raster operation code.
 constexpr uint8_t RopByte(uint32_t rop) { return static_cast<uint8_t>(rop >> 16); }
-
-/// Whether the result of a ternary operation depends on its source.
-constexpr bool UsesSource(uint8_t rop3) { return ((rop3 >> 2 ^ rop3) & 0x33) != 0; }
 
 /// A rectangle by its corner and its size; a negative size mirrors.
 struct Area {

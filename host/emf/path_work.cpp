@@ -1,6 +1,7 @@
 #include "host/emf/path_work.h"
 
 #include <cmath>
+#include <utility>
 
 namespace quillo::host::emf {
 
@@ -20,9 +21,12 @@ double Crossings(const Path& path) {
   return rows;
 }
 
-std::vector<Path> SplitLine(const Path& path, double most) {
-  if (Crossings(path) <= most) return {path};
+std::vector<Path> SplitLine(Path path, double most) {
   std::vector<Path> parts(1);
+  if (Crossings(path) <= most) {
+    parts[0] = std::move(path);
+    return parts;
+  }
   double rows = 0;
   const auto go_on = [&](POINTFIX from, POINTFIX to) {
     if (rows > most) {

@@ -12,6 +12,6 @@ double Crossings(const Path& path);
 
 /// The path in parts of about `most` crossings each; a line that has more is cut at its corners, so
 /// that it ends and begins there. The path itself where it has no more.
-std::vector<Path> SplitLine(const Path& path, double most);
+std::vector<Path> SplitLine(Path path, double most);
 
 }  // namespace quillo::host::emf

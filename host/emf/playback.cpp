@@ -1,7 +1,6 @@
 #include "host/emf/playback.h"
 
 #include <algorithm>
-#include <cmath>
 #include <utility>
 
 #include "host/emf/far_path.h"

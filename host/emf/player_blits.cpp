@@ -19,6 +19,13 @@ Transform ReadTransform(PayloadReader& record) {
   return map;
 }
 
+/// A source as large as its target, whose corner the record goes on with.
+Area ReadSourceArea(Area source, PayloadReader& record) {
+  source.x = record.Read<int32_t>();
+  source.y = record.Read<int32_t>();
+  return source;
+}
+
 /// The source rectangle of a record whose source has a transform of its own, in bitmap pixels.
 Area MapSource(const Transform& map, const Area& source) {
   const PointD corner = map.Apply(source.x, source.y);
@@ -26,18 +33,15 @@ Area MapSource(const Transform& map, const Area& source) {
   return {corner.x, corner.y, size.x, size.y};
 }
 
-/// What BitBlt and its relatives have behind the target and the operation.
+/// What BitBlt and its relatives have behind the source's place.
 struct DeviceSource {
   Transform map;
-  double x = 0, y = 0;
   uint32_t colors = 0;
   DibPlace place;
 };
 
 DeviceSource ReadDeviceSource(PayloadReader& record) {
   DeviceSource source;
-  source.x = record.Read<int32_t>();
-  source.y = record.Read<int32_t>();
   source.map = ReadTransform(record);
   record.Skip(4);  // background colour of the source
   source.colors = record.Read<uint32_t>();
@@ -45,10 +49,16 @@ DeviceSource ReadDeviceSource(PayloadReader& record) {
   return source;
 }
 
-bool SourceMapFits(Playback& dc, const DeviceSource& source) {
-  if (source.map.Usable() && source.map.KeepsAxes()) return true;
-  dc.Fault("the source's transform turns it or has no inverse");
-  return false;
+/// The source's picture; null when there is none (the record was made from a source without pixels)
+/// or it cannot be drawn, which is reported.
+std::shared_ptr<const BitmapSource> ReadSource(Playback& dc, PayloadReader& record,
+                                               const DeviceSource& source) {
+  if (!record.ok() || source.place.Empty()) return nullptr;
+  if (!source.map.Usable() || !source.map.KeepsAxes()) {
+    dc.Fault("the source's transform turns it or has no inverse");
+    return nullptr;
+  }
+  return ReadBitmap(dc, record, source.place, source.colors);
 }
 
 template <bool stretched>
@@ -58,19 +68,17 @@ void PlayBitBlt(Playback& dc, PayloadReader& record) {
   blit.map = dc.ToPage();
   blit.target = ReadArea(record);
   blit.rop = RopByte(record.Read<uint32_t>());
+  blit.source = ReadSourceArea(blit.target, record);
   const DeviceSource source = ReadDeviceSource(record);
-  double width = blit.target.width, height = blit.target.height;
   if (stretched) {
-    width = record.Read<int32_t>();
-    height = record.Read<int32_t>();
+    blit.source.width = record.Read<int32_t>();
+    blit.source.height = record.Read<int32_t>();
   }
   if (!record.ok()) return;
   if (UsesSource(blit.rop)) {
-    if (source.place.Empty()) return;  // recorded from a source without pixels: nothing to draw
-    if (!SourceMapFits(dc, source)) return;
-    blit.bitmap = ReadBitmap(dc, record, source.place, source.colors);
+    blit.bitmap = ReadSource(dc, record, source);
     if (blit.bitmap == nullptr) return;
-    blit.source = MapSource(source.map, {source.x, source.y, width, height});
+    blit.source = MapSource(source.map, blit.source);
   }
   DrawBlit(dc, blit);
 }
@@ -108,12 +116,12 @@ void PlayMaskBlt(Playback& dc, PayloadReader& record) {
   blit.map = dc.ToPage();
   blit.target = ReadArea(record);
   const auto rop4 = record.Read<uint32_t>();
+  blit.source = ReadSourceArea(blit.target, record);
   const DeviceSource source = ReadDeviceSource(record);
   const MaskSource mask = ReadMaskSource(record);
-  if (!record.ok() || source.place.Empty() || !SourceMapFits(dc, source)) return;
-  blit.bitmap = ReadBitmap(dc, record, source.place, source.colors);
+  blit.bitmap = ReadSource(dc, record, source);
   if (blit.bitmap == nullptr) return;
-  blit.source = MapSource(source.map, {source.x, source.y, blit.target.width, blit.target.height});
+  blit.source = MapSource(source.map, blit.source);
   blit.rop = RopByte(rop4);
   if (mask.place.Empty()) {  // without a mask MaskBlt is BitBlt
     DrawBlit(dc, blit);
@@ -141,19 +149,10 @@ void PlayPlgBlt(Playback& dc, PayloadReader& record) {
     const PointD at = dc.ToPage().Apply(point.x, point.y);
     corner = ToPointFix(at.x, at.y);
   }
-  Area area;
-  area.x = record.Read<int32_t>();
-  area.y = record.Read<int32_t>();
-  area.width = record.Read<int32_t>();
-  area.height = record.Read<int32_t>();
-  DeviceSource source;
-  source.map = ReadTransform(record);
-  record.Skip(4);  // background colour of the source
-  source.colors = record.Read<uint32_t>();
-  source.place = ReadDibPlace(record);
+  const Area area = ReadArea(record);
+  const DeviceSource source = ReadDeviceSource(record);
   const MaskSource mask = ReadMaskSource(record);
-  if (!record.ok() || source.place.Empty() || !SourceMapFits(dc, source)) return;
-  const auto bitmap = ReadBitmap(dc, record, source.place, source.colors);
+  const auto bitmap = ReadSource(dc, record, source);
   if (bitmap == nullptr) return;
   std::shared_ptr<const BitmapSource> mask_bitmap;
   if (!mask.place.Empty()) {
@@ -172,18 +171,17 @@ void PlayBlend(Playback& dc, PayloadReader& record) {
   record.Skip(sizeof(RectL));  // bounds
   Area target = ReadArea(record);
   const auto operation = record.Read<uint32_t>();
+  Area from = ReadSourceArea(target, record);
   const DeviceSource source = ReadDeviceSource(record);
-  const double width = record.Read<int32_t>();
-  const double height = record.Read<int32_t>();
-  if (!record.ok() || source.place.Empty() || !SourceMapFits(dc, source)) return;
-  const auto bitmap = ReadBitmap(dc, record, source.place, source.colors);
+  from.width = record.Read<int32_t>();
+  from.height = record.Read<int32_t>();
+  const auto bitmap = ReadSource(dc, record, source);
   if (bitmap == nullptr) return;
   if (!dc.ToPage().KeepsAxes()) {
     dc.NotCarried();
     return;
   }
-  const RECTL pixels =
-      OrderSource(MapSource(source.map, {source.x, source.y, width, height}), target);
+  const RECTL pixels = OrderSource(MapSource(source.map, from), target);
   draw(dc, MapArea(dc.ToPage(), target), *bitmap, pixels, operation);
 }
 
@@ -209,7 +207,6 @@ void PlaySetPixel(Playback& dc, PayloadReader& record) {
   const PointD at = dc.ToPage().Apply(point.x, point.y);
   const RECTL pixel = {ToPixel(at.x), ToPixel(at.y), ToPixel(at.x) + 1, ToPixel(at.y) + 1};
   const auto brush = BrushDescription::Solid(dc.Resolve(color));
-  constexpr uint8_t kPatternCopy = 0xF0;
   dc.canvas().BitBlt(pixel, kPatternCopy, &brush, nullptr, {}, dc.Drawing());
 }
 
