@@ -23,10 +23,12 @@ bool HoldsPattern(const CreateBrushPayload& record, Bytes payload) {
 }
 
 // A copy of a brush record's pattern that GDI can read without leaving it; empty when memory is
-// short or the pattern is no bitmap (one that did not pack is all zeros).
+// short or the pattern is no bitmap (one that did not pack is all zeros). GDI finds the bits by the
+// colour count: above 8 bits it has to name the one entry that stands in front of them.
 HeapBlock CopyPattern(HANDLE heap, Bytes pattern) {
-  const auto dib = LocatePackedDib(pattern, 0);
+  auto dib = LocatePackedDib(pattern, 0);
   if (!dib) return HeapBlock();
+  if (dib->info.header.bit_count > 8) dib->info.header.colours_used = 1;
   HeapBlock copy(pattern.size(), heap, 0);
   if (!copy) return HeapBlock();
   std::memcpy(copy.Get(), pattern.data(), pattern.size());

@@ -3,6 +3,7 @@
 #include "capture/records/types.h"
 #include "playback/page.h"
 #include "playback/picture.h"
+#include "support/canvas.h"
 #include "support/holdings.h"
 #include "support/import_patch.h"
 
@@ -180,6 +181,31 @@ TEST(PatternBrush, CopyOfTheBytes_OrNoPatternAtAll) {
   Payload record = BrushRecord(BS_DIBPATTERNPT, 0, 0, kFillBrush, kPattern);
   Store(MutableBytes(record), 16, static_cast<uint32_t>(record.size()) - 19);
   EXPECT_EQ(page.Play(REC_CREATEBRUSH, record), 0);
+}
+
+TEST(PatternBrush, EveryDepth_PictureInFillsAndPens) {
+  for (const uint16_t depth : {1, 4, 8, 16, 24, 32}) {
+    const Picture picture{.bit_count = depth, .width = 8, .height = 8};
+    Page page;
+    page.Play(REC_CREATEBRUSH, BrushRecord(BS_DIBPATTERNPT, 0, 0, kFillBrush, picture.Packed()));
+    page.Play(REC_FILLRECT, PayloadOf(0, 0, 8, 8));
+    Canvas fill(8, 8);
+    fill.Play(page.Close().Get());
+    // This Wine's metafiles drop a pen's brush: this one draws on the canvas itself.
+    const Canvas stroke(8, 8);
+    page.context.page_dc = stroke.Dc();
+    page.Play(REC_CREATEBRUSH, BrushRecord(BS_DIBPATTERNPT, 0, 0, kPenBrush, picture.Packed()));
+    page.Play(REC_EXTCREATEPEN, PenRecord(PS_GEOMETRIC | PS_ENDCAP_FLAT, 8));
+    page.Play(REC_MOVETO, PayloadOf(0, 4));
+    page.Play(REC_LINETO, PayloadOf(8, 4));
+    ReleaseDrawingObjects(page.context);
+    for (int y = 0; y < 8; ++y) {
+      for (int x = 0; x < 8; ++x) {
+        ASSERT_EQ(fill.Pixel(x, y), picture.Colour(x, y)) << depth << ' ' << x << ' ' << y;
+        ASSERT_EQ(stroke.Pixel(x, y), picture.Colour(x, y)) << depth << ' ' << x << ' ' << y;
+      }
+    }
+  }
 }
 
 }  // namespace
