@@ -45,7 +45,7 @@ struct DEVICE_PDEV {
   uint32_t brush_word;         // 0
   CQloPrinter* job;            // null before the first DrvStartDoc
   SIZEL surface_size;          // printable size in device pixels
-  uint32_t job_ended;          // 1 after DrvEndDoc: `job` stays as it was but lives no longer
+  uint32_t job_ended;          // 1 from DrvEndDoc to DrvStartDoc: `job` stays but lives no longer
 };
 
 /// The device's job while it lives, else null.

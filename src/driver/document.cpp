@@ -10,10 +10,10 @@ namespace quillo {
 BOOL APIENTRY DrvStartDoc(SURFOBJ* surface, LPWSTR /*document*/, DWORD job_id) noexcept {
   DEVICE_PDEV* device = FindDevice(surface);
   if (device == nullptr) return FALSE;
-  // A document that continues on a reset device keeps its job.
-  if ((device->flags & kDocumentOpen) == 0) {
+  // A document that continues on a reset device keeps its job; after an end comes a new one.
+  if ((device->flags & kDocumentOpen) == 0 || device->job_ended != 0) {
     device->job = OpenJob(device->printer, job_id);
-    device->job_ended = 0;  // an end without a document may have come before
+    device->job_ended = 0;
   }
 
   // A job that could not be opened shows itself in the page callbacks.

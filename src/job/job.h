@@ -21,7 +21,7 @@ enum JobState : uint32_t {
   kJobFailed = kJobFailedBit,
 };
 
-/// One print job, from the first DrvStartDoc to DrvEndDoc: the record sink, the playback context
+/// One print job, from DrvStartDoc to DrvEndDoc: the record sink, the playback context
 /// and the connection to the client. Lives on its own private heap; destroying the heap ends it.
 /// Used on the engine's thread only.
 struct CQloPrinter {

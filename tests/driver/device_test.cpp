@@ -13,6 +13,8 @@
 #include "host/engine/services/colors.h"
 #include "host/engine/services/guard.h"
 #include "host/engine/services/surfaces.h"
+#include "job/job.h"
+#include "support/capture_fixture.h"
 
 extern "C" BOOL WINAPI DllMain(HINSTANCE instance, DWORD reason, LPVOID reserved);
 
@@ -172,6 +174,7 @@ TEST_F(Device, Surface_SizeStrideAndHooks) {
     EXPECT_EQ(surface->sizlBitmap.cx, c.pixels);
     EXPECT_EQ(std::abs(surface->lDelta), c.stride);
     EXPECT_EQ(surface->iBitmapFormat, static_cast<ULONG>(BMF_24BPP));
+    EXPECT_EQ(host::FindSurface(handle)->hooks, 0x105FBu);
     EXPECT_EQ(FindDevice(device)->surface_size.cx, c.pixels);
     quillo::DrvDisableSurface(device);
     EXPECT_EQ(host::FindSurface(handle), nullptr);
@@ -195,14 +198,25 @@ TEST_F(Device, SurfaceFailures_LeaveNothing) {
   quillo::DrvDisablePDEV(device);
 }
 
-TEST_F(Device, EndWithoutADocument_LeavesTheNextItsJob) {
+TEST_F(Device, DocumentAfterDocument_EachItsOwnJob) {
   SURFOBJ surface = {};
   surface.dhpdev = Enable();
-  EXPECT_TRUE(quillo::DrvEndDoc(&surface, 0));
-  EXPECT_TRUE(quillo::DrvStartDoc(&surface, nullptr, 1));
-  EXPECT_NE(LivingJob(*FindDevice(&surface)), nullptr);
-  EXPECT_TRUE(quillo::DrvEndDoc(&surface, 0));
-  EXPECT_EQ(LivingJob(*FindDevice(&surface)), nullptr);
+  DEVICE_PDEV& device = *FindDevice(&surface);
+  device.printer = reinterpret_cast<HANDLE>(uintptr_t{0x1234});
+  EXPECT_TRUE(quillo::DrvEndDoc(&surface, 0));  // without a document
+  for (const DWORD id : {1u, 2u, 3u}) {
+    EXPECT_TRUE(quillo::DrvStartDoc(&surface, nullptr, id));
+    CQloPrinter* job = LivingJob(device);
+    ASSERT_NE(job, nullptr);
+    EXPECT_EQ(job->job_id, id);
+    EXPECT_EQ(job->printer, device.printer);
+    EXPECT_EQ(job->playback.job.printer, device.printer);
+    EXPECT_TRUE(quillo::DrvStartDoc(&surface, nullptr, 9));
+    EXPECT_EQ(LivingJob(device), job);
+    EXPECT_TRUE(quillo::DrvEndDoc(&surface, 0));
+    EXPECT_EQ(LivingJob(device), nullptr);
+    EXPECT_EQ(device.flags, static_cast<uint32_t>(kDocumentOpen));
+  }
   quillo::DrvDisablePDEV(surface.dhpdev);
 }
 
@@ -225,8 +239,24 @@ TEST_F(Device, Reset_CarriesAnOpenDocument) {
   EXPECT_EQ(new_device.job, job);
   EXPECT_EQ(new_device.flags, static_cast<uint32_t>(kDocumentOpen));
   EXPECT_EQ(new_device.remembered_colour, 0xFFFFFFu);
+  EXPECT_EQ(LivingJob(new_device), job);
+  old_device.job_ended = 1;
+  EXPECT_TRUE(quillo::DrvResetPDEV(old_handle, new_handle));
+  EXPECT_EQ(LivingJob(new_device), nullptr);
   quillo::DrvDisablePDEV(old_handle);
   quillo::DrvDisablePDEV(new_handle);
+}
+
+using DocumentStart = test::CaptureTest;
+
+TEST_F(DocumentStart, Records_SettingsThenOffset) {
+  device_.flags = kDocumentOpen;  // the job that is there stays
+  std::memset(&device_.mode, 0x5A, sizeof device_.mode);
+  device_.physical_offset = {12, -34};
+  EXPECT_TRUE(quillo::DrvStartDoc(&surface_, nullptr, 1));
+  std::string settings;
+  for (int i = 0; i < 1052; ++i) settings += "5a";
+  EXPECT_EQ(TakeRecords(), "DEVMODE [" + settings + "]\nPAGEVALUE 12 -34\n");
 }
 
 }  // namespace

@@ -1,3 +1,4 @@
+#include <algorithm>
 #include <gtest/gtest.h>
 #include <optional>
 
@@ -82,19 +83,31 @@ TEST_F(Document, TwoHundredPages_HoldNoMoreThanTwo) {
   session->EndDocument();
 }
 
-TEST_F(Document, CallsAfterTheEnd_FindNoJob) {
+TEST_F(Document, DocumentAfterDocument_EachItsOwnJobAndNoneBetween) {
   const auto session = Start();
-  session->StartPage(mode_.pub);
-  session->SendPage();
-  SURFOBJ* surface = session->Device().Surface();
-  session->EndDocument();
-  client_.calls.clear();
-  const host::DriverFunctions& driver = driver_->Functions();
-  EXPECT_FALSE(driver.StartPage(surface));
-  EXPECT_FALSE(driver.SendPage(surface));
-  EXPECT_TRUE(driver.StartDoc(surface, nullptr, 1));
-  EXPECT_TRUE(driver.EndDoc(surface, ED_ABORTDOC));
-  EXPECT_TRUE(client_.calls.empty());
+  const host::SpoolJob second(host::kPrinterName, L"Another");
+  client_.LeaveConnection(second.Id());
+  for (const DWORD id : {spool_job_->Id(), second.Id()}) {
+    if (id == second.Id()) session->StartDocument(L"Another", id);
+    client_.calls.clear();
+    for (int page = 0; page < 2; ++page) {
+      session->StartPage(mode_.pub);
+      session->SendPage();
+    }
+    session->EndDocument();
+    const auto delivered = std::ranges::count_if(client_.calls, [id](const std::string& call) {
+      return call.starts_with(test::Line("NotifyPage VORNIX Quillo 6/", id));
+    });
+    EXPECT_EQ(delivered, 2);
+    EXPECT_EQ(client_.calls.back(), test::Line("NotifyJobEnd VORNIX Quillo 6/", id));
+
+    client_.calls.clear();
+    SURFOBJ* surface = session->Device().Surface();
+    EXPECT_FALSE(driver_->Functions().StartPage(surface));
+    EXPECT_FALSE(driver_->Functions().SendPage(surface));
+    EXPECT_TRUE(driver_->Functions().EndDoc(surface, ED_ABORTDOC));
+    EXPECT_TRUE(client_.calls.empty());
+  }
 }
 
 }  // namespace
