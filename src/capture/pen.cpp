@@ -14,8 +14,8 @@ namespace {
 
 using namespace records;
 
-/// GDI's pens have at most 16 entries; an array that claims to be longer than this is not read.
-constexpr ULONG kMaxStyleEntries = 1024;
+/// As many as a pen record can have; a longer array is not read.
+constexpr size_t kMaxStyleEntries = (UINT32_MAX - sizeof(ExtCreatePenPayload)) / sizeof(uint32_t);
 
 std::span<const FLOAT_LONG> StyleOf(const LINEATTRS& attributes) {
   if (attributes.pstyle == nullptr) return {};
@@ -51,7 +51,7 @@ void WriteGeometricPen(DEVICE_PDEV& device, LINEATTRS& attributes, XFORMOBJ* tra
   const uint32_t style =
       PS_GEOMETRIC | JoinStyle(attributes.iJoin) | EndCapStyle(attributes.iEndCap);
   const auto width = static_cast<uint32_t>(DeviceWidth(attributes.elWidth.e, transform));
-  // Without memory for the entries the pen is solid.
+  // Without room for the entries the pen is solid.
   std::span<const FLOAT_LONG> entries = StyleOf(attributes);
   HeapBlock lengths;
   if (!entries.empty() && entries.size() <= kMaxStyleEntries) {
@@ -92,7 +92,6 @@ void WriteCosmeticPen(DEVICE_PDEV& device, const LINEATTRS& attributes, const BR
   if ((attributes.fl & LA_ALTERNATE) != 0) {
     EmitExtCreatePen(device, style | PS_ALTERNATE, static_cast<uint32_t>(width), {});
   } else if (style == PS_USERSTYLE) {
-    if (entries.size() > kMaxStyleEntries) return;
     EmitExtCreatePen(device, style, static_cast<uint32_t>(width),
                      {reinterpret_cast<const uint32_t*>(entries.data()), entries.size()});
   } else {

@@ -104,9 +104,19 @@ TEST_F(WritePenTest, Geometric_StyleEntriesAreScaled) {
   EXPECT_EQ(Record(attributes), "SETMITERLIMIT 1\nEXTCREATEPEN 0x10000 1 0 0\n");
 }
 
-TEST_F(WritePenTest, AbsurdStyleCounts_AreNotRead) {
+TEST_F(WritePenTest, StyleCounts_AllRecordedUpToWhatARecordHolds) {
+  std::vector<FLOAT_LONG> entries(5000);
+  std::string many = " 5000";
+  for (size_t i = 0; i < entries.size() + 1; ++i) many += " 0";
+  LINEATTRS long_style = Geometric(0, 0, 0, 1);
+  long_style.pstyle = entries.data();
+  long_style.cstyle = 5000;
+  EXPECT_EQ(Record(long_style), "SETMITERLIMIT 1\nEXTCREATEPEN 0x10007 0" + many + "\n");
+  long_style.fl = 0;
+  EXPECT_EQ(Record(long_style), "EXTCREATEPEN 0x7 0" + many + "\n");
+
   FLOAT_LONG entry = {.l = 1};
-  for (const ULONG count : {0x1000u, 0x40000001u, 0xFFFFFFFFu}) {
+  for (const ULONG count : {0x3FFFFFFCu, 0x40000001u, 0xFFFFFFFFu}) {
     LINEATTRS cosmetic = {};
     cosmetic.cstyle = count;
     EXPECT_EQ(Record(cosmetic), "CREATEPEN 0 0 0 0x332211\n") << count;
