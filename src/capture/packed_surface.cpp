@@ -65,11 +65,11 @@ std::span<const ULONG> TranslationVector(XLATEOBJ* translation) {
 
 uint32_t PackedBitmapSize(const SURFOBJ* surface) {
   if (surface == nullptr) return 0;
-  return PackedSize(surface->iBitmapFormat, surface->cjBits).value_or(0);
+  return PackedSize(surface->iBitmapFormat, BitsOf(*surface).Size()).value_or(0);
 }
 
 bool CanBePacked(const SURFOBJ* surface) {
-  return PackedBitmapSize(surface) != 0 && surface->pvBits != nullptr && BitsOf(*surface).Fits();
+  return PackedBitmapSize(surface) != 0 && surface->pvBits != nullptr;
 }
 
 bool SurfaceToPackedBitmap(const DEVICE_PDEV* device, const SURFOBJ* surface, XLATEOBJ* translation,

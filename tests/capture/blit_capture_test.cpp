@@ -132,8 +132,9 @@ TEST_F(BlitTest, StretchBlt_StreamsTheSource) {
   source_.fjBitmap |= BMF_TOPDOWN;
   EXPECT_EQ(StretchBlt(&source_, nullptr),
             record + "0 0x0 0x0 0x0 0x0 0x0 0x0 4 68 [" + kHeader24 + kRow1 + kRow0 + "]\n");
-  source_.sizlBitmap.cy = 3;  // more rows than bits
-  EXPECT_EQ(StretchBlt(&source_, nullptr), kClip);
+  source_.cjBits = 23;  // the last row is cut off: still a picture of two rows
+  EXPECT_EQ(StretchBlt(&source_, nullptr), record + "0 0x0 0x0 0x0 0x0 0x0 0x0 4 68 [" + kHeader24 +
+                                               kRow1.substr(0, 22) + "00" + kRow0 + "]\n");
 }
 
 TEST_F(BlitTest, CopyBits_FromTheDevice_IsWhite) {

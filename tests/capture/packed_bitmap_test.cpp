@@ -1,5 +1,6 @@
 #include "capture/records/packed_bitmap.h"
 
+#include <algorithm>
 #include <gtest/gtest.h>
 #include <string>
 
@@ -27,16 +28,20 @@ TEST(PackedSize, EveryFormat_HeaderTableAndBits) {
   }
   EXPECT_EQ(PackedSize(5, UINT32_MAX - 44), UINT32_MAX);
   EXPECT_FALSE(PackedSize(5, UINT32_MAX - 43));
+  EXPECT_FALSE(PackedSize(5, uint64_t{1} << 32));
 }
 
-// The pieces of a surface that holds `text`, in square brackets; "" when its rows do not fit.
+// The pieces of a surface that holds `text`, in square brackets and with 0 for zero bytes.
 std::string Pieces(std::string_view text, uint32_t row_size, uint32_t rows, bool top_down) {
   const SurfaceBits surface = {std::as_bytes(std::span(text)), row_size, rows, top_down};
   std::string pieces;
-  if (!surface.Fits()) return pieces;
-  ForEachPiece(surface, [&pieces](Bytes piece) {
+  size_t size = 0;
+  ForEachPiece(surface, [&](Bytes piece) {
     pieces += '[' + std::string(reinterpret_cast<const char*>(piece.data()), piece.size()) + ']';
+    size += piece.size();
   });
+  EXPECT_EQ(size, surface.Size());
+  std::ranges::replace(pieces, '\0', '0');
   return pieces;
 }
 
@@ -45,8 +50,13 @@ TEST(ForEachPiece, Rows_BecomeBottomUpAndAddUp) {
   EXPECT_EQ(Pieces("aabbcc", 2, 3, true), "[cc][bb][aa]");
   EXPECT_EQ(Pieces("aabbccxyz", 2, 3, true), "[cc][bb][aa][xyz]");
   EXPECT_EQ(Pieces("aabbcc", 0, 3, true), "[aabbcc]");
-  EXPECT_EQ(Pieces("aabbcc", 2, 4, true), "");
-  EXPECT_EQ(Pieces("aabbcc", 0x80000000, 0xFFFFFFFF, true), "");
+  EXPECT_EQ(Pieces("", 2, 0, true), "");
+  // Rows that are missing or cut off are filled up.
+  EXPECT_EQ(Pieces("aabbcc", 2, 5, true), "[0000][cc][bb][aa]");
+  EXPECT_EQ(Pieces("aabbc", 2, 4, true), "[00][c][0][bb][aa]");
+  EXPECT_EQ(Pieces("a", 4097, 1, true), "[a][" + std::string(4096, '0') + "]");
+  EXPECT_EQ(Pieces("a", 4098, 1, true), "[a][" + std::string(4096, '0') + "][0]");
+  EXPECT_EQ(SurfaceBits({}, 0x80000000, 0xFFFFFFFF, true).Size(), 0x7FFFFFFF80000000u);
 }
 
 }  // namespace

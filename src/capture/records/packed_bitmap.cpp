@@ -35,10 +35,11 @@ std::optional<PixelFormat> FindPixelFormat(uint32_t surface_format) {
   return format;
 }
 
-std::optional<uint32_t> PackedSize(uint32_t surface_format, uint32_t bits_size) {
+std::optional<uint32_t> PackedSize(uint32_t surface_format, uint64_t bits_size) {
   const auto format = FindPixelFormat(surface_format);
-  if (!format) return std::nullopt;
-  return CheckedAdd(static_cast<uint32_t>(PackedBitsOffset(format->bit_count)), bits_size);
+  if (!format || bits_size > UINT32_MAX) return std::nullopt;
+  return CheckedAdd(static_cast<uint32_t>(PackedBitsOffset(format->bit_count)),
+                    static_cast<uint32_t>(bits_size));
 }
 
 DibInfo MakePackedHead(PixelFormat format, int32_t width, int32_t height, DotsPerInch dpi) {

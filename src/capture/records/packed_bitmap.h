@@ -1,5 +1,6 @@
 #pragma once
 
+#include <algorithm>
 #include <cstdint>
 #include <optional>
 
@@ -20,7 +21,7 @@ std::optional<PixelFormat> FindPixelFormat(uint32_t surface_format);
 
 /// Bytes of the packed bitmap of a surface whose pixel bits take `bits_size` bytes; nothing when
 /// its format cannot be packed or the size does not fit.
-std::optional<uint32_t> PackedSize(uint32_t surface_format, uint32_t bits_size);
+std::optional<uint32_t> PackedSize(uint32_t surface_format, uint64_t bits_size);
 
 /// Dots per inch; 0 = no device at hand.
 struct DotsPerInch {
@@ -44,26 +45,40 @@ struct SurfaceBits {
   uint32_t row_count;
   bool top_down;
 
-  /// Whether rows that have to be turned round lie inside the bits.
-  [[nodiscard]] bool Fits() const {
-    return !top_down || uint64_t{row_size} * row_count <= bits.size();
+  /// Bytes of the rows that have to be turned round, whether they are there or not.
+  [[nodiscard]] uint64_t TurnedSize() const {
+    return top_down ? uint64_t{row_size} * row_count : 0;
   }
+  /// Bytes that ForEachPiece hands over.
+  [[nodiscard]] uint64_t Size() const { return std::max<uint64_t>(TurnedSize(), bits.size()); }
 };
 
 /// Calls `take` with pieces of a surface's bits, in the order that makes them bottom-up: in one
 /// piece as they stand, or row by row from the last one when they are top-down, and then what is
-/// left behind the rows. The pieces add up to `bits`, which must fit.
+/// left behind the rows. Rows that the bits end before are zeros.
 template <typename Take>
 void ForEachPiece(const SurfaceBits& surface, Take take) {
-  Bytes rest = surface.bits;
-  if (surface.top_down && surface.row_size != 0) {
-    const size_t rows_size = size_t{surface.row_size} * surface.row_count;
-    for (size_t end = rows_size; end != 0; end -= surface.row_size) {
+  const auto take_zeros = [&take](uint64_t size) {
+    static constexpr std::byte kZeros[4096] = {};
+    for (uint64_t left = size; left != 0;) {
+      const auto piece = static_cast<size_t>(std::min<uint64_t>(left, sizeof kZeros));
+      take(Bytes(kZeros).first(piece));
+      left -= piece;
+    }
+  };
+  const uint64_t turned = surface.TurnedSize();
+  const auto there = static_cast<size_t>(std::min<uint64_t>(turned, surface.bits.size()));
+  if (turned != 0) {
+    const size_t cut = there % surface.row_size;  // what is there of a row that is cut off
+    const uint64_t padding = cut != 0 ? surface.row_size - cut : 0;
+    take_zeros(turned - there - padding);
+    if (cut != 0) take(surface.bits.subspan(there - cut, cut));
+    take_zeros(padding);
+    for (size_t end = there - cut; end != 0; end -= surface.row_size) {
       take(surface.bits.subspan(end - surface.row_size, surface.row_size));
     }
-    rest = rest.subspan(rows_size);
   }
-  if (!rest.empty()) take(rest);
+  if (there != surface.bits.size()) take(surface.bits.subspan(there));
 }
 
 }  // namespace quillo::records
