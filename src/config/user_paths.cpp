@@ -55,10 +55,12 @@ bool ReadFolder(HKEY environment, const wchar_t* name, wchar_t (&folder)[kTempFo
 
 KernelHandle UserToken() {
   const KernelHandle token = OpenToken(TOKEN_DUPLICATE | TOKEN_IMPERSONATE, TRUE);
-  if (!token) return KernelHandle();
+  const LateLibrary security(kSecurityLibrary);
+  auto* duplicate = security.Find<decltype(DuplicateTokenEx)>("DuplicateTokenEx");
+  if (!token || duplicate == nullptr) return KernelHandle();
   KernelHandle primary;
-  if (!DuplicateTokenEx(token.Get(), TOKEN_ALL_ACCESS, nullptr, SecurityImpersonation, TokenPrimary,
-                        primary.Receive())) {
+  if (!duplicate(token.Get(), TOKEN_ALL_ACCESS, nullptr, SecurityImpersonation, TokenPrimary,
+                 primary.Receive())) {
     return KernelHandle();
   }
   return primary;
