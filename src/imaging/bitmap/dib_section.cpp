@@ -24,6 +24,7 @@ struct DibInfo {
 bool IsPresentable(const BitmapHandle& record) {
   return IsStructureSize(record.structure_size) && IsValid(record) &&
          record.colour_order != kOrderGrey && IsDibDepth(record.bits_per_pixel) &&
+         std::max(record.width, record.height) <= INT32_MAX &&
          (record.flags & (kTiled | kCallerMemory)) == 0;
 }
 

@@ -238,9 +238,9 @@ int PaintGrey(const PaintJob& job, const BitmapHandle& bitmap, int variant) {
   FillLookupPalette(bitmap, greys);
   if (variant == 1) std::ranges::reverse(greys);
   const Size from = SizeOf(job.source);
-  const Size to = SizeOf(job.destination);
-  const bool shrinks = to.width < from.width && to.height < from.height;
   const Geometry reduced = DestinationSize(job, 8);
+  const bool shrinks = reduced.width < static_cast<uint32_t>(from.width) &&
+                       reduced.height < static_cast<uint32_t>(from.height);
   BitmapScope levels;
   int result = shrinks ? MakeCopy(reduced.width, reduced.height, 8, greys, levels.Get())
                        : MakeCopy(static_cast<uint32_t>(from.width),
