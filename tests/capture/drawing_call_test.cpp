@@ -39,12 +39,12 @@ class DrawingCallTest : public test::CaptureTest {
     return quillo::DrvStrokePath(surface, path, clip, nullptr, &brush_, &origin_, &attributes_,
                                  R2_WHITE);
   }
-  BOOL FillPath(SURFOBJ* surface, PATHOBJ* path) {
-    return quillo::DrvFillPath(surface, path, nullptr, &fill_brush_, &origin_, R2_COPYPEN,
+  BOOL FillPath(SURFOBJ* surface, PATHOBJ* path, CLIPOBJ* clip = nullptr) {
+    return quillo::DrvFillPath(surface, path, clip, &fill_brush_, &origin_, R2_COPYPEN,
                                FP_WINDINGMODE);
   }
-  BOOL StrokeAndFillPath(SURFOBJ* surface, PATHOBJ* path) {
-    return quillo::DrvStrokeAndFillPath(surface, path, nullptr, nullptr, &brush_, &attributes_,
+  BOOL StrokeAndFillPath(SURFOBJ* surface, PATHOBJ* path, CLIPOBJ* clip = nullptr) {
+    return quillo::DrvStrokeAndFillPath(surface, path, clip, nullptr, &brush_, &attributes_,
                                         &fill_brush_, &origin_, R2_WHITE, FP_ALTERNATEMODE);
   }
 
@@ -77,6 +77,7 @@ class DrawingCallTest : public test::CaptureTest {
 };
 
 const std::string kPen = "CREATEBRUSH 0 0x332211 0 1 0 [00]\nCREATEPEN 0 0 0 0x332211\n";
+const std::string kClip = "BEGINPATH\nRECTANGLE -1 -1 6 6\nENDPATH\nSELECTCLIPPATH\n";
 const std::string kCorner =
     "BEGINPATH\nSETBKCOLOR 0xffffff\nMOVETO 0 0\nLINETO 10 0\nLINETO 10 10\nENDPATH\n";
 const std::string kFillBrush = "CREATEBRUSH 0 0x665544 0 0 0 [00]\nSETBRUSHORG 0 0\n";
@@ -84,10 +85,7 @@ const std::string kFillBrush = "CREATEBRUSH 0 0x665544 0 0 0 [00]\nSETBRUSHORG 0
 TEST_F(DrawingCallTest, StrokePath_RecordsInOrder) {
   host::ClipObject clip(DC_RECT, {0, 0, 5, 5});
   EXPECT_TRUE(StrokePath(&surface_, &corner_, &clip));
-  EXPECT_EQ(TakeDrawing(), kPen +
-                               "SETROP2 0\nBEGINPATH\nRECTANGLE -1 -1 6 6\nENDPATH\n"
-                               "SELECTCLIPPATH\n" +
-                               kCorner + "STROKEPATH\n");
+  EXPECT_EQ(TakeDrawing(), kPen + "SETROP2 0\n" + kClip + kCorner + "STROKEPATH\n");
   EXPECT_EQ(device_.remembered_colour, 0x112233u);
 
   host::ClipObject holding(DC_RECT, {0, 0, 10, 10});
@@ -100,17 +98,18 @@ TEST_F(DrawingCallTest, StrokePath_RecordsInOrder) {
 
 TEST_F(DrawingCallTest, Fills_RecordInOrder) {
   const std::string fill = "SETPOLYFILLMODE 2\n" + kFillBrush + "SETROP2 13\nFILLPATH\n";
-  EXPECT_TRUE(FillPath(&surface_, &corner_));
-  EXPECT_EQ(TakeDrawing(), kCorner + fill);
+  host::ClipObject clip(DC_RECT, {0, 0, 5, 5});
+  EXPECT_TRUE(FillPath(&surface_, &corner_, &clip));
+  EXPECT_EQ(TakeDrawing(), kClip + kCorner + fill);
   // Unlike a stroke, a fill of nothing is recorded.
   EXPECT_TRUE(FillPath(&surface_, &nothing_));
   EXPECT_EQ(TakeDrawing(), fill);
   EXPECT_TRUE(StrokePath(&surface_, &nothing_));
   EXPECT_EQ(TakeDrawing(), kPen + "SETROP2 0\n");
   device_.remembered_colour = 0xFFFFFF;
-  EXPECT_TRUE(StrokeAndFillPath(&surface_, &corner_));
-  EXPECT_EQ(TakeDrawing(), kPen + "SETROP2 0\n" + kCorner + "SETPOLYFILLMODE 1\n" + kFillBrush +
-                               "SETROP2 0\nSTROKEANDFILLPATH\n");
+  EXPECT_TRUE(StrokeAndFillPath(&surface_, &corner_, &clip));
+  EXPECT_EQ(TakeDrawing(), kPen + "SETROP2 0\n" + kClip + kCorner + "SETPOLYFILLMODE 1\n" +
+                               kFillBrush + "SETROP2 0\nSTROKEANDFILLPATH\n");
   EXPECT_EQ(device_.remembered_colour, 0x112233u);
 }
 

@@ -1,5 +1,6 @@
 #include "driver/device_mode_merge.h"
 
+#include <algorithm>
 #include <cstring>
 #include <functional>
 #include <gtest/gtest.h>
@@ -128,12 +129,14 @@ TEST(MergeDeviceMode, Shape_DecidesOnNameAndPrivatePart) {
   for (const auto& c : cases) {
     SCOPED_TRACE(c.what);
     DeviceMode caller;
-    BuildDefaultDeviceMode(caller, L"Caller's printer");
+    BuildDefaultDeviceMode(caller, nullptr);
+    std::fill_n(caller.pub.dmDeviceName, CCHDEVICENAME, L'x');  // without a terminator
     std::memset(caller.private_part, 0x5A, sizeof caller.private_part);
     c.change(caller.pub);
     DeviceMode mode = Default();
     MergeDeviceMode(mode, &caller.pub);
-    EXPECT_STREQ(mode.pub.dmDeviceName, c.taken ? L"Caller's printer" : L"Some printer");
+    EXPECT_EQ(std::wstring(mode.pub.dmDeviceName),
+              c.taken ? std::wstring(CCHDEVICENAME - 1, L'x') : L"Some printer");
     const std::byte expected{c.taken ? uint8_t{0x5A} : uint8_t{0}};
     EXPECT_EQ(mode.private_part[0], expected);
     EXPECT_EQ(mode.private_part[kDriverExtra - 1], expected);

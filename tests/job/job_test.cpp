@@ -46,10 +46,15 @@ class Job : public testing::Test {
     host::EnsurePrinter(host::kPrinterName, kDpi, {});
     spool_job_.emplace(host::kPrinterName, L"A document");
     files_before_ = LeftFiles();
+    heaps_before_ = GetProcessHeaps(0, nullptr);
   }
   void TearDown() override {
     EXPECT_EQ(LeftFiles(), files_before_);
+    EXPECT_EQ(GetProcessHeaps(0, nullptr), heaps_before_);
     EXPECT_EQ(client_.LivingPages(), 0);
+    CoUninitialize();
+    // No job is left in the apartment: another kind may be entered.
+    EXPECT_EQ(CoInitializeEx(nullptr, COINIT_APARTMENTTHREADED), S_OK);
     CoUninitialize();
   }
 
@@ -91,6 +96,7 @@ class Job : public testing::Test {
   RecordingClient client_;
   std::optional<host::SpoolJob> spool_job_;
   int files_before_ = 0;
+  DWORD heaps_before_ = 0;
 };
 
 TEST_F(Job, ClientConnected_HearsEveryStepInOrder) {
@@ -119,7 +125,15 @@ TEST_F(Job, ClientConnected_HearsEveryStepInOrder) {
   }
 }
 
+const DEVMODEW* reference_settings = nullptr;
+HDC WINAPI WatchCreateDc(LPCWSTR, LPCWSTR printer, LPCWSTR, const DEVMODEW* settings) {
+  EXPECT_EQ(std::wstring(printer), host::kPrinterName);
+  reference_settings = settings;
+  return nullptr;
+}
+
 TEST_F(Job, PageFile_StandsDuringNotifyPageOnly) {
+  const test::ImportPatch watch("CreateDCW", WatchCreateDc);
   client_.LeaveConnection(spool_job_->Id());
   std::wstring page_file;
   ENHMETAHEADER header = {};
@@ -131,6 +145,7 @@ TEST_F(Job, PageFile_StandsDuringNotifyPageOnly) {
   };
   CQloPrinter* job = Open();
   ASSERT_TRUE(StartPage(job));
+  EXPECT_EQ(reference_settings, &job->device_settings->pub);
   const records::Rect rectangle = {10, 20, 110, 220};
   Send(job, records::REC_RECTANGLE, &rectangle, sizeof rectangle);
   EXPECT_TRUE(SendPage(job));
@@ -144,7 +159,14 @@ TEST_F(Job, PageFile_StandsDuringNotifyPageOnly) {
   EXPECT_EQ(header.nDescription, 21u);
 }
 
+std::wstring made_folder;
+BOOL WINAPI WatchCreateDirectory(LPCWSTR path, SECURITY_ATTRIBUTES*) {
+  made_folder = path;
+  return TRUE;
+}
+
 TEST_F(Job, FontsFile_ReadableDuringTheCallAndGoneAfter) {
+  const test::ImportPatch watch("CreateDirectoryW", WatchCreateDirectory);
   client_.LeaveConnection(spool_job_->Id());
   std::wstring fonts_file;
   STATSTG stream_state = {};
@@ -161,6 +183,8 @@ TEST_F(Job, FontsFile_ReadableDuringTheCallAndGoneAfter) {
     stream->Stat(&stream_state, STATFLAG_NONAME);
   };
   CQloPrinter* job = Open();
+  EXPECT_EQ(made_folder, test::TempFolder() + L"\\QLOFNT500");
+  EXPECT_EQ(job->font_folder, made_folder);
   for (const LONG height : {-10, -20, -10}) {
     LOGFONTW font = {};
     font.lfHeight = height;
@@ -238,8 +262,17 @@ int WINAPI CountMessageBox(HWND, LPCWSTR, LPCWSTR caption, UINT style) {
   return IDOK;
 }
 
+int destroyed_arrays = 0;
+
+HRESULT WINAPI CountSafeArrayDestroy(SAFEARRAY* array) {
+  ++destroyed_arrays;
+  SafeArrayDestroyData(array);
+  return SafeArrayDestroyDescriptor(array);
+}
+
 TEST_F(Job, TextRuns_HandedOverByNameAndEmptied) {
   const test::ImportPatch watch("MessageBoxW", CountMessageBox);
+  const test::ImportPatch count("SafeArrayDestroy", CountSafeArrayDestroy);
   const struct {
     bool known;
     HRESULT answer;
@@ -247,7 +280,7 @@ TEST_F(Job, TextRuns_HandedOverByNameAndEmptied) {
   } cases[] = {{false, S_OK, 0}, {true, S_OK, 0}, {true, E_FAIL, 1}};
   for (const auto& c : cases) {
     SCOPED_TRACE(testing::Message() << c.known << ", " << c.answer);
-    message_boxes = 0;
+    message_boxes = destroyed_arrays = 0;
     client_.text_runs.clear();
     client_.has_text_runs = c.known;
     client_.text_runs_answer = c.answer;
@@ -265,6 +298,7 @@ TEST_F(Job, TextRuns_HandedOverByNameAndEmptied) {
     Close(job);
     const std::vector<std::vector<int>> expected = {{10, 20, 30}, {}};
     EXPECT_EQ(client_.text_runs, c.known ? expected : std::vector<std::vector<int>>());
+    EXPECT_EQ(destroyed_arrays, c.known ? 2 : 0);
     EXPECT_EQ(message_boxes, c.boxes * 2);
     if (c.boxes > 0) {
       EXPECT_EQ(message_box_caption, L"Error");
@@ -274,20 +308,44 @@ TEST_F(Job, TextRuns_HandedOverByNameAndEmptied) {
 }
 
 UINT WINAPI NoTempFile(LPCWSTR, LPCWSTR, UINT, LPWSTR) { return 0; }
+HDC WINAPI NoMetafile(HDC, LPCWSTR, const RECT*, LPCWSTR) { return nullptr; }
+HENHMETAFILE WINAPI FailClosing(HDC dc) {
+  // What was selected is released while the metafile still records.
+  EXPECT_EQ(GetCurrentObject(dc, OBJ_PEN), GetStockObject(BLACK_PEN));
+  static const auto close = reinterpret_cast<decltype(&CloseEnhMetaFile)>(
+      reinterpret_cast<void*>(GetProcAddress(GetModuleHandleW(L"gdi32"), "CloseEnhMetaFile")));
+  DeleteEnhMetaFile(close(dc));
+  return nullptr;
+}
 
-TEST_F(Job, PageFileCannotBeMade_JobFails) {
-  client_.LeaveConnection(spool_job_->Id());
-  CQloPrinter* job = Open();
-  {
-    const test::ImportPatch full_disk("GetTempFileNameW", NoTempFile);
+TEST_F(Job, PageCannotBeMadeOrClosed_JobFailsAndLeavesNoFile) {
+  const struct {
+    test::ImportPatch (*fail)();
+    bool begun;
+  } cases[] = {
+      {[] { return test::ImportPatch("GetTempFileNameW", NoTempFile); }, false},
+      {[] { return test::ImportPatch("CreateEnhMetaFileW", NoMetafile); }, false},
+      {[] { return test::ImportPatch("CloseEnhMetaFile", FailClosing); }, true},
+  };
+  for (const auto& c : cases) {
+    SCOPED_TRACE(&c - cases);
+    client_.LeaveConnection(spool_job_->Id());
+    CQloPrinter* job = Open();
+    {
+      const test::ImportPatch failure = c.fail();
+      EXPECT_EQ(StartPage(job), c.begun);
+      const records::CreatePenPayload pen = {PS_SOLID, 3, 0, 0x123456};
+      if (c.begun) Send(job, records::REC_CREATEPEN, &pen, sizeof pen);
+      EXPECT_FALSE(c.begun && SendPage(job));
+    }
+    EXPECT_NE(job->state & kJobFailed, 0u);
+    EXPECT_EQ(client_.calls.back(), Named("NotifyError") + " -295");
+    EXPECT_EQ(LeftFiles(), files_before_);
+    const size_t calls = client_.calls.size();
     EXPECT_FALSE(StartPage(job));
+    EXPECT_EQ(client_.calls.size(), calls);
+    Close(job);
   }
-  EXPECT_NE(job->state & kJobFailed, 0u);
-  EXPECT_EQ(client_.calls.back(), Named("NotifyError") + " -295");
-  const size_t calls = client_.calls.size();
-  EXPECT_FALSE(StartPage(job));
-  EXPECT_EQ(client_.calls.size(), calls);
-  Close(job);
 }
 
 TEST_F(Job, PrinterGone_PageMadeAllTheSame) {
@@ -340,15 +398,21 @@ TEST_F(Job, RecordTooLongForMemory_LosesNoOther) {
   CQloPrinter* job = Open();
   const std::vector<std::byte> piece(5000);
   const uint32_t header[] = {records::REC_STRETCHBLT, 10000};
-  WriteJob(job, header, sizeof header, nullptr);
-  {
-    const test::ImportPatch no_memory("HeapReAlloc", NoGrowth);
-    WriteJob(job, piece.data(), 5000, nullptr);
+  for (const bool rest_comes : {true, false}) {
+    WriteJob(job, header, sizeof header, nullptr);
+    {
+      const test::ImportPatch no_memory("HeapReAlloc", NoGrowth);
+      WriteJob(job, piece.data(), 5000, nullptr);
+    }
+    if (rest_comes) {
+      WriteJob(job, piece.data(), 5000, nullptr);
+    } else {
+      SendPage(job);
+    }
+    const records::Point offset = {12, rest_comes ? 34 : 56};
+    Send(job, records::REC_PAGEVALUE, &offset, sizeof offset);
+    EXPECT_EQ(job->playback.page_value.y, offset.y);
   }
-  WriteJob(job, piece.data(), 5000, nullptr);
-  const records::Point offset = {12, 34};
-  Send(job, records::REC_PAGEVALUE, &offset, sizeof offset);
-  EXPECT_EQ(job->playback.page_value.x, 12);
   Close(job);
 }
 
@@ -356,11 +420,17 @@ TEST_F(Job, End_SignalsTheEventAWaiterHolds) {
   const std::wstring name =
       L"Global\\VORNIXQUILLO5_JOB_END" + std::to_wstring(spool_job_->Id()) + L" version5";
   const KernelHandle waiter(CreateEventW(nullptr, TRUE, FALSE, name.c_str()));
+  const auto signalled = [&waiter] {
+    return WaitForSingleObject(waiter.Get(), 0) == WAIT_OBJECT_0;
+  };
+  client_.LeaveConnection(spool_job_->Id());
+  bool ended = false;
+  client_.on_job_end = [&] { ended = signalled(); };  // before the client hears of the end
   CQloPrinter* job = Open();
   EndDocument(job);
-  EXPECT_EQ(WaitForSingleObject(waiter.Get(), 0), static_cast<DWORD>(WAIT_TIMEOUT));
+  EXPECT_FALSE(signalled());
   SignalEndAndDestroy(job);
-  EXPECT_EQ(WaitForSingleObject(waiter.Get(), 0), static_cast<DWORD>(WAIT_OBJECT_0));
+  EXPECT_TRUE(ended);
 }
 
 TEST(JobOperations, NoJob_RefusedQuietly) {

@@ -188,7 +188,7 @@ HDC WINAPI NoDc(const WCHAR*, const WCHAR*, const WCHAR*, const DEVMODEW*) { ret
 
 struct {
   std::vector<DWORD> colours_and_bits;
-  POINT origin;
+  std::vector<int> origins;  // of the source and of the mask
   DWORD rop4;
 } asked_mask;
 HBITMAP WINAPI WatchCreateDIBitmap(HDC, const BITMAPINFOHEADER*, DWORD, const void* bits,
@@ -197,16 +197,16 @@ HBITMAP WINAPI WatchCreateDIBitmap(HDC, const BITMAPINFOHEADER*, DWORD, const vo
   asked_mask.colours_and_bits = {colours[0], colours[1], *static_cast<const DWORD*>(bits)};
   return CreateBitmap(8, 1, 1, 1, nullptr);
 }
-BOOL WINAPI WatchMaskBlt(HDC, int, int, int, int, HDC, int, int, HBITMAP, int x, int y,
-                         DWORD rop4) {
-  asked_mask.origin = {x, y};
+BOOL WINAPI WatchMaskBlt(HDC, int, int, int, int, HDC, int from_x, int from_y, HBITMAP, int x,
+                         int y, DWORD rop4) {
+  asked_mask.origins = {from_x, from_y, x, y};
   asked_mask.rop4 = rop4;
   return TRUE;
 }
 
 Payload MaskBltRecord(const Payload& source, const Payload& mask) {
   const auto mask_offset = static_cast<uint32_t>(44 + source.size());
-  return PayloadOf(kAt, 0, 0, 3, 4, 0xAACC1234u, mask_offset, 44u, source, mask);
+  return PayloadOf(kAt, 1, 2, 3, 4, 0xAACC1234u, mask_offset, 44u, source, mask);
 }
 
 TEST(MaskBlt, BlackAndWhiteMask_MadeOnThePrinter) {
@@ -232,8 +232,7 @@ TEST(MaskBlt, BlackAndWhiteMask_MadeOnThePrinter) {
   EXPECT_EQ(page.Play(REC_MASKBLT, MaskBltRecord(kPicture, mask)), 1);
   EXPECT_EQ(asked_settings, &page.settings.pub);
   EXPECT_EQ(asked_mask.colours_and_bits, (std::vector<DWORD>{0, 0xFFFFFFFF, 0xA5}));
-  EXPECT_EQ(asked_mask.origin.x, 3);
-  EXPECT_EQ(asked_mask.origin.y, 4);
+  EXPECT_EQ(asked_mask.origins, (std::vector<int>{1, 2, 3, 4}));
   EXPECT_EQ(asked_mask.rop4, 0xAACC1234u);
   EXPECT_TRUE(page.Records().empty());
 }

@@ -118,6 +118,7 @@ class RecordingClient::Client : public Passed<::IQuilloClient> {
     return Note(Line("NotifyPage ", Subject(printer, job), " ", Number(page)));
   }
   HRESULT STDMETHODCALLTYPE NotifyJobEnd(BSTR printer, LONG job) override {
+    if (owner_.on_job_end) owner_.on_job_end();
     return Note("NotifyJobEnd " + Subject(printer, job));
   }
   HRESULT STDMETHODCALLTYPE NotifyEmbeddedFont(BSTR path) override {

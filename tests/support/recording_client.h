@@ -31,6 +31,7 @@ class RecordingClient {
   std::vector<std::vector<int>> text_runs;
   std::function<void(const wchar_t* path)> on_fonts_file;
   std::function<void(const wchar_t* path)> on_page_file;  // during NotifyPage
+  std::function<void()> on_job_end;
   std::function<HRESULT(const wchar_t* path)> on_embedded_font;
 
   /// COM objects of this client that are still referenced, the client's own aside.
