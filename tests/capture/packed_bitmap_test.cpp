@@ -56,7 +56,8 @@ TEST(ForEachPiece, Rows_BecomeBottomUpAndAddUp) {
   EXPECT_EQ(Pieces("aabbc", 2, 4, true), "[00][c][0][bb][aa]");
   EXPECT_EQ(Pieces("a", 4097, 1, true), "[a][" + std::string(4096, '0') + "]");
   EXPECT_EQ(Pieces("a", 4098, 1, true), "[a][" + std::string(4096, '0') + "][0]");
-  EXPECT_EQ(SurfaceBits({}, 0x80000000, 0xFFFFFFFF, true).Size(), 0x7FFFFFFF80000000u);
+  const SurfaceBits huge = {{}, 0x80000000, 0xFFFFFFFF, true};
+  EXPECT_EQ(huge.Size(), 0x7FFFFFFF80000000u);
 }
 
 }  // namespace

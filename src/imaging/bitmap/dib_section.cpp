@@ -24,7 +24,7 @@ struct DibInfo {
 bool IsPresentable(const BitmapHandle& record) {
   return IsStructureSize(record.structure_size) && IsValid(record) &&
          record.colour_order != kOrderGrey && IsDibDepth(record.bits_per_pixel) &&
-         std::max(record.width, record.height) <= INT32_MAX &&
+         std::max(record.width, record.height) <= INT32_MAX &&  // headers count in int32_t
          (record.flags & (kTiled | kCallerMemory)) == 0;
 }
 
