@@ -4,6 +4,7 @@
 #include <cstring>
 #include <string_view>
 
+#include "host/engine/page_records.h"
 #include "host/engine/services/service_table.h"
 
 namespace quillo::host {
@@ -21,7 +22,8 @@ void* FindService(std::string_view name) {
   for (const EngineService& service : EngineServices()) {
     if (name == service.name) return service.address;
   }
-  return nullptr;
+  static const std::vector<DWORD> dropped = DroppedRecords();
+  return FindRecordingCall(name, dropped);
 }
 
 /// Whether only a graphics engine has a function of this name.
@@ -38,7 +40,8 @@ void WriteEntry(void** entry, void* address) {
   VirtualProtect(entry, sizeof *entry, protection, &protection);
 }
 
-/// Points every engine service that the module imports by name to this process's own.
+/// Points every engine service that the module imports by name, and GDI's calls where its recorder
+/// drops records, to this process's own.
 void BindServices(HMODULE module) {
   auto* base = reinterpret_cast<std::byte*>(module);
   const auto* dos = reinterpret_cast<const IMAGE_DOS_HEADER*>(base);

@@ -12,7 +12,8 @@ namespace quillo::host {
 /// A printer graphics driver DLL, loaded and enabled.
 ///
 /// The module's imports of engine services are bound to this process's own services before the
-/// first call into it, since the platform's are missing under Wine.
+/// first call into it, since the platform's are missing under Wine; so are its imports of GDI where
+/// they record less than Windows' (see page_records.h).
 class DriverModule {
  public:
   /// Loads the DLL and enables the driver. Throws DriverFailure.

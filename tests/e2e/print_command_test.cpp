@@ -7,6 +7,7 @@
 
 #include "base/gdi_owners.h"
 #include "e2e/command.h"
+#include "host/emf/metafile_builder.h"
 
 // The print command as its users meet it: the shipped driver, the client in its own process.
 namespace quillo::test {
@@ -136,6 +137,27 @@ TEST_F(PrintCommand, SheetAndResolution_GiveThePagesScale) {
   // 50 mm of the picture are 50 mm of the page.
   EXPECT_NEAR(static_cast<double>(header.rclBounds.right - header.rclBounds.left), 50 * 96 / 25.4,
               2);
+}
+
+TEST_F(PrintCommand, WideDashedLine_IsWholeOnThePage) {
+  host::emf::MetafileBuilder input;
+  input.Add(host::emf::kEmrSETMITERLIMIT, {4});
+  input.Add(host::emf::kEmrEXTCREATEPEN, {1, 0, 0, 0, 0, PS_GEOMETRIC | PS_DASH | PS_JOIN_MITER, 3,
+                                          BS_SOLID, RGB(255, 0, 0), 0, 0, 0});
+  input.Add(host::emf::kEmrSELECTOBJECT, {1});
+  input.Add(host::emf::kEmrMOVETOEX, {10, 10});
+  input.Add(host::emf::kEmrLINETO, {90, 40});
+  const auto bytes = input.Finish();
+  std::ofstream(folder_ / L"dashed.emf", std::ios::binary)
+      .write(reinterpret_cast<const char*>(bytes.data()),
+             static_cast<std::streamsize>(bytes.size()));
+  EXPECT_EQ(Print(Quoted(L"dashed.emf") + L" --preview 0").exit_code, 0);
+  const Json report = ReadJobReport(out_);
+  const Json& records = report["pages"][0]["records"];
+  for (const char* name : {"EMR_EXTCREATEPEN", "EMR_SETMITERLIMIT", "EMR_STROKEPATH"}) {
+    EXPECT_EQ(records.value(name, 0), 1) << records.dump();
+  }
+  EXPECT_FALSE(records.contains("EMR_GDICOMMENT"));
 }
 
 TEST_F(PrintCommand, InputsThatAreNone_AreNamedAndNothingIsWritten) {
