@@ -4,12 +4,14 @@
 
 #include <filesystem>
 #include <fstream>
+#include <functional>
 #include <gtest/gtest.h>
 
 #include "base/gdi_owners.h"
 #include "host/base/com_apartment.h"
 #include "host/base/failure.h"
 #include "host/pictures/picture_decoder.h"
+#include "host/preview/canvas.h"
 
 namespace quillo::host {
 namespace {
@@ -19,20 +21,49 @@ namespace fs = std::filesystem;
 class Preview : public testing::Test {
  protected:
   Preview() {
-    // A sheet of one inch by two, its lower half red.
-    const RECT frame{0, 0, 2540, 5080};
-    MetafileDc dc(CreateEnhMetaFileW(nullptr, page_.c_str(), &frame, nullptr));
-    const int dots_per_metre =
-        GetDeviceCaps(dc.Get(), HORZRES) * 1000 / GetDeviceCaps(dc.Get(), HORZSIZE);
-    const int inch = MulDiv(dots_per_metre, 254, 10000);
-    const RECT half{0, inch, inch, 2 * inch};
-    const Brush red(CreateSolidBrush(RGB(255, 0, 0)));
-    FillRect(dc.Get(), &half, red.Get());
-    const EnhMetafile closed = dc.Close();
+    // The lower half of the sheet is red.
+    Draw(300, [](HDC dc) {
+      const RECT half{0, 300, 300, 600};
+      const Brush red(CreateSolidBrush(kRed));
+      FillRect(dc, &half, red.Get());
+    });
   }
   ~Preview() override {
     fs::remove(page_);
     fs::remove(png_);
+  }
+
+  static constexpr COLORREF kRed = RGB(255, 0, 0);
+
+  /// Draws a page of one inch by two, `dpi` units an inch.
+  void Draw(int dpi, const std::function<void(HDC)>& draw) const {
+    const RECT frame{0, 0, 2540, 5080};
+    MetafileDc dc(CreateEnhMetaFileW(nullptr, page_.c_str(), &frame, nullptr));
+    const float dots_per_inch = 25.4f * static_cast<float>(GetDeviceCaps(dc.Get(), HORZRES)) /
+                                static_cast<float>(GetDeviceCaps(dc.Get(), HORZSIZE));
+    const float scale = dots_per_inch / static_cast<float>(dpi);
+    SetGraphicsMode(dc.Get(), GM_ADVANCED);
+    const XFORM units = {scale, 0, 0, scale, 0, 0};
+    SetWorldTransform(dc.Get(), &units);
+    draw(dc.Get());
+    const EnhMetafile closed = dc.Close();
+  }
+
+  /// The colour of each pixel in the preview at 50 dpi, 50 x 100.
+  std::function<COLORREF(size_t x, size_t y)> Rendered() const {
+    WritePreview(page_, png_, 50);
+    std::ifstream file(png_, std::ios::binary);
+    const std::string bytes(std::istreambuf_iterator<char>(file), {});
+    const PictureDecoder decoder(std::as_bytes(std::span(bytes)));
+    EXPECT_NEAR(decoder.FrameResolution(0).x, 50, 0.1);
+    const BitmapSource picture = decoder.Frame(0, 5000);
+    EXPECT_EQ(picture.width, 50);
+    EXPECT_EQ(picture.height, 100);
+    return [picture](size_t x, size_t y) {
+      const std::byte* at = &picture.bits[y * picture.Stride() + x * 3];
+      return RGB(std::to_integer<int>(at[2]), std::to_integer<int>(at[1]),
+                 std::to_integer<int>(at[0]));
+    };
   }
 
   const ComApartment apartment_;
@@ -41,22 +72,30 @@ class Preview : public testing::Test {
 };
 
 TEST_F(Preview, Page_BecomesPngOfItsSheet) {
-  WritePreview(page_, png_, 50);
-
-  std::ifstream file(png_, std::ios::binary);
-  const std::string bytes(std::istreambuf_iterator<char>(file), {});
-  const PictureDecoder decoder(std::as_bytes(std::span(bytes)));
-  EXPECT_NEAR(decoder.FrameResolution(0).x, 50, 0.1);
-  const BitmapSource picture = decoder.Frame(0, 5000);
-  EXPECT_EQ(picture.width, 50);
-  ASSERT_EQ(picture.height, 100);
-  const auto pixel = [&picture](size_t x, size_t y) {
-    const std::byte* at = &picture.bits[y * picture.Stride() + x * 3];
-    return RGB(std::to_integer<int>(at[2]), std::to_integer<int>(at[1]),
-               std::to_integer<int>(at[0]));
-  };
+  const auto pixel = Rendered();
   EXPECT_EQ(pixel(25, 25), RGB(255, 255, 255));
-  EXPECT_EQ(pixel(25, 75), RGB(255, 0, 0));
+  EXPECT_EQ(pixel(25, 75), kRed);
+}
+
+TEST_F(Preview, ReducedPictures_AreAveragedWhateverTheStretchMode) {
+  for (const int mode : {BLACKONWHITE, WHITEONBLACK, COLORONCOLOR, HALFTONE}) {
+    Draw(600, [mode](HDC dc) {
+      // Columns of 3 dots, black and white in turn.
+      const Canvas picture({600, 600});
+      const CreatedDc source(CreateCompatibleDC(nullptr));
+      const SelectScope drawn(source.Get(), picture.Handle());
+      for (int x = 3; x < 600; x += 6) PatBlt(source.Get(), x, 0, 3, 600, WHITENESS);
+      SetStretchBltMode(dc, mode);
+      BitBlt(dc, 0, 0, 600, 600, source.Get(), 0, 0, SRCCOPY);
+      IntersectClipRect(dc, 0, 600, 300, 1200);
+      StretchBlt(dc, 0, 600, 600, 600, source.Get(), 0, 0, 600, 600, SRCCOPY);
+    });
+    const auto pixel = Rendered();
+    for (const size_t x : {5u, 24u, 26u, 45u}) {
+      EXPECT_NEAR(GetRValue(pixel(x, 20)), 128, 4) << mode << " " << x;
+      EXPECT_NEAR(GetRValue(pixel(x, 75)), x < 25 ? 128 : 255, 4) << mode << " " << x;
+    }
+  }
 }
 
 TEST_F(Preview, Failures_NameTheFileAndLeaveNone) {

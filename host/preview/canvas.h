@@ -1,0 +1,35 @@
+#pragma once
+
+#include "base/windows.h"
+
+#include <cstddef>
+
+#include "base/bytes.h"
+#include "base/gdi_owners.h"
+
+namespace quillo::host {
+
+/// A bitmap whose pixels lie in memory: rows from the top, three bytes a pixel, blue first.
+class Canvas {
+ public:
+  /// Pixels; both above 0. False when memory does not suffice.
+  explicit Canvas(SIZE size);
+  explicit operator bool() const { return static_cast<bool>(bitmap_); }
+
+  HBITMAP Handle() const { return bitmap_.Get(); }
+  SIZE Size() const { return size_; }
+  /// Bytes from row to row.
+  size_t Stride() const { return (static_cast<size_t>(size_.cx) * 24 + 31) / 32 * 4; }
+  MutableBytes Rows() { return {bits_, Stride() * static_cast<size_t>(size_.cy)}; }
+  /// The first byte of a pixel on the canvas.
+  std::byte* At(LONG x, LONG y) {
+    return bits_ + static_cast<size_t>(y) * Stride() + static_cast<size_t>(x) * 3;
+  }
+
+ private:
+  SIZE size_;
+  std::byte* bits_ = nullptr;
+  Bitmap bitmap_;
+};
+
+}  // namespace quillo::host

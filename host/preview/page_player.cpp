@@ -1,0 +1,236 @@
+#include "host/preview/page_player.h"
+
+#include <algorithm>
+#include <cmath>
+#include <vector>
+
+#include "base/checked.h"
+
+namespace quillo::host {
+
+namespace {
+
+/// Pixels of the enlarged part of one blit, and of those of all blits on a page. Blits beyond that
+/// are played as they are.
+constexpr double kMostPixels = 1 << 24;
+constexpr double kMostPixelsOfPage = 1 << 29;
+
+/// A part of the sheet that is drawn larger.
+struct Enlargement {
+  RECT part;   // of the sheet, pixels
+  int factor;  // pixels on each side for one of the sheet
+
+  /// From pixels of the sheet to those of the enlarged part.
+  XFORM Transform() const {
+    const auto scale = static_cast<FLOAT>(factor);
+    return {scale,
+            0,
+            0,
+            scale,
+            -scale * static_cast<FLOAT>(part.left),
+            -scale * static_cast<FLOAT>(part.top)};
+  }
+};
+
+SIZE SizeOf(const RECT& rect) { return {rect.right - rect.left, rect.bottom - rect.top}; }
+
+/// Whether a record is a blit with a source. They all begin with the same fields.
+bool IsBlit(const ENHMETARECORD& record) {
+  switch (record.iType) {
+    case EMR_BITBLT:
+    case EMR_STRETCHBLT:
+    case EMR_MASKBLT:
+    case EMR_ALPHABLEND:
+    case EMR_TRANSPARENTBLT:
+      return record.nSize >= sizeof(EMRBITBLT) &&
+             reinterpret_cast<const EMRBITBLT&>(record).cbBitsSrc != 0;
+    default:
+      return false;
+  }
+}
+
+/// Copies a part of the sheet, each pixel as a square of `factor`.
+void Enlarge(Canvas& sheet, const Enlargement& by, Canvas& enlarged) {
+  const SIZE size = enlarged.Size();
+  for (LONG y = 0; y < size.cy; ++y) {
+    if (y % by.factor != 0) {
+      std::copy_n(enlarged.At(0, y - 1), enlarged.Stride(), enlarged.At(0, y));
+      continue;
+    }
+    for (LONG x = 0; x < size.cx; ++x) {
+      std::copy_n(sheet.At(by.part.left + x / by.factor, by.part.top + y / by.factor), 3,
+                  enlarged.At(x, y));
+    }
+  }
+}
+
+/// Puts the part back, each pixel as the average of its square.
+void Average(Canvas& enlarged, const Enlargement& by, Canvas& sheet) {
+  const SIZE size = SizeOf(by.part);
+  const auto area = static_cast<unsigned>(by.factor * by.factor);
+  std::vector<unsigned> sums;  // of a row
+  for (LONG y = 0; y < size.cy; ++y) {
+    sums.assign(static_cast<size_t>(size.cx) * 3, area / 2);
+    for (int row = 0; row < by.factor; ++row) {
+      const std::byte* at = enlarged.At(0, y * by.factor + row);
+      for (size_t pixel = 0; pixel < sums.size(); pixel += 3) {
+        for (int column = 0; column < by.factor; ++column) {
+          for (size_t channel = 0; channel < 3; ++channel) {
+            sums[pixel + channel] += std::to_integer<unsigned>(*at++);
+          }
+        }
+      }
+    }
+    std::transform(sums.begin(), sums.end(), sheet.At(by.part.left, by.part.top + y),
+                   [area](unsigned sum) { return static_cast<std::byte>(sum / area); });
+  }
+}
+
+/// A DC's clip region, as a part of the sheet that is drawn enlarged needs it; null: none.
+Region EnlargedClip(HDC dc, const Enlargement& by) {
+  const Region clip(CreateRectRgn(0, 0, 0, 0));
+  if (GetClipRgn(dc, clip.Get()) != 1) return Region();
+  std::vector<std::byte> data(GetRegionData(clip.Get(), 0, nullptr));
+  auto* region = reinterpret_cast<RGNDATA*>(data.data());
+  const auto size = static_cast<DWORD>(data.size());
+  GetRegionData(clip.Get(), size, region);
+  const XFORM enlarge = by.Transform();
+  return Region(ExtCreateRegion(&enlarge, size, region));
+}
+
+/// Pixels of the sheet for one dot of the page, for both sides alike.
+double ScaleOf(HDC dc) {
+  XFORM transform;
+  if (!GetWorldTransform(dc, &transform)) return 1;
+  return std::sqrt(std::abs(static_cast<double>(transform.eM11) * transform.eM22 -
+                            static_cast<double>(transform.eM12) * transform.eM21));
+}
+
+class PagePlayer {
+ public:
+  PagePlayer(HDC dc, Canvas& sheet) : dc_(dc), sheet_(sheet) {}
+
+  void Play(HANDLETABLE& handles, const ENHMETARECORD& record, UINT handle_count) {
+    switch (record.iType) {
+      case EMR_HEADER:
+        SetStretchBltMode(dc_, HALFTONE);
+        break;
+      case EMR_SETSTRETCHBLTMODE:
+        return;
+      case EMR_SETMITERLIMIT:  // an integer, which this GDI takes for a float
+        SetMiterLimit(dc_, static_cast<FLOAT>(record.dParm[0]), nullptr);
+        return;
+      case EMR_EXTCREATEPEN:
+        CreatePen(handles, record, handle_count);
+        return;
+      default:
+        if (IsBlit(record) && PlayEnlarged(handles, record, handle_count)) return;
+    }
+    PlayEnhMetaFileRecord(dc_, &handles, &record, handle_count);
+  }
+
+ private:
+  /// Creates an extended pen. This GDI looks for its fields where 64-bit structures would have
+  /// them, leaves patterns out, and takes the lengths of dashes for pixels.
+  void CreatePen(HANDLETABLE& handles, const ENHMETARECORD& record, UINT handle_count) const {
+    const Bytes whole(reinterpret_cast<const std::byte*>(&record), record.nSize);
+    const auto index = LoadOrZero<DWORD>(whole, 8);
+    const size_t info_at = LoadOrZero<DWORD>(whole, 12), info_size = LoadOrZero<DWORD>(whole, 16);
+    const size_t bits_size = LoadOrZero<DWORD>(whole, 24);
+    const auto count = LoadOrZero<DWORD>(whole, 48);
+    constexpr size_t kEntries = 52;
+    if (index >= handle_count || !RangeFits(whole.size(), kEntries, size_t{count} * 4)) return;
+    LOGBRUSH brush = {LoadOrZero<DWORD>(whole, 36), LoadOrZero<DWORD>(whole, 40),
+                      LoadOrZero<DWORD>(whole, 44)};
+    if (brush.lbStyle == BS_DIBPATTERNPT) {
+      // The driver's host packs the bits right after the colours.
+      if (info_size == 0 || !RangeFits(whole.size(), info_at, info_size + bits_size)) return;
+      brush.lbHatch = reinterpret_cast<ULONG_PTR>(whole.data() + info_at);
+    }
+    const auto style = LoadOrZero<DWORD>(whole, 28);
+    const double scale = (style & PS_GEOMETRIC) != 0 ? ScaleOf(dc_) : 1;
+    std::vector<DWORD> entries(count);
+    for (size_t i = 0; i < entries.size(); ++i) {
+      const auto length = LoadOrZero<DWORD>(whole, kEntries + i * 4) * scale;
+      entries[i] = static_cast<DWORD>(std::max(1.0, std::round(length)));
+    }
+    handles.objectHandle[index] = ExtCreatePen(style, LoadOrZero<DWORD>(whole, 32), &brush, count,
+                                               count == 0 ? nullptr : entries.data());
+  }
+
+  /// What a blit may touch of the sheet, and the factor at which every dot of the page is at least
+  /// a pixel; below 2 where nothing is won or too much would be needed.
+  Enlargement EnlargementOf(const EMRBITBLT& blit) const {
+    POINT corners[] = {{blit.xDest, blit.yDest},
+                       {blit.xDest + blit.cxDest, blit.yDest},
+                       {blit.xDest, blit.yDest + blit.cyDest},
+                       {blit.xDest + blit.cxDest, blit.yDest + blit.cyDest}};
+    if (!LPtoDP(dc_, corners, 4)) return {};
+    const auto [left, right] = std::ranges::minmax(corners, {}, &POINT::x);
+    const auto [top, bottom] = std::ranges::minmax(corners, {}, &POINT::y);
+    const SIZE size = sheet_.Size();
+    Enlargement result = {{std::max(left.x - 1, 0L), std::max(top.y - 1, 0L),
+                           std::min(right.x + 2, size.cx), std::min(bottom.y + 2, size.cy)},
+                          0};
+    const SIZE part = SizeOf(result.part);
+    if (part.cx <= 0 || part.cy <= 0) return {};
+    const double pixels = static_cast<double>(part.cx) * part.cy;
+    result.factor = static_cast<int>(
+        std::min(std::ceil(1 / std::max(ScaleOf(dc_), 0.01)), std::sqrt(kMostPixels / pixels)));
+    return result;
+  }
+
+  /// Plays a blit onto an enlarged copy of the part of the sheet that it touches. False when it is
+  /// to be played as it is.
+  bool PlayEnlarged(HANDLETABLE& handles, const ENHMETARECORD& record, UINT handle_count) {
+    const Enlargement by = EnlargementOf(reinterpret_cast<const EMRBITBLT&>(record));
+    if (by.factor < 2) return false;
+    const SIZE part = SizeOf(by.part);
+    const SIZE size = {part.cx * by.factor, part.cy * by.factor};
+    pixels_ += static_cast<double>(size.cx) * size.cy;
+    if (pixels_ > kMostPixelsOfPage) return false;
+    Canvas enlarged(size);
+    if (!enlarged) return false;
+    GdiFlush();
+    Enlarge(sheet_, by, enlarged);
+
+    const Region clip = EnlargedClip(dc_, by);
+    const int saved = SaveDC(dc_);
+    SelectObject(dc_, enlarged.Handle());
+    SelectClipRgn(dc_, clip.Get());
+    const XFORM enlarge = by.Transform();
+    ModifyWorldTransform(dc_, &enlarge, MWT_RIGHTMULTIPLY);
+    PlayEnhMetaFileRecord(dc_, &handles, &record, handle_count);
+    GdiFlush();
+    RestoreDC(dc_, saved);
+    SelectObject(dc_, sheet_.Handle());
+    Average(enlarged, by, sheet_);
+    return true;
+  }
+
+  HDC dc_;
+  Canvas& sheet_;
+  double pixels_ = 0;  // drawn enlarged so far
+};
+
+int CALLBACK PlayRecord(HDC, HANDLETABLE* handles, const ENHMETARECORD* record, int count,
+                        LPARAM player) {
+  reinterpret_cast<PagePlayer*>(player)->Play(*handles, *record, static_cast<UINT>(count));
+  return 1;
+}
+
+}  // namespace
+
+bool PlayPage(HENHMETAFILE page, Canvas& sheet) {
+  const CreatedDc dc(CreateCompatibleDC(nullptr));
+  if (!dc) return false;
+  const SelectScope drawn_on(dc.Get(), sheet.Handle());
+  const RECT whole{0, 0, sheet.Size().cx, sheet.Size().cy};
+  PagePlayer player(dc.Get(), sheet);
+  // The answer is FALSE as soon as one record fails, which the page may well bear.
+  EnumEnhMetaFile(dc.Get(), page, PlayRecord, &player, &whole);
+  GdiFlush();
+  return true;
+}
+
+}  // namespace quillo::host

@@ -1,0 +1,14 @@
+#pragma once
+
+#include "base/windows.h"
+
+#include "host/preview/canvas.h"
+
+namespace quillo::host {
+
+/// Draws a page that the driver made onto the whole of a canvas, as a reader of pages should see
+/// it: pictures are reduced smoothly, whatever stretch mode the page asks for, since modes that
+/// suit dots of 1/600 inch leave blots at the size of a screen. False when there is no DC.
+bool PlayPage(HENHMETAFILE page, Canvas& sheet);
+
+}  // namespace quillo::host
