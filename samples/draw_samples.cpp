@@ -14,6 +14,7 @@
 #include <vector>
 
 #include "base/gdi_owners.h"
+#include "host/engine/page_records.h"
 
 namespace quillo {
 namespace {
@@ -34,11 +35,28 @@ POINT OnCircle(POINT centre, double radius, double turns) {
   return {centre.x + Round(radius * std::sin(angle)), centre.y - Round(radius * std::cos(angle))};
 }
 
+/// A call of GDI, or what stands in for it where the recorder would drop records.
+template <typename Function>
+Function* Recording(const char* name, Function* gdi) {
+  static const std::vector<DWORD> dropped = host::DroppedRecords();
+  void* const call = host::FindRecordingCall(name, dropped);
+  return call != nullptr ? reinterpret_cast<Function*>(call) : gdi;
+}
+
 class Sheet {
  public:
   explicit Sheet(HDC dc) : dc_(dc) {}
 
   [[nodiscard]] HDC Dc() const { return dc_; }
+
+  [[nodiscard]] Pen WidePen(DWORD style, DWORD width, COLORREF colour) const {
+    const LOGBRUSH brush = {BS_SOLID, colour, 0};
+    const auto create = Recording("ExtCreatePen", &ExtCreatePen);
+    const auto select = Recording("SelectObject", &SelectObject);
+    Pen pen(create(PS_GEOMETRIC | style, width, &brush, 0, nullptr));
+    select(dc_, select(dc_, pen.Get()));  // from now on the metafile holds it
+    return pen;
+  }
 
   /// Draws with a pen and a brush selected; null stands for the stock object that draws nothing.
   void With(HPEN pen, HBRUSH brush, const std::function<void()>& draw) const {
@@ -75,8 +93,7 @@ class Sheet {
 void DrawDashes(const Sheet& sheet) {
   constexpr std::array<DWORD, 5> kStyles = {PS_SOLID, PS_DASH, PS_DOT, PS_DASHDOT, PS_DASHDOTDOT};
   for (size_t i = 0; i < kStyles.size(); ++i) {
-    const LOGBRUSH brush = {BS_SOLID, kColours[i], 0};
-    const Pen pen(ExtCreatePen(PS_GEOMETRIC | PS_ENDCAP_FLAT | kStyles[i], 14, &brush, 0, nullptr));
+    const Pen pen = sheet.WidePen(PS_ENDCAP_FLAT | kStyles[i], 14, kColours[i]);
     const int y = 380 + 50 * static_cast<int>(i);
     sheet.With(pen.Get(), nullptr, [&sheet, y] {
       MoveToEx(sheet.Dc(), 150, y, nullptr);
@@ -90,8 +107,7 @@ void DrawJoinsAndCaps(const Sheet& sheet) {
                                            PS_JOIN_BEVEL | PS_ENDCAP_SQUARE,
                                            PS_JOIN_MITER | PS_ENDCAP_FLAT};
   for (size_t i = 0; i < kKinds.size(); ++i) {
-    const LOGBRUSH brush = {BS_SOLID, kColours[3 + i], 0};
-    const Pen pen(ExtCreatePen(PS_GEOMETRIC | PS_SOLID | kKinds[i], 40, &brush, 0, nullptr));
+    const Pen pen = sheet.WidePen(PS_SOLID | kKinds[i], 40, kColours[3 + i]);
     const int x = 1080 + 310 * static_cast<int>(i);
     const std::array<POINT, 3> angle = {{{x, 580}, {x + 110, 390}, {x + 220, 580}}};
     sheet.With(pen.Get(), nullptr, [&] { Polyline(sheet.Dc(), angle.data(), 3); });
@@ -280,14 +296,15 @@ void DrawPicturesSheet(const Sheet& sheet) {
 bool Draw(const std::wstring& path, const wchar_t* title, void (*draw)(const Sheet&)) {
   const RECT frame = {0, 0, kWidth * 10, kHeight * 10};
   std::wstring description = std::wstring(L"Quillo samples") + L'\0' + title + L'\0';
-  MetafileDc metafile(CreateEnhMetaFileW(nullptr, path.c_str(), &frame, description.c_str()));
-  if (!metafile) return false;
-  const HDC dc = metafile.Get();
+  const HDC dc = Recording("CreateEnhMetaFileW", &CreateEnhMetaFileW)(nullptr, path.c_str(), &frame,
+                                                                      description.c_str());
+  if (dc == nullptr) return false;
   SetMapMode(dc, MM_ANISOTROPIC);
   SetWindowExtEx(dc, GetDeviceCaps(dc, HORZSIZE) * 10, GetDeviceCaps(dc, VERTSIZE) * 10, nullptr);
   SetViewportExtEx(dc, GetDeviceCaps(dc, HORZRES), GetDeviceCaps(dc, VERTRES), nullptr);
   draw(Sheet(dc));
-  return static_cast<bool>(metafile.Close());
+  const EnhMetafile metafile(Recording("CloseEnhMetaFile", &CloseEnhMetaFile)(dc));
+  return static_cast<bool>(metafile);
 }
 
 }  // namespace
