@@ -2,6 +2,8 @@
 
 #include <algorithm>
 #include <cmath>
+#include <cstdio>
+#include <cstdlib>
 #include <cstring>
 #include <filesystem>
 #include <fstream>
@@ -42,7 +44,7 @@ std::optional<Pattern> FindPattern(const LOGBRUSH& brush) {
   BITMAPINFOHEADER header;
   std::memcpy(&header, dib, sizeof header);
   constexpr LONG kMostSide = 1 << 14;
-  const LONG height = header.biHeight < 0 ? -(header.biHeight + 1) + 1 : header.biHeight;
+  const int64_t height = std::abs(int64_t{header.biHeight});
   if (header.biSize != sizeof header || header.biWidth < 1 || header.biWidth > kMostSide ||
       height < 1 || height > kMostSide || header.biBitCount > 32 || header.biClrUsed > 256 ||
       (header.biCompression != BI_RGB && header.biCompression != BI_BITFIELDS)) {
@@ -126,24 +128,25 @@ OpenPages& Pages() {
   return pages;
 }
 
-/// Unpacks the records that a closed page file carries. The file changes as a whole or not at all.
-void UnpackFile(const fs::path& path) {
+/// Unpacks the records that a closed page file carries. The file changes as a whole or, when that
+/// fails, not at all.
+bool UnpackFile(const fs::path& path) {
   std::vector<std::byte> content(fs::file_size(path));
   const auto bytes = reinterpret_cast<char*>(content.data());
   std::ifstream in(path, std::ios::binary);
-  if (!in.read(bytes, static_cast<std::streamsize>(content.size()))) return;
+  if (!in.read(bytes, static_cast<std::streamsize>(content.size()))) return false;
   in.close();
   const auto size = emf::UnpackCarriedRecords(content);
-  if (!size) return;
+  if (!size) return false;
 
   fs::path rewritten = path;
   rewritten += L".new";
   std::ofstream out(rewritten, std::ios::binary);
   out.write(bytes, static_cast<std::streamsize>(*size));
   out.close();
-  if (!out || !MoveFileExW(rewritten.c_str(), path.c_str(), MOVEFILE_REPLACE_EXISTING)) {
-    DeleteFileW(rewritten.c_str());
-  }
+  if (out && MoveFileExW(rewritten.c_str(), path.c_str(), MOVEFILE_REPLACE_EXISTING)) return true;
+  DeleteFileW(rewritten.c_str());
+  return false;
 }
 
 /// Does what may lack memory or a file; the page then stays as GDI recorded it.
@@ -176,7 +179,12 @@ HENHMETAFILE WINAPI ClosePage(HDC dc) {
   HENHMETAFILE metafile = CloseEnhMetaFile(dc);
   if (metafile == nullptr || !path) return metafile;
   DeleteEnhMetaFile(metafile);  // which holds the file open
-  Try([&] { UnpackFile(*path); });
+  bool complete = false;
+  Try([&] { complete = UnpackFile(*path); });
+  if (!complete) {
+    std::fputs("a page cannot be rewritten: what this GDI does not record of its pens is missing\n",
+               stderr);
+  }
   return GetEnhMetaFileW(path->c_str());
 }
 

@@ -2,9 +2,11 @@
 
 #include <algorithm>
 #include <cmath>
+#include <new>
 #include <vector>
 
 #include "base/checked.h"
+#include "host/base/platform.h"
 
 namespace quillo::host {
 
@@ -23,12 +25,8 @@ struct Enlargement {
   /// From pixels of the sheet to those of the enlarged part.
   XFORM Transform() const {
     const auto scale = static_cast<FLOAT>(factor);
-    return {scale,
-            0,
-            0,
-            scale,
-            -scale * static_cast<FLOAT>(part.left),
-            -scale * static_cast<FLOAT>(part.top)};
+    const auto x = static_cast<FLOAT>(part.left), y = static_cast<FLOAT>(part.top);
+    return {scale, 0, 0, scale, -scale * x, -scale * y};
   }
 };
 
@@ -111,40 +109,43 @@ class PagePlayer {
   PagePlayer(HDC dc, Canvas& sheet) : dc_(dc), sheet_(sheet) {}
 
   void Play(HANDLETABLE& handles, const ENHMETARECORD& record, UINT handle_count) {
-    switch (record.iType) {
-      case EMR_HEADER:
-        SetStretchBltMode(dc_, HALFTONE);
-        break;
-      case EMR_SETSTRETCHBLTMODE:
-        return;
-      case EMR_SETMITERLIMIT:  // an integer, which this GDI takes for a float
-        SetMiterLimit(dc_, static_cast<FLOAT>(record.dParm[0]), nullptr);
-        return;
-      case EMR_EXTCREATEPEN:
-        CreatePen(handles, record, handle_count);
-        return;
-      default:
-        if (IsBlit(record) && PlayEnlarged(handles, record, handle_count)) return;
+    if (record.iType == EMR_HEADER) SetStretchBltMode(dc_, HALFTONE);
+    if (record.iType == EMR_SETSTRETCHBLTMODE) return;
+    try {
+      if (under_wine_ && PlayForWine(handles, record, handle_count)) return;
+    } catch (const std::bad_alloc&) {  // then as Wine plays it
     }
     PlayEnhMetaFileRecord(dc_, &handles, &record, handle_count);
   }
 
  private:
-  /// Creates an extended pen. This GDI looks for its fields where 64-bit structures would have
-  /// them, leaves patterns out, and takes the lengths of dashes for pixels.
-  void CreatePen(HANDLETABLE& handles, const ENHMETARECORD& record, UINT handle_count) const {
+  /// Plays what Wine would play otherwise than Windows; false for the rest.
+  bool PlayForWine(HANDLETABLE& handles, const ENHMETARECORD& record, UINT handle_count) {
+    switch (record.iType) {
+      case EMR_SETMITERLIMIT:  // an integer, which Wine takes for a float
+        return SetMiterLimit(dc_, static_cast<FLOAT>(record.dParm[0]), nullptr) != FALSE;
+      case EMR_EXTCREATEPEN:
+        return CreatePen(handles, record, handle_count);
+      default:
+        return IsBlit(record) && PlayEnlarged(handles, record, handle_count);
+    }
+  }
+
+  /// Creates an extended pen. Wine looks for its fields where 64-bit structures would have them,
+  /// leaves patterns out, and takes the lengths of dashes for pixels.
+  bool CreatePen(HANDLETABLE& handles, const ENHMETARECORD& record, UINT handle_count) const {
     const Bytes whole(reinterpret_cast<const std::byte*>(&record), record.nSize);
     const auto index = LoadOrZero<DWORD>(whole, 8);
-    const size_t info_at = LoadOrZero<DWORD>(whole, 12), info_size = LoadOrZero<DWORD>(whole, 16);
-    const size_t bits_size = LoadOrZero<DWORD>(whole, 24);
+    const size_t info_at = LoadOrZero<DWORD>(whole, 12);
     const auto count = LoadOrZero<DWORD>(whole, 48);
     constexpr size_t kEntries = 52;
-    if (index >= handle_count || !RangeFits(whole.size(), kEntries, size_t{count} * 4)) return;
+    if (index >= handle_count || !RangeFits(whole.size(), kEntries, size_t{count} * 4) ||
+        !RangeFits(whole.size(), info_at, 0)) {
+      return false;
+    }
     LOGBRUSH brush = {LoadOrZero<DWORD>(whole, 36), LoadOrZero<DWORD>(whole, 40),
                       LoadOrZero<DWORD>(whole, 44)};
-    if (brush.lbStyle == BS_DIBPATTERNPT) {
-      // The driver's host packs the bits right after the colours.
-      if (info_size == 0 || !RangeFits(whole.size(), info_at, info_size + bits_size)) return;
+    if (brush.lbStyle == BS_DIBPATTERNPT) {  // whose bits follow the colours
       brush.lbHatch = reinterpret_cast<ULONG_PTR>(whole.data() + info_at);
     }
     const auto style = LoadOrZero<DWORD>(whole, 28);
@@ -156,21 +157,26 @@ class PagePlayer {
     }
     handles.objectHandle[index] = ExtCreatePen(style, LoadOrZero<DWORD>(whole, 32), &brush, count,
                                                count == 0 ? nullptr : entries.data());
+    return handles.objectHandle[index] != nullptr;
   }
 
   /// What a blit may touch of the sheet, and the factor at which every dot of the page is at least
   /// a pixel; below 2 where nothing is won or too much would be needed.
   Enlargement EnlargementOf(const EMRBITBLT& blit) const {
-    POINT corners[] = {{blit.xDest, blit.yDest},
-                       {blit.xDest + blit.cxDest, blit.yDest},
-                       {blit.xDest, blit.yDest + blit.cyDest},
-                       {blit.xDest + blit.cxDest, blit.yDest + blit.cyDest}};
+    LONG far_x = 0, far_y = 0;
+    if (__builtin_add_overflow(blit.xDest, blit.cxDest, &far_x) ||
+        __builtin_add_overflow(blit.yDest, blit.cyDest, &far_y)) {
+      return {};
+    }
+    POINT corners[] = {
+        {blit.xDest, blit.yDest}, {far_x, blit.yDest}, {blit.xDest, far_y}, {far_x, far_y}};
     if (!LPtoDP(dc_, corners, 4)) return {};
     const auto [left, right] = std::ranges::minmax(corners, {}, &POINT::x);
     const auto [top, bottom] = std::ranges::minmax(corners, {}, &POINT::y);
     const SIZE size = sheet_.Size();
-    Enlargement result = {{std::max(left.x - 1, 0L), std::max(top.y - 1, 0L),
-                           std::min(right.x + 2, size.cx), std::min(bottom.y + 2, size.cy)},
+    // One pixel more on each side, for rounding.
+    Enlargement result = {{std::max(left.x, 1L) - 1, std::max(top.y, 1L) - 1,
+                           std::min(right.x, size.cx - 2) + 2, std::min(bottom.y, size.cy - 2) + 2},
                           0};
     const SIZE part = SizeOf(result.part);
     if (part.cx <= 0 || part.cy <= 0) return {};
@@ -210,6 +216,7 @@ class PagePlayer {
 
   HDC dc_;
   Canvas& sheet_;
+  const bool under_wine_ = RunsUnderWine();
   double pixels_ = 0;  // drawn enlarged so far
 };
 

@@ -10,6 +10,7 @@
 #include "base/gdi_owners.h"
 #include "host/base/com_apartment.h"
 #include "host/base/failure.h"
+#include "host/emf/metafile_builder.h"
 #include "host/pictures/picture_decoder.h"
 #include "host/preview/canvas.h"
 
@@ -49,16 +50,16 @@ class Preview : public testing::Test {
     const EnhMetafile closed = dc.Close();
   }
 
-  /// The colour of each pixel in the preview at 50 dpi, 50 x 100.
-  std::function<COLORREF(size_t x, size_t y)> Rendered() const {
+  /// The colours of the preview at 50 dpi.
+  std::function<COLORREF(size_t x, size_t y)> Rendered(int width, int height) const {
     WritePreview(page_, png_, 50);
     std::ifstream file(png_, std::ios::binary);
     const std::string bytes(std::istreambuf_iterator<char>(file), {});
     const PictureDecoder decoder(std::as_bytes(std::span(bytes)));
     EXPECT_NEAR(decoder.FrameResolution(0).x, 50, 0.1);
     const BitmapSource picture = decoder.Frame(0, 5000);
-    EXPECT_EQ(picture.width, 50);
-    EXPECT_EQ(picture.height, 100);
+    EXPECT_EQ(picture.width, width);
+    EXPECT_EQ(picture.height, height);
     return [picture](size_t x, size_t y) {
       const std::byte* at = &picture.bits[y * picture.Stride() + x * 3];
       return RGB(std::to_integer<int>(at[2]), std::to_integer<int>(at[1]),
@@ -72,7 +73,7 @@ class Preview : public testing::Test {
 };
 
 TEST_F(Preview, Page_BecomesPngOfItsSheet) {
-  const auto pixel = Rendered();
+  const auto pixel = Rendered(50, 100);
   EXPECT_EQ(pixel(25, 25), RGB(255, 255, 255));
   EXPECT_EQ(pixel(25, 75), kRed);
 }
@@ -90,12 +91,52 @@ TEST_F(Preview, ReducedPictures_AreAveragedWhateverTheStretchMode) {
       IntersectClipRect(dc, 0, 600, 300, 1200);
       StretchBlt(dc, 0, 600, 600, 600, source.Get(), 0, 0, 600, 600, SRCCOPY);
     });
-    const auto pixel = Rendered();
+    const auto pixel = Rendered(50, 100);
     for (const size_t x : {5u, 24u, 26u, 45u}) {
       EXPECT_NEAR(GetRValue(pixel(x, 20)), 128, 4) << mode << " " << x;
       EXPECT_NEAR(GetRValue(pixel(x, 75)), x < 25 ? 128 : 255, 4) << mode << " " << x;
     }
   }
+}
+
+TEST_F(Preview, WidePens_HaveDashesPatternsAndMiters) {
+  constexpr uint32_t kBlue = 0x0000FF;  // of a colour table
+  emf::MetafileBuilder file;            // 5 units a millimetre; here 0.39 pixels each
+  file.Add(emf::kEmrEXTCREATEPEN, {1, 0, 0, 0, 0, PS_GEOMETRIC | PS_USERSTYLE | PS_ENDCAP_FLAT, 12,
+                                   BS_SOLID, kRed, 0, 2, 20, 10});
+  file.Add(emf::kEmrSELECTOBJECT, {1});
+  file.Add(emf::kEmrMOVETOEX, {0, 10});
+  file.Add(emf::kEmrLINETO, {80, 10});
+  // Eight rows of eight pixels, one bit each, all of the same colour.
+  file.Add(emf::kEmrEXTCREATEPEN, {2,     56,
+                                   48,    104,
+                                   32,    PS_GEOMETRIC | PS_JOIN_MITER,
+                                   20,    BS_DIBPATTERNPT,
+                                   0,     0,
+                                   0,     0,
+                                   40,    8,
+                                   8,     0x10001,
+                                   0,     0,
+                                   0,     0,
+                                   0,     0,
+                                   kBlue, kBlue,
+                                   0,     0,
+                                   0,     0,
+                                   0,     0,
+                                   0,     0});
+  file.Add(emf::kEmrSELECTOBJECT, {2});
+  file.Add(emf::kEmrSETMITERLIMIT, {10});
+  file.Add(emf::kEmrPOLYLINE, {0, 0, 0, 0, 3, 20, 40, 80, 40, 80, 20});
+  const auto bytes = file.Finish();
+  std::ofstream(page_, std::ios::binary)
+      .write(reinterpret_cast<const char*>(bytes.data()),
+             static_cast<std::streamsize>(bytes.size()));
+  const auto pixel = Rendered(39, 20);
+  EXPECT_EQ(pixel(4, 4), kRed);
+  EXPECT_EQ(pixel(10, 4), RGB(255, 255, 255));
+  EXPECT_EQ(pixel(15, 4), kRed);
+  EXPECT_EQ(pixel(20, 16), RGB(0, 0, 255));
+  EXPECT_EQ(pixel(34, 18), RGB(0, 0, 255));
 }
 
 TEST_F(Preview, Failures_NameTheFileAndLeaveNone) {
