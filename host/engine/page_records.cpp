@@ -182,7 +182,7 @@ HENHMETAFILE WINAPI ClosePage(HDC dc) {
   bool complete = false;
   Try([&] { complete = UnpackFile(*path); });
   if (!complete) {
-    std::fputs("a page cannot be rewritten: what this GDI does not record of its pens is missing\n",
+    std::fputs("a page's file cannot be rewritten: it lacks pens and state that this GDI drops\n",
                stderr);
   }
   return GetEnhMetaFileW(path->c_str());
