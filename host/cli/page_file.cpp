@@ -38,6 +38,21 @@ std::wstring TextOf(Bytes record) {
   return characters;
 }
 
+/// A character of a page as people type it. Many fonts have one glyph for a blank and a no-break
+/// space, or for a hyphen and a soft one, and a glyph's last character is on the page.
+wchar_t AsSearched(wchar_t unit) {
+  switch (unit) {
+    case L'\0':
+      return L'\xFFFD';
+    case L'\x00A0':
+      return L' ';
+    case L'\x00AD':
+      return L'-';
+    default:
+      return unit;
+  }
+}
+
 /// Follows the fonts of a page and takes down its text.
 class TextCollector {
  public:
@@ -84,7 +99,7 @@ class TextCollector {
           text, [](wchar_t unit) { return unit == L'\0' || unit == kUnmapped; });
       if (lost != 0) content_.lost_characters[face_] += static_cast<uint64_t>(lost);
     }
-    std::ranges::replace(text, L'\0', L'\xFFFD');
+    for (wchar_t& unit : text) unit = AsSearched(unit);
     content_.text.back() += ToUtf8(text);
   }
 
