@@ -189,6 +189,15 @@ class PrintJob {
       console_.Problem(missing + std::to_string(use.dropped_glyphs) +
                        " glyph numbers mean nothing without it (--assume-glyph-order draws them)");
     }
+    const std::string lacking = input + ": the font \"" + face + "\" lacks ";
+    if (use.in_others != 0) {
+      console_.Problem(lacking + std::to_string(use.in_others) +
+                       " characters; other fonts show them");
+    }
+    if (use.missing != 0) {
+      console_.Problem(lacking + std::to_string(use.missing) +
+                       " characters that no installed font has; they are boxes");
+    }
   }
 
   /// Looks at the file that the client has made of the page.

@@ -17,6 +17,8 @@ Json ToJson(const std::map<std::wstring, emf::FontUse>& fonts) {
     json[ToUtf8(face)] = {{"used", ToUtf8(use.used)},
                           {"substituted", use.substituted},
                           {"characters", use.characters},
+                          {"in_other_fonts", use.in_others},
+                          {"missing", use.missing},
                           {"assumed_glyphs", use.assumed_glyphs},
                           {"dropped_glyphs", use.dropped_glyphs}};
   }

@@ -2,16 +2,17 @@
 
 #include <algorithm>
 #include <cmath>
-#include <optional>
 
+#include "host/engine/clusters.h"
+#include "host/engine/font_cache.h"
 #include "host/plain_text/decode.h"
-#include "host/plain_text/font_chain.h"
 #include "host/plain_text/line_breaker.h"
 
 namespace quillo::host {
 
 namespace {
 
+constexpr wchar_t kFace[] = L"Courier New";
 constexpr int kPoints = 10;            // size of the characters
 constexpr double kMargin = 20 / 25.4;  // inches, on each side; at most a tenth of the sheet
 
@@ -26,10 +27,10 @@ struct TextPage {
 };
 
 /// The advance that the page's font has by itself, so that whole lines are drawn at once.
-double AdvanceOnPage(const TextFont& font, wchar_t unit) {
+double AdvanceOnPage(const TextFont& font, char32_t character) {
   const XFORML font_to_device = {static_cast<float>(font.ScaleX()), 0, 0,
                                  static_cast<float>(font.ScaleY()), 0, 0};
-  return font.AdvanceUnder(font_to_device, font.GlyphOf(unit));
+  return font.AdvanceUnder(font_to_device, font.GlyphOf(character));
 }
 
 TextPage Measure(const TextFont& font, SIZEL page, int dpi) {
@@ -57,69 +58,79 @@ class TextInput : public PrintInput {
   bool PreparePage() override { return !lines_.AtEnd(); }
 
   DrawResult DrawPage(Graphics& canvas, const PageSetup& setup) override {
-    if (!fonts_) fonts_.emplace(std::max(1L, std::lround(kPoints * setup.dpi / 72.0)));
-    const TextPage page = Measure(*fonts_->Main(), canvas.Size(), setup.dpi);
+    LOGFONTW wanted{};
+    wanted.lfHeight = -std::max(1L, std::lround(kPoints * setup.dpi / 72.0));
+    wanted.lfCharSet = DEFAULT_CHARSET;
+    wanted.lfPitchAndFamily = FIXED_PITCH | FF_MODERN;
+    wcscpy(wanted.lfFaceName, kFace);
+    const FontChoice::Font font = fonts_.Find(wanted);
+    if (font == nullptr) throw UnreadableInput("cannot be printed: there is no font for it");
+    const TextPage page = Measure(*font, canvas.Size(), setup.dpi);
     DrawResult result;
-    const size_t unknown_before = fonts_->UnknownCharacters();
     for (int i = 0; i < page.lines && !lines_.AtEnd(); ++i) {
       const TextLine line = lines_.Next(page.columns);
-      DrawLine(line, page, page.top + i * page.line_height + page.ascent, canvas, result);
+      if (!line.text.empty()) {
+        const double baseline = page.top + i * page.line_height + page.ascent;
+        canvas.Text(Describe(line, font, page, baseline, result), DrawState());
+      }
       if (line.ends_page) break;
-    }
-    const size_t unknown = fonts_->UnknownCharacters() - unknown_before;
-    if (unknown != 0) {
-      result.faults.push_back("no installed font has " + std::to_string(unknown) +
-                              " of its characters");
     }
     return result;
   }
 
  private:
-  /// Draws a line run by run: neighbours of one font go together. Wide characters stand as close as
-  /// their font has them, since a gap would read as a blank; the next blank leads back to the
+  /// A line stands on the page's cells. What other fonts show stands as close as those have it,
+  /// since a gap would read as a blank and letters may join; the next blank leads back to the
   /// cells.
-  void DrawLine(const TextLine& line, const TextPage& page, double baseline, Graphics& canvas,
-                DrawResult& result) {
-    double x = page.left, cell_end = page.left;
-    for (size_t at = 0; at < line.text.size();) {
-      TextDescription run;
-      run.font = fonts_->FontFor(line.text[at]);
-      run.align = TA_LEFT | TA_BASELINE;
-      run.x = x;
-      run.y = baseline;
-      for (bool on_cells = true; on_cells && at < line.text.size() && BelongsTo(run, line, at);
-           ++at) {
-        const wchar_t unit = line.text[at];
-        double advance = line.columns[at] * page.cell_width;
-        cell_end += advance;
-        if (line.columns[at] == 2) advance = std::min(advance, AdvanceOnPage(*run.font, unit));
-        run.text += unit;
-        run.dx.push_back(advance);
-        x += advance;
-        if (unit == L' ' && x != cell_end) {
-          x = cell_end;
-          on_cells = false;  // the line goes on as a run of its own
-        }
+  TextDescription Describe(const TextLine& line, const FontChoice::Font& font, const TextPage& page,
+                           double baseline, DrawResult& result) {
+    FontChoice choice = fonts_.Choose(font, line.text);
+    emf::FontUse& use = result.fonts[font->Wanted().lfFaceName];
+    use.used = font->Family();
+    use.substituted = font->Substituted();
+    use.characters += line.text.size() - choice.in_others - choice.missing;
+    use.missing += choice.missing;
+
+    TextDescription text;
+    text.font = font;
+    text.text = line.text;
+    text.right_to_left = line.right_to_left;
+    text.align = TA_BASELINE | (line.right_to_left ? TA_RIGHT : TA_LEFT);
+    text.x = page.left + (line.right_to_left ? page.columns * page.cell_width : 0);
+    text.y = baseline;
+    double at = 0, cell_end = 0;
+    for (size_t i = 0; i < line.text.size(); ++i) {
+      double advance = line.columns[i] * page.cell_width;
+      cell_end += advance;
+      const bool in_other = !choice.fonts.empty() && choice.fonts[i] != font;
+      if (line.text[i] == L' ') {
+        advance = cell_end - at;
+      } else if (in_other && advance != 0) {
+        const char32_t character = CharacterAt(line.text, i);
+        advance = std::min(advance, AdvanceOnPage(*choice.fonts[i], character));
       }
-      canvas.Text(run, DrawState());
-      TakeDown(run, result);
+      at += advance;
+      text.dx.push_back(advance);
+    }
+    if (!choice.fonts.empty()) CountOthers(choice, font, result);
+    text.fonts = std::move(choice.fonts);
+    return text;
+  }
+
+  /// The characters of fonts that stand in for the page's own.
+  static void CountOthers(const FontChoice& choice, const FontChoice::Font& font,
+                          DrawResult& result) {
+    for (const FontChoice::Font& other : choice.fonts) {
+      if (other == font) continue;
+      emf::FontUse& use = result.fonts[other->Wanted().lfFaceName];
+      use.used = other->Family();
+      use.substituted = other->Substituted();
+      ++use.characters;
     }
   }
 
-  /// Marks stay with the character that they combine with.
-  bool BelongsTo(const TextDescription& run, const TextLine& line, size_t at) {
-    return line.columns[at] == 0 || fonts_->FontFor(line.text[at]) == run.font;
-  }
-
-  static void TakeDown(const TextDescription& run, DrawResult& result) {
-    emf::FontUse& use = result.fonts[run.font->Wanted().lfFaceName];
-    use.used = run.font->Family();
-    use.substituted = run.font->Substituted();
-    use.characters += run.text.size();
-  }
-
   LineBreaker lines_;
-  std::optional<FontChain> fonts_;
+  FontCache fonts_;
 };
 
 }  // namespace
@@ -128,7 +139,7 @@ std::unique_ptr<PrintInput> OpenText(std::vector<std::byte> content) {
   std::wstring text = DecodeText(content);
   if (text.find(L'\0') != std::wstring::npos) throw UnreadableInput("is no plain text");
   if (text.empty()) throw UnreadableInput("is empty");
-  return std::make_unique<TextInput>(std::move(text));
+  return std::make_unique<TextInput>(Compose(text));
 }
 
 }  // namespace quillo::host

@@ -167,6 +167,12 @@ DrawState Playback::Drawing() {
   return drawing;
 }
 
+double Playback::PixelShape() const {
+  const MetafileHeader& header = reader_.header();
+  return (static_cast<double>(header.device.x) / header.millimeters.x) /
+         (static_cast<double>(header.device.y) / header.millimeters.y);
+}
+
 FillMode Playback::PolyFillMode() const {
   return state_.poly_fill_mode == WINDING ? FillMode::kWinding : FillMode::kAlternate;
 }

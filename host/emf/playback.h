@@ -8,11 +8,11 @@
 #include <vector>
 
 #include "host/emf/dc_state.h"
-#include "host/emf/font_cache.h"
 #include "host/emf/object_table.h"
 #include "host/emf/payload_reader.h"
 #include "host/emf/player.h"
 #include "host/emf/record_types.h"
+#include "host/engine/font_cache.h"
 #include "host/engine/graphics.h"
 
 namespace quillo::host::emf {
@@ -60,6 +60,8 @@ class Playback {
   const Transform& ToPage() const { return to_page_; }
   /// From pixels of the reference device to page pixels.
   const Transform& DeviceToPage() const { return device_to_page_; }
+  /// Pixels of the reference device across a length, for each pixel down the same length.
+  double PixelShape() const;
 
   // -- Drawing --------------------------------------------------------------------------------
   /// Everything of a DC that a drawing call takes along. Counts as one call's work.

@@ -27,6 +27,8 @@ struct FontUse {
   std::wstring used;            // family that was really used
   bool substituted = false;     // it is another one than was asked for
   uint64_t characters = 0;      // drawn: characters, and glyph indexes that are sure
+  uint64_t in_others = 0;       // characters that it lacks, drawn with other fonts
+  uint64_t missing = 0;         // characters that no installed font has
   uint64_t assumed_glyphs = 0;  // drawn through the substitute's order of glyphs
   uint64_t dropped_glyphs = 0;  // not drawn
 };

@@ -4,11 +4,14 @@
 #include <cmath>
 #include <numbers>
 #include <numeric>
+#include <utility>
 
 #include "host/emf/playback.h"
 #include "host/emf/region_data.h"
 #include "host/emf/rounding.h"
 #include "host/emf/text_outline.h"
+#include "host/engine/clusters.h"
+#include "host/engine/symbol_encodings.h"
 
 namespace quillo::host::emf {
 
@@ -145,8 +148,10 @@ bool KeepsCommonOrder(const TextFont& font) {
 /// counts them. Where the font stands in for a missing one, that is all that both do not have in
 /// common.
 size_t DropUncertainGlyphs(std::wstring& glyphs, const TextFont& font, GlyphOrder order) {
-  if (!font.Substituted() || order == GlyphOrder::kAssume) return 0;
-  const bool common = order == GlyphOrder::kAsSubstitute && KeepsCommonOrder(font);
+  if (!font.Substituted()) return 0;
+  const bool readable = font.Map().invertible;  // else the page would hold no characters
+  if (readable && order == GlyphOrder::kAssume) return 0;
+  const bool common = readable && order == GlyphOrder::kAsSubstitute && KeepsCommonOrder(font);
   const auto is_uncertain = [common](wchar_t glyph) {
     return !common || glyph < kFirstCommon || glyph > kLastCommon;
   };
@@ -155,14 +160,39 @@ size_t DropUncertainGlyphs(std::wstring& glyphs, const TextFont& font, GlyphOrde
   return static_cast<size_t>(dropped);
 }
 
+/// Puts Unicode's characters in the place of the codes of a font of symbols that is not there.
+void ReplaceSymbols(TextLine& line, const TextFont& font) {
+  if ((line.options & ETO_GLYPH_INDEX) != 0) return;
+  std::wstring text;
+  std::vector<double> dx, dy;
+  for (size_t i = 0; i < line.text.size(); ++i) {
+    const wchar_t code = line.text[i];
+    const bool shown = font.Map().symbols && font.GlyphOf(code) != 0;
+    const char32_t character = shown ? 0 : UnicodeOfSymbol(font.Wanted().lfFaceName, code);
+    AppendCharacter(text, character != 0 ? character : code);
+    if (i < line.dx.size()) dx.push_back(line.dx[i]);
+    if (i < line.dy.size()) dy.push_back(line.dy[i]);
+    if (!dx.empty()) dx.resize(text.size());
+    if (!dy.empty()) dy.resize(text.size());
+  }
+  line.text = std::move(text);
+  line.dx = std::move(dx);
+  line.dy = std::move(dy);
+}
+
 /// The line's text as far as it can be drawn; notes it among the fonts' uses.
-std::wstring DrawableText(Playback& dc, const TextLine& line, const TextFont& font) {
+std::wstring DrawableText(Playback& dc, const TextLine& line, TextDescription& text) {
   if (line.text.empty()) return {};
+  const TextFont& font = *text.font;
   FontUse& use = dc.result().fonts[font.Wanted().lfFaceName];
   use.used = font.Family();
   use.substituted = font.Substituted();
   if ((line.options & ETO_GLYPH_INDEX) == 0) {
-    use.characters += line.text.size();
+    FontChoice choice = dc.fonts().Choose(text.font, line.text);
+    use.characters += line.text.size() - choice.in_others - choice.missing;
+    use.in_others += choice.in_others;
+    use.missing += choice.missing;
+    text.fonts = std::move(choice.fonts);
     return line.text;
   }
   std::wstring glyphs = line.text;
@@ -175,12 +205,42 @@ std::wstring DrawableText(Playback& dc, const TextLine& line, const TextFont& fo
   return {};
 }
 
+/// How much wider than high the reference device's logical units make a line's glyphs.
+///
+/// On a device whose pixels are no squares, fonts without a width of their own keep their shape on
+/// the paper. Where only the header's millimetres are wrong, the pixels were squares after all. The
+/// recorded advances tell which it was: they are the wider or narrower ones of such a device, or
+/// those of the font.
+double Widening(const Playback& dc, const TextLine& line, const TextDescription& text) {
+  const LOGFONTW& wanted = text.font->Wanted();
+  if (line.advanced || !dc.ToPage().KeepsAxes() || wanted.lfWidth != 0 ||
+      wanted.lfEscapement % 1800 != 0) {
+    return 1;
+  }
+  double own = 0, recorded = 0;
+  for (size_t i = 0; i < std::min(text.text.size(), line.dx.size()); ++i) {
+    recorded += line.dx[i];
+    const wchar_t unit = text.text[i];
+    const TextFont& font = text.fonts.empty() ? *text.font : *text.fonts[i];
+    if (text.glyph_indexes) {
+      if (unit == kNoGlyph) recorded -= line.dx[i];
+      own += unit == kNoGlyph ? 0 : font.AdvanceOf(unit) * font.ScaleX();
+    } else if (!IS_LOW_SURROGATE(unit)) {
+      own += font.AdvanceOf(font.GlyphOf(CharacterAt(text.text, i))) * font.ScaleX();
+    }
+  }
+  const double shape = dc.PixelShape();
+  if (own <= 0 || recorded <= 0) return 1;
+  const double widened = std::log(recorded / own);
+  return std::abs(widened - std::log(shape)) < std::abs(widened) ? shape : 1;
+}
+
 /// From logical units to the page for text: in the compatible graphics mode never mirrored.
-XFORM TextTransform(const Playback& dc, bool advanced) {
+XFORM TextTransform(const Playback& dc, bool advanced, double widening) {
   const Transform& map = dc.ToPage();
   const auto number = [](double value) { return static_cast<float>(value); };
   if (!advanced && map.KeepsAxes()) {
-    return {number(std::fabs(map.m11)), 0, 0, number(std::fabs(map.m22)), 0, 0};
+    return {number(std::fabs(map.m11) * widening), 0, 0, number(std::fabs(map.m22)), 0, 0};
   }
   return {number(map.m11), number(map.m12), number(map.m21), number(map.m22), 0, 0};
 }
@@ -215,7 +275,7 @@ void MoveBehind(Playback& dc, const TextLine& line, double length) {
   position.y = ToPixel(position.y - along * sine - above * cosine);
 }
 
-void DrawLine(Playback& dc, const TextLine& line) {
+void DrawLine(Playback& dc, TextLine line) {
   const DcState& state = dc.state();
   TextDescription text;
   LOGFONTW font = state.font->font;
@@ -229,7 +289,8 @@ void DrawLine(Playback& dc, const TextLine& line) {
   DrawState drawing = dc.Drawing();
   drawing.rop2 = R2_COPYPEN;
   if (!dc.InPath()) ApplyRectangle(dc, line, text, drawing);
-  text.text = DrawableText(dc, line, *text.font);
+  ReplaceSymbols(line, *text.font);
+  text.text = DrawableText(dc, line, text);
   if (text.text.empty() && !text.opaque) return;
 
   const PointL& reference = (state.text_align & TA_UPDATECP) != 0 ? state.position : line.reference;
@@ -240,20 +301,22 @@ void DrawLine(Playback& dc, const TextLine& line) {
   text.right_to_left =
       (line.options & ETO_RTLREADING) != 0 || (state.text_align & TA_RTLREADING) != 0;
   text.in_order = (line.options & ETO_IGNORELANGUAGE) != 0;
-  text.to_device = TextTransform(dc, line.advanced);
   text.align = state.text_align;
-  text.dx = line.dx;
-  text.dy = line.dy;
   if (state.break_count != 0) {
     text.break_extra = static_cast<double>(state.break_extra) / state.break_count;
   }
+  const double widening = Widening(dc, line, text);
+  text.to_device = TextTransform(dc, line.advanced, widening);
+  text.dx = line.dx;
+  text.dy = line.dy;
+  for (double& advance : text.dx) advance /= widening;
   text.color = dc.Resolve(state.text_color);
   if (dc.InPath()) {
     const TextLayout layout = LayOut(text);
-    dc.DrawOutline(TextOutline(*text.font, layout), true);
-    MoveBehind(dc, line, layout.length);
+    dc.DrawOutline(TextOutline(layout), true);
+    MoveBehind(dc, line, layout.length * widening);
   } else {
-    MoveBehind(dc, line, dc.canvas().Text(text, drawing));
+    MoveBehind(dc, line, dc.canvas().Text(text, drawing) * widening);
   }
 }
 
@@ -262,8 +325,8 @@ void PlayExtTextOut(Playback& dc, PayloadReader& record) {
   record.Skip(sizeof(RectL));  // bounds
   const bool advanced = record.Read<uint32_t>() == kAdvanced;
   record.Skip(8);  // millimetres for each unit, in the compatible mode
-  const TextLine line = ReadLine(dc, record, advanced, wide);
-  if (record.ok()) DrawLine(dc, line);
+  TextLine line = ReadLine(dc, record, advanced, wide);
+  if (record.ok()) DrawLine(dc, std::move(line));
 }
 
 template <bool wide>
@@ -274,14 +337,14 @@ void PlayPolyTextOut(Playback& dc, PayloadReader& record) {
   const auto count = record.Read<uint32_t>();
   size_t characters = 0;
   for (uint32_t i = 0; i < count; ++i) {
-    const TextLine line = ReadLine(dc, record, advanced, wide);
+    TextLine line = ReadLine(dc, record, advanced, wide);
     if (!record.ok()) return;
     characters += line.text.size();
     if (characters > record.record().size()) {
       dc.Fault("its strings lie on one another");
       return;
     }
-    DrawLine(dc, line);
+    DrawLine(dc, std::move(line));
   }
 }
 
@@ -295,7 +358,7 @@ void PlaySmallTextOut(Playback& dc, PayloadReader& record) {
   if ((line.options & kNoRectangle) == 0) line.rectangle = record.Read<RectL>();
   const size_t offset = record.record().size() - record.left();
   ReadCharacters(dc, record, offset, count, (line.options & kSmallCharacters) == 0, line);
-  if (record.ok()) DrawLine(dc, line);
+  if (record.ok()) DrawLine(dc, std::move(line));
 }
 
 }  // namespace

@@ -14,8 +14,8 @@ double ToDouble(FIXED number) { return number.value + number.fract / 65536.0; }
 /// Puts outlines of font units, y upwards, where a glyph stands.
 class GlyphPen {
  public:
-  GlyphPen(Path& path, const TextLayout& layout, size_t glyph)
-      : path_(path), map_(layout.font_to_device), origin_(layout.origins[glyph]) {}
+  GlyphPen(Path& path, const XFORML& map, const quillo::host::PointD& origin)
+      : path_(path), map_(map), origin_(origin) {}
 
   void MoveTo(POINTFX point) { path_.MoveTo(X(point), Y(point)); }
   void LineTo(POINTFX point) { path_.LineTo(X(point), Y(point)); }
@@ -80,11 +80,14 @@ void DrawGlyph(HDC dc, USHORT glyph, GlyphPen& pen) {
 
 }  // namespace
 
-Path TextOutline(const TextFont& font, const TextLayout& layout) {
+Path TextOutline(const TextLayout& layout) {
   Path path;
-  for (size_t i = 0; i < layout.glyphs.size(); ++i) {
-    GlyphPen pen(path, layout, i);
-    DrawGlyph(font.Dc(), layout.glyphs[i], pen);
+  for (const GlyphRun& run : layout.runs) {
+    for (size_t i = run.first; i < run.first + run.count; ++i) {
+      if (layout.glyphs[i] == kNoGlyph) continue;
+      GlyphPen pen(path, run.font_to_device, layout.origins[i]);
+      DrawGlyph(run.font->Dc(), layout.glyphs[i], pen);
+    }
   }
   return path;
 }

@@ -6,6 +6,6 @@
 namespace quillo::host::emf {
 
 /// The outlines of a laid-out line's glyphs, in device pixels.
-Path TextOutline(const TextFont& font, const TextLayout& layout);
+Path TextOutline(const TextLayout& layout);
 
 }  // namespace quillo::host::emf

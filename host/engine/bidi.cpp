@@ -3,8 +3,8 @@
 #include "base/windows.h"
 
 #include <algorithm>
-#include <numeric>
 #include <usp10.h>
+#include <utility>
 
 namespace quillo::host {
 namespace {
@@ -16,7 +16,23 @@ bool MayRunLeftwards(wchar_t unit) {
          (unit >= 0xD800 && unit < 0xE000) || (unit >= 0xFB1D && unit < 0xFF00);
 }
 
+WORD DirectionOf(wchar_t unit) {
+  WORD type = 0;
+  return GetStringTypeW(CT_CTYPE2, &unit, 1, &type) ? type : WORD{C2_NOTAPPLICABLE};
+}
+
 }  // namespace
+
+bool IsLeftwardLetter(wchar_t unit) { return DirectionOf(unit) == C2_RIGHTTOLEFT; }
+
+bool BeginsLeftwards(std::wstring_view text) {
+  for (const wchar_t unit : text) {
+    const WORD direction = DirectionOf(unit);
+    if (direction == C2_LEFTTORIGHT) return false;
+    if (direction == C2_RIGHTTOLEFT) return true;
+  }
+  return false;
+}
 
 std::vector<size_t> VisualOrder(const std::wstring& text, bool right_to_left) {
   if (text.empty() || (!right_to_left && std::none_of(text.begin(), text.end(), MayRunLeftwards))) {
@@ -49,6 +65,13 @@ std::vector<size_t> VisualOrder(const std::wstring& text, bool right_to_left) {
     for (size_t i = first; i < last; ++i) order.push_back(i);
     if (item.a.s.uBidiLevel % 2 != 0)
       std::reverse(order.begin() + static_cast<ptrdiff_t>(start), order.end());
+  }
+  for (size_t place = 1; place < order.size(); ++place) {
+    const size_t unit = order[place];
+    if (order[place - 1] == unit + 1 && IS_HIGH_SURROGATE(text[unit]) &&
+        IS_LOW_SURROGATE(text[unit + 1])) {
+      std::swap(order[place - 1], order[place]);
+    }
   }
   return std::is_sorted(order.begin(), order.end()) ? std::vector<size_t>{} : order;
 }

@@ -124,8 +124,9 @@ class Graphics {
   void FillPolygon(const PointD (&corners)[4], const BrushDescription& brush,
                    const DrawState& state);
   /// `accelerators` are SO_*; an opaque rectangle is painted together with the glyphs.
-  void DrawGlyphs(const TextDescription& text, const TextLayout& layout, FLONG accelerators,
-                  const RECTL& cell, const std::optional<RECTL>& opaque, const DrawState& state);
+  void DrawGlyphs(const TextDescription& text, const TextLayout& layout, const GlyphRun& run,
+                  FLONG accelerators, const RECTL& cell, const std::optional<RECTL>& opaque,
+                  const DrawState& state);
 
   /// The clip of a call that draws within `bounds`; nothing when no pixel of them is left.
   std::optional<ClipObject> ClipFor(const RECTL& bounds, const ClipShape& clip);

@@ -33,7 +33,7 @@ bool Contains(const RECTL& outer, const RECTL& inner) {
 /// What the placing says about the line, for drivers to take short cuts by.
 FLONG Accelerators(const TextDescription& text, const TextLayout& layout) {
   FLONG accelerators = text.glyph_indexes ? SO_GLYPHINDEX_TEXTOUT : 0;
-  if (layout.natural) accelerators |= SO_FLAG_DEFAULT_PLACEMENT;
+  if (layout.Natural()) accelerators |= SO_FLAG_DEFAULT_PLACEMENT;
   if (!layout.straight) return accelerators | SO_DXDY;
   const double dx = layout.end.x - layout.start.x, dy = layout.end.y - layout.start.y;
   if (layout.start.y == layout.end.y) {
@@ -79,7 +79,12 @@ double Graphics::Text(const TextDescription& text, const DrawState& state) {
   if (cell_before) FillPolygon(corners, background, state);
   if (text.text.empty()) return 0;
 
-  DrawGlyphs(text, layout, accelerators, cell, along, state);
+  for (const GlyphRun& run : layout.runs) {
+    // A hint on the direction would have the driver take the halves of a pair apart.
+    const FLONG placing = run.pair ? 0 : accelerators & ~FLONG{SO_FLAG_DEFAULT_PLACEMENT};
+    DrawGlyphs(text, layout, run, placing | (run.natural ? SO_FLAG_DEFAULT_PLACEMENT : 0), cell,
+               along, state);
+  }
 
   // This kind of driver draws no bars by itself.
   const BrushDescription ink = BrushDescription::Solid(text.color);
@@ -108,16 +113,16 @@ void Graphics::FillPolygon(const PointD (&corners)[4], const BrushDescription& b
   Fill(outline, brush, FillMode::kAlternate, copying);
 }
 
-void Graphics::DrawGlyphs(const TextDescription& text, const TextLayout& layout, FLONG accelerators,
-                          const RECTL& cell, const std::optional<RECTL>& opaque,
-                          const DrawState& state) {
-  const TextFont& font = *text.font;
+void Graphics::DrawGlyphs(const TextDescription& text, const TextLayout& layout,
+                          const GlyphRun& run, FLONG accelerators, const RECTL& cell,
+                          const std::optional<RECTL>& opaque, const DrawState& state) {
+  const TextFont& font = *run.font;
   // Glyphs may reach out of their cells, and stand beside them.
-  const double em = font.Metrics().fwdUnitsPerEm;
+  const double em = text.font->Metrics().fwdUnitsPerEm;
   const LONG reach = Round(std::min(em * (std::hypot(layout.up.x, layout.up.y)), 1e6)) + 1;
   RECTL bounds{cell.left - reach, cell.top - reach, cell.right + reach, cell.bottom + reach};
-  for (const PointD& p : layout.origins) {
-    const RECTL at = Around({p});
+  for (size_t i = run.first; i < run.first + run.count; ++i) {
+    const RECTL at = Around({layout.origins[i]});
     bounds = {std::min(bounds.left, at.left - reach), std::min(bounds.top, at.top - reach),
               std::max(bounds.right, at.right + reach), std::max(bounds.bottom, at.bottom + reach)};
   }
@@ -132,7 +137,7 @@ void Graphics::DrawGlyphs(const TextDescription& text, const TextLayout& layout,
 
   std::vector<GLYPHPOS> glyphs;
   std::wstring units;
-  for (size_t i = 0; i < layout.glyphs.size(); ++i) {
+  for (size_t i = run.first; i < run.first + run.count; ++i) {
     if (text.glyph_indexes && text.text[i] == kNoGlyph) continue;
     units += text.text[i];
     const RECTL at = Around({layout.origins[i]});
@@ -141,10 +146,11 @@ void Graphics::DrawGlyphs(const TextDescription& text, const TextLayout& layout,
   if (glyphs.empty()) return;
   const size_t batch = glyphs.size() > kGlyphsAtHand ? kGlyphsAtHand : 0;
   StringObject string(std::move(glyphs), std::move(units), accelerators, cell, batch);
-  FontObject realized(font.Metrics(), font.Names(), layout.font_to_device, font.FontType());
+  FontObject realized(font.Metrics(), font.Names(), run.font_to_device, font.FontType());
   BrushObjects ink(BrushDescription::Solid(text.color), driver_.RealizeBrush, surface_);
   BrushObjects background(BrushDescription::Solid(text.background), driver_.RealizeBrush, surface_);
-  if (known_fonts_.insert(text.font).second && driver_.GetGlyphMode != nullptr) {
+  if (known_fonts_.insert(text.fonts.empty() ? text.font : text.fonts[run.first]).second &&
+      driver_.GetGlyphMode != nullptr) {
     ++calls_.made["DrvGetGlyphMode"];
     driver_.GetGlyphMode(surface_.dhpdev, &realized);
   }

@@ -11,7 +11,7 @@
 
 namespace quillo::host {
 
-/// Among glyph indexes: one that takes its advance and draws nothing.
+/// A glyph that takes its advance and draws nothing.
 inline constexpr wchar_t kNoGlyph = 0xFFFF;
 
 /// One line of text and everything of a DC that places it.
@@ -21,6 +21,8 @@ inline constexpr wchar_t kNoGlyph = 0xFFFF;
 /// GM_COMPATIBLE it is without mirroring, in GM_ADVANCED the whole transform of the DC.
 struct TextDescription {
   std::shared_ptr<const TextFont> font;
+  /// Of each unit of the text; empty: all are in `font`. Both halves of a surrogate pair have one.
+  std::vector<std::shared_ptr<const TextFont>> fonts{};
   std::wstring text;           // UTF-16, or glyph indexes and kNoGlyph
   bool glyph_indexes = false;  // ETO_GLYPH_INDEX
   bool right_to_left = false;  // ETO_RTLREADING or TA_RTLREADING: reading order of the whole line

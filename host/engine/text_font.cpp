@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "base/bytes.h"
+#include "host/engine/clusters.h"
 #include "host/engine/font_names.h"
 
 namespace quillo::host {
@@ -36,7 +37,7 @@ bool SameName(const std::wstring& a, const wchar_t* b) {
 
 }  // namespace
 
-TextFont::TextFont(const LOGFONTW& font)
+TextFont::TextFont(const LOGFONTW& font, const wchar_t* face)
     : wanted_(font),
       dc_(CreateCompatibleDC(nullptr)),
       transformed_dc_(CreateCompatibleDC(nullptr)) {
@@ -44,6 +45,10 @@ TextFont::TextFont(const LOGFONTW& font)
   upright.lfWidth = upright.lfEscapement = upright.lfOrientation = 0;
   upright.lfUnderline = upright.lfStrikeOut = FALSE;
   upright.lfOutPrecision = OUT_TT_ONLY_PRECIS;
+  if (face != nullptr) {
+    lstrcpynW(upright.lfFaceName, face, LF_FACESIZE);
+    upright.lfCharSet = DEFAULT_CHARSET;
+  }
   const auto open = [&](LONG height) {
     upright.lfHeight = height;
     Font opened(CreateFontIndirectW(&upright));
@@ -69,6 +74,7 @@ TextFont::TextFont(const LOGFONTW& font)
   names_ = {NameIn(block, metrics.otmpFamilyName), NameIn(block, metrics.otmpStyleName),
             NameIn(block, metrics.otmpFaceName)};
   Measure(metrics);
+  map_ = ReadCharacterMap(dc_.Get());
 
   const wchar_t* wanted_name = font.lfFaceName + (font.lfFaceName[0] == L'@' ? 1 : 0);
   FileNames file = ReadFileNames(dc_.Get());
@@ -147,10 +153,22 @@ void TextFont::Measure(const OUTLINETEXTMETRICW& metrics) {
   metrics_.panose = metrics.otmPanoseNumber;
 }
 
-USHORT TextFont::GlyphOf(wchar_t unit) const {
-  const auto [entry, is_new] = glyphs_.try_emplace(unit, USHORT{0});
+USHORT TextFont::GlyphOf(char32_t character) const {
+  if (character > 0xFFFF) return map_.GlyphOf(character);
+  const auto [entry, is_new] = glyphs_.try_emplace(character, USHORT{0});
+  const auto unit = static_cast<wchar_t>(character);
   if (is_new) GetGlyphIndicesW(dc_.Get(), &unit, 1, &entry->second, 0);
   return entry->second;
+}
+
+bool TextFont::Has(std::wstring_view text) const {
+  for (size_t i = 0; i < text.size(); ++i) {
+    if (ShowsNothing(text[i])) continue;
+    const char32_t character = CharacterAt(text, i);
+    if (GlyphOf(character) == 0) return false;
+    if (character > 0xFFFF) ++i;
+  }
+  return true;
 }
 
 int TextFont::Look(std::map<USHORT, int>& advances, HDC dc, USHORT glyph) const {

@@ -5,8 +5,10 @@
 #include <array>
 #include <map>
 #include <string>
+#include <string_view>
 
 #include "base/gdi_owners.h"
+#include "host/engine/character_map.h"
 #include "host/engine/services/fonts.h"
 
 namespace quillo::host {
@@ -15,9 +17,9 @@ namespace quillo::host {
 /// design, so that every measure is in font units.
 class TextFont {
  public:
-  /// The outline font that the platform gives for `font`, or the nearest one that it has. Throws
-  /// std::bad_alloc when there is none at all.
-  explicit TextFont(const LOGFONTW& font);
+  /// The outline font that the platform gives for `font`, or the nearest one that it has; with
+  /// `face`, that for another face in its place. Throws std::bad_alloc when there is none at all.
+  explicit TextFont(const LOGFONTW& font, const wchar_t* face = nullptr);
 
   const LOGFONTW& Wanted() const { return wanted_; }
   /// Family name of the font that is really used, from its file. (Names() are those that the
@@ -39,8 +41,11 @@ class TextFont {
   Bar Underline() const { return underline_; }
   Bar StrikeOut() const { return strike_out_; }
 
-  /// The glyph of a UTF-16 unit; 0 when the font has none.
-  USHORT GlyphOf(wchar_t unit) const;
+  /// The glyph of a character; 0 when the font has none.
+  USHORT GlyphOf(char32_t character) const;
+  /// Whether it has a glyph for each character of a UTF-16 text; those that show nothing need none.
+  bool Has(std::wstring_view text) const;
+  const CharacterMap& Map() const { return map_; }
   /// Advance of a glyph in font units; 0 when the font has no such glyph.
   int AdvanceOf(USHORT glyph) const;
   /// The advance in device pixels that the platform gives it by itself where this transform is set,
@@ -62,6 +67,7 @@ class TextFont {
   Font font_;
   CreatedDc dc_;  // has font_ selected, so that it goes first
   FontNames names_;
+  CharacterMap map_;
   std::wstring family_;
   bool substituted_ = false;
   USHORT glyph_count_ = 0;
@@ -70,7 +76,7 @@ class TextFont {
   Bar underline_{}, strike_out_{};
   IFIMETRICS metrics_{};
   FLONG font_type_ = FO_TYPE_TRUETYPE;
-  mutable std::map<wchar_t, USHORT> glyphs_;  // looked up before
+  mutable std::map<char32_t, USHORT> glyphs_;  // looked up before
   mutable std::map<USHORT, int> advances_;
   CreatedDc transformed_dc_;  // has font_ selected too, and this transform set
   mutable std::array<float, 4> transform_{1, 0, 0, 1};

@@ -1,17 +1,23 @@
 #include "host/engine/text_layout.h"
 
+#include <algorithm>
 #include <cmath>
 #include <numbers>
+#include <numeric>
+#include <optional>
+#include <utility>
 
 #include "host/engine/bidi.h"
+#include "host/engine/clusters.h"
 
 namespace quillo::host {
 namespace {
 
 /// A direction turned counterclockwise by tenths of a degree, in a space with y downwards.
 struct Turn {
-  explicit Turn(LONG tenths)
-      : cosine(std::cos(tenths * std::numbers::pi / 1800)),
+  explicit Turn(LONG tenths_of_degree)
+      : tenths(tenths_of_degree),
+        cosine(std::cos(tenths * std::numbers::pi / 1800)),
         sine(std::sin(tenths * std::numbers::pi / 1800)) {
     // Quarter turns are exact, so that upright lines stay upright.
     if (tenths % 900 == 0) {
@@ -21,6 +27,7 @@ struct Turn {
   }
   PointD Apply(double x, double y) const { return {x * cosine + y * sine, y * cosine - x * sine}; }
 
+  LONG tenths;
   double cosine, sine;
 };
 
@@ -52,75 +59,224 @@ double BaselineBelow(UINT align, const TextFont& font) {
   }
 }
 
+/// A line on its way from the text to the page.
+class LineLayout {
+ public:
+  explicit LineLayout(const TextDescription& text)
+      : text_(text),
+        line_(text.font->Wanted().lfEscapement),
+        glyph_(text.font->Wanted().lfOrientation) {
+    const PointD along = ToDevice(text.to_device, line_.Apply(1, 0));
+    pixels_ = std::hypot(along.x, along.y);
+  }
+
+  TextLayout Make() {
+    FindGlyphs();
+    Order();
+    Place();
+    CutIntoRuns();
+    if (!order_as_read_) CutEndsOff();
+    for (GlyphRun& run : layout_.runs) {
+      run.font_to_device = FontToDevice(*run.font);
+      run.natural = run.pair || IsNatural(run);
+    }
+    PutOnPage();
+    for (const GlyphRun& run : layout_.runs) {
+      if (run.natural && !run.pair) SortByPlace(run);
+    }
+    return std::move(layout_);
+  }
+
+ private:
+  const TextFont& FontOf(size_t unit) const {
+    return text_.fonts.empty() ? *text_.font : *text_.fonts[unit];
+  }
+  bool PairAt(size_t unit) const { return !text_.glyph_indexes && IsPair(text_.text, unit); }
+  size_t PlaceOf(size_t unit) const { return place_of_.empty() ? unit : place_of_[unit]; }
+
+  XFORML FontToDevice(const TextFont& font) const {
+    const PointD right = ToDevice(text_.to_device, glyph_.Apply(font.ScaleX(), 0));
+    const PointD down = ToDevice(text_.to_device, glyph_.Apply(0, font.ScaleY()));
+    return {static_cast<float>(right.x),
+            static_cast<float>(right.y),
+            static_cast<float>(down.x),
+            static_cast<float>(down.y),
+            0,
+            0};
+  }
+
+  void FindGlyphs() {
+    for (size_t i = 0; i < text_.text.size(); ++i) {
+      const wchar_t unit = text_.text[i];
+      if (text_.glyph_indexes) {
+        layout_.glyphs.push_back(unit);
+        continue;
+      }
+      layout_.glyphs.push_back(FontOf(i).GlyphOf(CharacterAt(text_.text, i)));
+      if (PairAt(i)) layout_.glyphs.push_back(kNoGlyph), ++i;
+    }
+  }
+
+  void Order() {
+    if (text_.glyph_indexes) return;
+    const std::vector<size_t> as_read = VisualOrder(text_.text, false);
+    if (!text_.in_order) order_ = text_.right_to_left ? VisualOrder(text_.text, true) : as_read;
+    order_as_read_ = order_ == as_read;
+    place_of_.resize(order_.size());
+    for (size_t place = 0; place < order_.size(); ++place) place_of_[order_[place]] = place;
+  }
+
+  /// Puts the units along the line and above it, in logical units.
+  void Place() {
+    places_.resize(text_.text.size());
+    PointD at{0, 0};
+    for (size_t place = 0; place < places_.size(); ++place) {
+      const size_t i = order_.empty() ? place : order_[place];
+      places_[i] = at;
+      at.x += AdvanceOf(i);
+      if (i < text_.dy.size() && text_.dy[i] != 0) {
+        at.y += text_.dy[i];
+        layout_.straight = false;
+      }
+    }
+    layout_.length = at.x;
+  }
+
+  double OwnAdvanceOf(size_t i) const {
+    return FontOf(i).AdvanceOf(layout_.glyphs[i]) * FontOf(i).ScaleX();
+  }
+
+  double AdvanceOf(size_t i) const {
+    if (i < text_.dx.size()) return text_.dx[i];
+    if (!text_.glyph_indexes && layout_.glyphs[i] == kNoGlyph) return 0;
+    const bool space = !text_.glyph_indexes && text_.text[i] == L' ';
+    return OwnAdvanceOf(i) + text_.character_extra + (space ? text_.break_extra : 0);
+  }
+
+  void CutIntoRuns() {
+    for (size_t i = 0; i < text_.text.size(); ++i) {
+      const bool pair = PairAt(i);
+      if (layout_.runs.empty() || pair || CutsBefore(i)) {
+        layout_.runs.push_back({i, 0, &FontOf(i)});
+        layout_.runs.back().pair = pair;
+      }
+      layout_.runs.back().count += pair ? 2 : 1;
+      if (pair) ++i;
+    }
+  }
+
+  bool CutsBefore(size_t i) const {
+    const GlyphRun& run = layout_.runs.back();
+    if (run.pair || run.font != &FontOf(i)) return true;
+    // What comes after a blank that fills up a cell is natural again.
+    const bool filled = std::abs(AdvanceOf(i - 1) - OwnAdvanceOf(i - 1)) * pixels_ > 0.5;
+    if (!text_.fonts.empty() && text_.text[i - 1] == L' ' && filled) return true;
+    if (order_as_read_) return false;
+    const bool leftwards = PlaceOf(i) + 1 == PlaceOf(i - 1);
+    if (!leftwards && PlaceOf(i) != PlaceOf(i - 1) + 1) return true;
+    return run.count > 1 && leftwards != RunsLeftwards(run);
+  }
+
+  bool RunsLeftwards(const GlyphRun& run) const {
+    return PlaceOf(run.first + run.count - 1) < PlaceOf(run.first);
+  }
+
+  /// What stands at the ends of a run from right to left and is no letter of it, such as a full
+  /// stop, gets runs of its own: a reader who starts at the left would put it at the other end.
+  void CutEndsOff() {
+    std::vector<GlyphRun> runs;
+    const auto add = [&](const GlyphRun& run, size_t first, size_t end) {
+      if (first == end) return;
+      runs.push_back(run);
+      runs.back().first = first;
+      runs.back().count = end - first;
+    };
+    for (const GlyphRun& run : layout_.runs) {
+      const size_t end = run.first + run.count;
+      size_t head = run.first, tail = end;
+      if (run.count > 1 && !run.pair && RunsLeftwards(run)) {
+        const auto is_letter = [&](size_t i) {
+          return IsLeftwardLetter(text_.text[i]) || IsMark(text_.text[i]);
+        };
+        while (head < end && !is_letter(head)) ++head;
+        while (tail > head && !is_letter(tail - 1)) --tail;
+      }
+      add(run, run.first, head);
+      add(run, head, tail);
+      add(run, tail, end);
+    }
+    layout_.runs = std::move(runs);
+  }
+
+  /// The units of a run from its first place on, counted from the run's first one; empty: as they
+  /// are in the text. Nothing when others stand between them.
+  std::optional<std::vector<size_t>> OrderWithin(const GlyphRun& run) const {
+    std::vector<size_t> units(run.count);
+    std::iota(units.begin(), units.end(), size_t{0});
+    std::ranges::sort(units, {}, [&](size_t i) { return PlaceOf(run.first + i); });
+    const size_t span = PlaceOf(run.first + units.back()) - PlaceOf(run.first + units.front()) + 1;
+    if (span != run.count) return {};
+    return std::ranges::is_sorted(units) ? std::vector<size_t>{} : units;
+  }
+
+  bool IsNatural(const GlyphRun& run) const {
+    if (!layout_.straight || line_.tenths != glyph_.tenths) return false;
+    const auto order = OrderWithin(run);
+    if (!order || (!order->empty() && run.count > kGlyphsAtHand)) return false;
+    if (!text_.glyph_indexes &&
+        VisualOrder(text_.text.substr(run.first, run.count), false) != *order) {
+      return false;
+    }
+    double natural = 0;  // where the page's font leads by itself, pixels
+    double start = 0;
+    for (size_t place = 0; place < run.count; ++place) {
+      const size_t i = run.first + (order->empty() ? place : (*order)[place]);
+      if (place == 0) start = places_[i].x;
+      // A driver gets whole pixels, so that half a one is no difference.
+      if (std::abs((places_[i].x - start) * pixels_ - natural) > 0.5) return false;
+      if (layout_.glyphs[i] == kNoGlyph) return false;
+      natural += run.font->AdvanceUnder(run.font_to_device, layout_.glyphs[i]);
+    }
+    return true;
+  }
+
+  void PutOnPage() {
+    const TextFont& font = *text_.font;
+    const double shift = -layout_.length * PartBefore(text_.align);
+    const double drop = BaselineBelow(text_.align, font) * font.ScaleY();
+    const auto on_page = [&](double x, double above) {
+      const PointD device = ToDevice(text_.to_device, line_.Apply(x + shift, drop - above));
+      return PointD{text_.x + device.x, text_.y + device.y};
+    };
+    for (const PointD& p : places_) layout_.origins.push_back(on_page(p.x, p.y));
+    layout_.start = on_page(0, 0);
+    layout_.end = on_page(layout_.length, 0);
+    layout_.up = ToDevice(text_.to_device, line_.Apply(0, -font.ScaleY()));
+  }
+
+  void SortByPlace(const GlyphRun& run) {
+    const auto order = OrderWithin(run);
+    if (!order || order->empty()) return;
+    const std::vector<USHORT> glyphs = layout_.glyphs;
+    const std::vector<PointD> origins = layout_.origins;
+    for (size_t place = 0; place < run.count; ++place) {
+      layout_.glyphs[run.first + place] = glyphs[run.first + (*order)[place]];
+      layout_.origins[run.first + place] = origins[run.first + (*order)[place]];
+    }
+  }
+
+  const TextDescription& text_;
+  const Turn line_, glyph_;
+  double pixels_;                 // for each logical unit along the line
+  std::vector<size_t> order_;     // the unit at each place; empty: as in the text
+  std::vector<size_t> place_of_;  // of each unit; empty likewise
+  bool order_as_read_ = true;     // a reader who starts at the left orders the line so by itself
+  std::vector<PointD> places_;    // of each unit
+  TextLayout layout_;
+};
+
 }  // namespace
 
-TextLayout LayOut(const TextDescription& text) {
-  const TextFont& font = *text.font;
-  const Turn line(font.Wanted().lfEscapement), glyph(font.Wanted().lfOrientation);
-  const XFORM& m = text.to_device;
-  TextLayout layout;
-  const PointD right = ToDevice(m, glyph.Apply(font.ScaleX(), 0));
-  const PointD down = ToDevice(m, glyph.Apply(0, font.ScaleY()));
-  layout.font_to_device = {static_cast<float>(right.x),
-                           static_cast<float>(right.y),
-                           static_cast<float>(down.x),
-                           static_cast<float>(down.y),
-                           0,
-                           0};
-
-  for (const wchar_t unit : text.text) {
-    layout.glyphs.push_back(text.glyph_indexes ? static_cast<USHORT>(unit) : font.GlyphOf(unit));
-  }
-  const bool fixed_order = text.glyph_indexes || text.in_order;
-  const std::vector<size_t> order =
-      fixed_order ? std::vector<size_t>{} : VisualOrder(text.text, text.right_to_left);
-
-  // Along the line and above it, in logical units.
-  std::vector<PointD> places(text.text.size());
-  PointD at{0, 0};
-  double natural = 0;  // where the page's font leads by itself, pixels
-  if (font.Wanted().lfEscapement != font.Wanted().lfOrientation) layout.natural = false;
-  const PointD along = ToDevice(m, line.Apply(1, 0));
-  const double pixels = std::hypot(along.x, along.y);
-  for (size_t place = 0; place < places.size(); ++place) {
-    const size_t i = order.empty() ? place : order[place];
-    places[i] = at;
-    // A driver gets whole pixels, so that half a one is no difference.
-    if (std::abs(at.x * pixels - natural) > 0.5) layout.natural = false;
-    const double own = font.AdvanceOf(layout.glyphs[i]) * font.ScaleX();
-    if (layout.natural) natural += font.AdvanceUnder(layout.font_to_device, layout.glyphs[i]);
-    if (text.glyph_indexes && text.text[i] == kNoGlyph) layout.natural = false;
-    const bool space = !text.glyph_indexes && text.text[i] == L' ';
-    at.x += i < text.dx.size() ? text.dx[i]
-                               : own + text.character_extra + (space ? text.break_extra : 0);
-    if (i < text.dy.size() && text.dy[i] != 0) {
-      at.y += text.dy[i];
-      layout.natural = layout.straight = false;
-    }
-  }
-  if (!order.empty() && order.size() > kGlyphsAtHand) layout.natural = false;
-  if (!order.empty() && layout.natural) {
-    const std::vector<USHORT> glyphs = layout.glyphs;
-    const std::vector<PointD> in_text_order = places;
-    for (size_t place = 0; place < order.size(); ++place) {
-      layout.glyphs[place] = glyphs[order[place]];
-      places[place] = in_text_order[order[place]];
-    }
-  }
-  layout.length = at.x;
-
-  // From the line to the page.
-  const double shift = -layout.length * PartBefore(text.align);
-  const double drop = BaselineBelow(text.align, font) * font.ScaleY();
-  const auto on_page = [&](double x, double above) {
-    const PointD device = ToDevice(m, line.Apply(x + shift, drop - above));
-    return PointD{text.x + device.x, text.y + device.y};
-  };
-  for (const PointD& p : places) layout.origins.push_back(on_page(p.x, p.y));
-  layout.start = on_page(0, 0);
-  layout.end = on_page(layout.length, 0);
-  layout.up = ToDevice(m, line.Apply(0, -font.ScaleY()));
-  return layout;
-}
+TextLayout LayOut(const TextDescription& text) { return LineLayout(text).Make(); }
 
 }  // namespace quillo::host

@@ -4,6 +4,11 @@
 
 #include <algorithm>
 #include <iterator>
+#include <string_view>
+#include <utility>
+
+#include "host/engine/bidi.h"
+#include "host/engine/clusters.h"
 
 namespace quillo::host {
 
@@ -20,12 +25,7 @@ constexpr struct {
 
 int ColumnsOf(wchar_t unit) {
   if (unit < 0x300) return 1;
-  if (IS_LOW_SURROGATE(unit)) return 0;
-  WORD type = 0;
-  if (GetStringTypeW(CT_CTYPE3, &unit, 1, &type) && (type & C3_NONSPACING) != 0 &&
-      (type & C3_ALPHA) == 0) {
-    return 0;
-  }
+  if (IS_LOW_SURROGATE(unit) || IsMark(unit) || ShowsNothing(unit)) return 0;
   const bool wide = std::ranges::any_of(
       kWide, [unit](const auto& block) { return unit >= block.first && unit <= block.last; });
   return wide ? 2 : 1;
@@ -35,6 +35,11 @@ int ColumnsOf(wchar_t unit) {
 
 TextLine LineBreaker::Next(int columns) {
   TextLine line;
+  if (!std::exchange(in_paragraph_, true)) {
+    const std::wstring_view rest = std::wstring_view(text_).substr(at_);
+    right_to_left_ = BeginsLeftwards(rest.substr(0, rest.find_first_of(L"\r\n\f")));
+  }
+  line.right_to_left = right_to_left_;
   int used = 0;
   size_t blank_end = 0;   // behind the last blank of the line, in the text
   size_t line_break = 0;  // the same in the line
@@ -73,6 +78,7 @@ bool LineBreaker::TakeLineEnd(TextLine& line) {
   const wchar_t unit = text_[at_];
   if (unit != L'\n' && unit != L'\r' && unit != L'\f') return false;
   line.ends_page = unit == L'\f';
+  in_paragraph_ = false;
   ++at_;
   if (unit == L'\r' && at_ < text_.size() && text_[at_] == L'\n') ++at_;
   return true;

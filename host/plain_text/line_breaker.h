@@ -12,7 +12,8 @@ namespace quillo::host {
 struct TextLine {
   std::wstring text;
   std::vector<int> columns;
-  bool ends_page = false;  // a form feed follows
+  bool right_to_left = false;  // its paragraph, from one line end to the next, begins so
+  bool ends_page = false;      // a form feed follows
 };
 
 /// Cuts a text into lines of a number of columns: at line ends and form feeds, else behind the last
@@ -31,6 +32,8 @@ class LineBreaker {
 
   const std::wstring text_;
   size_t at_ = 0;
+  bool in_paragraph_ = false;
+  bool right_to_left_ = false;  // the paragraph
 };
 
 }  // namespace quillo::host

@@ -7,6 +7,7 @@
 
 #include "base/checked.h"
 #include "host/base/platform.h"
+#include "host/preview/text_record.h"
 
 namespace quillo::host {
 
@@ -126,6 +127,8 @@ class PagePlayer {
         return SetMiterLimit(dc_, static_cast<FLOAT>(record.dParm[0]), nullptr) != FALSE;
       case EMR_EXTCREATEPEN:
         return CreatePen(handles, record, handle_count);
+      case EMR_EXTTEXTOUTW:
+        return PlayPair(handles, record, handle_count);
       default:
         return IsBlit(record) && PlayEnlarged(handles, record, handle_count);
     }
@@ -158,6 +161,15 @@ class PagePlayer {
     handles.objectHandle[index] = ExtCreatePen(style, LoadOrZero<DWORD>(whole, 32), &brush, count,
                                                count == 0 ? nullptr : entries.data());
     return handles.objectHandle[index] != nullptr;
+  }
+
+  /// Plays a text record of one character above U+FFFF; false for other text.
+  bool PlayPair(HANDLETABLE& handles, const ENHMETARECORD& record, UINT handle_count) const {
+    const std::vector<std::byte> glyph = WithGlyphOfPair(dc_, record);
+    return !glyph.empty() &&
+           PlayEnhMetaFileRecord(dc_, &handles,
+                                 reinterpret_cast<const ENHMETARECORD*>(glyph.data()),
+                                 handle_count) != FALSE;
   }
 
   /// What a blit may touch of the sheet, and the factor at which every dot of the page is at least

@@ -206,9 +206,10 @@ TEST_F(PrintCommand, Picture_IsDrawnAtItsSizeOrFitted) {
 }
 
 TEST_F(PrintCommand, Text_FillsPagesAndStaysText) {
-  // Cyrillic, Greek, a mark that combines, and Chinese, which the main font lacks.
-  const std::wstring first = L"Пр Ωή e\x0301 漢字";
-  std::wstring text = first + L"\tx\r\n", printed = first + L"    x";
+  // Cyrillic, Greek, marks that combine, Chinese and a character above U+FFFF, which the main font
+  // lacks, and Hebrew.
+  std::wstring text = L"Пр Ωή e\x0301 q\x0301 漢字\tx\r\nשלום (עולם) 𝔸!\n";
+  std::wstring printed = L"Пр Ωή \x00E9 q\x0301 漢字  xשלום (עולם) 𝔸!";
   for (int i = 0; i < 100; ++i) {
     text += L"line " + std::to_wstring(i) + L"\n";
     printed += L"line " + std::to_wstring(i);

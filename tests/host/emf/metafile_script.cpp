@@ -114,6 +114,10 @@ std::vector<ScriptCase> ReadScript(const std::filesystem::path& path) {
       std::istringstream numbers(line.substr(4));
       Transform& map = cases.back().to_page;
       numbers >> map.m11 >> map.m12 >> map.m21 >> map.m22 >> map.dx >> map.dy;
+    } else if (tokens[0] == "millimetres") {
+      constexpr size_t kMillimetres = 80;  // of the reference device, in the header
+      metafile->Patch(kMillimetres, Number(tokens[1]));
+      metafile->Patch(kMillimetres + 4, Number(tokens[2]));
     } else {
       metafile->Add(TypeOf(tokens[0]), Fields(tokens));
     }

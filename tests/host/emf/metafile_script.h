@@ -22,6 +22,7 @@ struct ScriptCase {
 ///     # a comment
 ///     $name = ...        $name stands for all this in the lines below
 ///     page a b c d x y   the transform to the page
+///     millimetres x y    the size of the reference device, 1000 by 500 pixels
 ///     > ...              a call of the driver that is expected
 ///     ! ...              a fault that is expected
 ///     - ...              a record that is expected not to be carried

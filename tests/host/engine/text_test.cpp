@@ -1,6 +1,7 @@
 #include <algorithm>
 #include <cmath>
 
+#include "host/engine/font_cache.h"
 #include "tests/host/engine/graphics_fixture.h"
 
 namespace quillo::host {
@@ -46,13 +47,13 @@ TEST_F(TextTest, RightToLeft_PutsUnitsInTheirPlaces) {
   const std::wstring hebrew = L"a\x05D0\x05D1";
   TextDescription line = Line(hebrew);
   TextLayout layout = LayOut(line);
-  EXPECT_TRUE(layout.natural);
+  EXPECT_TRUE(layout.Natural());
   EXPECT_LT(layout.origins[0].x, layout.origins[1].x);
   EXPECT_LT(layout.origins[1].x, layout.origins[2].x);
 
   line.dx = {8, 9, 10};
   layout = LayOut(line);
-  EXPECT_FALSE(layout.natural);
+  EXPECT_FALSE(layout.Natural());
   EXPECT_EQ(layout.origins[0].x, 50);
   EXPECT_EQ(layout.origins[1].x, 68);  // behind the third unit
   EXPECT_EQ(layout.origins[2].x, 58);
@@ -60,6 +61,17 @@ TEST_F(TextTest, RightToLeft_PutsUnitsInTheirPlaces) {
   EXPECT_EQ(LayOut(line).origins[0].x, 69);
   line.in_order = true;
   EXPECT_EQ(LayOut(line).origins[0].x, 50);
+}
+
+TEST_F(TextTest, RightToLeft_ComesInRunsThatReadAlikeFromTheLeft) {
+  TextDescription line = Line(L"\x05D0\x05D1.");
+  line.right_to_left = true;
+  const TextLayout layout = LayOut(line);
+  ASSERT_EQ(layout.runs.size(), 2u);
+  for (const GlyphRun& run : layout.runs) EXPECT_TRUE(run.natural);
+  EXPECT_NEAR(layout.origins[0].x, 56, 0.01);  // the second letter
+  EXPECT_NEAR(layout.origins[1].x, 62, 0.01);
+  EXPECT_EQ(layout.origins[2].x, 50);
 }
 
 TEST_F(TextTest, LongString_ComesInBatches) {
@@ -86,6 +98,26 @@ TEST(TextFont, Metrics_AreThoseOfTheInstalledFont) {
 
   wcscpy(wanted.lfFaceName, L"No Such Font At All");
   EXPECT_TRUE(TextFont(wanted).Substituted());
+
+  // Arabic is what DejaVu has, whose glyph indexes cannot be turned back.
+  wanted.lfCharSet = ARABIC_CHARSET;
+  wanted.lfPitchAndFamily = VARIABLE_PITCH | FF_SWISS;
+  FontCache fonts;
+  const auto substitute = fonts.Find(wanted);
+  EXPECT_TRUE(substitute->Map().invertible) << TextFont(wanted).Map().invertible;
+  EXPECT_EQ(substitute->Wanted().lfFaceName, std::wstring(L"No Such Font At All"));
+
+  // A mark goes with its letter, also where the letter's own font lacks no more than the mark.
+  const std::wstring text = L"q\x20D7 q";
+  wanted = FixedPitch(-10);
+  const auto mono = fonts.Find(wanted);
+  const FontChoice choice = fonts.Choose(mono, text);
+  ASSERT_EQ(choice.fonts.size(), text.size());
+  EXPECT_EQ(choice.fonts[0], choice.fonts[1]);
+  EXPECT_NE(choice.fonts[0], mono);
+  EXPECT_EQ(choice.fonts[3], mono);
+  EXPECT_EQ(choice.in_others, 2u);
+  EXPECT_EQ(fonts.Choose(mono, L"\xE000\xDBFF\xDFFE").missing, 3u);
 
   // The platform answers to the name of a font that it replaces by another.
   wcscpy(wanted.lfFaceName, L"Courier New");

@@ -1,6 +1,7 @@
 #include <gtest/gtest.h>
 #include <string>
 
+#include "host/engine/clusters.h"
 #include "host/plain_text/decode.h"
 #include "host/plain_text/line_breaker.h"
 
@@ -34,6 +35,17 @@ TEST(DecodeText, Encodings_AreTold) {
   };
   for (const auto& test : cases)
     EXPECT_EQ(DecodeText(AsBytes(test.file)), test.text) << &test - cases;
+}
+
+TEST(Compose, LettersAndMarks_BecomeOneCharacterWhereThereIsOne) {
+  const std::pair<std::wstring, std::wstring> cases[] = {
+      {L"Cafe\x0301 x", L"Caf\x00E9 x"},
+      {L"q\x0301", L"q\x0301"},
+      {L"\x212B", L"\x212B"},  // by itself it stays
+      {L"u\x0308\x0301", L"\x01D8"},
+      {L"\xD835\xDD38\x0301", L"\xD835\xDD38\x0301"},
+  };
+  for (const auto& [text, composed] : cases) EXPECT_EQ(Compose(text), composed);
 }
 
 TEST(LooksLikeText, ControlCharacters_AreNone) {
