@@ -1,5 +1,6 @@
 #include "base/windows.h"
 
+#include <algorithm>
 #include <filesystem>
 #include <fstream>
 #include <gtest/gtest.h>
@@ -208,8 +209,8 @@ TEST_F(PrintCommand, Picture_IsDrawnAtItsSizeOrFitted) {
 TEST_F(PrintCommand, Text_FillsPagesAndStaysText) {
   // Cyrillic, Greek, marks that combine, Chinese and a character above U+FFFF, which the main font
   // lacks, and Hebrew.
-  std::wstring text = L"Пр Ωή e\x0301 q\x0301 漢字\tx\r\nשלום (עולם) 𝔸!\n";
-  std::wstring printed = L"Пр Ωή \x00E9 q\x0301 漢字  xשלום (עולם) 𝔸!";
+  std::wstring text = L"Пр Ωή e\x0301 q\x0301 漢字\tx\r\nשלום (עולם) 𝔸!\x00A0-\x00AD\n";
+  std::wstring printed = L"Пр Ωή \x00E9 q\x0301 漢字  xשלום (עולם) 𝔸!\x00A0-\x00AD";
   for (int i = 0; i < 100; ++i) {
     text += L"line " + std::to_wstring(i) + L"\n";
     printed += L"line " + std::to_wstring(i);
@@ -226,9 +227,11 @@ TEST_F(PrintCommand, Text_FillsPagesAndStaysText) {
   for (const Json& page : report["pages"]) {
     std::u8string told;
     for (const std::string call : page["text"]) told.append(call.begin(), call.end());
-    const std::wstring page_text = TextOf(out_ / page["file"].get<std::string>());
-    EXPECT_EQ(page_text, fs::path(told).wstring());
+    std::wstring page_text = TextOf(out_ / page["file"].get<std::string>());
     on_pages += page_text;
+    std::ranges::replace(page_text, L'\x00A0', L' ');
+    std::ranges::replace(page_text, L'\x00AD', L'-');
+    EXPECT_EQ(page_text, fs::path(told).wstring());
     EXPECT_EQ(page["lost_characters"].size(), 0u) << page;
   }
   EXPECT_EQ(on_pages, printed + L"end");
