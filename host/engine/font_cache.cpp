@@ -86,8 +86,8 @@ const std::vector<FontCache::Face>& FontCache::Faces() {
   EnumFontFamiliesExW(screen.Get(), &any, static_cast<FONTENUMPROCW>(take),
                       reinterpret_cast<LPARAM>(&faces_), 0);
   std::ranges::sort(faces_, {}, &Face::name);
-  const auto repeated = std::ranges::unique(faces_, {}, &Face::name);
-  faces_.erase(repeated.begin(), repeated.end());
+  const auto same_name = [](const Face& a, const Face& b) { return a.name == b.name; };
+  faces_.erase(std::unique(faces_.begin(), faces_.end(), same_name), faces_.end());
   samples_.resize(faces_.size());
   return faces_;
 }

@@ -113,7 +113,9 @@ class LineLayout {
         continue;
       }
       layout_.glyphs.push_back(FontOf(i).GlyphOf(CharacterAt(text_.text, i)));
-      if (PairAt(i)) layout_.glyphs.push_back(kNoGlyph), ++i;
+      if (!PairAt(i)) continue;
+      layout_.glyphs.push_back(kNoGlyph);
+      ++i;
     }
   }
 
