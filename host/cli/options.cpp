@@ -8,7 +8,7 @@
 #include "host/base/platform.h"
 #include "host/base/text.h"
 #include "host/cli/exit_code.h"
-#include "host/cli/version.h"
+#include "version.h"
 
 namespace quillo::host {
 
@@ -61,7 +61,7 @@ class Parser {
     app_.allow_windows_style_options(false);
     app_.footer(kFooter);
     app_.set_help_flag("-h,--help", "Show this help");
-    app_.set_version_flag("--version", kVersion);
+    app_.set_version_flag("--version", "quillo-print " QUILLO_VERSION);
     input_ = app_.add_option("INPUT", inputs_, "Files to print")->type_name("");
     app_.add_option("-o,--output", output_, "Folder for the results; it is made when missing")
         ->type_name("DIR")

@@ -11,7 +11,7 @@
 #include "host/client/client_fault.h"
 #include "host/client/com_object.h"
 #include "host/client/page_object.h"
-#include "quillo_idl.h"
+#include "interface/quillo.h"
 
 namespace quillo::host {
 

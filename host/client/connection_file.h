@@ -5,7 +5,7 @@
 #include <string>
 
 #include "base/com_owners.h"
-#include "quillo_idl.h"
+#include "interface/quillo.h"
 
 namespace quillo::host {
 

@@ -6,7 +6,7 @@
 #include <vector>
 
 #include "host/client/com_object.h"
-#include "quillo_idl.h"
+#include "interface/quillo.h"
 
 namespace quillo::host {
 

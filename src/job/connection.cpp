@@ -34,7 +34,7 @@ HRESULT Unmarshal(const wchar_t* path, ComPtr<IQuilloClient>& client) {
                                stream.Receive());
   if (FAILED(result)) return result;
   void* interface_pointer = nullptr;
-  result = CoUnmarshalInterface(stream.Get(), kClientInterfaceId, &interface_pointer);
+  result = CoUnmarshalInterface(stream.Get(), __uuidof(IQuilloClient), &interface_pointer);
   client.Reset(static_cast<IQuilloClient*>(interface_pointer));
   return result;
 }

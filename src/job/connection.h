@@ -2,7 +2,8 @@
 
 #include "base/windows.h"
 
-#include "job/client.h"
+#include "base/com_owners.h"
+#include "interface/quillo.h"
 
 namespace quillo {
 

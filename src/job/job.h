@@ -4,9 +4,10 @@
 
 #include <cstdint>
 
+#include "base/com_owners.h"
 #include "base/kernel_owners.h"
+#include "interface/quillo.h"
 #include "job/buffer.h"
-#include "job/client.h"
 #include "playback/context.h"
 
 namespace quillo {

@@ -7,6 +7,9 @@ namespace quillo {
 
 namespace {
 
+/// What NotifyError carries: a page metafile could not be created or closed.
+constexpr LONG kPageError = -295;
+
 LONG IdOf(const CQloPrinter& job) { return static_cast<LONG>(job.job_id); }
 
 /// The job as the spooler knows it (a JOB_INFO_1W), or empty.
@@ -61,10 +64,8 @@ void NotifyPageError(const CQloPrinter& job) {
 
 ComPtr<IQuilloPage> OpenClientPage(const CQloPrinter& job) {
   if (!ClientConnected(job)) return {};
-  IDispatch* object = nullptr;
-  if (FAILED(job.client->GetPageObject(&object))) return {};
-  // The client's interface hands out its page interface itself; it is not queried for.
-  ComPtr<IQuilloPage> page(static_cast<IQuilloPage*>(object));
+  ComPtr<IQuilloPage> page;
+  if (FAILED(job.client->GetPageObject(page.Receive()))) return {};
   if (page) job.client->NotifyPageStart(job.printer_name.Get(), IdOf(job), page.Get());
   return page;
 }

@@ -4,8 +4,8 @@
 
 #include "config/user_paths.h"
 #include "host/client/com_object.h"
+#include "interface/quillo.h"
 #include "job/compound_file.h"
-#include "quillo_idl.h"
 
 namespace quillo::test {
 
@@ -35,7 +35,7 @@ class Passed : public host::ComObject<Interface> {
 
 }  // namespace
 
-class RecordingClient::Page : public Passed<::IQuilloPage> {
+class RecordingClient::Page : public Passed<IQuilloPage> {
  public:
   explicit Page(RecordingClient& owner) : owner_(owner) { ++owner_.living_pages_; }
   ~Page() override { --owner_.living_pages_; }
@@ -95,7 +95,7 @@ class RecordingClient::Page : public Passed<::IQuilloPage> {
   RecordingClient& owner_;
 };
 
-class RecordingClient::Client : public Passed<::IQuilloClient> {
+class RecordingClient::Client : public Passed<IQuilloClient> {
  public:
   explicit Client(RecordingClient& owner) : owner_(owner) {}
 
@@ -110,10 +110,10 @@ class RecordingClient::Client : public Passed<::IQuilloClient> {
   HRESULT STDMETHODCALLTYPE NotifyDocumentEnd(BSTR printer, LONG job) override {
     return Note("NotifyDocumentEnd " + Subject(printer, job));
   }
-  HRESULT STDMETHODCALLTYPE NotifyPageStart(BSTR printer, LONG job, ::IQuilloPage* page) override {
+  HRESULT STDMETHODCALLTYPE NotifyPageStart(BSTR printer, LONG job, IQuilloPage* page) override {
     return Note(Line("NotifyPageStart ", Subject(printer, job), " ", Number(page)));
   }
-  HRESULT STDMETHODCALLTYPE NotifyPage(BSTR printer, LONG job, ::IQuilloPage* page) override {
+  HRESULT STDMETHODCALLTYPE NotifyPage(BSTR printer, LONG job, IQuilloPage* page) override {
     if (owner_.on_page_file) owner_.on_page_file(static_cast<Page*>(page)->file.c_str());
     return Note(Line("NotifyPage ", Subject(printer, job), " ", Number(page)));
   }
@@ -128,7 +128,7 @@ class RecordingClient::Client : public Passed<::IQuilloClient> {
   HRESULT STDMETHODCALLTYPE NotifyError(BSTR printer, LONG job, LONG code) override {
     return Note(Line("NotifyError ", Subject(printer, job), " ", code));
   }
-  HRESULT STDMETHODCALLTYPE GetPageObject(::IQuilloPage** page) override {
+  HRESULT STDMETHODCALLTYPE GetPageObject(IQuilloPage** page) override {
     *page = nullptr;
     if (FAILED(Note("GetPageObject"))) return owner_.answer;
     *page = last_page_ = new Page(owner_);
@@ -142,13 +142,13 @@ class RecordingClient::Client : public Passed<::IQuilloClient> {
     return owner_.answer;
   }
   static std::string Subject(BSTR printer, LONG job) { return Line(Narrow(printer), "/", job); }
-  std::string Number(::IQuilloPage* page) const {
+  std::string Number(IQuilloPage* page) const {
     if (page == nullptr) return "no page";
     return page == last_page_ ? Line("page ", pages_) : "A FOREIGN PAGE";
   }
 
   RecordingClient& owner_;
-  ::IQuilloPage* last_page_ = nullptr;
+  IQuilloPage* last_page_ = nullptr;
   int pages_ = 0;
 };
 
@@ -181,7 +181,7 @@ void RecordingClient::LeaveConnection(DWORD job_id, bool in_session_folder) {
                    storage.Receive());
   storage->CreateStream(L"IQuilloConnectionPiont", STGM_CREATE | STGM_SHARE_EXCLUSIVE | STGM_WRITE,
                         0, 0, stream.Receive());
-  CoMarshalInterface(stream.Get(), kClientInterfaceId, client_, MSHCTX_INPROC, nullptr,
+  CoMarshalInterface(stream.Get(), __uuidof(IQuilloClient), client_, MSHCTX_INPROC, nullptr,
                      MSHLFLAGS_NORMAL);
 }
 

@@ -6,7 +6,6 @@
 #include <string>
 #include <vector>
 
-#include "job/client.h"
 #include "support/line.h"
 
 namespace quillo::test {

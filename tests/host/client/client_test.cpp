@@ -33,7 +33,7 @@ TEST(ClientProcess, RareCalls_ReachTheClient) {
     const Bstr path(SysAllocString(font.c_str()));
     EXPECT_EQ(job->client->NotifyEmbeddedFont(path.Get()), S_OK);
     const Bstr printer(SysAllocString(kPrinterName));
-    EXPECT_EQ(job->client->NotifyError(printer.Get(), 7, kPageError), S_OK);
+    EXPECT_EQ(job->client->NotifyError(printer.Get(), 7, -295), S_OK);
     SignalEndAndDestroy(job);
     const nlohmann::ordered_json calls = client.Finish().calls;
     EXPECT_EQ(calls[1]["method"], "NotifyEmbeddedFont");

@@ -4,7 +4,7 @@
 
 #include <cstddef>
 
-#include "quillo_idl.h"
+#include "interface/quillo.h"
 
 namespace {
 
