@@ -5,6 +5,7 @@
 
 #include "config/paper_geometry.h"
 #include "config/settings_test.h"
+#include "support/import_patch.h"
 #include "support/late_functions.h"
 
 namespace quillo {
@@ -155,6 +156,20 @@ TEST_F(CustomPapersTest, Save_InOneStoreWithoutGaps) {
     EXPECT_TRUE(GetValue(root, Subkey(2), L"PaperID"));
   }
   EXPECT_EQ(SaveCustomPapers(L"no such printer", nullptr), SETTINGS_NOT_OPEN);
+
+  static std::wstring unwritable;
+  static decltype(RegSetValueExW)* set;
+  const ImportPatch patch(
+      "RegSetValueExW",
+      +[](HKEY key, const wchar_t* name, DWORD zero, DWORD type, const BYTE* data, DWORD size)
+           WINAPI -> LSTATUS {
+        return name == unwritable ? ERROR_DISK_FULL : set(key, name, zero, type, data, size);
+      });
+  set = patch.Original<decltype(RegSetValueExW)>();
+  for (const wchar_t* name : {L"CustomPaperDim", L"PaperID", L"Custom Papers Count"}) {
+    unwritable = name;
+    EXPECT_EQ(Save({kNote}), SETTINGS_SET_FAILED);
+  }
 }
 
 TEST_F(CustomPapersTest, SheetSize_OfEachKindAndUser) {

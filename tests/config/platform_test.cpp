@@ -88,6 +88,20 @@ TEST(Wow64, FunctionsMissing_NothingIsSwitched) {
   functions.Replace(
       "IsWow64Process", +[](HANDLE, BOOL* wow64) WINAPI { return *wow64 = TRUE; });
   EXPECT_TRUE(IsWow64());
+  static int redirections_off;
+  functions.Replace(
+      "Wow64DisableWow64FsRedirection", +[](void** state) WINAPI -> BOOL {
+        *state = &redirections_off;
+        return ++redirections_off;
+      });
+  functions.Replace(
+      "Wow64RevertWow64FsRedirection",
+      +[](void* state) WINAPI -> BOOL { return --*static_cast<int*>(state); });
+  {
+    const FsRedirectionOff off;
+    EXPECT_EQ(redirections_off, 1);
+  }
+  EXPECT_EQ(redirections_off, 0);
   functions.Miss("IsWow64Process");
   functions.Miss("Wow64DisableWow64FsRedirection");
   functions.Miss("Wow64RevertWow64FsRedirection");

@@ -51,7 +51,7 @@ TEST_F(SettingsLeakTest, ThousandRounds_LeaveNothing) {
   for (int i = 0; i < 1000; ++i) OneRound(printer_.Get(), papers.Get());
   const auto after_all = Holdings::Now();
   EXPECT_LT(after_all.heap_bytes, after_one.heap_bytes + 4096);
-  EXPECT_EQ(after_all.kernel_handle, after_one.kernel_handle);
+  EXPECT_EQ(after_all.kernel_handles, after_one.kernel_handles);
 }
 
 }  // namespace

@@ -105,12 +105,17 @@ TEST_F(UserTempFolderTest, ExpansionMissingOrFailing) {
   EXPECT_STREQ(folder_, spoolers_);
   EXPECT_EQ(UserTempFolder(folder_, 3), 0u);
 
+  static bool for_a_user;
   functions_.Replace(
-      "ExpandEnvironmentStringsForUserW", +[](HANDLE, const wchar_t*, wchar_t* out, DWORD) WINAPI {
+      "ExpandEnvironmentStringsForUserW",
+      +[](HANDLE token, const wchar_t*, wchar_t* out, DWORD) WINAPI {
+        DWORD session = 0, size = 0;
+        for_a_user = GetTokenInformation(token, TokenSessionId, &session, sizeof session, &size);
         lstrcpyW(out, L"half");
         return FALSE;
       });
   EXPECT_EQ(UserTempFolder(folder_, MAX_PATH), 0u);
+  EXPECT_TRUE(for_a_user);
   EXPECT_STREQ(folder_, L"");
   RegDeleteKeyValueW(HKEY_CURRENT_USER, L"Environment", L"TMP");
   EXPECT_EQ(UserTempFolder(folder_, MAX_PATH), spoolers_length);

@@ -34,6 +34,7 @@ std::string_view BytesOf(const GDIINFO& info) {
 
 TEST(DescribeGraphics, A4At600Dpi_WholeBlock) {
   DEVICE_PDEV device = Device(DMPAPER_A4, 600);
+  device.resolution.y = 300;
   const GDIINFO info = DescribeGraphics(device);
 
   GDIINFO expected = {};
@@ -46,7 +47,8 @@ TEST(DescribeGraphics, A4At600Dpi_WholeBlock) {
   expected.cBitsPixel = 24;
   expected.cPlanes = 1;
   expected.ulNumColors = 0xFFFFFFFF;
-  expected.ulLogPixelsX = expected.ulLogPixelsY = 600;
+  expected.ulLogPixelsX = 600;
+  expected.ulLogPixelsY = 300;
   expected.flTextCaps = 0x1FFF;
   expected.ulAspectX = expected.ulAspectY = 100;
   expected.ulAspectXY = 141;
@@ -96,6 +98,7 @@ TEST(DescribeGraphics, HalftoneCell_StepsAtEachLimit) {
 
 TEST(DescribeDevice, Fonts_TenPoints) {
   DEVICE_PDEV device = Device(DMPAPER_LETTER, 600);
+  device.resolution.x = 1200;
   device.palette = reinterpret_cast<HPALETTE>(uintptr_t{0x1234});
   const DEVINFO info = DescribeDevice(device);
   EXPECT_EQ(info.flGraphicsCaps, 0x0020053Eu);

@@ -31,17 +31,24 @@ TEST(Palettes, SampleEntries_HaveTheirColours) {
   } const cases[] = {{2, 1, 0xFFFFFF},    {4, 1, 0xFFFFFF},     {4, 2, 0x000000},
                      {4, 3, 0x555555},    {8, 5, 0xFF00FF},     {16, 8, 0xC0C0C0},
                      {16, 13, 0xFF00FF},  {32, 9, 0x5500FF},    {64, 27, 0x55AAFF},
-                     {128, 37, 0x552455}, {128, 127, 0xFFFFFF}, {256, 198, 0xDB24AA}};
+                     {128, 37, 0x552455}, {128, 127, 0xFFFFFF}, {256, 198, 0xDB24AA},
+                     {256, 41, 0x244955}, {256, 114, 0x6D92AA}, {256, 187, 0xB6DBFF}};
   for (const auto& c : cases) {
     EXPECT_EQ(Fixed(c.colours)[c.index], Rgb(c.colour)) << c.colours << ' ' << c.index;
     EXPECT_TRUE(IsDefaultPalette(Fixed(c.colours), static_cast<uint32_t>(c.colours)));
+  }
+  for (uint32_t i = 0; i < 16; ++i) {
+    const uint32_t level = i < 8 ? 0x80 : 0xFF;
+    const auto channel = [i, level](uint32_t bit) { return (i >> bit & 1) * level; };
+    if (i == 8) continue;
+    EXPECT_EQ(Fixed(16)[i], Rgb(channel(0) << 16 | channel(1) << 8 | channel(2))) << i;
   }
   std::vector<PaletteEntry> other(3);
   EXPECT_FALSE(FillDefaultPalette(other));
   PaletteEntry cube[256];
   FillColourCube(cube);
   const std::pair<size_t, uint32_t> levels[] = {
-      {121, 0x996633}, {215, 0xFFFFFF}, {216, 0}, {255, 0}};
+      {121, 0x996633}, {144, 0xCC0000}, {215, 0xFFFFFF}, {216, 0}, {255, 0}};
   for (const auto& [index, colour] : levels) EXPECT_EQ(cube[index], Rgb(colour)) << index;
 }
 

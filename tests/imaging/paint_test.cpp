@@ -12,6 +12,7 @@
 #include "imaging/painting/paint_method.h"
 #include "imaging/settings_scope.h"
 #include "support/canvas.h"
+#include "support/holdings.h"
 #include "support/import_patch.h"
 
 namespace quillo::imaging {
@@ -100,7 +101,7 @@ TEST(Paint, EveryStorageAndFormat_ShowsTheSamePicture) {
     const TemporaryDirectory directory;
     settings->memory_threshold = 1;
     const Canvas canvas;
-    const DWORD handles = HandleCount();
+    const uintptr_t handles = test::LiveKernelHandles();
     BitmapHandle bitmap{};
     MakeGradient(&bitmap, c.type, c.view, c.type == 2 ? data.data() : nullptr, c.bits, c.order);
     ASSERT_EQ(Paint(canvas.Dc(), &bitmap, nullptr, nullptr, &kAt22, nullptr, SRCCOPY), kSuccess);
@@ -114,7 +115,7 @@ TEST(Paint, EveryStorageAndFormat_ShowsTheSamePicture) {
     EXPECT_EQ(canvas.At(6, 6), kWhite);
     Free(&bitmap);
     EXPECT_EQ(directory.Files(), 0);
-    EXPECT_EQ(HandleCount(), handles);
+    EXPECT_EQ(test::LiveKernelHandles(), handles);
   }
 }
 

@@ -9,6 +9,8 @@
 #include "imaging/bitmap/rows.h"
 #include "imaging/dib/convert_dib.h"
 #include "imaging/settings_scope.h"
+#include "support/holdings.h"
+#include "support/import_patch.h"
 
 namespace quillo::imaging {
 namespace {
@@ -69,7 +71,7 @@ TEST(Resizing, Arguments_GiveTheirCodes) {
 
 TEST(SizeBitmap, InPlace_KeepsTheRecordsIdentity) {
   for (const uint32_t form : {kCurrentForm, kOldForm}) {
-    const DWORD handles = HandleCount();
+    const uintptr_t handles = test::LiveKernelHandles();
     CountingAttachment attachment;
     BitmapHandle record{};
     const PaletteEntry grey[] = {{9, 9, 9, 0}, {8, 8, 8, 0}};
@@ -92,22 +94,23 @@ TEST(SizeBitmap, InPlace_KeepsTheRecordsIdentity) {
     EXPECT_EQ(record.width, 8u);
     Free(&record);
     EXPECT_EQ(attachment.released, 1);
-    EXPECT_EQ(HandleCount(), handles);
+    EXPECT_EQ(test::LiveKernelHandles(), handles);
   }
 }
 
-int StopAtOnce(int, void*) { return -99; }
+int StopAtOnce(int, void* user) { return static_cast<int>(reinterpret_cast<intptr_t>(user)); }
 
 TEST(SizeBitmap, StoppingCallback_LeavesTheBitmap) {
   SettingsScope settings;
-  const DWORD handles = HandleCount();
+  const uintptr_t handles = test::LiveKernelHandles();
   BitmapHandle record{};
   MakeRows(&record, 4, 3, 1);
   settings->status = StopAtOnce;
+  settings->status_user = reinterpret_cast<void*>(intptr_t{-99});
   EXPECT_EQ(SizeBitmap(&record, 4, 7, 0), -99);
   EXPECT_EQ(FirstColumn(record), (std::vector{1, 2, 3}));
   Free(&record);
-  EXPECT_EQ(HandleCount(), handles);
+  EXPECT_EQ(test::LiveKernelHandles(), handles);
 }
 
 TEST(ResizeInto, RowOrders_DecideWhereRowsGo) {
@@ -125,35 +128,36 @@ TEST(ResizeInto, RowOrders_DecideWhereRowsGo) {
   }
 }
 
-/// Which method ran shows in what becomes of one black column among three white ones.
+/// Which method ran shows in what becomes of the second column, black among three white ones.
 TEST(SizeBitmap, Flags_ChooseTheMethod) {
   struct {
     const char* name;
     uint32_t bits, flags;
     int32_t width;
-    bool like_nearest;
+    uint32_t x;
+    int level;  // at x
   } const cases[] = {
-      {"none", 24, 0, 2, true},
-      {"area of 24 bits is ignored", 24, 1, 2, true},
-      {"resampling", 24, 2, 2, false},
-      {"smooth, smaller", 24, 4, 2, false},
-      {"smooth, larger", 24, 4, 7, false},
-      {"area goes before resampling", 1, 3, 2, false},
+      {"none", 24, 0, 2, 0, 255},
+      {"area of 24 bits is ignored", 24, 1, 2, 0, 255},
+      {"resampling, smaller", 24, 2, 2, 0, 155},  // Mitchell
+      {"resampling, larger", 24, 2, 7, 2, 31},
+      {"smooth, smaller", 24, 4, 2, 0, 155},
+      {"smooth, larger", 24, 4, 7, 2, 3},  // Catmull and Rom
+      {"area goes before resampling", 1, 3, 2, 0, 0},
+      {"none of 1 bit", 1, 0, 2, 0, 1},
+      {"smooth goes before area", 1, 5, 2, 0, 1},
   };
   for (const auto& c : cases) {
-    std::vector<std::byte> rows[2];
-    for (const bool nearest : {false, true}) {
-      BitmapScope bitmap;
-      Create(bitmap.Get(), kCurrentForm, 9, 4, 1, c.bits, c.bits > 8, nullptr, 1, nullptr, 0);
-      std::vector<std::byte> row(bitmap->bytes_per_line, std::byte{0xFF});
-      if (c.bits == 1) row[0] = std::byte{0xBF};
-      if (c.bits == 24) std::fill_n(&row[3], 3, std::byte{0});
-      StoreRow(*bitmap.Get(), 0, row);
-      ASSERT_EQ(SizeBitmap(bitmap.Get(), c.width, 1, nearest ? 0 : c.flags), kSuccess) << c.name;
-      rows[nearest].resize(bitmap->bytes_per_line);
-      FetchRow(*bitmap.Get(), 0, rows[nearest]);
-    }
-    EXPECT_EQ(rows[0] == rows[1], c.like_nearest) << c.name;
+    BitmapScope bitmap;
+    Create(bitmap.Get(), kCurrentForm, 9, 4, 1, c.bits, c.bits > 8, nullptr, 1, nullptr, 0);
+    std::vector<std::byte> row(bitmap->bytes_per_line, std::byte{0xFF});
+    if (c.bits == 1) row[0] = std::byte{0xBF};
+    if (c.bits == 24) std::fill_n(&row[3], 3, std::byte{0});
+    StoreRow(*bitmap.Get(), 0, row);
+    ASSERT_EQ(SizeBitmap(bitmap.Get(), c.width, 1, c.flags), kSuccess) << c.name;
+    row.resize(bitmap->bytes_per_line);
+    FetchRow(*bitmap.Get(), 0, row);
+    EXPECT_EQ(static_cast<int>(c.bits == 1 ? row[0] >> 7 : row[c.x * 3]), c.level) << c.name;
   }
 }
 
@@ -165,20 +169,29 @@ struct PackedDib {
   uint8_t bits[16];
 };
 
+/// A screen with 10,000 pixels a metre across and 5,000 down.
+int WINAPI ScreenOfTest(HDC, int index) {
+  return index == HORZSIZE ? 100 : index == VERTSIZE ? 200 : 1000;
+}
+
 TEST(ConvertFromDib, HeaderFields_GoIntoTheRecord) {
   struct {
     LONG height;
     DWORD compression;
     WORD bits;
     uint32_t view, result_bits;
-  } const cases[] = {{4, BI_RGB, 1, kBottomRowFirst, 1},
-                     {-4, BI_RGB, 1, kTopRowFirst, 1},
-                     {2, kYuy2, 16, kTopRowFirst, 24},
-                     {-2, kYuy2, 16, kBottomRowFirst, 24}};
+    LONG x_per_metre, y_per_metre;
+    uint32_t x_dpi, y_dpi;
+  } const cases[] = {{4, BI_RGB, 1, kBottomRowFirst, 1, 3780, 23622, 96, 600},
+                     {-4, BI_RGB, 1, kTopRowFirst, 1, 0, 23622, 254, 600},
+                     {2, kYuy2, 16, kTopRowFirst, 24, 3780, 0, 96, 127},
+                     {-2, kYuy2, 16, kBottomRowFirst, 24, 0, 0, 254, 127}};
+  const test::ImportPatch patch("GetDeviceCaps", ScreenOfTest);
   enum Form { kSized, kPointers, kDescribed };
   for (const auto& c : cases) {
     PackedDib dib{};
-    dib.header = {sizeof(dib.header), 4, c.height, 1, c.bits, c.compression, 0, 3780, 23622, 0, 0};
+    dib.header = {sizeof(dib.header), 4, c.height, 1, c.bits, c.compression, 0, c.x_per_metre,
+                  c.y_per_metre,      0, 0};
     dib.colours[1] = {1, 2, 3, 0};
     dib.bits[0] = 0x50;
     const Bytes header = std::as_bytes(std::span(&dib, 1)).first(48);
@@ -195,8 +208,8 @@ TEST(ConvertFromDib, HeaderFields_GoIntoTheRecord) {
       EXPECT_EQ(record->bits_per_pixel, c.result_bits);
       EXPECT_EQ(record->colours, c.result_bits == 1 ? 2u : 0u);
       EXPECT_EQ(record->colour_order, c.result_bits > 8 ? kOrderColour : kOrderPalette);
-      EXPECT_EQ(record->x_resolution, 96u);
-      EXPECT_EQ(record->y_resolution, 600u);
+      EXPECT_EQ(record->x_resolution, c.x_dpi);
+      EXPECT_EQ(record->y_resolution, c.y_dpi);
       EXPECT_EQ(record->flags == 0, form == kDescribed);
       if (c.result_bits == 1 && form != kDescribed) {
         EXPECT_EQ(PaletteOf(*record.Get())[1], (PaletteEntry{1, 2, 3, 0}));
@@ -227,7 +240,7 @@ TEST(ConvertFromDib, BadInput_GivesItsCodeAndHoldsNothing) {
   for (const auto& c : cases) {
     SettingsScope settings;
     wcscpy_s(settings->temporary_directory, L"Z:\\no\\such\\directory");
-    const DWORD handles = HandleCount();
+    const uintptr_t handles = test::LiveKernelHandles();
     SCOPED_TRACE(std::to_string(&c - cases));
     const BITMAPINFOHEADER header = {
         sizeof(header), c.width, c.height, 1, c.bits, c.compression, 0, 0, 0, 0, 0};
@@ -237,7 +250,7 @@ TEST(ConvertFromDib, BadInput_GivesItsCodeAndHoldsNothing) {
     EXPECT_EQ(record.flags & kAllocated, 0u);
     EXPECT_EQ(record.lookup8, nullptr);
     EXPECT_TRUE(c.described_width == 0 || record.width == c.described_width);
-    EXPECT_EQ(HandleCount(), handles);
+    EXPECT_EQ(test::LiveKernelHandles(), handles);
   }
   EXPECT_EQ(ConvertFromDib(nullptr, kCurrentForm, bits, bits), kInvalidArgument);
 }

@@ -52,10 +52,4 @@ class TemporaryDirectory {
   std::wstring path_;
 };
 
-inline DWORD HandleCount() {
-  DWORD count = 0;
-  GetProcessHandleCount(GetCurrentProcess(), &count);
-  return count;
-}
-
 }  // namespace quillo::imaging

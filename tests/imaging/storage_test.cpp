@@ -9,6 +9,7 @@
 #include "imaging/bitmap/dib_section.h"
 #include "imaging/bitmap/rows.h"
 #include "imaging/settings_scope.h"
+#include "support/holdings.h"
 #include "support/import_patch.h"
 
 namespace quillo::imaging {
@@ -75,7 +76,7 @@ TEST(Storage, EveryKind_KeepsRowsAndLeavesNothing) {
     settings->memory_threshold = kind.threshold;
     settings->maximum_memory = kind.maximum;
     settings->tile_size = 1300;  // four rows of 24 bits
-    const DWORD handles = HandleCount();
+    const auto before = test::Holdings::Now();
     BitmapHandle record{};
     ASSERT_EQ(Create(&record, kCurrentForm, kind.memory_type, kWidth, kHeight, kind.bits,
                      kind.bits > 8 ? 1 : 0, nullptr, 0, nullptr, 0),
@@ -89,6 +90,11 @@ TEST(Storage, EveryKind_KeepsRowsAndLeavesNothing) {
     EXPECT_EQ(record.lookup8[200], 200u);
     EXPECT_EQ(record.lookup16[60000], 60000u);
     EXPECT_TRUE(IsValid(record)) << kind.name;
+    {
+      const LockScope lock(record);
+      EXPECT_EQ(record.lock->RecursionCount, 1);
+    }
+    EXPECT_EQ(record.lock->RecursionCount, 0);
     std::vector<std::byte> row(record.bytes_per_line, std::byte{1});
     EXPECT_EQ(FetchRow(record, kHeight - 1, row), kSuccess);
     EXPECT_EQ(row, std::vector<std::byte>(row.size())) << kind.name << " starts with zeros";
@@ -97,7 +103,9 @@ TEST(Storage, EveryKind_KeepsRowsAndLeavesNothing) {
     ExpectRows(record, kind.name);
     Free(&record);
     EXPECT_EQ(directory.Files(), 0) << kind.name;
-    EXPECT_EQ(HandleCount(), handles) << kind.name;
+    const auto after = test::Holdings::Now();
+    EXPECT_EQ(after.kernel_handles, before.kernel_handles) << kind.name;
+    EXPECT_LT(after.heap_bytes, before.heap_bytes + 4096) << kind.name;
     EXPECT_EQ(record.lookup8, nullptr);
     EXPECT_EQ(record.lock, nullptr);
   }
@@ -120,6 +128,26 @@ TEST(Storage, CompressedRowsThatGrow_AreKept) {
       }
     }
   }
+}
+
+TEST(Storage, SectionsAndFilesThatFail_GiveWay) {
+  SettingsScope settings;
+  const TemporaryDirectory directory;
+  const auto create = [](uint32_t type, BitmapHandle* record) {
+    return Create(record, kCurrentForm, type, kWidth, kHeight, 24, 1, nullptr, 0, nullptr, 0);
+  };
+  BitmapScope file, none;
+  const test::ImportPatch no_section(
+      "CreateFileMappingW",
+      static_cast<decltype(&CreateFileMappingW)>([](auto...) -> HANDLE { return nullptr; }));
+  EXPECT_EQ(create(kMemoryTypeNoFile, none.Get()), kOutOfMemory);
+  ASSERT_EQ(create(kMemoryTypeSection, file.Get()), kSuccess);
+  EXPECT_EQ(file->flags, kAllocated | kDisk);
+  const test::ImportPatch full_disk("WriteFile",
+                                    static_cast<decltype(&WriteFile)>([](auto...) { return 0; }));
+  EXPECT_EQ(create(kMemoryTypeSection, none.Get()), kFileError);
+  EXPECT_EQ(StoreRow(*file.Get(), 0, RowOf(*file.Get(), 0)), kFileError);
+  EXPECT_EQ(directory.Files(), 1);
 }
 
 /// A record over a GlobalAlloc block, as a caller may hand one over.
@@ -170,7 +198,7 @@ TEST(PresentAsDibSection, BitmapsWithoutADib_GiveNull) {
 
 TEST(PresentAsDibSection, GlobalMemoryAndChunks_MoveIntoASection) {
   for (const bool global : {true, false}) {
-    const DWORD handles = HandleCount();
+    const uintptr_t handles = test::LiveKernelHandles();
     BitmapHandle record{};
     if (global) {
       MakeGlobal(record, 1, 0);
@@ -187,21 +215,21 @@ TEST(PresentAsDibSection, GlobalMemoryAndChunks_MoveIntoASection) {
       ExpectRows(record, global ? "global" : "chunks");
     }
     Free(&record);
-    EXPECT_EQ(HandleCount(), handles);
+    EXPECT_EQ(test::LiveKernelHandles(), handles);
   }
 }
 
 TEST(ReleaseDibSectionDc, WithoutAStandIn_LeavesNothing) {
   BitmapScope bitmap;
   ASSERT_EQ(Create(bitmap.Get(), kCurrentForm, 1, 4, 4, 24, 1, nullptr, 1, nullptr, 0), kSuccess);
-  const DWORD handles = HandleCount();
+  const uintptr_t handles = test::LiveKernelHandles();
   DibSectionDc dc(PresentAsDibSection(bitmap.Get()));
   const HGDIOBJ shown = GetCurrentObject(dc.Get(), OBJ_BITMAP);
   const test::ImportPatch patch(
       "CreateBitmap", static_cast<decltype(&CreateBitmap)>([](auto...) -> HBITMAP { return {}; }));
   dc.Reset();
   EXPECT_EQ(GetObjectType(shown), 0u);
-  EXPECT_EQ(HandleCount(), handles);
+  EXPECT_EQ(test::LiveKernelHandles(), handles);
 }
 
 TEST(PresentAsDibSection, TilesAndOtherViews_AreRefusedAndTurned) {

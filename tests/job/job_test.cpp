@@ -169,7 +169,8 @@ TEST_F(Job, FontsFile_ReadableDuringTheCallAndGoneAfter) {
   const test::ImportPatch watch("CreateDirectoryW", WatchCreateDirectory);
   client_.LeaveConnection(spool_job_->Id());
   std::wstring fonts_file;
-  STATSTG stream_state = {};
+  LOGFONTW fonts[3] = {};
+  ULONG fonts_size = 0;
   client_.on_fonts_file = [&](const wchar_t* path) {
     fonts_file = path;
     ComPtr<IStorage> storage;
@@ -180,7 +181,7 @@ TEST_F(Job, FontsFile_ReadableDuringTheCallAndGoneAfter) {
     ASSERT_EQ(storage->OpenStream(L"FONTS OPTIONS", nullptr, STGM_READ | STGM_SHARE_EXCLUSIVE, 0,
                                   stream.Receive()),
               S_OK);
-    stream->Stat(&stream_state, STATFLAG_NONAME);
+    stream->Read(fonts, sizeof fonts, &fonts_size);
   };
   CQloPrinter* job = Open();
   EXPECT_EQ(made_folder, test::TempFolder() + L"\\QLOFNT500");
@@ -194,7 +195,9 @@ TEST_F(Job, FontsFile_ReadableDuringTheCallAndGoneAfter) {
   Close(job);
   EXPECT_EQ(fonts_file, test::TempFolder() + L"\\" + std::to_wstring(spool_job_->Id()) + L".fpt");
   EXPECT_FALSE(Exists(fonts_file));
-  EXPECT_EQ(stream_state.cbSize.QuadPart, 2 * sizeof(LOGFONTW));
+  EXPECT_EQ(fonts_size, 2 * sizeof(LOGFONTW));
+  EXPECT_STREQ(fonts[0].lfFaceName, L"Liberation Mono");
+  EXPECT_STREQ(fonts[1].lfFaceName, L"Liberation Sans");
 }
 
 TEST_F(Job, NoClient_FirstPageRefusedThenUnconnected) {

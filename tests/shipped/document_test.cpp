@@ -78,7 +78,7 @@ TEST_F(Document, TwoHundredPages_HoldNoMoreThanTwo) {
   }
   const auto after_all = test::Holdings::Now();
   EXPECT_EQ(after_all.gdi_objects, after_two.gdi_objects);
-  EXPECT_EQ(after_all.kernel_handle, after_two.kernel_handle);
+  EXPECT_EQ(after_all.kernel_handles, after_two.kernel_handles);
   EXPECT_LT(after_all.heap_bytes, after_two.heap_bytes + 64 * 1024);
   session->EndDocument();
 }

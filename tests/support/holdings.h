@@ -23,17 +23,27 @@ inline uintptr_t LiveGdiObjects() {
   return highest;
 }
 
-/// What the process holds. Wine does not count handles, so the next free one stands for all.
+/// The same for kernel handles, which Wine does not count either.
+inline uintptr_t LiveKernelHandles() {
+  std::vector<KernelHandle> fresh;
+  uintptr_t highest = 0;
+  for (int i = 0; i < 100; ++i) {
+    fresh.emplace_back(CreateEventW(nullptr, TRUE, FALSE, nullptr));
+    highest = std::max(highest, reinterpret_cast<uintptr_t>(fresh.back().Get()));
+  }
+  return highest;
+}
+
+/// What the process holds.
 struct Holdings {
   uintptr_t gdi_objects;
-  size_t kernel_handle;
+  uintptr_t kernel_handles;
   size_t heap_bytes;
 
   static Holdings Now() {
     Holdings now = {};
     now.gdi_objects = LiveGdiObjects();
-    const KernelHandle event(CreateEventW(nullptr, TRUE, FALSE, nullptr));
-    now.kernel_handle = reinterpret_cast<size_t>(event.Get());
+    now.kernel_handles = LiveKernelHandles();
     std::array<HANDLE, 64> heaps{};
     const DWORD count = GetProcessHeaps(static_cast<DWORD>(heaps.size()), heaps.data());
     for (DWORD i = 0; i < std::min<size_t>(count, heaps.size()); ++i) {
