@@ -10,6 +10,13 @@ namespace {
 
 using namespace test;
 
+/// A thread token that may not be opened. Whether the process may is what has to count.
+BOOL WINAPI RefuseThreadToken(HANDLE, DWORD, BOOL open_as_self, HANDLE*) {
+  EXPECT_TRUE(open_as_self);
+  SetLastError(ERROR_ACCESS_DENIED);
+  return FALSE;
+}
+
 TEST(UserToken, SessionThenThreadThenProcess) {
   LateFunctions functions;
   const KernelHandle token = UserToken();
@@ -25,14 +32,10 @@ TEST(UserToken, SessionThenThreadThenProcess) {
   ASSERT_TRUE(ImpersonateSelf(SecurityImpersonation));
   EXPECT_TRUE(UserToken());
   RevertToSelf();
-  // A thread token that may not be opened is no reason to take the process's.
+  // It is no reason to take the process's.
   functions.Restore();
   functions.Miss("WTSQueryUserToken");
-  functions.Replace(
-      "OpenThreadToken", +[](HANDLE, DWORD, BOOL, HANDLE*) WINAPI {
-        SetLastError(ERROR_ACCESS_DENIED);
-        return FALSE;
-      });
+  functions.Replace("OpenThreadToken", RefuseThreadToken);
   EXPECT_FALSE(UserToken());
 }
 
@@ -43,6 +46,8 @@ TEST(PrintingUserSession, IsThatOfTheCaller) {
   EXPECT_EQ(session, expected);
   LateFunctions functions;
   functions.Miss("GetTokenInformation");
+  EXPECT_FALSE(PrintingUserSession(session));
+  functions.Replace("OpenThreadToken", RefuseThreadToken);
   EXPECT_FALSE(PrintingUserSession(session));
 }
 

@@ -1,8 +1,9 @@
 #include "driver/capabilities.h"
 
-#include <cstring>
 #include <gtest/gtest.h>
 #include <string_view>
+
+#include "support/margins.h"
 
 namespace quillo {
 namespace {
@@ -14,17 +15,6 @@ DEVICE_PDEV Device(short paper, short dpi) {
   device.mode.pub.dmPrintQuality = device.mode.pub.dmYResolution = dpi;
   device.resolution = {static_cast<uint32_t>(dpi), static_cast<uint32_t>(dpi)};
   return device;
-}
-
-void SetMargins(DEVICE_PDEV& device, float left_inches, float top_inches) {
-  auto* bytes = reinterpret_cast<std::byte*>(&device.mode);
-  const auto store = [bytes](size_t offset, auto value) {
-    std::memcpy(bytes + offset, &value, sizeof value);
-  };
-  store(492, uint32_t{1});
-  store(1020, top_inches);
-  store(1028, left_inches);
-  for (const size_t divisor : {1024u, 1032u, 1040u, 1048u}) store(divisor, 1.0f);
 }
 
 /// Padding included: the driver clears the whole block.
@@ -69,7 +59,7 @@ TEST(DescribeGraphics, A4At600Dpi_WholeBlock) {
 
 TEST(DescribeGraphics, Margins_ShrinkThePrintableAreaAndOffsetIt) {
   DEVICE_PDEV device = Device(DMPAPER_LETTER, 300);
-  SetMargins(device, 0.5f, 0.25f);
+  test::SetMargins(device.mode, 0.5f, 0.25f);
   const GDIINFO info = DescribeGraphics(device);
   EXPECT_EQ(info.ulHorzRes, 2550u - 150u);
   EXPECT_EQ(info.ulVertRes, 3300u - 75u);
@@ -80,7 +70,7 @@ TEST(DescribeGraphics, Margins_ShrinkThePrintableAreaAndOffsetIt) {
   EXPECT_EQ(device.physical_offset.x, 150);
   EXPECT_EQ(device.physical_offset.y, 75);
 
-  SetMargins(device, 20.0f, 0.25f);
+  test::SetMargins(device.mode, 20.0f, 0.25f);
   EXPECT_EQ(DescribeGraphics(device).ulHorzRes, 0u);
 }
 

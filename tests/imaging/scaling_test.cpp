@@ -107,20 +107,6 @@ TEST(Nearest, EveryDepthAndSize_TakesPixelsWhole) {
   }
 }
 
-TEST(Nearest, FastRow_EqualsThePlainForm) {
-  for (uint32_t source_width = 1; source_width < 70; source_width += 3) {
-    for (uint32_t width = 1; width < 70; ++width) {
-      const Image source = NoiseImage(source_width, 1, 32);
-      std::vector<uint32_t> columns(width);
-      FillColumns(source_width, columns);
-      std::vector<std::byte> plain(size_t{width} * 4), fast(size_t{width} * 4);
-      ScaleRowPlain(32, source.Row(0), columns, plain.data());
-      ScaleRow(32, source.Row(0), columns, fast.data());
-      ASSERT_EQ(plain, fast) << source_width << " to " << width;
-    }
-  }
-}
-
 int Record(int percent, void* user) {
   static_cast<std::vector<int>*>(user)->push_back(percent);
   return kSuccess;

@@ -9,6 +9,7 @@
 #include "host/printer/sheet.h"
 #include "host/printer/spool_job.h"
 #include "support/import_patch.h"
+#include "support/margins.h"
 #include "support/recording_client.h"
 
 namespace quillo {
@@ -144,8 +145,13 @@ TEST_F(Job, PageFile_StandsDuringNotifyPageOnly) {
     DeleteEnhMetaFile(metafile);
   };
   CQloPrinter* job = Open();
+  test::SetMargins(*job->device_settings, 0.5f, 0.25f);
   ASSERT_TRUE(StartPage(job));
   EXPECT_EQ(reference_settings, &job->device_settings->pub);
+  POINT origin = {};
+  GetViewportOrgEx(job->playback.page_dc, &origin);
+  EXPECT_EQ(origin.x, 150);
+  EXPECT_EQ(origin.y, 75);
   const records::Rect rectangle = {10, 20, 110, 220};
   Send(job, records::REC_RECTANGLE, &rectangle, sizeof rectangle);
   EXPECT_TRUE(SendPage(job));
@@ -434,14 +440,6 @@ TEST_F(Job, End_SignalsTheEventAWaiterHolds) {
   EXPECT_FALSE(signalled());
   SignalEndAndDestroy(job);
   EXPECT_TRUE(ended);
-}
-
-TEST(JobOperations, NoJob_RefusedQuietly) {
-  EXPECT_FALSE(StartPage(nullptr));
-  EXPECT_FALSE(SendPage(nullptr));
-  EndDocument(nullptr);
-  SignalEndAndDestroy(nullptr);
-  EXPECT_EQ(WriteJob(nullptr, "12345678", 8, nullptr), 1);
 }
 
 }  // namespace

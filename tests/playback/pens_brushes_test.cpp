@@ -163,6 +163,10 @@ TEST(PatternBrush, CopyOfTheBytes_OrNoPatternAtAll) {
   const Payload kUnpacked(kPattern.size());  // zeros: no header
   const Payload kHuge = Picture{.bit_count = 8, .width = 1000, .height = 1000}.Packed();
   Page page(/*heap_limit=*/0x10000);
+  for (int i = 0; i < 4000; ++i) {  // more copies than the heap holds
+    const uint32_t usage = i % 2 == 0 ? kPenBrush : kFillBrush;
+    page.Play(REC_CREATEBRUSH, BrushRecord(BS_DIBPATTERNPT, 0, 0, usage, kPattern));
+  }
   for (const Payload* pattern : {&kPattern, &kPattern, &kShort, &kUnpacked, &kHuge}) {
     const bool good = pattern == &kPattern;
     EXPECT_EQ(

@@ -51,10 +51,7 @@ PaintMethod ChooseFor24Bits(const PixelFormat& bitmap, uint32_t depth, uint32_t 
 
 }  // namespace
 
-bool IsGrey(const PixelFormat& bitmap) {
-  if (bitmap.bits > 8) return bitmap.order == kOrderGrey;
-  return IsGreyPalette(bitmap.palette);
-}
+bool IsGrey(const PixelFormat& bitmap) { return bitmap.bits > 8 && bitmap.order == kOrderGrey; }
 
 PaintMethod ChoosePaintMethod(const PixelFormat& bitmap, uint32_t depth, uint32_t device_order,
                               uint32_t mode) {

@@ -33,7 +33,7 @@ constexpr uint32_t QuantizeDepth(uint32_t bits) {
   return bits < 16 ? 8 : 24;
 }
 
-/// Whether a bitmap holds only greys: by its palette, or above 8 bits by its colour order.
+/// Whether a bitmap is one of grey levels, which only depths above 8 bits can say.
 bool IsGrey(const PixelFormat& bitmap);
 
 /// The method for a device of `depth` (QuantizeDepth) that takes 24-bit pixels in `device_order`.

@@ -138,7 +138,7 @@ int CopyConverted(const PaintJob& job, const BitmapHandle& bitmap, bool as_grey,
 }
 
 int PaintConverted(const PaintJob& job, const BitmapHandle& bitmap) {
-  const bool as_grey = bitmap.bits_per_pixel > 8 && IsGrey(FormatOf(bitmap));
+  const bool as_grey = IsGrey(FormatOf(bitmap));
   BitmapScope copy;
   const int result = CopyConverted(job, bitmap, as_grey, copy.Get());
   return result == kSuccess ? BlitWhole(job, *copy.Get()) : result;

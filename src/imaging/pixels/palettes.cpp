@@ -101,12 +101,6 @@ TwoColours TestTwoColours(std::span<const PaletteEntry> palette) {
   return TwoColours::kOther;
 }
 
-bool IsGreyPalette(std::span<const PaletteEntry> palette) {
-  return !palette.empty() && std::ranges::all_of(palette, [](PaletteEntry entry) {
-    return entry.red == entry.green && entry.green == entry.blue;
-  });
-}
-
 uint32_t NearestEntry(std::span<const PaletteEntry> palette, PaletteEntry colour) {
   uint32_t best = 0;
   int best_distance = std::numeric_limits<int>::max();

@@ -36,9 +36,6 @@ enum class TwoColours { kOther = 0, kBlackOnWhite = 1, kWhiteOnBlack = 2 };
 /// kBlackOnWhite when entry 0 is black and entry 1 white, kWhiteOnBlack the other way round.
 TwoColours TestTwoColours(std::span<const PaletteEntry> palette);
 
-/// Whether every entry has equal red, green and blue. An empty palette is not grey.
-bool IsGreyPalette(std::span<const PaletteEntry> palette);
-
 /// Index of the entry nearest by squared distance in RGB, the first of equals. `palette` is not
 /// empty.
 uint32_t NearestEntry(std::span<const PaletteEntry> palette, PaletteEntry colour);

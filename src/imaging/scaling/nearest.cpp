@@ -26,16 +26,6 @@ void CopyBits(uint32_t bits, const std::byte* source, std::span<const uint32_t> 
   }
 }
 
-}  // namespace
-
-void FillColumns(uint32_t source_width, std::span<uint32_t> columns) {
-  NearestSteps steps(source_width, static_cast<uint32_t>(columns.size()));
-  for (uint32_t& column : columns) {
-    column = steps.Position();
-    steps.Advance();
-  }
-}
-
 void ScaleRowPlain(uint32_t bits, const std::byte* source, std::span<const uint32_t> columns,
                    std::byte* row) {
   switch (bits) {
@@ -56,10 +46,22 @@ void ScaleRowPlain(uint32_t bits, const std::byte* source, std::span<const uint3
   }
 }
 
+/// Copies `columns.size()` whole pixels of `bits` each from those columns of `source` into `row`.
+/// Below 8 bits the bytes of `row` that hold pixels are zeroed first.
 void ScaleRow(uint32_t bits, const std::byte* source, std::span<const uint32_t> columns,
               std::byte* row) {
   const size_t done = bits == 32 && HasAvx2() ? GatherPixelsAvx2(source, columns, row) : 0;
   ScaleRowPlain(bits, source, columns.subspan(done), row + done * sizeof(uint32_t));
+}
+
+}  // namespace
+
+void FillColumns(uint32_t source_width, std::span<uint32_t> columns) {
+  NearestSteps steps(source_width, static_cast<uint32_t>(columns.size()));
+  for (uint32_t& column : columns) {
+    column = steps.Position();
+    steps.Advance();
+  }
 }
 
 int ResizeNearest(const Geometry& source, const Geometry& destination, std::span<uint32_t> columns,

@@ -42,15 +42,6 @@ class NearestSteps {
 /// Source column of every destination column.
 void FillColumns(uint32_t source_width, std::span<uint32_t> columns);
 
-/// Copies `columns.size()` whole pixels of `bits` each from those columns of `source` into `row`;
-/// other depths than those of bitmaps leave it untouched. Below 8 bits the bytes of `row` that hold
-/// pixels are zeroed first. Uses AVX2 where the machine has it.
-void ScaleRow(uint32_t bits, const std::byte* source, std::span<const uint32_t> columns,
-              std::byte* row);
-/// The plain form of ScaleRow, which defines its result.
-void ScaleRowPlain(uint32_t bits, const std::byte* source, std::span<const uint32_t> columns,
-                   std::byte* row);
-
 /// Nearest neighbour of a whole bitmap; both have the same depth. Destination rows are written in
 /// place, or put together in `row` and stored. `columns` (destination.width) and `row`
 /// (destination.bytes_per_line, zero) are work space. A source row is fetched once, in rising
