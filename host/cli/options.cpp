@@ -129,16 +129,17 @@ class Parser {
   }
 
   /// Reads each text; throws CLI::ValidationError for one that `parse` does not understand.
-  template <typename Value>
+  template <typename Value, typename Parse>
   static std::vector<Value> ParseAll(const CLI::Option* option,
-                                     const std::vector<std::string>& texts,
-                                     std::optional<Value> (*parse)(std::string_view)) {
+                                     const std::vector<std::string>& texts, Parse parse) {
     std::vector<Value> values;
     for (const std::string& text : texts) {
-      std::optional<Value> value = parse(text);
+      std::string why;
+      std::optional<Value> value = parse(text, why);
       if (!value) {
-        throw CLI::ValidationError(option->get_name(),
-                                   "\"" + text + "\" is no " + option->get_type_name());
+        throw CLI::ValidationError(
+            option->get_name(),
+            "\"" + text + "\" is no " + option->get_type_name() + (why.empty() ? "" : ": " + why));
       }
       values.push_back(std::move(*value));
     }
@@ -157,8 +158,10 @@ class Parser {
           glyph_order_->as<bool>() ? emf::GlyphOrder::kAssume : emf::GlyphOrder::kDrop;
     }
     options_.client = ParseClientFault(client_).value_or(ClientFault::kNone);
-    options_.custom_papers = ParseAll(custom_paper_, custom_papers_, ParseCustomPaper);
-    options_.printer_values = ParseAll(printer_value_, printer_values_, ParsePrinterValue);
+    options_.custom_papers = ParseAll<NamedSheet>(custom_paper_, custom_papers_, ParseCustomPaper);
+    options_.printer_values = ParseAll<PrinterValue>(
+        printer_value_, printer_values_,
+        [](std::string_view text, std::string&) { return ParsePrinterValue(text); });
     TakeInputs();
     const bool settings_only =
         options_.list_papers || !options_.custom_papers.empty() || !options_.printer_values.empty();

@@ -2,10 +2,10 @@
 
 #include <algorithm>
 #include <cstdio>
+#include <stdexcept>
 #include <string>
 
 #include "config/paper_geometry.h"
-#include "host/base/failure.h"
 #include "host/printer/paper_names.h"
 #include "host/printer/printer_setup.h"
 #include "host/printer/printer_values.h"
@@ -15,15 +15,14 @@ namespace quillo::host {
 namespace {
 
 /// "    9  A4                    210 x 297 mm        8.27 x 11.69 in    standard"
-std::string PaperLine(const std::string& name, const Sheet& sheet, int dpi, const char* origin) {
-  const DeviceMode mode = MakeDeviceMode(kPrinterName, sheet, dpi);
-  const Extent tenths = SheetSize(mode, PaperUnit::kTenthsOfMillimetre);
+/// `size` in tenths of a millimetre.
+std::string PaperLine(const std::string& name, int paper, Extent size, const char* origin) {
   char numbers[160];
   std::snprintf(numbers, sizeof numbers, "%6.1f x %6.1f mm  %6.2f x %6.2f in  %s\n",
-                tenths.width / 10.0, tenths.height / 10.0, tenths.width / 254.0,
-                tenths.height / 254.0, origin);
+                size.width / 10.0, size.height / 10.0, size.width / 254.0, size.height / 254.0,
+                origin);
   char number[16];
-  std::snprintf(number, sizeof number, "%5d  ", sheet.paper);
+  std::snprintf(number, sizeof number, "%5d  ", paper);
   std::string padded = name;
   padded.resize(std::max<size_t>(name.size(), 20), ' ');
   return number + padded + "  " + numbers;
@@ -31,11 +30,12 @@ std::string PaperLine(const std::string& name, const Sheet& sheet, int dpi, cons
 
 void ListPapers(const Options& options, Console& console) {
   for (const PaperName& known : PaperNames()) {
-    console.Write(
-        PaperLine(std::string(known.name), {.paper = known.paper}, options.dpi, "standard"));
+    const DeviceMode mode = MakeDeviceMode(kPrinterName, {.paper = known.paper}, options.dpi);
+    console.Write(PaperLine(std::string(known.name), known.paper,
+                            SheetSize(mode, PaperUnit::kTenthsOfMillimetre), "standard"));
   }
-  for (const NamedSheet& paper : StoredCustomPapers(kPrinterName)) {
-    console.Write(PaperLine(paper.name, paper.sheet, options.dpi, "custom"));
+  for (const auto& [name, sheet] : StoredCustomPapers(kPrinterName)) {
+    console.Write(PaperLine(name, sheet.paper, {sheet.width, sheet.height}, "custom"));
   }
 }
 
@@ -52,7 +52,7 @@ ExitCode SetUpPrinter(const Options& options, Console& console) {
     StoreSettings(options);
     if (options.list_papers) ListPapers(options, console);
     return kPrinted;
-  } catch (const SystemFailure& failure) {
+  } catch (const std::runtime_error& failure) {  // the spooler or the registry
     console.Problem(failure.what());
     return kDriverFailed;
   }

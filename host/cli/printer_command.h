@@ -6,7 +6,8 @@
 
 namespace quillo::host {
 
-/// Stores the values and papers that the command line gives the printer. Throws SystemFailure.
+/// Stores the values and papers that the command line gives the printer. Throws what
+/// StorePrinterValue and StoreCustomPaper do.
 void StoreSettings(const Options& options);
 
 /// A command without inputs: stores settings, and lists the papers when that is asked for.

@@ -3,11 +3,15 @@
 #include <algorithm>
 #include <charconv>
 #include <cstring>
+#include <stdexcept>
 
 #include "base/spooler_owners.h"
 #include "config/custom_papers.h"
+#include "config/message_box.h"
 #include "host/base/failure.h"
+#include "host/base/named_mutex.h"
 #include "host/base/text.h"
+#include "resources/string_ids.h"
 
 namespace quillo::host {
 
@@ -45,6 +49,12 @@ std::optional<std::vector<std::byte>> ParseHex(std::string_view text) {
     bytes.push_back(static_cast<std::byte>(*byte));
   }
   return bytes;
+}
+
+/// The driver's own text for a paper that cannot be added.
+std::string NoFurtherPaper() {
+  const Library resources(LoadLibraryExW(L"QXRES06X.dll", nullptr, LOAD_LIBRARY_AS_DATAFILE));
+  return ToUtf8(ResourceString(resources.Get(), IDS_NO_MORE_CUSTOM_PAPERS));
 }
 
 constexpr std::string_view kDword = "dword:";
@@ -89,42 +99,51 @@ void StorePrinterValue(const std::wstring& printer, const PrinterValue& value) {
   if (error != ERROR_SUCCESS) throw SystemFailure(what, "SetPrinterData", error);
 }
 
-std::optional<NamedSheet> ParseCustomPaper(std::string_view text) {
+std::optional<NamedSheet> ParseCustomPaper(std::string_view text, std::string& why) {
   // The name may hold commas: the other two are the last.
   const size_t size_comma = text.rfind(',');
-  if (size_comma == std::string_view::npos) return std::nullopt;
+  if (size_comma == std::string_view::npos || size_comma == 0) return std::nullopt;
   const size_t number_comma = text.rfind(',', size_comma - 1);
-  if (size_comma == 0 || number_comma == std::string_view::npos || number_comma == 0) {
+  if (number_comma == std::string_view::npos || number_comma == 0) return std::nullopt;
+  const auto number =
+      ParseNumber<int>(text.substr(number_comma + 1, size_comma - number_comma - 1), 10);
+  if (!number || *number < kFirstCustomPaperNumber || *number > kLastCustomPaperNumber) {
+    why = "the number must lie between " + std::to_string(kFirstCustomPaperNumber) + " and " +
+          std::to_string(kLastCustomPaperNumber);
     return std::nullopt;
   }
-  const auto number =
-      ParseNumber<int16_t>(text.substr(number_comma + 1, size_comma - number_comma - 1), 10);
   const auto size = ParsePaper(text.substr(size_comma + 1));
-  if (!number || *number < kFirstCustomPaperNumber || !size || size->paper != DMPAPER_USER) {
+  if (!size || size->paper != DMPAPER_USER) {
+    why = "the size must be two sides of 1 to 3276 millimetres, such as 100x150.5";
     return std::nullopt;
   }
   NamedSheet paper{std::string(text.substr(0, number_comma)), *size};
-  paper.sheet.paper = *number;
-  if (ToWide(paper.name).size() >= std::size(CustomPaper{}.name)) return std::nullopt;
+  paper.sheet.paper = static_cast<int16_t>(*number);
+  constexpr size_t kMostCharacters = std::size(CustomPaper{}.name) - 1;
+  if (ToWide(paper.name).size() > kMostCharacters) {
+    why = "the name must have at most " + std::to_string(kMostCharacters) + " characters";
+    return std::nullopt;
+  }
   return paper;
 }
 
 void StoreCustomPaper(const std::wstring& printer, const NamedSheet& paper) {
   const std::string what = "cannot store the custom paper \"" + paper.name + "\"";
-  CustomPapers added(NewCustomPaper());
-  if (!added) throw SystemFailure(what, "GlobalAlloc");
-  lstrcpynW(added.Get()->name, ToWide(paper.name).c_str(), std::size(added.Get()->name));
-  added.Get()->number = static_cast<uint16_t>(paper.sheet.paper);
-  added.Get()->width = static_cast<uint16_t>(paper.sheet.width);
-  added.Get()->length = static_cast<uint16_t>(paper.sheet.height);
-  CustomPapers stored;
-  LoadCustomPapers(printer.c_str(), stored);
-  // The new one comes first, so that it is an older one of its number that goes.
-  const CustomPapers all(Join(added.Detach(), stored.Detach()));
-  const CustomPapers replaced(TakeDuplicates(all.Get()));
-  const SettingsResult result = SaveCustomPapers(printer.c_str(), all.Get());
-  if (result != SETTINGS_OK) {
-    throw SystemFailure(what, "saving the list", ERROR_CANTWRITE);
+  CustomPaper added{};
+  lstrcpynW(added.name, ToWide(paper.name).c_str(), std::size(added.name));
+  added.number = static_cast<uint16_t>(paper.sheet.paper);
+  added.width = static_cast<uint16_t>(paper.sheet.width);
+  added.length = static_cast<uint16_t>(paper.sheet.height);
+  // Another process that adds one at the same time would take the same place.
+  const NamedMutex only_one(L"Local\\QuilloPrintCustomPapers");
+  switch (AddCustomPaper(printer.c_str(), added)) {
+    case SETTINGS_OK:
+      return;
+    case SETTINGS_BAD_ARGUMENT:
+    case SETTINGS_WRITE_FAILED:
+      throw std::runtime_error(what + ": " + NoFurtherPaper());
+    default:
+      throw SystemFailure(what, "writing the registry", ERROR_CANTWRITE);
   }
 }
 
@@ -133,10 +152,15 @@ std::vector<NamedSheet> StoredCustomPapers(const std::wstring& printer) {
   LoadCustomPapers(printer.c_str(), stored);
   std::vector<NamedSheet> papers;
   for (const CustomPaper* paper = stored.Get(); paper != nullptr; paper = paper->next) {
-    const Sheet sheet{.paper = static_cast<int16_t>(paper->number),
-                      .width = static_cast<int16_t>(paper->width),
-                      .height = static_cast<int16_t>(paper->length)};
-    papers.push_back({ToUtf8(paper->name), sheet});
+    if (!CanBePrintedOn(*paper)) continue;
+    const auto tenths = [paper](uint16_t side) {
+      return ConvertLength({side, 1}, SizeClassOf(*paper),
+                           static_cast<uint32_t>(PaperUnit::kTenthsOfMillimetre), 0);
+    };
+    papers.push_back({ToUtf8(paper->name),
+                      {.paper = static_cast<int16_t>(paper->number),
+                       .width = tenths(paper->width),
+                       .height = tenths(paper->length)}});
   }
   return papers;
 }

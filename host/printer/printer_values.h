@@ -26,14 +26,15 @@ std::optional<PrinterValue> ParsePrinterValue(std::string_view text);
 /// Stores a value in the printer's data, where it stays. Throws SystemFailure.
 void StorePrinterValue(const std::wstring& printer, const PrinterValue& value);
 
-/// Reads "NAME,NUMBER,WxH": a custom paper; the number lies above 256, the size is in millimetres.
-std::optional<NamedSheet> ParseCustomPaper(std::string_view text);
+/// Reads "NAME,NUMBER,WxH": a custom paper, its size in millimetres. Nothing for anything else;
+/// then `why` is a phrase on what is wrong, or empty where the form itself is.
+std::optional<NamedSheet> ParseCustomPaper(std::string_view text, std::string& why);
 
-/// Stores a custom paper of the printer, where it stays; another of its number goes. Throws
-/// SystemFailure.
+/// Stores a custom paper of the printer, where it stays, in the place of another of its number.
+/// Throws SystemFailure, or another std::runtime_error when no further paper can be added.
 void StoreCustomPaper(const std::wstring& printer, const NamedSheet& paper);
 
-/// The printer's custom papers; none when there is no such printer.
+/// The printer's custom papers that can be printed on; none when there is no such printer.
 std::vector<NamedSheet> StoredCustomPapers(const std::wstring& printer);
 
 }  // namespace quillo::host

@@ -11,25 +11,28 @@ namespace quillo::host {
 
 namespace {
 
-std::string Simplified(std::string_view text) {
+/// In lower case, without the characters in `ignored`.
+std::string Simplified(std::string_view text, std::string_view ignored) {
   std::string simple;
   for (const char c : text) {
-    if (c == ' ' || c == '_' || (c == '-' && !simple.empty())) continue;
+    if (ignored.find(c) != std::string_view::npos) continue;
     simple += static_cast<char>(std::tolower(static_cast<unsigned char>(c)));
   }
   return simple;
 }
 
+std::string SimpleName(std::string_view name) { return Simplified(name, " -_"); }
+
 /// Millimetres at the start of `text`, which loses them, in tenths; 0 when there are none or they
 /// do not fit a device mode.
-int16_t TakeMillimetres(std::string_view& text) {
+int32_t TakeMillimetres(std::string_view& text) {
   double millimetres = 0;
   const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), millimetres,
                                             std::chars_format::fixed);
   if (error != std::errc()) return 0;
   text.remove_prefix(static_cast<size_t>(end - text.data()));
   const double tenths = millimetres * 10 + 0.5;
-  return tenths >= 10 && tenths < INT16_MAX ? static_cast<int16_t>(tenths) : int16_t{0};
+  return tenths >= 10 && tenths < INT16_MAX ? static_cast<int32_t>(tenths) : 0;
 }
 
 std::optional<Sheet> ParseSize(std::string_view text) {
@@ -45,14 +48,14 @@ std::optional<Sheet> ParseSize(std::string_view text) {
 }  // namespace
 
 std::optional<Sheet> ParsePaper(std::string_view text, std::span<const NamedSheet> custom) {
-  const std::string simple = Simplified(text);
+  const std::string name = SimpleName(text);
   for (const NamedSheet& paper : custom) {
-    if (Simplified(paper.name) == simple) return paper.sheet;
+    if (SimpleName(paper.name) == name) return paper.sheet;
   }
   for (const PaperName& known : PaperNames()) {
-    if (Simplified(known.name) == simple) return Sheet{.paper = known.paper};
+    if (SimpleName(known.name) == name) return Sheet{.paper = known.paper};
   }
-  return ParseSize(simple);
+  return ParseSize(Simplified(text, " "));
 }
 
 std::string DescribeSheet(const Sheet& sheet) {
@@ -75,8 +78,12 @@ DeviceMode MakeDeviceMode(const std::wstring& printer, const Sheet& sheet, int d
   mode.pub.dmYResolution = static_cast<short>(dpi);
   if (sheet.paper >= DMPAPER_USER) {
     mode.pub.dmFields |= DM_PAPERWIDTH | DM_PAPERLENGTH;
-    mode.pub.dmPaperWidth = sheet.width;
-    mode.pub.dmPaperLength = sheet.height;
+    // Of longer sides, which custom papers may have, only the paper's number tells.
+    const auto side = [](int32_t tenths) {
+      return static_cast<int16_t>(std::min<int32_t>(tenths, INT16_MAX));
+    };
+    mode.pub.dmPaperWidth = side(sheet.width);
+    mode.pub.dmPaperLength = side(sheet.height);
   }
   return mode;
 }

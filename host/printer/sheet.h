@@ -13,8 +13,8 @@ namespace quillo::host {
 /// What a page is printed on.
 struct Sheet {
   int16_t paper = DMPAPER_LETTER;  // dmPaperSize
-  int16_t width = 0;               // 0.1 mm, upright; 0 for standard forms
-  int16_t height = 0;
+  int32_t width = 0;               // 0.1 mm, upright; 0 for standard forms
+  int32_t height = 0;
   bool landscape = false;
 
   friend bool operator==(const Sheet&, const Sheet&) = default;
@@ -29,8 +29,8 @@ struct NamedSheet {
 };
 
 /// The upright sheet of a paper name such as "A4", or of a size such as "100x150.5" in millimetres.
-/// Letter case, blanks, '-' and '_' do not count. Nothing for an unknown name or an absurd size.
-/// `custom` are known by their names, too; of two with one name the first counts.
+/// Letter case and blanks do not count, nor do '-' and '_' in names. Nothing for an unknown name or
+/// an absurd size. `custom` are known by their names, too; of two with one name the first counts.
 std::optional<Sheet> ParsePaper(std::string_view text, std::span<const NamedSheet> custom = {});
 
 /// "A4", "A4 landscape", "100 x 150.5 mm".

@@ -4,6 +4,11 @@
 
 namespace quillo {
 
+bool CanBePrintedOn(const CustomPaper& paper) {
+  return paper.number >= kFirstCustomPaperNumber && paper.number <= kLastCustomPaperNumber &&
+         paper.length != 0 && paper.width != 0;
+}
+
 CustomPaper* Join(CustomPaper* head, CustomPaper* tail) {
   CustomPaper** end = &head;
   while (*end != nullptr) end = &(*end)->next;
@@ -26,11 +31,6 @@ CustomPaper* TakeDuplicates(CustomPaper* head) {
     taken = paper;
   }
   return taken;
-}
-
-const CustomPaper* FindPaper(const CustomPaper* head, uint16_t number) {
-  while (head != nullptr && head->number != number) head = head->next;
-  return head;
 }
 
 SizeClass SizeClassOf(const CustomPaper& paper) {

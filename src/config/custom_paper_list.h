@@ -19,9 +19,12 @@ struct CustomPaper {
 
 inline constexpr int16_t kDeletedPaper = 0x1000;
 
-/// The numbers that custom papers can have.
+/// The numbers of custom papers that documents can ask for.
 inline constexpr uint16_t kFirstCustomPaperNumber = 257;
 inline constexpr uint16_t kLastCustomPaperNumber = 32767;
+
+/// Whether documents can ask for the paper, and it has a size.
+bool CanBePrintedOn(const CustomPaper& paper);
 
 /// Puts one list behind another; either may be null. Returns the whole.
 CustomPaper* Join(CustomPaper* head, CustomPaper* tail);
@@ -29,9 +32,6 @@ CustomPaper* Join(CustomPaper* head, CustomPaper* tail);
 /// Takes every paper out whose number an earlier one of the list has. Returns those taken out, as a
 /// list.
 CustomPaper* TakeDuplicates(CustomPaper* head);
-
-/// The first paper of a number, or null.
-const CustomPaper* FindPaper(const CustomPaper* head, uint16_t number);
 
 /// How the paper geometry reads the size of a custom paper. It is stored in tenths of a millimetre
 /// all the same: meant so.

@@ -2,6 +2,10 @@
 
 #include <algorithm>
 #include <cstdint>
+#include <cwchar>
+#include <optional>
+#include <ranges>
+#include <span>
 #include <winspool.h>
 
 #include "base/text.h"
@@ -17,9 +21,23 @@ constexpr wchar_t kDimensions[] = L"CustomPaperDim";
 constexpr wchar_t kName[] = L"CustomName";
 constexpr wchar_t kNumber[] = L"PaperID";
 
-constexpr DWORD kMostPapers = 4096;  // read of one store, whatever its count says
+constexpr DWORD kMostStored = 4096;  // papers of one store; no further one is added
+constexpr DWORD kMostRead = 32768;   // more than documents have numbers for
 
 using SubkeyName = wchar_t[32];
+
+void NameSubkey(DWORD index, SubkeyName& name) { wsprintfW(name, L"Paper %d", index); }
+
+/// What "Paper N" counts as, for a name of just that form.
+std::optional<DWORD> IndexOf(const wchar_t* subkey) {
+  const wchar_t* number = std::wcschr(subkey, L' ');
+  if (number == nullptr) return std::nullopt;
+  const DWORD index = std::wcstoul(number, nullptr, 10);
+  SubkeyName name;
+  NameSubkey(index, name);
+  if (_wcsicmp(name, subkey) != 0) return std::nullopt;
+  return index;
+}
 
 /// The content of "CustomPaperDim".
 struct Dimensions {
@@ -49,13 +67,22 @@ bool ReadName(HKEY key, CustomPaper& paper) {
   return true;
 }
 
-bool ReadPaper(HKEY papers, DWORD index, CustomPaper& paper) {
+RegistryKey OpenPaper(HKEY papers, DWORD index) {
   SubkeyName subkey;
-  wsprintfW(subkey, L"Paper %d", index);
-  const RegistryKey key = OpenKey(papers, subkey);
+  NameSubkey(index, subkey);
+  return OpenKey(papers, subkey);
+}
+
+RegistryKey CreatePaper(HKEY papers, DWORD index) {
+  SubkeyName subkey;
+  wsprintfW(subkey, L"Paper %ld", index);
+  return CreateKey(papers, subkey);
+}
+
+bool ReadPaper(HKEY key, CustomPaper& paper) {
   Dimensions dimensions;
-  if (!key || !ReadObject(key.Get(), kDimensions, dimensions) || !ReadName(key.Get(), paper) ||
-      !ReadObject(key.Get(), kNumber, paper.number)) {
+  if (!ReadObject(key, kDimensions, dimensions) || !ReadName(key, paper) ||
+      !ReadObject(key, kNumber, paper.number)) {
     return false;
   }
   paper.kind = dimensions.kind;
@@ -64,25 +91,12 @@ bool ReadPaper(HKEY papers, DWORD index, CustomPaper& paper) {
   return true;
 }
 
-/// The papers of one store in the order of their subkeys; those that cannot be read are left out.
-CustomPapers ReadStore(const PrinterSettings& settings, SettingsStore store) {
-  const FsRedirectionOff redirection_off;
-  CustomPapers papers;
-  const RegistryKey key = settings.OpenStoreKey(store);
-  DWORD count = 0;
-  ValueBuffer value = BufferFor(count);
-  if (ReadRegistryValue(key.Get(), kCount, value) != SETTINGS_OK || value.type != REG_DWORD) {
-    return papers;
-  }
-  // Downwards, each to the front: the list ends up in index order.
-  for (DWORD index = std::min(count, kMostPapers); index-- > 0;) {
-    CustomPapers paper(NewCustomPaper());
-    if (!paper || !ReadPaper(key.Get(), index, *paper.Get())) continue;
-    paper.Get()->next = papers.Detach();
-    papers = std::move(paper);
-  }
-  return papers;
+bool HasNumber(HKEY key, uint16_t number) {
+  uint16_t stored = 0;
+  return ReadObject(key, kNumber, stored) && stored == number;
 }
+
+bool WriteCount(HKEY key, DWORD count) { return WriteObject(key, kCount, REG_DWORD, count); }
 
 bool WritePaper(HKEY key, const CustomPaper& paper) {
   const Dimensions dimensions = {paper.kind, paper.length, paper.width};
@@ -91,6 +105,109 @@ bool WritePaper(HKEY key, const CustomPaper& paper) {
                       static_cast<DWORD>(lstrlenW(paper.name) * sizeof(wchar_t))) ==
              ERROR_SUCCESS &&
          WriteObject(key, kNumber, REG_BINARY, paper.number);
+}
+
+/// The papers of one store as they lie in the registry. The keys that are there count: users may
+/// write any count, and reading up to it could take hours.
+class StoredPapers {
+ public:
+  explicit StoredPapers(RegistryKey key) : key_(std::move(key)) {
+    ValueBuffer value = BufferFor(count_);
+    if (ReadRegistryValue(key_.Get(), kCount, value) != SETTINGS_OK || value.type != REG_DWORD) {
+      count_ = 0;
+    }
+    is_listed_ = count_ == 0 || ListIndexes();
+  }
+
+  /// False when memory or the registry failed: then there may be more than the indexes.
+  bool IsListed() const { return is_listed_; }
+  HKEY Key() const { return key_.Get(); }
+  DWORD Count() const { return count_; }
+
+  /// The numbers of the keys "Paper N" below the count, ascending.
+  std::span<const DWORD> Indexes() const {
+    return {static_cast<const DWORD*>(indexes_.Get()), found_};
+  }
+
+  /// The first key that holds a paper number.
+  std::optional<DWORD> IndexOfNumber(uint16_t number) const {
+    for (const DWORD index : Indexes()) {
+      if (HasNumber(OpenPaper(Key(), index).Get(), number)) return index;
+    }
+    return std::nullopt;
+  }
+
+  /// The first number that no key below the count has, or the count.
+  DWORD FreeIndex() const {
+    DWORD free = 0;
+    for (const DWORD index : Indexes()) {
+      if (index != free) break;
+      ++free;
+    }
+    return free;
+  }
+
+ private:
+  bool ListIndexes() {
+    DWORD subkeys = 0;
+    if (RegQueryInfoKeyW(key_.Get(), nullptr, nullptr, nullptr, &subkeys, nullptr, nullptr, nullptr,
+                         nullptr, nullptr, nullptr, nullptr) != ERROR_SUCCESS) {
+      return false;
+    }
+    if (subkeys == 0) return true;
+    indexes_ = GlobalBlock::Allocate(std::min(subkeys, kMostRead) * sizeof(DWORD));
+    if (!indexes_) return false;
+    auto* indexes = static_cast<DWORD*>(indexes_.Get());
+    for (DWORD i = 0; i < subkeys && found_ < kMostRead; ++i) {
+      SubkeyName name;
+      DWORD length = ARRAYSIZE(name);
+      // A key with a longer name is no paper's.
+      if (RegEnumKeyExW(Key(), i, name, &length, nullptr, nullptr, nullptr, nullptr) !=
+          ERROR_SUCCESS) {
+        continue;
+      }
+      const auto index = IndexOf(name);
+      if (index && *index < count_) indexes[found_++] = *index;
+    }
+    std::sort(indexes, indexes + found_);
+    return true;
+  }
+
+  RegistryKey key_;
+  DWORD count_ = 0;
+  bool is_listed_ = false;
+  GlobalBlock indexes_;
+  size_t found_ = 0;
+};
+
+StoredPapers OpenStore(const PrinterSettings& settings, SettingsStore store) {
+  return StoredPapers(settings.OpenStoreKey(store));
+}
+
+/// The papers of one store in the order of their subkeys; those that cannot be read are left out.
+CustomPapers ReadStore(const PrinterSettings& settings, SettingsStore store) {
+  const FsRedirectionOff redirection_off;
+  const StoredPapers stored = OpenStore(settings, store);
+  CustomPapers papers;
+  // Downwards, each to the front: the list ends up in index order.
+  for (const DWORD index : std::views::reverse(stored.Indexes())) {
+    CustomPapers paper(NewCustomPaper());
+    if (!paper || !ReadPaper(OpenPaper(stored.Key(), index).Get(), *paper.Get())) continue;
+    paper.Get()->next = papers.Detach();
+    papers = std::move(paper);
+  }
+  return papers;
+}
+
+/// The first paper of a number in one store; false when there is none that can be read.
+bool FindInStore(const PrinterSettings& settings, SettingsStore store, uint16_t number,
+                 CustomPaper& paper) {
+  const FsRedirectionOff redirection_off;
+  const StoredPapers stored = OpenStore(settings, store);
+  return std::ranges::any_of(stored.Indexes(), [&](DWORD index) {
+    const RegistryKey key = OpenPaper(stored.Key(), index);
+    return HasNumber(key.Get(), number) && ReadPaper(key.Get(), paper);
+  });
 }
 
 }  // namespace
@@ -128,27 +245,50 @@ SettingsResult SaveCustomPapers(const wchar_t* printer, const CustomPaper* head)
   // Subkeys of an earlier, longer list stay; the count alone says what is read.
   DWORD count = 0;
   for (const CustomPaper* paper = head; paper != nullptr; paper = paper->next) {
-    SubkeyName subkey;
-    wsprintfW(subkey, L"Paper %ld", count);
-    const RegistryKey paper_key = CreateKey(key.Get(), subkey);
+    const RegistryKey paper_key = CreatePaper(key.Get(), count);
     if (!paper_key) return SETTINGS_KEY_FAILED;
     if (paper->kind == kDeletedPaper) continue;
     if (!WritePaper(paper_key.Get(), *paper)) return SETTINGS_SET_FAILED;
     ++count;
   }
-  return WriteObject(key.Get(), kCount, REG_DWORD, count) ? SETTINGS_OK : SETTINGS_SET_FAILED;
+  return WriteCount(key.Get(), count) ? SETTINGS_OK : SETTINGS_SET_FAILED;
+}
+
+SettingsResult AddCustomPaper(const wchar_t* printer, const CustomPaper& paper) {
+  if (!CanBePrintedOn(paper)) return SETTINGS_BAD_ARGUMENT;
+  const PrinterSettings settings(printer, PRINTER_ALL_ACCESS);
+  if (!settings.IsOpen()) return SETTINGS_NOT_OPEN;
+  const FsRedirectionOff redirection_off;
+  const bool machine = IsAdministrator();
+  CustomPaper other;
+  // The machine's paper would hide the user's.
+  if (!machine && FindInStore(settings, SettingsStore::kMachine, paper.number, other)) {
+    return SETTINGS_WRITE_FAILED;
+  }
+  const StoredPapers stored(
+      settings.CreateStoreKey(machine ? SettingsStore::kMachine : SettingsStore::kUser));
+  if (!stored.IsListed()) return SETTINGS_READ_FAILED;
+  auto index = stored.IndexOfNumber(paper.number);
+  if (!index) {
+    if (stored.Indexes().size() >= kMostStored) return SETTINGS_WRITE_FAILED;
+    index = stored.FreeIndex();
+  }
+  const RegistryKey key = CreatePaper(stored.Key(), *index);
+  if (!key) return SETTINGS_KEY_FAILED;
+  const bool written = WritePaper(key.Get(), paper) &&
+                       (*index < stored.Count() || WriteCount(stored.Key(), *index + 1));
+  return written ? SETTINGS_OK : SETTINGS_SET_FAILED;
 }
 
 bool FindCustomPaper(const DEVMODEW& mode, CustomPaper& paper) {
   wchar_t printer[CCHDEVICENAME + 1];
   CopyPadded(printer, mode.dmDeviceName, ARRAYSIZE(printer));
-  CustomPapers papers;
-  LoadCustomPapers(printer, papers);
-  const CustomPaper* found = FindPaper(papers.Get(), static_cast<uint16_t>(mode.dmPaperSize));
-  if (found == nullptr) return false;
-  paper = *found;
-  paper.next = nullptr;
-  return true;
+  const PrinterSettings settings(printer, PRINTER_ALL_ACCESS);
+  if (!settings.IsOpen()) return false;
+  const auto number = static_cast<uint16_t>(mode.dmPaperSize);
+  paper = {};
+  return FindInStore(settings, SettingsStore::kMachine, number, paper) ||
+         (!IsAdministrator() && FindInStore(settings, SettingsStore::kUser, number, paper));
 }
 
 }  // namespace quillo

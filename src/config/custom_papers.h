@@ -29,6 +29,12 @@ bool LoadCustomPapers(const wchar_t* printer, CustomPapers& papers);
 /// Writes the list for the machine when this user is an administrator, else for the user.
 SettingsResult SaveCustomPapers(const wchar_t* printer, const CustomPaper* head);
 
+/// Stores one paper more where SaveCustomPapers does, in the place of one of its number; whatever
+/// else is stored stays as it is. SETTINGS_BAD_ARGUMENT for a paper that cannot be printed on,
+/// SETTINGS_WRITE_FAILED when no further paper can be added: the store is full, or the machine has
+/// a paper of that number, which hides a user's.
+SettingsResult AddCustomPaper(const wchar_t* printer, const CustomPaper& paper);
+
 /// The paper that dmPaperSize selects among the custom papers of the printer dmDeviceName; false
 /// when there is none. The copy is in no list.
 bool FindCustomPaper(const DEVMODEW& mode, CustomPaper& paper);

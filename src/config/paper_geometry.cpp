@@ -23,12 +23,6 @@ static_assert(kBottomMargin + 2 * sizeof(float) == sizeof(DeviceMode));
 
 constexpr int32_t kResolutionWithoutMode = 150;  // dots per inch
 
-struct PaperSize {
-  Fraction width;
-  Fraction height;
-  SizeClass unit_class;
-};
-
 constexpr PaperSize kFallbackSize = {{2159, 1}, {2794, 1}, kSizeTenthsOfMillimetre};
 
 PaperSize PortraitSize(const DEVMODEW& mode) {
@@ -54,10 +48,15 @@ void ForceMarginUnit(DeviceMode& mode) {
 
 }  // namespace
 
-void LookUpPaperSize(const DeviceMode& mode, Fraction* width, Fraction* height,
-                     uint32_t* unit_class) {
+PaperSize PaperSizeOf(const DeviceMode& mode) {
   PaperSize size = PortraitSize(mode.pub);
   if (mode.pub.dmOrientation == DMORIENT_LANDSCAPE) std::swap(size.width, size.height);
+  return size;
+}
+
+void LookUpPaperSize(const DeviceMode& mode, Fraction* width, Fraction* height,
+                     uint32_t* unit_class) {
+  const PaperSize size = PaperSizeOf(mode);
   if (width != nullptr) *width = size.width;
   if (height != nullptr) *height = size.height;
   if (unit_class != nullptr) *unit_class = size.unit_class;
@@ -91,20 +90,25 @@ void GetMargins(DeviceMode& mode, Margins* out, uint32_t target_unit) {
   *out = {margin(kLeftMargin), margin(kTopMargin), margin(kRightMargin), margin(kBottomMargin)};
 }
 
-Extent SheetSize(const DeviceMode& mode, PaperUnit unit) {
-  Fraction width;
-  Fraction height;
-  uint32_t unit_class;
-  LookUpPaperSize(mode, &width, &height, &unit_class);
+Extent SheetSize(const DeviceMode& mode, const PaperSize& size, PaperUnit unit) {
   Extent sheet;
-  ConvertPaperSize(&mode, &width, &height, unit_class, static_cast<uint32_t>(unit), &sheet);
+  ConvertPaperSize(&mode, &size.width, &size.height, size.unit_class, static_cast<uint32_t>(unit),
+                   &sheet);
   return sheet;
 }
 
-Extent PrintableSize(DeviceMode& mode, PaperUnit unit) {
+Extent SheetSize(const DeviceMode& mode, PaperUnit unit) {
+  return SheetSize(mode, PaperSizeOf(mode), unit);
+}
+
+Extent PrintableSize(DeviceMode& mode, const PaperSize& size, PaperUnit unit) {
   Margins margins;
   GetMargins(mode, &margins, static_cast<uint32_t>(unit));
-  return SubtractMargins(SheetSize(mode, unit), margins);
+  return SubtractMargins(SheetSize(mode, size, unit), margins);
+}
+
+Extent PrintableSize(DeviceMode& mode, PaperUnit unit) {
+  return PrintableSize(mode, PaperSizeOf(mode), unit);
 }
 
 }  // namespace quillo

@@ -49,9 +49,10 @@ LOGFONTW DefaultFont(const DEVICE_PDEV& device, BYTE pitch_and_family, const wch
 }  // namespace
 
 GDIINFO DescribeGraphics(DEVICE_PDEV& device) {
-  const Extent millimetres = PrintableSize(device.mode, PaperUnit::kMillimetres);
-  const Extent pixels = PrintableSize(device.mode, PaperUnit::kDevicePixels);
-  const Extent sheet = SheetSize(device.mode, PaperUnit::kDevicePixels);
+  const PaperSize paper = PaperSizeOf(device.mode);
+  const Extent millimetres = PrintableSize(device.mode, paper, PaperUnit::kMillimetres);
+  const Extent pixels = PrintableSize(device.mode, paper, PaperUnit::kDevicePixels);
+  const Extent sheet = SheetSize(device.mode, paper, PaperUnit::kDevicePixels);
   Margins margins = {};
   GetMargins(device.mode, &margins, static_cast<uint32_t>(PaperUnit::kDevicePixels));
   device.physical_offset = {margins.left, margins.top};

@@ -114,11 +114,47 @@ TEST_F(CustomPapersTest, Load_WhatCannotBeReadIsLeftOut) {
   }
 }
 
-TEST_F(CustomPapersTest, Load_ReadsNoMoreThan4096) {
-  PutPaper(kMachine, 4095, kCard);
-  PutPaper(kMachine, 4096, kRoll);
-  PutCount(kMachine, 4097);
-  EXPECT_EQ(Load(), List{kCard});
+TEST_F(CustomPapersTest, Load_TakesWhateverLiesBelowTheCount) {
+  const Paper deleted = {L"Deleted", 400, kDeletedPaper, 1, 2};
+  const Paper small = {L"Small number", 9, 0, 1, 2}, large = {L"Large", 65535, 0, 65535, 65535};
+  PutPaper(kMachine, 9, large);
+  PutPaper(kMachine, 10, small);
+  PutPaper(kMachine, 100'000, deleted);
+  PutPaper(kMachine, 5000, kCard);
+  PutPaper(kMachine, 100'001, kRoll);
+  PutCount(kMachine, 100'001);
+  EXPECT_EQ(Load(), (List{large, small, kCard, deleted}));
+}
+
+TEST_F(CustomPapersTest, Add_KeepsWhatElseIsStored) {
+  const auto add = [](const Paper& paper) {
+    CustomPaper added = {{}, paper.number, paper.kind, paper.length, paper.width, nullptr};
+    paper.name.copy(added.name, 63);
+    return AddCustomPaper(kTestPrinter, added);
+  };
+  const Paper deleted = {L"Deleted", 400, kDeletedPaper, 1, 2}, other_card = {L"2nd", 301, 0, 1, 2};
+  PutPapers(kMachine, {deleted, kNote, kCard});
+  RegDeleteTreeW(kMachine, Subkey(1).c_str());
+  EXPECT_EQ(add(kRoll), SETTINGS_OK);       // in the gap
+  EXPECT_EQ(add(other_card), SETTINGS_OK);  // in the place of its number
+  EXPECT_EQ(add(kNote), SETTINGS_OK);
+  EXPECT_EQ(Load(), (List{deleted, kRoll, other_card, kNote}));
+  for (const Paper& bad : {Paper{L"", 256, 0, 1, 1},
+                           {L"", 32768, 0, 1, 1},
+                           {L"", 500, 0, 0, 1},
+                           {L"", 500, 0, 1, 0}}) {
+    EXPECT_EQ(add(bad), SETTINGS_BAD_ARGUMENT) << bad.number;
+  }
+  functions_.Miss("EqualSid");
+  EXPECT_EQ(add(kCard), SETTINGS_WRITE_FAILED);  // the machine's would hide it
+  PutCount(kUser, ~0u);
+  EXPECT_EQ(add({L"Own", 500, 1, 1, 2}), SETTINGS_OK);
+  EXPECT_TRUE(GetValue(kUser, Subkey(0), L"PaperID"));
+
+  // 4096 papers are enough; one of them may still change.
+  for (int i = 1; i < 4096; ++i) PutValue(kUser, Subkey(i), L"PaperID", Binary(i));
+  EXPECT_EQ(add({L"Own", 500, 1, 3, 4}), SETTINGS_OK);
+  EXPECT_EQ(add({L"One more", 5000, 1, 3, 4}), SETTINGS_WRITE_FAILED);
 }
 
 TEST_F(CustomPapersTest, Load_UsersBehindTheMachines) {

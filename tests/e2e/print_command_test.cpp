@@ -7,6 +7,7 @@
 #include <map>
 
 #include "base/gdi_owners.h"
+#include "base/kernel_owners.h"
 #include "e2e/command.h"
 #include "host/emf/metafile_builder.h"
 
@@ -291,6 +292,26 @@ TEST_F(PrintCommand, CustomPaper_IsListedAndPrintedOn) {
   const ENHMETAHEADER header = HeaderOf(out_ / L"page-0001.emf");
   EXPECT_EQ(header.rclFrame.right, 5400);
   EXPECT_EQ(header.rclFrame.bottom, 8600);
+}
+
+TEST_F(PrintCommand, OneCustomPaperTooMany_IsRefusedInTheDriversWords) {
+  const std::wstring path =
+      L"Software\\Wow6432Node\\Halvard Technologies, Inc.\\Quillo 6.0\\VORNIX Quillo 6";
+  RegDeleteTreeW(HKEY_LOCAL_MACHINE, path.c_str());
+  for (int i = 0; i < 4096; ++i) {
+    RegistryKey paper;
+    RegCreateKeyW(HKEY_LOCAL_MACHINE, (path + L"\\Paper " + std::to_wstring(i)).c_str(),
+                  paper.Receive());
+  }
+  const DWORD count = 4096;
+  RegSetKeyValueW(HKEY_LOCAL_MACHINE, path.c_str(), L"Custom Papers Count", REG_DWORD, &count,
+                  sizeof count);
+  const CommandResult result = RunPrint(L"--custom-paper \"One more,300,86x54\"");
+  EXPECT_EQ(result.exit_code, 4);
+  EXPECT_NE(result.errors.find("\"One more\": Can not add another custom paper!"),
+            std::string::npos)
+      << result.errors;
+  RegDeleteTreeW(HKEY_LOCAL_MACHINE, path.c_str());
 }
 
 TEST_F(PrintCommand, OneBadInput_DoesNotKeepTheOthers) {

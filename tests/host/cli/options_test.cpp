@@ -79,7 +79,7 @@ TEST(ParseCommandLine, WrongLines_AreAnsweredWithWhatIsWrong) {
       {{"--no-such-option", "a"}, 2, "--no-such-option"},
       {{"a", "--paper", "A99"}, 2, "A99"},
       {{"a", "--paper"}, 2, "--paper"},
-      {{"--custom-paper", "x,1,2x3"}, 2, "NAME,NUMBER,WxH"},
+      {{"--custom-paper", "x,1,2x3"}, 2, "NAME,NUMBER,WxH: the number must lie between 257 and"},
       {{"--printer-data", "x"}, 2, "NAME=VALUE"},
       {{"a", "--dpi", "49"}, 2, "49"},
       {{"a", "--dpi", "1601"}, 2, "1601"},

@@ -40,6 +40,7 @@ TEST(ParsePaper, Texts_GiveSheetOrNothing) {
       {"3276.7x1", std::nullopt},
       {"0.9x100", std::nullopt},
       {"-5x100", std::nullopt},
+      {"210x-3", std::nullopt},
       {"1e3x100", std::nullopt},
       {"nanx100", std::nullopt},
       {"100x", std::nullopt},

@@ -1,6 +1,8 @@
 #include "host/printer/printer_values.h"
 
+#include <algorithm>
 #include <gtest/gtest.h>
+#include <thread>
 
 #include "base/spooler_owners.h"
 #include "host/printer/printer_setup.h"
@@ -43,33 +45,51 @@ TEST(ParsePrinterValue, Texts_GiveValueOrNothing) {
   }
 }
 
-TEST(ParseCustomPaper, Texts_GivePaperOrNothing) {
+TEST(ParseCustomPaper, Texts_GivePaperOrReason) {
   const struct {
     const char* text;
     std::optional<NamedSheet> paper;
+    const char* why;
   } cases[] = {
-      {"Badge,300,86x54", NamedSheet{"Badge", {.paper = 300, .width = 860, .height = 540}}},
-      {"a, b,257,1x2.5", NamedSheet{"a, b", {.paper = 257, .width = 10, .height = 25}}},
-      {"a,256,1x2", std::nullopt},  // DMPAPER_USER
-      {"a,32768,1x2", std::nullopt},
-      {"a,300,A4", std::nullopt},
-      {"a,300", std::nullopt},
-      {",300,1x2", std::nullopt},
-      {",1x2", std::nullopt},
-      {"", std::nullopt},
-      {"0123456789012345678901234567890123456789012345678901234567890123,300,1x2", std::nullopt},
+      {"Badge,300,86x54", NamedSheet{"Badge", {.paper = 300, .width = 860, .height = 540}}, ""},
+      {"a, b,257,1x2.5", NamedSheet{"a, b", {.paper = 257, .width = 10, .height = 25}}, ""},
+      {"a,256,1x2", {}, "the number must lie between 257 and 32767"},  // DMPAPER_USER
+      {"a,32768,1x2", {}, "the number must lie between 257 and 32767"},
+      {"a,300,A4", {}, "the size must be two sides of 1 to 3276 millimetres, such as 100x150.5"},
+      {"a,300", {}, ""},
+      {",300,1x2", {}, ""},
+      {",1x2", {}, ""},
+      {"", {}, ""},
+      {"0123456789012345678901234567890123456789012345678901234567890123,300,1x2",
+       {},
+       "the name must have at most 63 characters"},
   };
-  for (const auto& test : cases) EXPECT_EQ(ParseCustomPaper(test.text), test.paper) << test.text;
+  for (const auto& test : cases) {
+    std::string why;
+    EXPECT_EQ(ParseCustomPaper(test.text, why), test.paper) << test.text;
+    EXPECT_EQ(why, test.why) << test.text;
+  }
 }
 
-TEST(StoreCustomPaper, NumberTwice_KeepsTheLater) {
+TEST(StoreCustomPaper, SeveralAtOnce_AreAllKept) {
   const std::wstring printer = L"Quillo test papers";
   EnsurePrinter(printer, 600, {});
-  const NamedSheet first{"First", {.paper = 300, .width = 100, .height = 200}};
-  const NamedSheet other{"Other", {.paper = 301, .width = 300, .height = 400}};
-  const NamedSheet later{"Später", {.paper = 300, .width = 500, .height = 600}};
-  for (const NamedSheet& paper : {first, other, later}) StoreCustomPaper(printer, paper);
-  EXPECT_EQ(StoredCustomPapers(printer), (std::vector<NamedSheet>{later, other}));
+  constexpr int16_t kThreads = 4, kEach = 20;
+  const auto paper = [](int number, int width) {
+    return NamedSheet{"Später",
+                      {.paper = static_cast<int16_t>(number), .width = width, .height = 9}};
+  };
+  std::vector<std::thread> threads;
+  for (int first = 300; first < 300 + kThreads * kEach; first += kEach) {
+    threads.emplace_back([=] {
+      for (int i = 0; i < kEach; ++i) StoreCustomPaper(printer, paper(first + i, first));
+    });
+  }
+  for (std::thread& thread : threads) thread.join();
+  StoreCustomPaper(printer, paper(310, 7));  // in the place of another
+  const auto stored = StoredCustomPapers(printer);
+  EXPECT_EQ(stored.size(), static_cast<size_t>(kThreads * kEach));
+  EXPECT_EQ(std::ranges::count(stored, paper(310, 7)), 1);
 }
 
 TEST(StorePrinterValue, Value_IsInThePrintersData) {
