@@ -2,9 +2,11 @@
 
 #include <cstring>
 #include <string>
+#include <utility>
 
 #include "host/emf/dib.h"
 #include "host/emf/dib_source.h"
+#include "host/engine/raster.h"
 
 namespace quillo::host {
 
@@ -13,13 +15,28 @@ namespace {
 // Offsets of BITMAPFILEHEADER and, behind it, of BITMAPINFOHEADER.
 constexpr size_t kBitsOffset = 10;
 constexpr size_t kFileHeader = 14;
+constexpr size_t kCompression = 16;
 constexpr size_t kPixelsPerMetreX = 24;
 constexpr size_t kPixelsPerMetreY = 28;
+
+constexpr uint32_t kInfoHeader = 40;  // size of BITMAPINFOHEADER
+
+std::string DamageOf(const ExpandedRuns& runs) {
+  if (runs.is_cut) return "its run-length code is damaged: it ends before the picture does";
+  if (runs.overflows) return "its run-length code is damaged: it leaves the picture's edges";
+  return {};
+}
 
 }  // namespace
 
 bool IsBmp(Bytes file) {
   return file.size() >= kFileHeader && std::memcmp(file.data(), "BM", 2) == 0;
+}
+
+bool IsRunLengthBmp(Bytes file) {
+  const auto compression = LoadOrZero<uint32_t>(file, kFileHeader + kCompression);
+  return IsBmp(file) && LoadOrZero<uint32_t>(file, kFileHeader) >= kInfoHeader &&
+         (compression == BI_RLE8 || compression == BI_RLE4);
 }
 
 BmpPicture ReadBmp(Bytes file) {
@@ -36,8 +53,15 @@ BmpPicture ReadBmp(Bytes file) {
     // The oldest headers end before it.
     return LoadOrZero<uint32_t>(info) > offset ? LoadOrZero<int32_t>(info, offset) * 0.0254 : 0;
   };
-  return {emf::SourceOf(*dib),
-          UsableResolution({per_inch(kPixelsPerMetreX), per_inch(kPixelsPerMetreY)})};
+  BmpPicture read;
+  read.pixels = emf::SourceOf(*dib);
+  read.dpi = UsableResolution({per_inch(kPixelsPerMetreX), per_inch(kPixelsPerMetreY)});
+  if (read.pixels.run_length) {
+    ExpandedRuns runs = ExpandRuns(read.pixels);
+    read.damage = DamageOf(runs);
+    read.pixels = std::move(runs.picture);
+  }
+  return read;
 }
 
 }  // namespace quillo::host

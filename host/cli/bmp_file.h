@@ -1,5 +1,7 @@
 #pragma once
 
+#include <string>
+
 #include "base/bytes.h"
 #include "host/engine/drawing.h"
 #include "host/pictures/picture_decoder.h"
@@ -8,12 +10,17 @@ namespace quillo::host {
 
 /// The one picture of a BMP file.
 struct BmpPicture {
-  BitmapSource pixels;  // as the file's DIB has them; alpha is not kept
+  BitmapSource pixels;  // as the file's DIB has them, runs expanded; alpha is not kept
   Resolution dpi;       // 96 where the file says nothing usable
+  std::string damage;   // a phrase on what is wrong with the pixels; empty: nothing
 };
 
 /// Whether a file begins like one.
 bool IsBmp(Bytes file);
+
+/// Whether a BMP file is run-length coded. The platform's decoder takes any code without a word,
+/// and leaves memory as it is where the code skips pixels.
+bool IsRunLengthBmp(Bytes file);
 
 /// Reads a BMP file as the DIB that it is: the platform's decoder knows few of its bit fields.
 /// Throws UnreadablePicture.

@@ -2,6 +2,8 @@
 
 #include "base/windows.h"
 
+#include <cstdio>
+
 #include "base/bytes.h"
 #include "base/kernel_owners.h"
 #include "host/base/failure.h"
@@ -30,6 +32,18 @@ constexpr InputKind kKinds[] = {
 
 [[noreturn]] void RefuseUnreadable(DWORD error) {
   throw UnreadableInput("cannot be read: " + DescribeError(error));
+}
+
+/// Refuses a file of which not even text is recognised.
+[[noreturn]] void RefuseUnknown(Bytes head) {
+  const size_t place = FindNoText(head).value_or(0);
+  char byte[100];
+  std::snprintf(byte, sizeof byte, "; its byte %zu is 0x%02X, which no text has", place + 1,
+                std::to_integer<unsigned>(head[place]));
+  throw UnreadableInput(
+      std::string("is of no kind that is printed: metafiles (EMF), pictures (PNG, JPEG, BMP, TIFF, "
+                  "GIF) and plain text") +
+      byte);
 }
 
 KernelHandle OpenFile(const std::filesystem::path& path) {
@@ -81,9 +95,7 @@ std::unique_ptr<PrintInput> OpenInput(const std::filesystem::path& path) {
     Read(file.Get(), content, static_cast<size_t>(size.QuadPart));
     return kind.open(std::move(content));
   }
-  throw UnreadableInput(
-      "is of no kind that is printed; metafiles (EMF), pictures (PNG, JPEG, BMP, TIFF, GIF) and "
-      "plain text are");
+  RefuseUnknown(content);
 }
 
 }  // namespace quillo::host

@@ -6,9 +6,11 @@
 #include <string_view>
 
 #include "host/cli/bmp_file.h"
+#include "host/pictures/fewest_bits.h"
 #include "host/pictures/gif_animation.h"
 #include "host/pictures/orientation.h"
 #include "host/pictures/picture_decoder.h"
+#include "host/plain_text/decode.h"
 
 namespace quillo::host {
 
@@ -36,6 +38,10 @@ class PictureInput : public PrintInput {
  public:
   explicit PictureInput(std::vector<std::byte> content) : content_(std::move(content)) {
     // Decoded to see that it can be, and dropped: many pictures may wait to be printed.
+    if (IsRunLengthBmp(content_)) {
+      OpenAsDib();
+      return;
+    }
     try {
       const PictureDecoder decoder(content_);
       decoder.Frame(0, kMostPixels);
@@ -43,9 +49,7 @@ class PictureInput : public PrintInput {
       animation_ = GifAnimation::Open(content_);
     } catch (const UnreadablePicture&) {
       if (!IsBmp(content_)) throw;
-      ReadBmp(content_);
-      frame_count_ = 1;
-      read_as_dib_ = true;
+      OpenAsDib();
     }
   }
 
@@ -63,22 +67,32 @@ class PictureInput : public PrintInput {
     canvas.StretchBlt(target, picture_, {0, 0, picture_.width, picture_.height}, 0xCC, nullptr,
                       COLORONCOLOR, DrawState());
     picture_ = {};
-    return {};
+    DrawResult result;
+    if (!damage_.empty()) result.faults.push_back(damage_);
+    return result;
   }
 
  private:
+  void OpenAsDib() {
+    ReadBmp(content_);
+    frame_count_ = 1;
+    read_as_dib_ = true;
+  }
+
   void DecodeFrame() {
     if (read_as_dib_) {
       BmpPicture read = ReadBmp(content_);
       picture_ = std::move(read.pixels);
       dpi_ = read.dpi;
+      damage_ = std::move(read.damage);
       return;
     }
     const PictureDecoder decoder(content_);
     const Orientation orientation = OrientationOf(content_, next_);
     try {
-      picture_ = animation_ ? animation_->Next(decoder, kMostPixels)
-                            : TurnUpright(decoder.Frame(next_, kMostPixels), orientation);
+      picture_ =
+          WithFewestBits(animation_ ? animation_->Next(decoder, kMostPixels)
+                                    : TurnUpright(decoder.Frame(next_, kMostPixels), orientation));
     } catch (const UnreadablePicture& refused) {
       throw UnreadableInput("has a frame " + std::to_string(next_ + 1) + " that " + refused.what());
     }
@@ -89,22 +103,25 @@ class PictureInput : public PrintInput {
   std::vector<std::byte> content_;  // of the file; empty behind the last frame
   UINT frame_count_ = 0;
   std::optional<GifAnimation> animation_;
-  bool read_as_dib_ = false;  // a BMP file that the platform cannot decode
+  bool read_as_dib_ = false;  // a BMP file that the platform cannot decode, or not well
   UINT next_ = 0;             // frame that PreparePage decodes
   BitmapSource picture_;      // what DrawPage draws
   Resolution dpi_{};          // of picture_
+  std::string damage_;        // of the file's pixels, a phrase
 };
 
 }  // namespace
 
 bool LooksLikePicture(Bytes head) {
   using namespace std::string_view_literals;
-  constexpr std::string_view kBeginnings[] = {"\x89PNG"sv, "\xFF\xD8\xFF"sv, "BM"sv,
-                                              "II*\0"sv,   "MM\0*"sv,        "GIF8"sv};
-  return std::ranges::any_of(kBeginnings, [head](std::string_view beginning) {
+  const auto begins = [head](std::string_view beginning) {
     return head.size() >= beginning.size() &&
            std::memcmp(head.data(), beginning.data(), beginning.size()) == 0;
-  });
+  };
+  constexpr std::string_view kSignatures[] = {"\x89PNG"sv, "\xFF\xD8\xFF"sv, "II*\0"sv, "MM\0*"sv};
+  constexpr std::string_view kLetters[] = {"BM"sv, "GIF8"sv};
+  return std::ranges::any_of(kSignatures, begins) ||
+         (std::ranges::any_of(kLetters, begins) && !LooksLikeText(head));
 }
 
 std::unique_ptr<PrintInput> OpenPicture(std::vector<std::byte> content) {

@@ -9,7 +9,8 @@
 
 namespace quillo::host {
 
-/// Whether a file that begins with `head` means to be a picture (PNG, JPEG, BMP, TIFF, GIF).
+/// Whether a file that begins with `head` means to be a picture (PNG, JPEG, BMP, TIFF, GIF). A text
+/// that begins with the letters of one is none.
 bool LooksLikePicture(Bytes head);
 
 /// A picture: a page for each frame, upright, one stretched blit each. Needs COM on this thread.

@@ -139,6 +139,9 @@ std::optional<Dib> ParseDib(Bytes info, Bytes bits, DibColors colors, uint32_t r
   Dib dib;
   dib.depth = header->depth;
   if (!FindCoding(*header, dib)) {
+    if (dib.coding == Dib::Coding::kRunLength && header->height < 0) {
+      return refuse("a run-length bitmap has its rows from the bottom, not from the top");
+    }
     return refuse("there is no bitmap of " + std::to_string(header->depth) +
                   " bits a pixel with compression " + std::to_string(header->compression));
   }

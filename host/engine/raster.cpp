@@ -16,60 +16,6 @@ LONG SourceOf(LONG i, LONG start, LONG length, LONG first, LONG count) {
   return first + (offset < 0 ? 0 : offset >= count ? count - 1 : offset);
 }
 
-BitmapSource ExpandRuns(const BitmapSource& picture) {
-  BitmapSource expanded;
-  expanded.width = picture.width;
-  expanded.height = picture.height;
-  expanded.bits_per_pixel = picture.bits_per_pixel;
-  expanded.palette = picture.palette;
-  expanded.bits.assign(expanded.Stride() * static_cast<size_t>(picture.height), std::byte{});
-
-  const bool nibbles = picture.bits_per_pixel == 4;
-  LONG x = 0, y = 0;  // rows from the bottom
-  const auto put = [&](uint8_t index) {
-    if (x < picture.width && y < picture.height) {
-      std::byte& byte = expanded.bits[static_cast<size_t>(y) * expanded.Stride() +
-                                      static_cast<size_t>(nibbles ? x / 2 : x)];
-      byte = !nibbles     ? std::byte{index}
-             : x % 2 == 0 ? (byte & std::byte{0x0F}) | std::byte{static_cast<uint8_t>(index << 4)}
-                          : (byte & std::byte{0xF0}) | std::byte{index};
-    }
-    ++x;
-  };
-  size_t at = 0;
-  const auto next = [&] { return LoadOrZero<uint8_t>(picture.bits, at++); };
-  while (at < picture.bits.size() && y < picture.height) {
-    const uint8_t count = next(), value = next();
-    if (count != 0) {  // one colour, or two by turns, repeated
-      for (int i = 0; i < count; ++i) {
-        put(!nibbles ? value : i % 2 == 0 ? value >> 4 : value & 0x0F);
-      }
-    } else if (value == 0) {  // end of the row
-      x = 0;
-      ++y;
-    } else if (value == 1) {  // end of the picture
-      break;
-    } else if (value == 2) {  // a step to the right and up
-      x += next();
-      y += next();
-    } else {  // pixels as they are, in whole 16-bit words
-      const size_t start = at;
-      for (int i = 0; i < value; ++i) {
-        if (!nibbles) {
-          put(next());
-        } else if (i % 2 == 0) {
-          put(LoadOrZero<uint8_t>(picture.bits, at) >> 4);
-        } else {
-          put(next() & 0x0F);
-        }
-      }
-      const size_t bytes = nibbles ? (value + 1u) / 2 : value;
-      at = start + (bytes + 1) / 2 * 2;
-    }
-  }
-  return expanded;
-}
-
 }  // namespace
 
 PixelReader::PixelReader(const BitmapSource& picture) : picture_(picture) {}
@@ -174,9 +120,71 @@ BitmapSource Transpose(const BitmapSource& picture, const RECTL& rect) {
   return transposed;
 }
 
+ExpandedRuns ExpandRuns(const BitmapSource& picture) {
+  ExpandedRuns result;
+  BitmapSource& expanded = result.picture;
+  expanded.width = picture.width;
+  expanded.height = picture.height;
+  expanded.bits_per_pixel = picture.bits_per_pixel;
+  expanded.palette = picture.palette;
+  expanded.bits.assign(expanded.Stride() * static_cast<size_t>(picture.height), std::byte{});
+
+  const bool nibbles = picture.bits_per_pixel == 4;
+  LONG x = 0, y = 0;  // rows from the bottom
+  const auto put = [&](uint8_t index) {
+    if (x < picture.width) {
+      std::byte& byte = expanded.bits[static_cast<size_t>(y) * expanded.Stride() +
+                                      static_cast<size_t>(nibbles ? x / 2 : x)];
+      byte = !nibbles     ? std::byte{index}
+             : x % 2 == 0 ? (byte & std::byte{0x0F}) | std::byte{static_cast<uint8_t>(index << 4)}
+                          : (byte & std::byte{0xF0}) | std::byte{index};
+      ++x;
+    } else {
+      result.overflows = true;
+    }
+  };
+  size_t at = 0;
+  bool ended = false;
+  const auto next = [&] { return LoadOrZero<uint8_t>(picture.bits, at++); };
+  while (!ended && at < picture.bits.size() && y < picture.height) {
+    const uint8_t count = next(), value = next();
+    if (count != 0) {  // one colour, or two by turns, repeated
+      for (int i = 0; i < count; ++i) {
+        put(!nibbles ? value : i % 2 == 0 ? value >> 4 : value & 0x0F);
+      }
+    } else if (value == 0) {  // end of the row
+      x = 0;
+      ++y;
+    } else if (value == 1) {  // end of the picture
+      ended = true;
+    } else if (value == 2) {  // a step to the right and up
+      x = std::min<LONG>(picture.width, x + next());
+      y += next();
+    } else {  // pixels as they are, in whole 16-bit words
+      const size_t start = at;
+      for (int i = 0; i < value; ++i) {
+        if (!nibbles) {
+          put(next());
+        } else if (i % 2 == 0) {
+          put(LoadOrZero<uint8_t>(picture.bits, at) >> 4);
+        } else {
+          put(next() & 0x0F);
+        }
+      }
+      const size_t bytes = nibbles ? (value + 1u) / 2 : value;
+      at = start + (bytes + 1) / 2 * 2;
+    }
+  }
+  // Some writers leave the end of the last row and of the picture away.
+  const bool complete =
+      ended || y >= picture.height || (y == picture.height - 1 && x >= picture.width);
+  result.is_cut = !complete || at > picture.bits.size() + 1;
+  return result;
+}
+
 ReadablePicture::ReadablePicture(const BitmapSource& picture) : used_(&picture) {
   if (!picture.run_length) return;
-  expanded_ = ExpandRuns(picture);
+  expanded_ = ExpandRuns(picture).picture;
   used_ = &expanded_;
 }
 

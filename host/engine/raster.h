@@ -55,9 +55,16 @@ BitmapSource StretchPart(const BitmapSource& source, const RECTL& rect, const RE
 /// The picture in a rectangle with its axes exchanged; black where the source has no pixel.
 BitmapSource Transpose(const BitmapSource& picture, const RECTL& rect);
 
-/// A picture whose pixels can be read: the picture itself, or what it gives when it is run-length
-/// coded (Windows' RLE4 and RLE8). Pixels that the code leaves out are index 0; what it places
-/// outside is dropped.
+/// What a run-length coded picture (Windows' RLE4 and RLE8) makes. Pixels that the code leaves out
+/// are index 0; what it places outside is dropped.
+struct ExpandedRuns {
+  BitmapSource picture;
+  bool overflows = false;  // the code places pixels outside
+  bool is_cut = false;     // the code ends before the picture does
+};
+ExpandedRuns ExpandRuns(const BitmapSource& picture);
+
+/// A picture whose pixels can be read: the picture itself, or what ExpandRuns makes of it.
 class ReadablePicture {
  public:
   /// `picture` must outlive this object.

@@ -1,20 +1,31 @@
 #include "host/pictures/picture_decoder.h"
 
 #include <algorithm>
-#include <cstdio>
 
 #include "base/checked.h"
+#include "host/base/failure.h"
 
 namespace quillo::host {
 
 namespace {
 
-void Step(HRESULT result, const char* call) {
-  if (SUCCEEDED(result)) return;
-  char text[100];
-  snprintf(text, sizeof(text), "cannot be decoded (%s: 0x%08lX)", call,
-           static_cast<unsigned long>(result));
-  throw UnreadablePicture(text);
+/// Why the platform does not decode a picture. Of damage its decoders know no more than that.
+std::string ReasonOf(HRESULT result) {
+  constexpr int kOfCodecs = 0x898;  // the facility of WINCODEC_ERR_*
+  switch (result) {
+    case WINCODEC_ERR_COMPONENTNOTFOUND:
+    case WINCODEC_ERR_UNSUPPORTEDPIXELFORMAT:
+    case WINCODEC_ERR_UNSUPPORTEDOPERATION:
+      return "this system has no decoder for its variety of pixels";
+    default:
+      return result == E_FAIL || HRESULT_FACILITY(result) == kOfCodecs
+                 ? "it is damaged or cut off"
+                 : DescribeError(static_cast<DWORD>(result));
+  }
+}
+
+void Step(HRESULT result) {
+  if (FAILED(result)) throw UnreadablePicture("cannot be decoded: " + ReasonOf(result));
 }
 
 /// A row of blue, green, red, alpha (not premultiplied) over one of blue, green, red.
@@ -54,24 +65,21 @@ BitmapSource BlankPicture(UINT width, UINT height, uint64_t most_pixels) {
 
 PictureDecoder::PictureDecoder(Bytes file) {
   Step(CoCreateInstance(CLSID_WICImagingFactory, nullptr, CLSCTX_INPROC_SERVER,
-                        IID_IWICImagingFactory, reinterpret_cast<void**>(factory_.Receive())),
-       "CoCreateInstance");
+                        IID_IWICImagingFactory, reinterpret_cast<void**>(factory_.Receive())));
   ComPtr<IWICStream> stream;
-  Step(factory_->CreateStream(stream.Receive()), "CreateStream");
+  Step(factory_->CreateStream(stream.Receive()));
   if (file.size() > UINT32_MAX) throw UnreadablePicture("is larger than 4 GB");
   // The stream has no const; a decoder only reads it.
   Step(stream->InitializeFromMemory(reinterpret_cast<BYTE*>(const_cast<std::byte*>(file.data())),
-                                    static_cast<DWORD>(file.size())),
-       "InitializeFromMemory");
+                                    static_cast<DWORD>(file.size())));
   Step(factory_->CreateDecoderFromStream(stream.Get(), nullptr, WICDecodeMetadataCacheOnDemand,
-                                         decoder_.Receive()),
-       "CreateDecoderFromStream");
-  Step(decoder_->GetFrameCount(&frame_count_), "GetFrameCount");
+                                         decoder_.Receive()));
+  Step(decoder_->GetFrameCount(&frame_count_));
 }
 
 ComPtr<IWICBitmapFrameDecode> PictureDecoder::OpenFrame(UINT index) const {
   ComPtr<IWICBitmapFrameDecode> frame;
-  Step(decoder_->GetFrame(index, frame.Receive()), "GetFrame");
+  Step(decoder_->GetFrame(index, frame.Receive()));
   return frame;
 }
 
@@ -83,7 +91,7 @@ Resolution PictureDecoder::FrameResolution(UINT index) const {
 
 BitmapSource PictureDecoder::Frame(UINT index, uint64_t most_pixels) const {
   UINT width = 0, height = 0;
-  Step(OpenFrame(index)->GetSize(&width, &height), "GetSize");
+  Step(OpenFrame(index)->GetSize(&width, &height));
   BitmapSource picture = BlankPicture(width, height, most_pixels);
   BlendFrame(index, {0, 0}, picture);
   return picture;
@@ -92,13 +100,12 @@ BitmapSource PictureDecoder::Frame(UINT index, uint64_t most_pixels) const {
 void PictureDecoder::BlendFrame(UINT index, POINT at, BitmapSource& picture) const {
   const ComPtr<IWICBitmapFrameDecode> frame = OpenFrame(index);
   UINT width = 0, height = 0;
-  Step(frame->GetSize(&width, &height), "GetSize");
+  Step(frame->GetSize(&width, &height));
   if (at.x >= picture.width || at.y >= picture.height) return;
   width = std::min(width, static_cast<UINT>(picture.width - at.x));
   height = std::min(height, static_cast<UINT>(picture.height - at.y));
   ComPtr<IWICBitmapSource> pixels;
-  Step(WICConvertBitmapSource(GUID_WICPixelFormat32bppBGRA, frame.Get(), pixels.Receive()),
-       "WICConvertBitmapSource");
+  Step(WICConvertBitmapSource(GUID_WICPixelFormat32bppBGRA, frame.Get(), pixels.Receive()));
 
   // A few rows at a time: a large picture need not stand in memory twice.
   constexpr UINT kStripRows = 64;
@@ -107,7 +114,7 @@ void PictureDecoder::BlendFrame(UINT index, POINT at, BitmapSource& picture) con
   for (UINT top = 0; top < height; top += kStripRows) {
     const UINT rows = std::min(kStripRows, height - top);
     const WICRect rect{0, static_cast<INT>(top), static_cast<INT>(width), static_cast<INT>(rows)};
-    Step(pixels->CopyPixels(&rect, strip_stride, strip_stride * rows, strip.data()), "CopyPixels");
+    Step(pixels->CopyPixels(&rect, strip_stride, strip_stride * rows, strip.data()));
     std::byte* target = &picture.bits[picture.Stride() * (static_cast<size_t>(at.y) + top)];
     for (UINT row = 0; row < rows; ++row, target += picture.Stride()) {
       BlendRow(&strip[size_t{strip_stride} * row], width, target + size_t{3} * at.x);

@@ -46,8 +46,11 @@ bool IsControl(std::byte byte) {
 
 }  // namespace
 
-bool LooksLikeText(Bytes head) {
-  return MarkOf(head) != Mark::kNone || std::ranges::none_of(head, IsControl);
+std::optional<size_t> FindNoText(Bytes head) {
+  if (MarkOf(head) != Mark::kNone) return std::nullopt;
+  const auto control = std::ranges::find_if(head, IsControl);
+  if (control == head.end()) return std::nullopt;
+  return control - head.begin();
 }
 
 std::wstring DecodeText(Bytes file) {

@@ -166,6 +166,8 @@ TEST_F(PrintCommand, InputsThatAreNone_AreNamedAndNothingIsWritten) {
   std::ofstream(folder_ / L"empty.emf") << "";
   std::ofstream(folder_ / L"noise") << std::string("\1\2\3\0\xFF", 5);
   std::ofstream(folder_ / L"cut.png", std::ios::binary) << "\x89PNG\r\n\x1A\n";
+  std::ofstream(folder_ / L"cut.jpg", std::ios::binary) << "\xFF\xD8\xFF\xE0";
+  std::ofstream(folder_ / L"bell.txt", std::ios::binary) << "abc\adef";
   std::ofstream(folder_ / L"short.emf", std::ios::binary) << std::string("\1\0\0\0\x6C\0\0\0", 8);
   const struct {
     const wchar_t* name;
@@ -176,7 +178,9 @@ TEST_F(PrintCommand, InputsThatAreNone_AreNamedAndNothingIsWritten) {
       {L"empty.emf", "empty.emf is empty"},
       {L"noise", "noise is of no kind that is printed"},
       {L"short.emf", "short.emf is"},
-      {L"cut.png", "cut.png cannot be decoded"},
+      {L"cut.png", "cut.png cannot be decoded: it is damaged or cut off"},
+      {L"cut.jpg", "cut.jpg cannot be decoded: it is damaged or cut off"},
+      {L"bell.txt", "its byte 4 is 0x07, which no text has"},
   };
   for (const auto& test : cases) {
     const CommandResult result = Print(Quoted(test.name));
@@ -201,6 +205,7 @@ TEST_F(PrintCommand, Picture_IsDrawnAtItsSizeOrFitted) {
     EXPECT_EQ(result.exit_code, 0) << result.errors;
     const Json page = ReadJobReport(out_)["pages"][0];
     EXPECT_EQ(page["ddi_calls"]["DrvStretchBlt"], 1) << page;
+    EXPECT_LT(fs::file_size(out_ / L"page-0001.emf"), 50'000u);  // few colours: 4 bits a pixel
     const RECTL bounds = HeaderOf(out_ / L"page-0001.emf").rclBounds;
     EXPECT_NEAR(static_cast<double>(bounds.right - bounds.left), test.width * 300 / 25.4, 4);
     EXPECT_NEAR(static_cast<double>(bounds.bottom - bounds.top), test.height * 300 / 25.4, 4);
@@ -236,6 +241,15 @@ TEST_F(PrintCommand, Text_FillsPagesAndStaysText) {
     EXPECT_EQ(page["lost_characters"].size(), 0u) << page;
   }
   EXPECT_EQ(on_pages, printed + L"end");
+}
+
+TEST_F(PrintCommand, TextThatBeginsAsPicturesDo_IsText) {
+  for (const std::string text : {"BM is for bitmap", "GIF89a"}) {
+    std::ofstream(folder_ / L"text", std::ios::binary) << text;
+    const CommandResult result = Print(Quoted(L"text"));
+    EXPECT_EQ(result.exit_code, 0) << result.errors;
+    EXPECT_EQ(ReadJobReport(out_)["pages"][0]["text"][0], text);
+  }
 }
 
 TEST_F(PrintCommand, GlyphIndexes_BecomeTheirCharacters) {

@@ -48,12 +48,12 @@ TEST(Compose, LettersAndMarks_BecomeOneCharacterWhereThereIsOne) {
   for (const auto& [text, composed] : cases) EXPECT_EQ(Compose(text), composed);
 }
 
-TEST(LooksLikeText, ControlCharacters_AreNone) {
+TEST(FindNoText, ControlCharacters_AreFound) {
   for (const auto& text : {"a\tb\r\n\f"s, "\x1B[0m"s, "\xC3\xA9"s, "\xFF\xFE\0\1"s}) {
-    EXPECT_TRUE(LooksLikeText(AsBytes(text))) << text;
+    EXPECT_EQ(FindNoText(AsBytes(text)), std::nullopt) << text;
   }
-  for (const auto& text : {"a\0b"s, "\1"s, "%PDF\x7F"s}) {
-    EXPECT_FALSE(LooksLikeText(AsBytes(text))) << text;
+  for (const auto& text : {"%PD\0b"s, "%PD\1\2"s, "%PD\x7F"s, "abc\a"s}) {
+    EXPECT_EQ(FindNoText(AsBytes(text)), 3u) << text;
   }
 }
 
