@@ -10,7 +10,6 @@
 #include "host/pictures/gif_animation.h"
 #include "host/pictures/orientation.h"
 #include "host/pictures/picture_decoder.h"
-#include "host/plain_text/decode.h"
 
 namespace quillo::host {
 
@@ -64,8 +63,7 @@ class PictureInput : public PrintInput {
   DrawResult DrawPage(Graphics& canvas, const PageSetup& setup) override {
     const RECTL target =
         Place(picture_.width / dpi_.x, picture_.height / dpi_.y, canvas.Size(), setup);
-    canvas.StretchBlt(target, picture_, {0, 0, picture_.width, picture_.height}, 0xCC, nullptr,
-                      COLORONCOLOR, DrawState());
+    canvas.DrawPicture(target, picture_);
     picture_ = {};
     DrawResult result;
     if (!damage_.empty()) result.faults.push_back(damage_);
@@ -119,9 +117,10 @@ bool LooksLikePicture(Bytes head) {
            std::memcmp(head.data(), beginning.data(), beginning.size()) == 0;
   };
   constexpr std::string_view kSignatures[] = {"\x89PNG"sv, "\xFF\xD8\xFF"sv, "II*\0"sv, "MM\0*"sv};
-  constexpr std::string_view kLetters[] = {"BM"sv, "GIF8"sv};
+  constexpr std::string_view kLetters[] = {"BM"sv, "GIF8"sv};  // text may begin so, too
+  const auto holds_zero = [head] { return std::ranges::find(head, std::byte{0}) != head.end(); };
   return std::ranges::any_of(kSignatures, begins) ||
-         (std::ranges::any_of(kLetters, begins) && !LooksLikeText(head));
+         (std::ranges::any_of(kLetters, begins) && holds_zero());
 }
 
 std::unique_ptr<PrintInput> OpenPicture(std::vector<std::byte> content) {

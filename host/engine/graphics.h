@@ -61,6 +61,9 @@ class Graphics {
   void StretchBlt(const RECTL& target, const BitmapSource& source, const RECTL& source_rect,
                   uint8_t rop3, const BrushDescription* brush, ULONG stretch_mode,
                   const DrawState& state);
+  /// Draws a whole picture that is not run-length coded. One with a palette keeps its few bits a
+  /// pixel on the page at any size: the copy of an unstretched one would have 24.
+  void DrawPicture(const RECTL& target, const BitmapSource& picture);
   /// Two operations on one rectangle: where the mask (1 bit a pixel, as large as the source
   /// rectangle from `mask_origin` on) is set the low byte of `rop4`, elsewhere the high one.
   void MaskBlt(const RECTL& target, uint16_t rop4, const BrushDescription* brush,
@@ -115,6 +118,8 @@ class Graphics {
                        POINTL mask_origin, const DrawState& state);
   /// Lays a picture of 32 bits with alpha over an area.
   void LayOver(const RECTL& area, const BitmapSource& picture, const DrawState& state);
+  void CopyStretched(RECTL target, const BitmapSource& source, RECTL source_rect,
+                     ULONG stretch_mode, const DrawState& state);
   void Slant(const std::array<PointD, 3>& corners, const BitmapSource& source, const RECTL& rect,
              const BitmapSource* mask, POINTL mask_origin, ULONG stretch_mode,
              const DrawState& state);

@@ -209,14 +209,28 @@ void Graphics::StretchBlt(const RECTL& target, const BitmapSource& source, const
     return;
   }
 
-  auto clip = ClipFor(Ordered(to), state.clip);
+  CopyStretched(to, *readable, from, stretch_mode, state);
+}
+
+void Graphics::CopyStretched(RECTL target, const BitmapSource& source, RECTL source_rect,
+                             ULONG stretch_mode, const DrawState& state) {
+  auto clip = ClipFor(Ordered(target), state.clip);
   if (!clip) return;
-  PictureObjects picture(*readable);
+  PictureObjects picture(source);
   POINTL halftone_origin = state.brush_origin;
   if (!Hook("DrvStretchBlt", driver_.StretchBlt, HOOK_STRETCHBLT, &surface_, picture.Source(),
-            nullptr, &*clip, picture.Translation(), nullptr, &halftone_origin, &to, &from, nullptr,
-            stretch_mode)) {
+            nullptr, &*clip, picture.Translation(), nullptr, &halftone_origin, &target,
+            &source_rect, nullptr, stretch_mode)) {
     Refused("DrvStretchBlt");
+  }
+}
+
+void Graphics::DrawPicture(const RECTL& target, const BitmapSource& picture) {
+  const RECTL whole{0, 0, picture.width, picture.height};
+  if (picture.bits_per_pixel <= 8) {
+    CopyStretched(target, picture, whole, COLORONCOLOR, DrawState());
+  } else {
+    StretchBlt(target, picture, whole, kSourceCopy, nullptr, COLORONCOLOR, DrawState());
   }
 }
 

@@ -167,7 +167,7 @@ TEST_F(PrintCommand, InputsThatAreNone_AreNamedAndNothingIsWritten) {
   std::ofstream(folder_ / L"noise") << std::string("\1\2\3\0\xFF", 5);
   std::ofstream(folder_ / L"cut.png", std::ios::binary) << "\x89PNG\r\n\x1A\n";
   std::ofstream(folder_ / L"cut.jpg", std::ios::binary) << "\xFF\xD8\xFF\xE0";
-  std::ofstream(folder_ / L"bell.txt", std::ios::binary) << "abc\adef";
+  std::ofstream(folder_ / L"bell.txt", std::ios::binary) << "BM \adef";
   std::ofstream(folder_ / L"short.emf", std::ios::binary) << std::string("\1\0\0\0\x6C\0\0\0", 8);
   const struct {
     const wchar_t* name;
