@@ -6,7 +6,8 @@ namespace quillo::host {
 enum ExitCode : int {
   kPrinted = 0,
   kWrongUsage = 2,
-  kInputRefused = 3,  // an input cannot be read, or is of no kind that is printed
+  kInputRefused = 3,  // an input cannot be read, or is of no kind that is printed; with --strict
+                      // also: a page is not all that its input asks for
   kDriverFailed = 4,
   kResultsLost = 5,
 };

@@ -27,10 +27,12 @@ struct PageSetup {
   emf::GlyphOrder glyph_order;
 };
 
-/// What became of one page's drawing.
+/// What became of one page's drawing. What the page lacks for any other reason than a record that
+/// has no place on it is a fault; report.h makes a page's losses of it all.
 struct DrawResult {
   std::map<std::string, uint64_t> not_carried;  // records that are not on the page, by name
-  std::vector<std::string> faults;              // what is wrong with the input, a phrase each
+  std::vector<std::string> faults;              // what the page lacks and why, a phrase each
+  std::vector<std::string> substitutions;       // what stands in for what was asked for, likewise
   std::map<std::wstring, emf::FontUse> fonts;   // by the face name that is asked for
 };
 

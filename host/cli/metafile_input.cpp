@@ -1,5 +1,6 @@
 #include "host/cli/metafile_input.h"
 
+#include "host/base/text.h"
 #include "host/emf/page_mapping.h"
 #include "host/emf/player.h"
 #include "host/emf/record_types.h"
@@ -24,9 +25,12 @@ class MetafileInput : public PrintInput {
     emf::PlayResult played = emf::PlayMetafile(reader_, to_page, canvas, {setup.glyph_order});
 
     DrawResult result;
+    result.not_carried = std::move(played.not_carried);
     result.fonts = std::move(played.fonts);
-    for (const auto& [name, count] : played.not_carried) {
-      result.not_carried[name] = static_cast<uint64_t>(count);
+    for (const auto& [face, use] : result.fonts) {
+      if (!use.substituted) continue;
+      result.substitutions.push_back("the font \"" + ToUtf8(face) + "\" is not installed; \"" +
+                                     ToUtf8(use.used) + "\" stands in");
     }
     for (const emf::MetafileFault& fault : reader_.faults()) {
       result.faults.push_back(emf::Describe(fault));

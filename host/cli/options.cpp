@@ -22,7 +22,9 @@ constexpr char kFooter[] =
     "Results: page-0001.emf and page-0001.png ..., embedded fonts, and job.json.\n"
     "Exit codes: 0 printed; 2 wrong command line; 3 an input cannot be read or printed (the "
     "others\n"
-    "are); 4 the driver refused or failed; 5 results could not be written.\n";
+    "are), or with --strict a page lacks something; 4 the driver refused or failed; 5 results "
+    "could\n"
+    "not be written.\n";
 
 std::filesystem::path ToPath(const std::string& text) {
   const std::wstring path = ToWide(text);
@@ -97,6 +99,9 @@ class Parser {
     printer_value_ =
         AddRepeated("--printer-data", printer_values_, "NAME=VALUE",
                     "Store a value in the printer's data: a text, dword:N or hex:..; it stays");
+    app_.add_flag("--strict", options_.strict,
+                  "Exit with 3 when a page lacks something or has a substitute for it, and list "
+                  "everything");
     app_.add_flag("--quiet", options_.quiet, "Report nothing but problems");
     // For tests: how the client misbehaves.
     app_.add_option("--client", client_)->check(CLI::Validator(CheckClient, ""))->group("");

@@ -27,6 +27,7 @@ struct Options {
   std::wstring document;  // never empty
   int preview_dpi = 96;   // 0: no previews
   bool quiet = false;
+  bool strict = false;  // a page that lacks something changes the exit code
   bool list_papers = false;
   std::vector<PrinterValue> printer_values;  // to be stored
   std::vector<NamedSheet> custom_papers;     // to be stored

@@ -1,6 +1,6 @@
 #include "host/cli/print_job.h"
 
-#include <algorithm>
+#include <map>
 #include <optional>
 
 #include "config/paper_geometry.h"
@@ -23,7 +23,7 @@ namespace {
 namespace fs = std::filesystem;
 
 constexpr wchar_t kDriverFile[] = L"QXDRV06X.dll";
-constexpr size_t kMostFaultsShown = 5;
+constexpr size_t kMostLossesShown = 8;
 
 fs::path ThisProgram() {
   wchar_t program[MAX_PATH];
@@ -32,16 +32,6 @@ fs::path ThisProgram() {
     throw SystemFailure("cannot find this program's folder", "GetModuleFileName");
   }
   return program;
-}
-
-/// "3 EMR_BITBLT, 1 EMR_PLGBLT"
-std::string List(const std::map<std::string, uint64_t>& counts) {
-  std::string text;
-  for (const auto& [name, count] : counts) {
-    if (!text.empty()) text += ", ";
-    text += std::to_string(count) + " " + name;
-  }
-  return text;
 }
 
 class PrintJob {
@@ -71,12 +61,15 @@ class PrintJob {
     std::unique_ptr<PrintInput> content;
   };
 
-  /// Tells of a problem. A later, lesser one does not change the result.
-  void Fail(ExitCode result, const std::string& problem) {
+  /// A later, lesser problem does not change the result.
+  void Raise(ExitCode result) {
     const auto weight = [](ExitCode code) {
       return code == kDriverFailed ? 3 : code == kResultsLost ? 2 : code == kInputRefused ? 1 : 0;
     };
     if (weight(result) > weight(result_)) result_ = result;
+  }
+  void Fail(ExitCode result, const std::string& problem) {
+    Raise(result);
     console_.Problem(problem);
   }
 
@@ -157,37 +150,23 @@ class PrintJob {
     page.calls = graphics.Calls();
     session.SendPage();
 
-    TellWhatIsMissing(page);
     TakePage(number, page, folder);
+    TellLosses(page);
     if (!page.file.empty()) console_.PageDone(title + " -> " + page.file);
   }
 
-  void TellWhatIsMissing(const PageReport& page) {
-    const DrawResult& drawn = page.drawn;
-    for (size_t i = 0; i < std::min(drawn.faults.size(), kMostFaultsShown); ++i) {
-      console_.Problem(page.input + ": " + drawn.faults[i]);
-    }
-    if (drawn.faults.size() > kMostFaultsShown) {
-      console_.Problem(page.input + ": and more that job.json lists");
-    }
-    if (!drawn.not_carried.empty()) {
-      console_.Problem(page.input + ": not carried to the page: " + List(drawn.not_carried));
-    }
-    for (const auto& [face, use] : drawn.fonts) TellOfFont(page.input, ToUtf8(face), use);
-    if (!page.calls.refused.empty()) {
-      console_.Problem(page.input + ": the driver refused to draw: " + List(page.calls.refused));
-    }
-  }
-
-  void TellOfFont(const std::string& input, const std::string& face, const emf::FontUse& use) {
-    const std::string missing = input + ": the font \"" + face + "\" is not installed; ";
-    if (use.assumed_glyphs != 0) {
-      console_.Problem(missing + std::to_string(use.assumed_glyphs) +
-                       " glyph numbers are drawn with those of \"" + ToUtf8(use.used) + "\"");
-    }
-    if (use.dropped_glyphs != 0) {
-      console_.Problem(missing + std::to_string(use.dropped_glyphs) +
-                       " glyph numbers mean nothing without it (--assume-glyph-order draws them)");
+  /// Without --strict only the first losses of each page, and no substitutes.
+  void TellLosses(const PageReport& page) {
+    const std::vector<Loss> losses = LossesOf(page);
+    if (options_.strict && !losses.empty()) Raise(kInputRefused);
+    size_t shown = 0;
+    for (const Loss& loss : losses) {
+      if (!options_.strict && loss.kind == Loss::Kind::kSubstituted) continue;
+      if (!options_.strict && ++shown > kMostLossesShown) {
+        console_.Problem(page.input + ": and more that job.json lists");
+        return;
+      }
+      console_.Problem(page.input + ": " + loss.what);
     }
     const std::string lacking = input + ": the font \"" + face + "\" lacks ";
     if (use.in_others != 0) {
@@ -211,10 +190,6 @@ class PrintJob {
     }
     try {
       page.content = ReadPageFile(path, page.calls.glyph_texts);
-      for (const auto& [face, count] : page.content.lost_characters) {
-        console_.Problem(page.input + ": " + std::to_string(count) + " glyphs of \"" + face +
-                         "\" have no characters on the page: they cannot be searched");
-      }
       page.file = file;
       if (options_.preview_dpi == 0) return;
       const std::string preview = ResultFolder::PageFile(number, "png");

@@ -8,6 +8,16 @@ namespace {
 
 using Json = nlohmann::ordered_json;
 
+/// "3 EMR_BITBLT, 1 EMR_PLGBLT"
+std::string List(const std::map<std::string, uint64_t>& counts) {
+  std::string text;
+  for (const auto& [name, count] : counts) {
+    if (!text.empty()) text += ", ";
+    text += std::to_string(count) + " " + name;
+  }
+  return text;
+}
+
 /// A file's name, or null for a file that is not there.
 Json NameOrNull(const std::string& name) { return name.empty() ? Json(nullptr) : Json(name); }
 
@@ -25,6 +35,12 @@ Json ToJson(const std::map<std::wstring, emf::FontUse>& fonts) {
   return json;
 }
 
+Json ToJson(const std::vector<Loss>& losses) {
+  Json json = Json::array();
+  for (const Loss& loss : losses) json.push_back(loss.what);
+  return json;
+}
+
 Json ToJson(const PageReport& page) {
   return {{"input", page.input},
           {"file", NameOrNull(page.file)},
@@ -38,8 +54,10 @@ Json ToJson(const PageReport& page) {
           {"fonts", ToJson(page.drawn.fonts)},
           {"ddi_calls", page.calls.made},
           {"ddi_calls_refused", page.calls.refused},
+          {"ddi_calls_unmade", page.calls.unmade},
           {"not_carried", page.drawn.not_carried},
-          {"faults", page.drawn.faults}};
+          {"faults", page.drawn.faults},
+          {"losses", ToJson(LossesOf(page))}};
 }
 
 Json FontFiles(const Json& calls) {
@@ -53,6 +71,38 @@ Json FontFiles(const Json& calls) {
 }
 
 }  // namespace
+
+std::vector<Loss> LossesOf(const PageReport& page) {
+  std::vector<Loss> losses;
+  const auto add = [&losses](std::string what, Loss::Kind kind = Loss::Kind::kMissing) {
+    losses.push_back({kind, std::move(what)});
+  };
+  const auto add_counts = [&add](const char* what, const std::map<std::string, uint64_t>& counts) {
+    if (!counts.empty()) add(what + List(counts));
+  };
+  add_counts("not carried to the page: ", page.drawn.not_carried);
+  for (const auto& [face, use] : page.drawn.fonts) {
+    const std::string missing = "the font \"" + ToUtf8(face) + "\" is not installed; ";
+    if (use.assumed_glyphs != 0) {
+      add(missing + std::to_string(use.assumed_glyphs) +
+          " glyph numbers are drawn with those of \"" + ToUtf8(use.used) + "\"");
+    }
+    if (use.dropped_glyphs != 0) {
+      add(missing + std::to_string(use.dropped_glyphs) +
+          " glyph numbers mean nothing without it (--assume-glyph-order draws them)");
+    }
+  }
+  add_counts("the driver refused to draw: ", page.calls.refused);
+  add_counts("left out by the print host, as one page would take too much memory: ",
+             page.calls.unmade);
+  for (const auto& [face, count] : page.content.lost_characters) {
+    add(std::to_string(count) + " glyphs of \"" + face +
+        "\" have no characters on the page: they cannot be searched");
+  }
+  for (const std::string& fault : page.drawn.faults) add(fault);
+  for (const std::string& what : page.drawn.substitutions) add(what, Loss::Kind::kSubstituted);
+  return losses;
+}
 
 Json ToJson(const JobReport& report) {
   Json pages = Json::array();

@@ -27,6 +27,21 @@ struct PageReport {
   PageContent content;
 };
 
+/// Something that a page has not, or not as its input asks for it.
+struct Loss {
+  enum class Kind {
+    kMissing,      // the page lacks it
+    kSubstituted,  // the page has something else for it
+  };
+  Kind kind;
+  std::string what;  // a phrase: "2 glyphs of \"Arial\" have no characters on the page"
+};
+
+/// Everything of this kind: records without a place on the page, calls that the driver refused,
+/// limits of this program, characters, damage (which there may be much of) and fonts. Whatever an
+/// input adds to DrawResult::faults is among it.
+std::vector<Loss> LossesOf(const PageReport& page);
+
 /// Everything that job.json says.
 struct JobReport {
   std::string printer;

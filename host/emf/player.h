@@ -35,7 +35,7 @@ struct FontUse {
 
 struct PlayResult {
   /// Records that could not be carried to the page, by name.
-  std::map<std::string, int> not_carried;
+  std::map<std::string, uint64_t> not_carried;
   /// By the face name that the metafile asks for.
   std::map<std::wstring, FontUse> fonts;
 };

@@ -26,8 +26,9 @@ namespace quillo::host {
 struct DdiCalls {
   std::map<std::string, uint64_t> made;     // every call
   std::map<std::string, uint64_t> refused;  // calls that answered FALSE and had no fallback left:
-                                            // their drawing is not on the page; also what the
-                                            // engine had too large pictures to make for
+                                            // their drawing is not on the page
+  std::map<std::string, uint64_t> unmade;   // calls that would take more pictures of the engine's
+                                            // making than one page may have: likewise
   std::vector<bool> glyph_texts;            // of each text call that drew: whether its text came as
                                             // glyph indexes
 };
@@ -104,8 +105,10 @@ class Graphics {
     return function(arguments...) != 0;
   }
   /// Counts a picture of so many bytes that a call is broken down into. False when the page has had
-  /// too many of them: the call `name` then counts as refused.
+  /// too many of them: the call `name` then counts as unmade.
   bool MayMake(const char* name, double bytes);
+  /// Whether MayMake would let a picture of so many bytes be made.
+  bool CanMake(double bytes) const;
   void Refused(const char* name) { ++calls_.refused[name]; }
   void CountRealizations(unsigned count);
 

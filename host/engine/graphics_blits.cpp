@@ -87,10 +87,14 @@ bool CropStretch(RECTL& target, RECTL& source_rect, const BitmapSource& source) 
 
 }  // namespace
 
-bool Graphics::MayMake(const char* name, double bytes) {
+bool Graphics::CanMake(double bytes) const {
   const double sheet_bytes = 3 * PixelCount(Size());
-  if (made_bytes_ + bytes > std::max(kMostMadeSheets * sheet_bytes, kLeastMadeLimit)) {
-    Refused(name);
+  return made_bytes_ + bytes <= std::max(kMostMadeSheets * sheet_bytes, kLeastMadeLimit);
+}
+
+bool Graphics::MayMake(const char* name, double bytes) {
+  if (!CanMake(bytes)) {
+    ++calls_.unmade[name];
     return false;
   }
   made_bytes_ += bytes;

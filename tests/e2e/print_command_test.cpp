@@ -334,6 +334,38 @@ TEST_F(PrintCommand, OneBadInput_DoesNotKeepTheOthers) {
   EXPECT_EQ(ReadJobReport(out_)["pages"].size(), 2u);
 }
 
+TEST_F(PrintCommand, Losses_AreToldAndFailWhenStrict) {
+  const auto draw = [this](const wchar_t* name, auto drawing) {
+    MetafileDc dc(CreateEnhMetaFileW(nullptr, (folder_ / name).c_str(), nullptr, nullptr));
+    drawing(dc.Get());
+    const EnhMetafile closed = dc.Close();
+  };
+  draw(L"flood.emf", [](HDC dc) { ExtFloodFill(dc, 1, 1, RGB(0, 0, 0), FLOODFILLBORDER); });
+  draw(L"font.emf", [](HDC dc) {
+    const Font missing(CreateFontW(20, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, L"Nowhere Sans"));
+    const SelectScope written_in(dc, missing.Get());
+    TextOutW(dc, 1, 1, L"x", 1);
+  });
+  const struct {
+    const wchar_t* name;
+    const char* warning;  // empty: none
+    const char* loss;     // empty: none
+  } cases[] = {{L"a.emf", "", ""},
+               {L"flood.emf", "EMR_EXTFLOODFILL", "EMR_EXTFLOODFILL"},
+               {L"font.emf", "", "\"Nowhere Sans\" is not installed"}};
+  for (const auto& test : cases) {
+    SCOPED_TRACE(testing::Message() << test.name);
+    for (const bool strict : {false, true}) {
+      const std::string said = strict ? test.loss : test.warning;
+      const CommandResult result = Print(Quoted(test.name) + (strict ? L" --strict" : L""));
+      EXPECT_EQ(result.exit_code, strict && !said.empty() ? 3 : 0);
+      EXPECT_NE(result.errors.find(said), std::string::npos) << result.errors;
+      EXPECT_EQ(result.errors.empty(), said.empty()) << result.errors;
+      EXPECT_EQ(ReadJobReport(out_)["pages"][0]["losses"].empty(), *test.loss == '\0');
+    }
+  }
+}
+
 TEST_F(PrintCommand, OutputThatCannotBe_IsToldBeforePrinting) {
   const CommandResult result = RunPrint(Quoted(L"a.emf") + L" -o" + Quoted(L"b.emf"));
   EXPECT_EQ(result.exit_code, 5);
