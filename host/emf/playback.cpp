@@ -83,6 +83,7 @@ Playback::Playback(MetafileReader& reader, const Transform& to_page, Graphics& c
 
 PlayResult Playback::PlayAll() {
   while (const auto record = reader_.Next()) {
+  if (const uint64_t lost = reader_.unrepeated_emf_plus()) result_.not_carried["EMF+"] = lost;
     record_ = *record;
     Play();
     if (work_ > kMostPoints) {

@@ -113,19 +113,21 @@ void MetafileReader::ReadHeader() {
   }
 }
 
-/// A file whose drawing lies in EMF+ comments alone announces so in the first of them.
 void MetafileReader::RefuseEmfPlusOnly() {
+  DrawingSurvey survey;
   for (size_t at = 0; file_.size() - at >= 8;) {
     const auto type = LoadOrZero<uint32_t>(file_, at);
     const auto size = LoadOrZero<uint32_t>(file_, at + 4);
-    if (size < 8 || size > file_.size() - at || type == kEmrEOF) return;
-    if (type == kEmrGDICOMMENT && AnnouncesEmfPlusOnly(file_.subspan(at, size))) {
-      throw UnreadableMetafile(
-          "holds its drawing as EMF+ records only, which are not printed; save it as EMF or as "
-          "\"EMF+ dual\"");
-    }
+    if (size < 8 || size > file_.size() - at || type == kEmrEOF) break;
+    survey.Take(type, file_.subspan(at, size));
     at += size;
   }
+  if (survey.EmfPlusOnly()) {
+    throw UnreadableMetafile(
+        "holds its drawing as EMF+ records only, which are not printed; save it as EMF or as "
+        "\"EMF+ dual\"");
+  }
+  unrepeated_emf_plus_ = survey.UnrepeatedEmfPlus();
 }
 
 std::optional<Record> MetafileReader::Next() {
@@ -173,7 +175,7 @@ void MetafileReader::CheckEnd(const Record& last) {
     Report(last, std::to_string(file_.size() - at_) + " bytes follow the end of the metafile");
   }
   if (only_comments_ && last.index > 2) {
-    Report(last, "nothing but comments stands before it; the page is empty (EMF+ is not printed)");
+    Report(last, "nothing but comments stands before it; the page is empty");
   }
   if (header_.record_count != last.index) {
     Report(last, "is record " + std::to_string(last.index) + ", the header declares " +

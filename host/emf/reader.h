@@ -61,6 +61,9 @@ class MetafileReader {
   /// shorter than their type needs are passed over. Each of these leaves a fault.
   std::optional<Record> Next();
 
+  /// EMF+ records whose drawing is lost, since the file's own records do not draw it again.
+  uint64_t unrepeated_emf_plus() const { return unrepeated_emf_plus_; }
+
   /// Notes what is wrong with a record that Next() gave.
   void Report(const Record& record, std::string what);
 
@@ -78,6 +81,7 @@ class MetafileReader {
 
   Bytes file_;
   MetafileHeader header_;
+  uint64_t unrepeated_emf_plus_ = 0;
   size_t at_ = 0;
   uint32_t index_ = 0;  // of the record last read
   bool ended_ = false;

@@ -69,15 +69,43 @@ TEST(MetafileReader, OtherKindsOfFile_AreNamed) {
   }
 }
 
-TEST(MetafileReader, EmfPlusComment_RefusedUnlessDual) {
-  for (const uint32_t dual : {0u, 1u}) {
-    MetafileBuilder file;
-    file.Add(kEmrGDICOMMENT, {32,                   // bytes of data
-                              0x2B464D45,           // "EMF+"
-                              0x4001 | dual << 16,  // EMF+ header, flags
-                              28, 16, 0xDBC01002, 0, 96, 96});
-    const std::string outcome = Outcome(file.Finish());
-    EXPECT_EQ(outcome.starts_with("refused: holds its drawing as EMF+"), dual == 0) << outcome;
+/// h, H: an EMF+ header, which says dual or EMF+ only; D, G: EMF+ records that draw or let the DC
+/// have a part; r, n: the file's own records, which draw or change nothing.
+std::vector<std::byte> MetafileOf(std::string_view records) {
+  MetafileBuilder file;
+  std::vector<uint32_t> no_operation(23);
+  no_operation[8] = 0x00AA0029;
+  const auto add = [&file](uint32_t type_and_flags) {
+    file.Add(kEmrGDICOMMENT, {16, 0x2B464D45, type_and_flags, 12, 0});
+  };
+  for (const char record : records) {
+    if (record == 'h') add(0x14001);
+    if (record == 'H') add(0x4001);
+    if (record == 'D') add(0x400A);
+    if (record == 'G') add(0x4004);
+    if (record == 'r') file.Add(kEmrRECTANGLE, {0, 0, 9, 9});
+    if (record == 'n') file.Add(kEmrBITBLT, no_operation);
+  }
+  return file.Finish();
+}
+
+TEST(MetafileReader, EmfPlus_IsRefusedUnlessTheFileDrawsItself) {
+  constexpr int kRefused = -1;
+  const struct {
+    std::string_view records;
+    int unrepeated;
+  } cases[] = {{"h", 0},          {"H", kRefused}, {"hD", kRefused}, {"HDn", kRefused},
+               {"hDn", kRefused}, {"D", kRefused}, {"hDr", 0},       {"HDr", 1},
+               {"hDGr", 1},       {"hDGrDDGr", 3}, {"hGrDr", 0},     {"Hr", 0},
+               {"hHDr", 0},       {"hGr", 0}};
+  for (const auto& [records, unrepeated] : cases) {
+    const auto file = MetafileOf(records);
+    EXPECT_EQ(Outcome(file).starts_with("refused: holds its drawing as EMF+"),
+              unrepeated == kRefused)
+        << records;
+    if (unrepeated == kRefused) continue;
+    EXPECT_EQ(MetafileReader(file).unrepeated_emf_plus(), static_cast<uint64_t>(unrepeated))
+        << records;
   }
 }
 
