@@ -92,6 +92,7 @@ PlayResult Playback::PlayAll() {
     }
   }
   return std::move(result_);
+  canvas_.Finish();
 }
 
 void Playback::Play() {

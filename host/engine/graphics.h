@@ -88,6 +88,11 @@ class Graphics {
   void GradientFill(std::span<const TRIVERTEX> vertices, std::span<const ULONG> mesh, ULONG mode,
                     const DrawState& state);
 
+  /// Draws what is held back: stretches that combine their source with what is there wait for the
+  /// next drawing, as a mask and its picture come one after the other and are drawn as one. To be
+  /// called when the page is complete.
+  void Finish();
+
   /// Draws a line of text; see text.h. Gives the length of the line in logical units.
   double Text(const TextDescription& text, const DrawState& state);
 
@@ -96,11 +101,24 @@ class Graphics {
   const DdiCalls& Calls() const { return calls_; }
 
  private:
+  /// A call of StretchBlt whose operation uses no brush.
+  struct HeldStretch {
+    BitmapSource source;
+    RECTL source_rect;
+    RECTL target;
+    uint8_t rop3;
+    DrawState state;
+
+    /// Whether the other one draws the same place.
+    bool SamePlace(const HeldStretch& other) const;
+  };
+
   /// Calls a hook when the table has it and the surface asks for it; FALSE otherwise. A `hook` of 0
   /// needs no asking for.
   template <typename Function, typename... Arguments>
   bool Hook(const char* name, Function function, FLONG hook, Arguments... arguments) {
     if (function == nullptr || (surface_.hooks & hook) != hook) return false;
+    Finish();
     ++calls_.made[name];
     return function(arguments...) != 0;
   }
@@ -109,6 +127,7 @@ class Graphics {
   bool MayMake(const char* name, double bytes);
   /// Whether MayMake would let a picture of so many bytes be made.
   bool CanMake(double bytes) const;
+  void Hold(HeldStretch stretch);
   void Refused(const char* name) { ++calls_.refused[name]; }
   void CountRealizations(unsigned count);
 
@@ -119,6 +138,10 @@ class Graphics {
   void RasterOperation(const RECTL& area, ROP4 rop4, const BrushDescription* brush,
                        const BitmapSource* source, POINTL source_origin, const BitmapSource* mask,
                        POINTL mask_origin, const DrawState& state);
+  /// RasterOperation with what of a stretched picture falls on `area`.
+  void CombineStretched(const BitmapSource& source, const RECTL& source_rect, const RECTL& target,
+                        const RECTL& area, uint8_t rop3, const BrushDescription* brush,
+                        const DrawState& state);
   /// Lays a picture of 32 bits with alpha over an area.
   void LayOver(const RECTL& area, const BitmapSource& picture, const DrawState& state);
   void CopyStretched(RECTL target, const BitmapSource& source, RECTL source_rect,
@@ -148,6 +171,7 @@ class Graphics {
   ClipShape last_clip_;
   ClipShape last_clip_on_surface_;
   std::set<std::shared_ptr<const TextFont>> known_fonts_;  // the driver was asked about them
+  std::vector<HeldStretch> held_;                          // all of one place
   double made_bytes_ = 0;  // of pictures that calls were broken down into
   DdiCalls calls_;
 };

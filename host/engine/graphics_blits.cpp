@@ -1,5 +1,6 @@
 #include <algorithm>
 #include <cmath>
+#include <deque>
 #include <utility>
 
 #include "host/engine/brush_objects.h"
@@ -7,6 +8,7 @@
 #include "host/engine/picture_objects.h"
 #include "host/engine/raster.h"
 #include "host/engine/raster_operation.h"
+#include "host/engine/raster_steps.h"
 
 // The blits. What the driver does not hook (operations while stretching, parallelograms, colour
 // keys) is broken down into the hooks that it has, by way of pictures that the engine makes.
@@ -200,16 +202,17 @@ void Graphics::StretchBlt(const RECTL& target, const BitmapSource& source, const
     return;
   }
   RECTL to = target, from = source_rect;
-  if (!CropStretch(to, from, source) || !MayMake("DrvStretchBlt", ExpandedBytes(source))) return;
+  if (!CropStretch(to, from, source)) return;
+  if (rop3 != kSourceCopy && !UsesBrush(rop3)) {
+    Hold({source, from, to, rop3, state});
+    return;
+  }
+  if (!MayMake("DrvStretchBlt", ExpandedBytes(source))) return;
   const ReadablePicture readable(source);
   if (rop3 != kSourceCopy) {
     const RECTL area = Visible(Ordered(to), state.clip);
     if (IsEmpty(area) || !MayMake("DrvBitBlt", StretchedBytes(source, SizeOf(area)))) return;
-    InBands(area, [&](const RECTL& band) {
-      const BitmapSource stretched = StretchPart(*readable, from, to, band);
-      RasterOperation(band, SameOperation(rop3), UsesBrush(rop3) ? brush : nullptr, &stretched, {},
-                      nullptr, {}, state);
-    });
+    CombineStretched(*readable, from, to, area, rop3, brush, state);
     return;
   }
 
@@ -236,6 +239,64 @@ void Graphics::DrawPicture(const RECTL& target, const BitmapSource& picture) {
   } else {
     StretchBlt(target, picture, whole, kSourceCopy, nullptr, COLORONCOLOR, DrawState());
   }
+}
+
+bool Graphics::HeldStretch::SamePlace(const HeldStretch& other) const {
+  const SIZEL size = SizeOf(source_rect), other_size = SizeOf(other.source_rect);
+  return target.left == other.target.left && target.top == other.target.top &&
+         target.right == other.target.right && target.bottom == other.target.bottom &&
+         size.cx == other_size.cx && size.cy == other_size.cy &&
+         (state.clip.SameAs(other.state.clip) ||
+          EqualRgn(state.clip.Handle(), other.state.clip.Handle()));
+}
+
+void Graphics::Hold(HeldStretch stretch) {
+  constexpr size_t kMost = 3;  // a picture may come before its mask and once more after it
+  if (held_.size() == kMost || (!held_.empty() && !held_.back().SamePlace(stretch))) Finish();
+  held_.push_back(std::move(stretch));
+}
+
+void Graphics::Finish() {
+  if (held_.empty()) return;
+  const std::vector<HeldStretch> held = std::exchange(held_, {});
+  const auto& [source, source_rect, target, rop3, state] = held.front();
+  const RECTL area = Visible(Ordered(target), state.clip);
+  if (IsEmpty(area)) return;
+
+  const SIZEL size = SizeOf(source_rect);
+  double expanded = 0, stretched = 0;
+  for (const HeldStretch& step : held) {
+    expanded += ExpandedBytes(step.source);
+    stretched += StretchedBytes(step.source, SizeOf(area));
+  }
+  const double joined_bytes = PixelCount(size) * kArgbBytes;
+  const bool join = held.size() > 1 && CanMake(expanded + joined_bytes);
+  // All or nothing: a mask without its picture would be a hole.
+  if (!MayMake("DrvBitBlt", expanded + (join ? joined_bytes : stretched))) return;
+  std::deque<ReadablePicture> pictures;
+  std::vector<RasterStep> steps;
+  for (const HeldStretch& step : held) {
+    steps.push_back({&*pictures.emplace_back(step.source),
+                     {step.source_rect.left, step.source_rect.top},
+                     step.rop3});
+  }
+  if (join) {
+    if (const auto joined = JoinSteps(steps, size)) return LayOver(target, *joined, state);
+    if (!MayMake("DrvBitBlt", stretched)) return;
+  }
+  for (size_t i = 0; i < held.size(); ++i) {
+    CombineStretched(*steps[i].picture, held[i].source_rect, target, area, held[i].rop3, nullptr,
+                     state);
+  }
+}
+
+void Graphics::CombineStretched(const BitmapSource& source, const RECTL& source_rect,
+                                const RECTL& target, const RECTL& area, uint8_t rop3,
+                                const BrushDescription* brush, const DrawState& state) {
+  InBands(area, [&](const RECTL& band) {
+    const BitmapSource stretched = StretchPart(source, source_rect, target, band);
+    RasterOperation(band, SameOperation(rop3), brush, &stretched, {}, nullptr, {}, state);
+  });
 }
 
 void Graphics::AlphaBlend(const RECTL& target, const BitmapSource& source, const RECTL& source_rect,

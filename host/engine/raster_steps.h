@@ -1,0 +1,28 @@
+#pragma once
+
+#include "base/ddi.h"
+
+#include <cstdint>
+#include <optional>
+#include <span>
+
+#include "host/engine/drawing.h"
+
+namespace quillo::host {
+
+/// A raster operation that uses no brush, with the part of a picture that begins at `corner`.
+struct RasterStep {
+  const BitmapSource* picture;  // not run-length coded
+  POINTL corner;
+  uint8_t rop3;
+};
+
+/// The picture of this size that, laid over any destination, makes the same of it as all steps one
+/// after the other: 32 bits a pixel, transparent where the destination stays. Nothing when a pixel
+/// would have to mix with its destination.
+///
+/// A mask and the picture that shows through it are such steps: SRCAND with black where the picture
+/// is, SRCPAINT with black around it.
+std::optional<BitmapSource> JoinSteps(std::span<const RasterStep> steps, SIZEL size);
+
+}  // namespace quillo::host
