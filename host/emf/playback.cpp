@@ -1,6 +1,7 @@
 #include "host/emf/playback.h"
 
 #include <algorithm>
+#include <cmath>
 #include <utility>
 
 #include "host/emf/far_path.h"
@@ -82,8 +83,8 @@ Playback::Playback(MetafileReader& reader, const Transform& to_page, Graphics& c
       state_(PageTransform(reader.header().device, reader.header().millimeters)) {}
 
 PlayResult Playback::PlayAll() {
-  while (const auto record = reader_.Next()) {
   if (const uint64_t lost = reader_.unrepeated_emf_plus()) result_.not_carried["EMF+"] = lost;
+  while (const auto record = reader_.Next()) {
     record_ = *record;
     Play();
     if (work_ > kMostPoints) {
@@ -91,8 +92,8 @@ PlayResult Playback::PlayAll() {
       break;
     }
   }
-  return std::move(result_);
   canvas_.Finish();
+  return std::move(result_);
 }
 
 void Playback::Play() {
@@ -133,6 +134,11 @@ bool Playback::Restore(int32_t level) {
 
 void Playback::TransformChanged() {
   to_page_ = state_.world.Then(state_.page.ToDevice()).Then(device_to_page_);
+}
+
+PointD Playback::DevicePixel(PointL point) const {
+  const PointD at = state_.world.Then(state_.page.ToDevice()).Apply(point.x, point.y);
+  return {std::floor(at.x + 0.5), std::floor(at.y + 0.5)};
 }
 
 void Playback::CombineClip(const ClipShape& shape, int mode) {
@@ -241,18 +247,21 @@ void Playback::Stroke(const Path& outline) {
   }
 }
 
-bool Playback::CanFill(const Path& path) {
-  const double crossings = Crossings(path);
-  if (crossings <= kMostCrossings) return Spend(crossings * kPointsPerCrossing);
-  Fault("the inside of its path is too intricate to be drawn");
-  return false;
+std::optional<Path> Playback::Inside(const Path& path) {
+  Path shape = LeadsFar(path) ? NearInside(path) : path;
+  const double crossings = Crossings(shape);
+  if (crossings > kMostCrossings) {
+    Fault("the inside of its path is too intricate to be drawn");
+    return std::nullopt;
+  }
+  if (!Spend(crossings * kPointsPerCrossing)) return std::nullopt;
+  return shape;
 }
 
 void Playback::Fill(const Path& outline) {
   BrushDescription brush;
   if (!DescribeBrush(*state_.brush, brush)) return;
-  const Path shape = LeadsFar(outline) ? NearInside(outline) : outline;
-  if (CanFill(shape)) canvas_.Fill(shape, brush, PolyFillMode(), Drawing());
+  if (const auto shape = Inside(outline)) canvas_.Fill(*shape, brush, PolyFillMode(), Drawing());
 }
 
 void Playback::StrokeAndFill(const Path& outline) {
@@ -264,7 +273,7 @@ void Playback::StrokeAndFill(const Path& outline) {
     Stroke(outline);
     return;
   }
-  if (!CanFill(outline)) return;
+  if (!Inside(outline)) return;
   canvas_.StrokeAndFill(outline, pen, brush, PolyFillMode(), Drawing());
 }
 

@@ -4,6 +4,7 @@
 
 #include <array>
 #include <cstdint>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -62,6 +63,8 @@ class Playback {
   const Transform& DeviceToPage() const { return device_to_page_; }
   /// Pixels of the reference device across a length, for each pixel down the same length.
   double PixelShape() const;
+  /// The pixel of the reference device that a logical point falls on.
+  PointD DevicePixel(PointL point) const;
 
   // -- Drawing --------------------------------------------------------------------------------
   /// Everything of a DC that a drawing call takes along. Counts as one call's work.
@@ -77,9 +80,9 @@ class Playback {
   /// Whether there is a pen that draws; `pen` gets it as the engine takes it.
   bool DescribePen(PenDescription& pen);
 
-  /// Whether a path's inside can be worked out in reasonable time, which counts as work; if not,
-  /// that is reported.
-  bool CanFill(const Path& path);
+  /// What of a path's inside is near the page. Working it out counts as work; nothing, which is
+  /// reported, where that would take too long.
+  std::optional<Path> Inside(const Path& path);
 
   // With the DC's pen and brush, as far as they draw.
   void Stroke(const Path& outline);

@@ -35,13 +35,13 @@ void WidenPath(Playback& dc, PayloadReader&) {
 
 void SelectClipPath(Playback& dc, PayloadReader& record) {
   const auto mode = record.Read<uint32_t>();
-  const Path path = dc.TakePath();
+  const std::optional<Path> inside = dc.Inside(dc.TakePath());
   if (mode < RGN_AND || mode > RGN_COPY) {
     dc.Fault("there is no way " + std::to_string(mode) + " to combine regions");
     return;
   }
-  if (!dc.CanFill(path)) return;
-  dc.CombineClip(ClipShape::OfPath(path, dc.PolyFillMode()), static_cast<int>(mode));
+  if (!inside) return;
+  dc.CombineClip(ClipShape::OfPath(*inside, dc.PolyFillMode()), static_cast<int>(mode));
 }
 
 }  // namespace
