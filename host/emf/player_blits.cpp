@@ -1,5 +1,6 @@
 // Records that draw device-dependent bitmaps, and single pixels.
 
+#include <algorithm>
 #include <array>
 
 #include "host/emf/bitmap_data.h"
@@ -201,11 +202,14 @@ void DrawTransparent(Playback& dc, const RECTL& target, const BitmapSource& bitm
   dc.canvas().TransparentBlt(target, bitmap, source, ToRgb(dc.Resolve(operation)), dc.Drawing());
 }
 
+/// A pixel is as large as on the reference device, and one of the page at least.
 void PlaySetPixel(Playback& dc, PayloadReader& record) {
   const auto point = record.Read<PointL>();
   const auto color = record.Read<COLORREF>();
-  const PointD at = dc.ToPage().Apply(point.x, point.y);
-  const RECTL pixel = {ToPixel(at.x), ToPixel(at.y), ToPixel(at.x) + 1, ToPixel(at.y) + 1};
+  const PointD at = dc.DevicePixel(point);
+  RECTL pixel = ToPixelRect(dc.DeviceToPage(), at.x, at.y, at.x + 1, at.y + 1);
+  pixel.right = std::max(pixel.right, pixel.left + 1);
+  pixel.bottom = std::max(pixel.bottom, pixel.top + 1);
   const auto brush = BrushDescription::Solid(dc.Resolve(color));
   dc.canvas().BitBlt(pixel, kPatternCopy, &brush, nullptr, {}, dc.Drawing());
 }

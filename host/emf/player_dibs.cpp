@@ -1,7 +1,6 @@
 // Records that draw device-independent bitmaps.
 
 #include <algorithm>
-#include <cmath>
 
 #include "host/emf/bitmap_data.h"
 #include "host/emf/blit.h"
@@ -59,11 +58,10 @@ void PlaySetDibitsToDevice(Playback& dc, PayloadReader& record) {
   if (first >= last) return;
   const double rows_above = bitmap->top_down ? first - source.y : source.y + source.height - last;
 
-  const PointD device = dc.state().world.Then(dc.state().page.ToDevice()).Apply(corner.x, corner.y);
+  const PointD device = dc.DevicePixel(corner);
   Blit blit;
   blit.map = dc.DeviceToPage();
-  blit.target = {std::floor(device.x + 0.5), std::floor(device.y + 0.5) + rows_above, source.width,
-                 last - first};
+  blit.target = {device.x, device.y + rows_above, source.width, last - first};
   blit.bitmap = bitmap;
   blit.source = {source.x, TopRow(*bitmap, first - start_row, last - first), source.width,
                  last - first};

@@ -49,6 +49,9 @@ void PlayGradientFill(Playback& dc, PayloadReader& record) {
   const size_t corners = mode == GRADIENT_FILL_TRIANGLE ? 3 : 2;
   auto mesh = record.ReadArray<ULONG>(size_t{shape_count} * corners);
   if (!record.ok()) return;
+  if (std::ranges::any_of(mesh, [&](ULONG number) { return number >= vertex_count; })) {
+    dc.Fault("a shape has a corner that is not there");
+  }
   ULONG drawn_as = mode;
   if (mode != GRADIENT_FILL_TRIANGLE && !dc.ToPage().KeepsAxes()) {
     mesh = SplitRectangles(vertices, mesh, mode);
