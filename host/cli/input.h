@@ -32,6 +32,7 @@ struct PageSetup {
 struct DrawResult {
   std::map<std::string, uint64_t> not_carried;  // records that are not on the page, by name
   std::vector<std::string> faults;              // what the page lacks and why, a phrase each
+  std::vector<std::string> remarks;             // what is odd but costs the page nothing, likewise
   std::vector<std::string> substitutions;       // what stands in for what was asked for, likewise
   std::map<std::wstring, emf::FontUse> fonts;   // by the face name that is asked for
 };

@@ -33,7 +33,7 @@ class MetafileInput : public PrintInput {
                                      ToUtf8(use.used) + "\" stands in");
     }
     for (const emf::MetafileFault& fault : reader_.faults()) {
-      result.faults.push_back(emf::Describe(fault));
+      (fault.harmless ? result.remarks : result.faults).push_back(emf::Describe(fault));
     }
     const size_t unnamed = reader_.fault_count() - reader_.faults().size();
     if (unnamed != 0) result.faults.push_back(std::to_string(unnamed) + " more faults");

@@ -23,7 +23,7 @@ namespace {
 namespace fs = std::filesystem;
 
 constexpr wchar_t kDriverFile[] = L"QXDRV06X.dll";
-constexpr size_t kMostLossesShown = 8;
+constexpr size_t kMostSentences = 8;
 
 fs::path ThisProgram() {
   wchar_t program[MAX_PATH];
@@ -155,18 +155,13 @@ class PrintJob {
     if (!page.file.empty()) console_.PageDone(title + " -> " + page.file);
   }
 
-  /// Without --strict only the first losses of each page, and no substitutes.
+  /// Without --strict only the first losses and remarks of each page, and no substitutes.
   void TellLosses(const PageReport& page) {
     const std::vector<Loss> losses = LossesOf(page);
     if (options_.strict && !losses.empty()) Raise(kInputRefused);
-    size_t shown = 0;
+    std::vector<std::string> sentences;
     for (const Loss& loss : losses) {
-      if (!options_.strict && loss.kind == Loss::Kind::kSubstituted) continue;
-      if (!options_.strict && ++shown > kMostLossesShown) {
-        console_.Problem(page.input + ": and more that job.json lists");
-        return;
-      }
-      console_.Problem(page.input + ": " + loss.what);
+      if (options_.strict || loss.kind == Loss::Kind::kMissing) sentences.push_back(loss.what);
     }
     const std::string lacking = input + ": the font \"" + face + "\" lacks ";
     if (use.in_others != 0) {
@@ -177,6 +172,12 @@ class PrintJob {
       console_.Problem(lacking + std::to_string(use.missing) +
                        " characters that no installed font has; they are boxes");
     }
+    sentences.insert(sentences.end(), page.drawn.remarks.begin(), page.drawn.remarks.end());
+    if (!options_.strict && sentences.size() > kMostSentences) {
+      sentences.resize(kMostSentences);
+      sentences.emplace_back("and more that job.json lists");
+    }
+    for (const std::string& what : sentences) console_.Problem(page.input + ": " + what);
   }
 
   /// Looks at the file that the client has made of the page.

@@ -57,6 +57,7 @@ Json ToJson(const PageReport& page) {
           {"ddi_calls_unmade", page.calls.unmade},
           {"not_carried", page.drawn.not_carried},
           {"faults", page.drawn.faults},
+          {"remarks", page.drawn.remarks},
           {"losses", ToJson(LossesOf(page))}};
 }
 

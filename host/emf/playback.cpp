@@ -153,8 +153,8 @@ void Playback::ClipChanged() { drawable_ = state_.meta.Combined(state_.clip, RGN
 void Playback::StoreObject(uint32_t index, Object object) {
   const uint32_t declared = reader_.header().handle_count;
   if (index >= declared) {
-    Fault("object " + std::to_string(index) + " is beyond the " + std::to_string(declared) +
-          " handles that the header declares");
+    Remark("object " + std::to_string(index) + " is beyond the " + std::to_string(declared) +
+           " handles that the header declares");
   }
   objects_.Set(index, std::move(object));
 }

@@ -109,6 +109,8 @@ class Playback {
 
   // -- Reports --------------------------------------------------------------------------------
   void Fault(std::string what) { reader_.Report(record_, std::move(what)); }
+  /// A fault that costs the page nothing.
+  void Remark(std::string what) { reader_.Remark(record_, std::move(what)); }
   void NotCarried() { ++result_.not_carried[RecordName(record_.type)]; }
   PlayResult& result() { return result_; }
 

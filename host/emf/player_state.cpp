@@ -144,7 +144,7 @@ void RestoreState(Playback& dc, PayloadReader& record) {
 /// Comments leave no trace, but damage in one is worth a word.
 void Comment(Playback& dc, PayloadReader& record) {
   std::string what = FindCommentFault(record.record());
-  if (!what.empty()) dc.Fault(std::move(what));
+  if (!what.empty()) dc.Remark(std::move(what));
 }
 
 }  // namespace

@@ -104,11 +104,11 @@ void MetafileReader::ReadHeader() {
       header_.description.resize(description_length);
       std::memcpy(header_.description.data(), file_.data() + description_offset, bytes);
     } else {
-      Report(header_record, "the description lies outside the record");
+      Remark(header_record, "the description lies outside the record");
     }
   }
   if (declared_bytes != file_.size()) {
-    Report(header_record, "declares " + std::to_string(declared_bytes) + " bytes, the file holds " +
+    Remark(header_record, "declares " + std::to_string(declared_bytes) + " bytes, the file holds " +
                               std::to_string(file_.size()));
   }
 }
@@ -162,7 +162,7 @@ std::optional<Record> MetafileReader::Step() {
   at_ += size;
   only_comments_ = only_comments_ && (record.type == kEmrHEADER || record.type == kEmrEOF ||
                                       record.type == kEmrGDICOMMENT);
-  if (size % 4 != 0) Report(record, "its size " + std::to_string(size) + " is no multiple of 4");
+  if (size % 4 != 0) Remark(record, "its size " + std::to_string(size) + " is no multiple of 4");
   if (record.type == kEmrEOF) {
     ended_ = true;
     CheckEnd(record);
@@ -172,13 +172,13 @@ std::optional<Record> MetafileReader::Step() {
 
 void MetafileReader::CheckEnd(const Record& last) {
   if (at_ < file_.size()) {
-    Report(last, std::to_string(file_.size() - at_) + " bytes follow the end of the metafile");
+    Remark(last, std::to_string(file_.size() - at_) + " bytes follow the end of the metafile");
   }
   if (only_comments_ && last.index > 2) {
     Report(last, "nothing but comments stands before it; the page is empty");
   }
   if (header_.record_count != last.index) {
-    Report(last, "is record " + std::to_string(last.index) + ", the header declares " +
+    Remark(last, "is record " + std::to_string(last.index) + ", the header declares " +
                      std::to_string(header_.record_count) + " records");
   }
 }
@@ -189,9 +189,17 @@ void MetafileReader::Stop(const Record& where, std::string what) {
 }
 
 void MetafileReader::Report(const Record& record, std::string what) {
+  Keep(record, std::move(what), false);
+}
+
+void MetafileReader::Remark(const Record& record, std::string what) {
+  Keep(record, std::move(what), true);
+}
+
+void MetafileReader::Keep(const Record& record, std::string what, bool harmless) {
   ++fault_count_;
   if (faults_.size() < kMostFaults) {
-    faults_.push_back({record.index, RecordName(record.type), std::move(what)});
+    faults_.push_back({record.index, RecordName(record.type), std::move(what), harmless});
   }
 }
 

@@ -20,11 +20,12 @@ class UnreadableMetafile : public std::runtime_error {
 };
 
 /// Something that is wrong with a record. The record itself, or the part of it that is damaged, is
-/// not drawn.
+/// not drawn, unless the fault is harmless.
 struct MetafileFault {
   uint32_t record_index = 0;  // counted from 1, as the header counts records
   std::string record_name;
   std::string what;
+  bool harmless = false;  // nothing is missing for it
 };
 
 /// "record 12 (EMR_POLYGON16): holds 20 bytes, needs 28"
@@ -66,6 +67,8 @@ class MetafileReader {
 
   /// Notes what is wrong with a record that Next() gave.
   void Report(const Record& record, std::string what);
+  /// The same for a harmless fault.
+  void Remark(const Record& record, std::string what);
 
   /// In the order of the records; at most kMostFaults, the rest is only counted.
   const std::vector<MetafileFault>& faults() const { return faults_; }
@@ -77,6 +80,7 @@ class MetafileReader {
   void RefuseEmfPlusOnly();
   std::optional<Record> Step();
   void Stop(const Record& where, std::string what);
+  void Keep(const Record& record, std::string what, bool harmless);
   void CheckEnd(const Record& last);
 
   Bytes file_;

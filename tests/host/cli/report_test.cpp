@@ -7,6 +7,7 @@ namespace {
 
 TEST(LossesOf, EveryReasonIsCounted) {
   PageReport page;
+  page.drawn.remarks = {"odd"};
   EXPECT_TRUE(LossesOf(page).empty());
   page.drawn.faults = {"damaged"};
   page.drawn.not_carried = {{"EMR_PLGBLT", 2}, {"EMF+", 1}};

@@ -12,7 +12,8 @@
 namespace quillo::host::emf {
 namespace {
 
-/// The reader's answer to `file`, every step taken: refusal, or the records and the faults.
+/// The reader's answer to `file`, every step taken: refusal, or the records and the faults, the
+/// harmless ones with a tilde.
 std::string Outcome(Bytes file) {
   // A block of the exact size, so that the sanitizer sees every read behind the end.
   const auto block = std::make_unique<std::byte[]>(file.size());
@@ -21,7 +22,9 @@ std::string Outcome(Bytes file) {
     MetafileReader reader(Bytes(block.get(), file.size()));
     std::string seen;
     while (const auto record = reader.Next()) seen += RecordName(record->type) + " ";
-    for (const MetafileFault& fault : reader.faults()) seen += "| " + Describe(fault) + " ";
+    for (const MetafileFault& fault : reader.faults()) {
+      seen += (fault.harmless ? "~ " : "| ") + Describe(fault) + " ";
+    }
     return seen;
   } catch (const UnreadableMetafile& refusal) {
     return std::string("refused: ") + refusal.what();
@@ -144,14 +147,14 @@ TEST(MetafileReader, Faults_NameTheirRecord) {
       {88 + 4, 0xFFFFFFFC, set_rop2 + "declares 4294967292 bytes where"},
       {88 + 4, 8, set_rop2 + "holds 8 bytes, needs 12"},
       {88 + 4, 14,
-       "EMR_HEADER EMR_SETROP2 | record 2 (EMR_SETROP2): its size 14 is no multiple of 4"},
+       "EMR_HEADER EMR_SETROP2 ~ record 2 (EMR_SETROP2): its size 14 is no multiple of 4"},
       {88, kEmrGDICOMMENT,
        "EMR_HEADER EMR_GDICOMMENT EMR_EOF | record 3 (EMR_EOF): nothing but comments"},
       {48, 7,
-       "EMR_HEADER EMR_SETROP2 EMR_EOF | record 1 (EMR_HEADER): declares 7 bytes, the file holds "
+       "EMR_HEADER EMR_SETROP2 EMR_EOF ~ record 1 (EMR_HEADER): declares 7 bytes, the file holds "
        "120 "},
       {52, 70,
-       "EMR_HEADER EMR_SETROP2 EMR_EOF | record 3 (EMR_EOF): is record 3, the header declares 70 "
+       "EMR_HEADER EMR_SETROP2 EMR_EOF ~ record 3 (EMR_EOF): is record 3, the header declares 70 "
        "records "},
   };
   for (const auto& [offset, value, expected] : cases) {
@@ -172,7 +175,7 @@ TEST(MetafileReader, EveryTruncation_IsRefusedOrLeavesAFault) {
     }
   }
   const auto file = builder.Finish();
-  EXPECT_EQ(Outcome(file).find('|'), std::string::npos);
+  EXPECT_EQ(Outcome(file).find_first_of("|~"), std::string::npos);
   for (size_t size = 0; size < file.size(); ++size) {
     const std::string outcome = Outcome(Bytes(file).first(size));
     EXPECT_TRUE(outcome.find('|') != std::string::npos || outcome.starts_with("refused"))
