@@ -275,6 +275,7 @@ void Graphics::Finish() {
   if (!MayMake("DrvBitBlt", expanded + (join ? joined_bytes : stretched))) return;
   std::deque<ReadablePicture> pictures;
   std::vector<RasterStep> steps;
+  steps.reserve(held.size());
   for (const HeldStretch& step : held) {
     steps.push_back({&*pictures.emplace_back(step.source),
                      {step.source_rect.left, step.source_rect.top},
