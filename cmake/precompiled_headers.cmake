@@ -13,7 +13,7 @@ if(WIN32)
   set(standard <filesystem> <functional> <map> <optional> <string> <vector>)
   quillo_precompile(TARGETS quillo_driver HEADERS ${ddi})
   quillo_precompile(TARGETS host_engine host_engine_services host_emf HEADERS ${ddi} ${standard})
-  quillo_precompile(TARGETS host_base host_pictures host_plain_text host_preview host_printer
+  quillo_precompile(TARGETS host_pictures host_plain_text host_preview host_printer
     HEADERS ${windows} ${standard})
   quillo_precompile(TARGETS host_cli host_client
     HEADERS ${windows} ${standard} <nlohmann/json.hpp>)

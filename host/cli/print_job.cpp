@@ -163,15 +163,6 @@ class PrintJob {
     for (const Loss& loss : losses) {
       if (options_.strict || loss.kind == Loss::Kind::kMissing) sentences.push_back(loss.what);
     }
-    const std::string lacking = input + ": the font \"" + face + "\" lacks ";
-    if (use.in_others != 0) {
-      console_.Problem(lacking + std::to_string(use.in_others) +
-                       " characters; other fonts show them");
-    }
-    if (use.missing != 0) {
-      console_.Problem(lacking + std::to_string(use.missing) +
-                       " characters that no installed font has; they are boxes");
-    }
     sentences.insert(sentences.end(), page.drawn.remarks.begin(), page.drawn.remarks.end());
     if (!options_.strict && sentences.size() > kMostSentences) {
       sentences.resize(kMostSentences);

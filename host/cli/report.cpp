@@ -92,6 +92,15 @@ std::vector<Loss> LossesOf(const PageReport& page) {
       add(missing + std::to_string(use.dropped_glyphs) +
           " glyph numbers mean nothing without it (--assume-glyph-order draws them)");
     }
+    const std::string lacking = "the font \"" + ToUtf8(face) + "\" lacks ";
+    if (use.missing != 0) {
+      add(lacking + std::to_string(use.missing) +
+          " characters that no installed font has; they are boxes");
+    }
+    if (use.in_others != 0) {
+      add(lacking + std::to_string(use.in_others) + " characters; other fonts show them",
+          Loss::Kind::kSubstituted);
+    }
   }
   add_counts("the driver refused to draw: ", page.calls.refused);
   add_counts("left out by the print host, as one page would take too much memory: ",

@@ -24,6 +24,9 @@ TEST(UserToken, SessionThenThreadThenProcess) {
   DWORD size = 0;
   ASSERT_TRUE(GetTokenInformation(token.Get(), TokenType, &type, sizeof(type), &size));
   EXPECT_EQ(type, TokenPrimary);
+  functions.Miss("DuplicateTokenEx");
+  EXPECT_FALSE(UserToken());
+  functions.Restore();
 
   functions.Miss("WTSQueryUserToken");
   EXPECT_TRUE(UserToken());

@@ -214,6 +214,23 @@ TEST(Paint, OneBitMethods_KeepDotsTheirOwnWay) {
   }
 }
 
+TEST(Paint, MirroredEnlargement_HasNoGreysBetween) {
+  SettingsScope settings;
+  settings->display_mode = kModeGreyScale;
+  const Canvas canvas;
+  BitmapScope bitmap;
+  MakeDot(bitmap.Get(), false);
+  const RECT to = {12, 12, 0, 0};
+  ASSERT_EQ(Paint(canvas.Dc(), bitmap.Get(), nullptr, nullptr, &to, nullptr, SRCCOPY), kSuccess);
+  int black = 0, white = 0;
+  for (int i = 0; i < 256; ++i) {
+    black += canvas.At(i % 16, i / 16) == 0;
+    white += canvas.At(i % 16, i / 16) == kWhite;
+  }
+  EXPECT_GT(black, 0);
+  EXPECT_EQ(black + white, 256);
+}
+
 TEST(Paint, FewColours_AreDitheredToTheirMean) {
   SettingsScope settings;
   settings->display_mode = kModeDither;
