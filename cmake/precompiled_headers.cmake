@@ -12,10 +12,10 @@ if(WIN32)
   set(windows "${PROJECT_SOURCE_DIR}/src/base/windows.h" <oleauto.h> <winspool.h>)
   set(standard <filesystem> <functional> <map> <optional> <string> <vector>)
   quillo_precompile(TARGETS quillo_driver HEADERS ${ddi})
-  quillo_precompile(TARGETS host_engine host_engine_services host_emf HEADERS ${ddi} ${standard})
-  quillo_precompile(TARGETS host_pictures host_plain_text host_preview host_printer
+  quillo_precompile(TARGETS host_engine host_engine_services host_emf_player HEADERS ${ddi} ${standard})
+  quillo_precompile(TARGETS host_inputs host_pictures host_plain_text host_preview host_printer
     HEADERS ${windows} ${standard})
-  quillo_precompile(TARGETS host_cli host_client
+  quillo_precompile(TARGETS host_client host_pages host_printing
     HEADERS ${windows} ${standard} <nlohmann/json.hpp>)
   quillo_precompile(TARGETS driver_tests host_tests HEADERS ${ddi} ${standard} <gtest/gtest.h>)
   quillo_precompile(TARGETS shipped_tests e2e_tests

@@ -4,11 +4,11 @@
 #include <string>
 #include <vector>
 
-#include "host/emf/comment.h"
-#include "host/emf/dib.h"
-#include "host/emf/page_mapping.h"
-#include "host/emf/payload_reader.h"
-#include "host/emf/reader.h"
+#include "host/emf_format/comment.h"
+#include "host/emf_format/page_mapping.h"
+#include "host/emf_format/payload_reader.h"
+#include "host/emf_format/reader.h"
+#include "host/pictures/dib.h"
 
 namespace {
 

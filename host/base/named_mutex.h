@@ -2,7 +2,7 @@
 
 #include "base/windows.h"
 
-#include "base/kernel_owners.h"
+#include "base/system_owners.h"
 #include "host/base/failure.h"
 
 namespace quillo::host {

@@ -7,13 +7,13 @@
 #include <vector>
 
 #include "host/base/text.h"
-#include "host/cli/console.h"
-#include "host/cli/options.h"
-#include "host/cli/print_job.h"
-#include "host/cli/printer_command.h"
+#include "host/cli/command_line.h"
 #include "host/client/client_main.h"
 #include "host/printer/printer_setup.h"
 #include "host/printer/printer_values.h"
+#include "host/printing/console.h"
+#include "host/printing/print_job.h"
+#include "host/printing/printer_command.h"
 
 namespace quillo::host {
 namespace {

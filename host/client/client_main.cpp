@@ -4,7 +4,7 @@
 #include <string>
 
 #include "base/com_owners.h"
-#include "base/kernel_owners.h"
+#include "base/system_owners.h"
 #include "host/base/com_apartment.h"
 #include "host/base/failure.h"
 #include "host/client/client_object.h"

@@ -8,7 +8,7 @@
 #include <string>
 #include <thread>
 
-#include "base/kernel_owners.h"
+#include "base/system_owners.h"
 #include "host/client/client_fault.h"
 
 namespace quillo::host {

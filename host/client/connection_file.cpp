@@ -3,7 +3,7 @@
 #include <iterator>
 #include <objbase.h>
 
-#include "config/user_paths.h"
+#include "config/user/user_paths.h"
 #include "host/base/failure.h"
 
 namespace quillo::host {

@@ -5,7 +5,7 @@
 #include <oleauto.h>
 
 #include "base/com_owners.h"
-#include "base/kernel_owners.h"
+#include "base/system_owners.h"
 #include "host/base/failure.h"
 #include "host/base/platform.h"
 

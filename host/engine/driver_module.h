@@ -4,7 +4,7 @@
 
 #include <string>
 
-#include "base/kernel_owners.h"
+#include "base/system_owners.h"
 #include "host/engine/driver_functions.h"
 
 namespace quillo::host {

@@ -1,7 +1,7 @@
 #include "host/engine/font_names.h"
 
+#include "base/arithmetic.h"
 #include "base/bytes.h"
-#include "base/checked.h"
 
 namespace quillo::host {
 

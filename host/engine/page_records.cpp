@@ -14,7 +14,7 @@
 
 #include "base/bytes.h"
 #include "base/gdi_owners.h"
-#include "host/emf/carried_records.h"
+#include "host/emf_format/carried_records.h"
 
 namespace quillo::host {
 namespace {

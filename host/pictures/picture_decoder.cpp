@@ -2,7 +2,7 @@
 
 #include <algorithm>
 
-#include "base/checked.h"
+#include "base/arithmetic.h"
 #include "host/base/failure.h"
 
 namespace quillo::host {

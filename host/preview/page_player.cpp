@@ -5,7 +5,7 @@
 #include <new>
 #include <vector>
 
-#include "base/checked.h"
+#include "base/arithmetic.h"
 #include "host/base/platform.h"
 #include "host/preview/text_record.h"
 

@@ -1,7 +1,7 @@
 #include "host/preview/text_record.h"
 
+#include "base/arithmetic.h"
 #include "base/bytes.h"
-#include "base/checked.h"
 #include "host/engine/character_map.h"
 #include "host/engine/clusters.h"
 

@@ -4,7 +4,7 @@
 #include <cstdio>
 #include <string_view>
 
-#include "config/paper_table.h"
+#include "config/papers/paper_table.h"
 #include "host/printer/paper_names.h"
 
 namespace quillo::host {

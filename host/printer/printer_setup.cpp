@@ -6,7 +6,7 @@
 #include <fstream>
 
 #include "base/gdi_owners.h"
-#include "base/spooler_owners.h"
+#include "base/system_owners.h"
 #include "host/base/failure.h"
 #include "host/base/named_mutex.h"
 #include "host/base/platform.h"

@@ -5,9 +5,9 @@
 #include <cstring>
 #include <stdexcept>
 
-#include "base/spooler_owners.h"
-#include "config/custom_papers.h"
-#include "config/message_box.h"
+#include "base/system_owners.h"
+#include "config/papers/custom_papers.h"
+#include "config/platform/message_box.h"
 #include "host/base/failure.h"
 #include "host/base/named_mutex.h"
 #include "host/base/text.h"

@@ -6,7 +6,7 @@
 #include <string>
 #include <string_view>
 
-#include "config/device_mode.h"
+#include "config/device_mode/device_mode.h"
 
 namespace quillo::host {
 

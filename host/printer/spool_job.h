@@ -4,7 +4,7 @@
 
 #include <string>
 
-#include "base/spooler_owners.h"
+#include "base/system_owners.h"
 
 namespace quillo::host {
 

@@ -1,6 +1,6 @@
 #include "capture/blit_builders.h"
 
-#include "base/checked.h"
+#include "base/arithmetic.h"
 #include "capture/builders.h"
 #include "capture/packed_surface.h"
 #include "capture/records/framing.h"

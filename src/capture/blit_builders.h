@@ -3,7 +3,7 @@
 #include "base/ddi.h"
 
 #include "capture/records/payloads.h"
-#include "driver/device.h"
+#include "driver/device/device.h"
 
 // Builders of the records that carry bitmaps; see builders.h. The offsets in the payloads are
 // filled here. Nothing is recorded of a surface that has no packed size.

@@ -1,6 +1,6 @@
 #include "capture/brush.h"
 
-#include "base/checked.h"
+#include "base/arithmetic.h"
 #include "capture/builders.h"
 #include "capture/records/conversions.h"
 

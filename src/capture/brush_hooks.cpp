@@ -2,7 +2,7 @@
 
 #include <cstring>
 
-#include "base/checked.h"
+#include "base/arithmetic.h"
 #include "capture/brush.h"
 #include "capture/hooks.h"
 #include "capture/packed_surface.h"

@@ -1,6 +1,6 @@
 #include "capture/builders.h"
 
-#include "base/checked.h"
+#include "base/arithmetic.h"
 #include "capture/records/conversions.h"
 
 namespace quillo {

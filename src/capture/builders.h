@@ -8,7 +8,7 @@
 #include <span>
 
 #include "base/bytes.h"
-#include "base/kernel_owners.h"
+#include "base/system_owners.h"
 #include "capture/records/payloads.h"
 #include "capture/writer.h"
 

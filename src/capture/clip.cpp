@@ -3,13 +3,21 @@
 #include <cstdint>
 #include <limits>
 
-#include "base/engine_owners.h"
+#include "base/owner.h"
 #include "capture/builders.h"
 #include "capture/geometry.h"
 #include "capture/path.h"
 
 namespace quillo {
 namespace {
+
+/// A path that the engine made for the driver.
+struct EnginePathTraits {
+  using Type = PATHOBJ*;
+  static constexpr Type kNull = nullptr;
+  static void Release(Type path) { EngDeletePath(path); }
+};
+using EnginePath = Owner<EnginePathTraits>;
 
 using namespace records;
 

@@ -3,7 +3,7 @@
 #include "base/ddi.h"
 
 #include "capture/records/payloads.h"
-#include "driver/device.h"
+#include "driver/device/device.h"
 
 namespace quillo {
 

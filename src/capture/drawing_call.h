@@ -3,7 +3,7 @@
 #include "base/ddi.h"
 
 #include "capture/writer.h"
-#include "driver/device.h"
+#include "driver/device/device.h"
 
 namespace quillo {
 

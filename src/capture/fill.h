@@ -5,7 +5,7 @@
 #include <cstdint>
 
 #include "capture/records/payloads.h"
-#include "driver/device.h"
+#include "driver/device/device.h"
 
 namespace quillo {
 

@@ -5,7 +5,7 @@
 #include <cstdint>
 #include <span>
 
-#include "driver/device.h"
+#include "driver/device/device.h"
 
 // Surfaces of the engine as packed bitmaps.
 namespace quillo {

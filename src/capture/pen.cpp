@@ -3,8 +3,8 @@
 #include <algorithm>
 #include <span>
 
-#include "base/kernel_owners.h"
-#include "base/rounding.h"
+#include "base/arithmetic.h"
+#include "base/system_owners.h"
 #include "capture/brush.h"
 #include "capture/builders.h"
 #include "capture/records/conversions.h"

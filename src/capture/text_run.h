@@ -4,7 +4,7 @@
 
 #include <span>
 
-#include "driver/device.h"
+#include "driver/device/device.h"
 
 namespace quillo {
 

@@ -2,8 +2,8 @@
 
 #include <cstring>
 
-#include "base/checked.h"
-#include "base/kernel_owners.h"
+#include "base/arithmetic.h"
+#include "base/system_owners.h"
 #include "capture/records/framing.h"
 #include "job/job.h"
 

@@ -5,7 +5,7 @@
 #include <cstdint>
 
 #include "capture/records/types.h"
-#include "driver/device.h"
+#include "driver/device/device.h"
 
 // The only way into a job's record sink. A device without a job takes records and drops them.
 namespace quillo {

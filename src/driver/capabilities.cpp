@@ -1,6 +1,6 @@
 #include "driver/capabilities.h"
 
-#include "config/paper_geometry.h"
+#include "config/papers/paper_geometry.h"
 
 namespace quillo {
 

@@ -2,7 +2,7 @@
 
 #include "base/ddi.h"
 
-#include "driver/device.h"
+#include "driver/device/device.h"
 
 namespace quillo {
 

@@ -2,7 +2,7 @@
 
 #include <cstring>
 
-#include "config/paper_geometry.h"
+#include "config/papers/paper_geometry.h"
 
 namespace quillo {
 

@@ -2,7 +2,7 @@
 
 #include "base/windows.h"
 
-#include "config/device_mode.h"
+#include "config/device_mode/device_mode.h"
 
 namespace quillo {
 

@@ -2,7 +2,7 @@
 
 #include "capture/writer.h"
 #include "driver/callbacks.h"
-#include "driver/device.h"
+#include "driver/device/device.h"
 #include "job/job.h"
 
 namespace quillo {

@@ -3,9 +3,9 @@
 #include <cstring>
 
 #include "capture/writer.h"
-#include "config/paper_geometry.h"
+#include "config/papers/paper_geometry.h"
 #include "driver/callbacks.h"
-#include "driver/device.h"
+#include "driver/device/device.h"
 
 namespace quillo {
 

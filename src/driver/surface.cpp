@@ -2,9 +2,9 @@
 
 #include <cstdint>
 
-#include "config/paper_geometry.h"
+#include "config/papers/paper_geometry.h"
 #include "driver/callbacks.h"
-#include "driver/device.h"
+#include "driver/device/device.h"
 
 namespace quillo {
 

@@ -4,7 +4,7 @@
 
 #include <cstdint>
 
-#include "base/kernel_owners.h"
+#include "base/system_owners.h"
 #include "fonts/cmap4_table.h"
 
 namespace quillo {

@@ -5,8 +5,8 @@
 #include <cstdint>
 #include <memory>
 
-#include "base/heap_object.h"
 #include "fonts/font_mapper.h"
+#include "fonts/heap_object.h"
 
 namespace quillo {
 

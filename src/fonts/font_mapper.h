@@ -4,10 +4,10 @@
 
 #include <cstdint>
 
-#include "base/heap_object.h"
 #include "fonts/cmap4.h"
 #include "fonts/font_identity.h"
 #include "fonts/glyph_map.h"
+#include "fonts/heap_object.h"
 
 namespace quillo {
 

@@ -2,8 +2,8 @@
 
 #include <algorithm>
 
-#include "base/checked.h"
-#include "base/kernel_owners.h"
+#include "base/arithmetic.h"
+#include "base/system_owners.h"
 
 namespace quillo {
 

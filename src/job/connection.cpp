@@ -1,6 +1,6 @@
 #include "job/connection.h"
 
-#include "config/user_paths.h"
+#include "config/user/user_paths.h"
 #include "job/job_path.h"
 
 namespace quillo {

@@ -1,5 +1,5 @@
-#include "base/kernel_owners.h"
-#include "config/user_paths.h"
+#include "base/system_owners.h"
+#include "config/user/user_paths.h"
 #include "job/compound_file.h"
 #include "job/job.h"
 #include "job/job_path.h"

@@ -1,6 +1,6 @@
 #include "job/end_signal.h"
 
-#include "base/kernel_owners.h"
+#include "base/system_owners.h"
 
 namespace quillo {
 

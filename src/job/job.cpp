@@ -6,8 +6,8 @@
 
 #include "base/module_instance.h"
 #include "base/text.h"
-#include "config/stored_device_mode.h"
-#include "config/user_paths.h"
+#include "config/settings/stored_device_mode.h"
+#include "config/user/user_paths.h"
 #include "job/connection.h"
 #include "job/end_signal.h"
 #include "job/notifications.h"

@@ -5,7 +5,7 @@
 #include <cstdint>
 
 #include "base/com_owners.h"
-#include "base/kernel_owners.h"
+#include "base/system_owners.h"
 #include "interface/quillo.h"
 #include "job/buffer.h"
 #include "playback/context.h"

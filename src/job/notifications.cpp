@@ -1,7 +1,6 @@
 #include "job/notifications.h"
 
-#include "base/kernel_owners.h"
-#include "base/spooler_owners.h"
+#include "base/system_owners.h"
 
 namespace quillo {
 

@@ -1,9 +1,9 @@
 #include "job/page.h"
 
 #include "base/gdi_owners.h"
-#include "config/paper_geometry.h"
-#include "config/printer_dc.h"
-#include "config/user_paths.h"
+#include "config/papers/paper_geometry.h"
+#include "config/settings/printer_dc.h"
+#include "config/user/user_paths.h"
 #include "job/notifications.h"
 #include "job/text_runs.h"
 #include "playback/dispatcher.h"

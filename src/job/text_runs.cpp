@@ -2,7 +2,7 @@
 
 #include <oleauto.h>
 
-#include "config/message_box.h"
+#include "config/platform/message_box.h"
 
 namespace quillo {
 

@@ -5,7 +5,7 @@
 #include <cstdint>
 #include <oaidl.h>
 
-#include "base/heap_list.h"
+#include "playback/heap_list.h"
 
 namespace quillo {
 

@@ -6,10 +6,10 @@
 #include <cstdint>
 #include <memory>
 
-#include "base/heap_list.h"
 #include "capture/records/payloads.h"
-#include "config/device_mode.h"
+#include "config/device_mode/device_mode.h"
 #include "fonts/font_map_manager.h"
+#include "playback/heap_list.h"
 #include "playback/reduction.h"
 
 namespace quillo {

@@ -5,7 +5,7 @@
 #include <strsafe.h>
 
 #include "base/gdi_owners.h"
-#include "base/kernel_owners.h"
+#include "base/system_owners.h"
 
 namespace quillo {
 namespace {

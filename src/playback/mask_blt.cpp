@@ -2,7 +2,7 @@
 
 #include "base/gdi_owners.h"
 #include "capture/records/packed_dib.h"
-#include "config/printer_dc.h"
+#include "config/settings/printer_dc.h"
 #include "playback/actions.h"
 #include "playback/rectangles.h"
 #include "playback/source_bitmap.h"

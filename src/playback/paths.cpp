@@ -1,7 +1,7 @@
 #include "base/windows.h"
 
-#include "base/checked.h"
-#include "base/kernel_owners.h"
+#include "base/arithmetic.h"
+#include "base/system_owners.h"
 #include "playback/actions.h"
 
 // Paths, clip paths, lines and filled shapes: one GDI call each, coordinates unchanged.

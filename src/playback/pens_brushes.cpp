@@ -2,8 +2,8 @@
 
 #include <utility>
 
-#include "base/checked.h"
-#include "base/kernel_owners.h"
+#include "base/arithmetic.h"
+#include "base/system_owners.h"
 #include "capture/records/packed_dib.h"
 #include "playback/actions.h"
 #include "playback/current_objects.h"

@@ -2,7 +2,7 @@
 
 #include <cstdint>
 
-#include "base/wrapping.h"
+#include "base/arithmetic.h"
 #include "capture/records/payloads.h"
 
 // Sides of outside rectangles, which may be empty, mirrored or absurd.

@@ -2,10 +2,8 @@
 
 #include <cstring>
 
-#include "base/checked.h"
-#include "base/kernel_owners.h"
-#include "base/rounding.h"
-#include "base/wrapping.h"
+#include "base/arithmetic.h"
+#include "base/system_owners.h"
 #include "fonts/font_map_manager.h"
 #include "playback/actions.h"
 #include "playback/current_objects.h"

@@ -1,8 +1,8 @@
-#include "base/checked.h"
-
 #include <cstdint>
 #include <gtest/gtest.h>
 #include <limits>
+
+#include "base/arithmetic.h"
 
 namespace quillo {
 namespace {

@@ -1,7 +1,7 @@
-#include "base/rounding.h"
-
 #include <cmath>
 #include <gtest/gtest.h>
+
+#include "base/arithmetic.h"
 
 namespace quillo {
 namespace {

@@ -1,4 +1,4 @@
-#include "config/custom_paper_list.h"
+#include "config/papers/custom_paper_list.h"
 
 #include <gtest/gtest.h>
 #include <vector>

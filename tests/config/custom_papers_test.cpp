@@ -1,9 +1,9 @@
-#include "config/custom_papers.h"
+#include "config/papers/custom_papers.h"
 
 #include <functional>
 #include <gtest/gtest.h>
 
-#include "config/paper_geometry.h"
+#include "config/papers/paper_geometry.h"
 #include "config/settings_test.h"
 #include "support/import_patch.h"
 #include "support/late_functions.h"

@@ -1,4 +1,4 @@
-#include "config/message_box.h"
+#include "config/platform/message_box.h"
 
 #include <gtest/gtest.h>
 #include <string>

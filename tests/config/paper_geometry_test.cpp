@@ -1,4 +1,4 @@
-#include "config/paper_geometry.h"
+#include "config/papers/paper_geometry.h"
 
 #include <cstring>
 #include <gtest/gtest.h>

@@ -3,8 +3,8 @@
 #include <gtest/gtest.h>
 #include <iterator>
 
-#include "config/paper_table.h"
-#include "config/paper_units.h"
+#include "config/papers/paper_table.h"
+#include "config/papers/paper_units.h"
 
 namespace quillo {
 namespace {

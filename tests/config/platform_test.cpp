@@ -1,8 +1,8 @@
-#include "config/platform.h"
+#include "config/platform/platform.h"
 
 #include <gtest/gtest.h>
 
-#include "base/kernel_owners.h"
+#include "base/system_owners.h"
 #include "support/import_patch.h"
 #include "support/late_functions.h"
 

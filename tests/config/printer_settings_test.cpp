@@ -1,8 +1,8 @@
-#include "config/printer_settings.h"
+#include "config/settings/printer_settings.h"
 
 #include <gtest/gtest.h>
 
-#include "config/printer_options.h"
+#include "config/settings/printer_options.h"
 #include "config/settings_test.h"
 #include "support/import_patch.h"
 

@@ -1,10 +1,10 @@
 #include <gtest/gtest.h>
 
-#include "config/custom_papers.h"
-#include "config/printer_options.h"
+#include "config/papers/custom_papers.h"
+#include "config/settings/printer_options.h"
+#include "config/settings/stored_device_mode.h"
 #include "config/settings_test.h"
-#include "config/stored_device_mode.h"
-#include "config/user_paths.h"
+#include "config/user/user_paths.h"
 #include "support/holdings.h"
 
 namespace quillo {

@@ -6,7 +6,7 @@
 #include <optional>
 #include <string>
 
-#include "base/spooler_owners.h"
+#include "base/system_owners.h"
 #include "host/printer/printer_setup.h"
 #include "support/registry_sandbox.h"
 

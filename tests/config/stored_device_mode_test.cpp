@@ -1,4 +1,4 @@
-#include "config/stored_device_mode.h"
+#include "config/settings/stored_device_mode.h"
 
 #include <gtest/gtest.h>
 

@@ -1,4 +1,4 @@
-#include "config/user_paths.h"
+#include "config/user/user_paths.h"
 
 #include <gtest/gtest.h>
 

@@ -1,4 +1,4 @@
-#include "driver/device.h"
+#include "driver/device/device.h"
 
 #include <array>
 #include <cstdlib>

@@ -5,7 +5,7 @@
 #include <gtest/gtest.h>
 
 #include "driver/callbacks.h"
-#include "driver/device.h"
+#include "driver/device/device.h"
 #include "job/job.h"
 
 namespace quillo {

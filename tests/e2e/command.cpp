@@ -6,7 +6,7 @@
 #include <gtest/gtest.h>
 #include <iterator>
 
-#include "base/kernel_owners.h"
+#include "base/system_owners.h"
 #include "support/built_file.h"
 
 namespace quillo::test {

@@ -7,7 +7,7 @@
 #include <map>
 
 #include "base/gdi_owners.h"
-#include "base/kernel_owners.h"
+#include "base/system_owners.h"
 #include "e2e/command.h"
 #include "host/emf/metafile_builder.h"
 

@@ -3,7 +3,7 @@
 #include <gtest/gtest.h>
 #include <optional>
 
-#include "base/kernel_owners.h"
+#include "base/system_owners.h"
 #include "capture/records/types.h"
 #include "host/printer/printer_setup.h"
 #include "host/printer/sheet.h"

@@ -4,7 +4,7 @@
 #include <gtest/gtest.h>
 
 #include "capture/hooks.h"
-#include "driver/device.h"
+#include "driver/device/device.h"
 #include "host/engine/services/clips.h"
 #include "host/engine/services/colors.h"
 #include "host/engine/services/surfaces.h"

@@ -3,7 +3,7 @@
 #include <optional>
 
 #include "host/emf/metafile_script.h"
-#include "host/emf/player.h"
+#include "host/emf_player/player.h"
 #include "host/engine/driver_module.h"
 #include "host/engine/print_session.h"
 #include "host/printer/printer_setup.h"

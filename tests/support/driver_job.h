@@ -4,7 +4,7 @@
 
 #include <memory>
 
-#include "driver/device.h"
+#include "driver/device/device.h"
 #include "job/job.h"
 
 namespace quillo::test {

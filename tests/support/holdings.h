@@ -7,7 +7,7 @@
 #include <vector>
 
 #include "base/gdi_owners.h"
-#include "base/kernel_owners.h"
+#include "base/system_owners.h"
 
 namespace quillo::test {
 

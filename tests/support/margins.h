@@ -2,7 +2,7 @@
 
 #include <cstring>
 
-#include "config/device_mode.h"
+#include "config/device_mode/device_mode.h"
 
 namespace quillo::test {
 

@@ -2,7 +2,7 @@
 
 #include <objbase.h>
 
-#include "config/user_paths.h"
+#include "config/user/user_paths.h"
 #include "host/client/com_object.h"
 #include "interface/quillo.h"
 #include "job/compound_file.h"

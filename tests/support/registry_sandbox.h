@@ -8,7 +8,7 @@
 #include <string>
 #include <vector>
 
-#include "base/kernel_owners.h"
+#include "base/system_owners.h"
 
 namespace quillo::test {
 

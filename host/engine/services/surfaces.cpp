@@ -4,7 +4,7 @@
 #include <cstring>
 #include <set>
 
-#include "base/checked.h"
+#include "base/arithmetic.h"
 #include "host/engine/services/guard.h"
 #include "host/engine/services/handle_table.h"
 

@@ -2,7 +2,7 @@
 
 #include <iterator>
 
-#include "base/checked.h"
+#include "base/arithmetic.h"
 
 namespace quillo::records {
 namespace {

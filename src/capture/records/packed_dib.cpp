@@ -2,7 +2,7 @@
 
 #include <cstring>
 
-#include "base/checked.h"
+#include "base/arithmetic.h"
 #include "base/dib_depth.h"
 
 namespace quillo::records {

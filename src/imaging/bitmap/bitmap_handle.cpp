@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <cstring>
 
-#include "base/kernel_owners.h"
+#include "base/system_owners.h"
 #include "imaging/bitmap/kernel_settings.h"
 #include "imaging/bitmap/storage.h"
 

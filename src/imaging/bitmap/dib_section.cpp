@@ -5,7 +5,7 @@
 
 #include "base/dib_depth.h"
 #include "base/gdi_owners.h"
-#include "base/kernel_owners.h"
+#include "base/system_owners.h"
 #include "imaging/bitmap/perspective.h"
 #include "imaging/bitmap/storage.h"
 

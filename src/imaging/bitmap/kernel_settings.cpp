@@ -1,6 +1,6 @@
 #include "imaging/bitmap/kernel_settings.h"
 
-#include "base/kernel_owners.h"
+#include "base/system_owners.h"
 #include "imaging/bitmap/storage_choice.h"
 
 namespace quillo::imaging {

@@ -2,7 +2,7 @@
 
 #include <algorithm>
 
-#include "base/kernel_owners.h"
+#include "base/system_owners.h"
 #include "imaging/bitmap/rows.h"
 #include "imaging/bitmap/storage.h"
 #include "imaging/pixels/orientation.h"

@@ -4,7 +4,7 @@
 #include <numeric>
 #include <utility>
 
-#include "base/kernel_owners.h"
+#include "base/system_owners.h"
 #include "imaging/bitmap/chunks.h"
 #include "imaging/bitmap/kernel_settings.h"
 #include "imaging/bitmap/rows.h"

@@ -2,7 +2,7 @@
 
 #include <cstdint>
 
-#include "base/kernel_owners.h"
+#include "base/system_owners.h"
 
 namespace quillo::imaging {
 

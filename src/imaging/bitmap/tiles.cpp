@@ -1,6 +1,6 @@
 #include "imaging/bitmap/tiles.h"
 
-#include "base/kernel_owners.h"
+#include "base/system_owners.h"
 #include "imaging/bitmap/kernel_settings.h"
 #include "imaging/bitmap/storage_choice.h"
 #include "imaging/bitmap/temporary_file.h"

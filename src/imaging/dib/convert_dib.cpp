@@ -1,7 +1,7 @@
 #include "imaging/dib/convert_dib.h"
 
 #include "base/gdi_owners.h"
-#include "base/kernel_owners.h"
+#include "base/system_owners.h"
 #include "imaging/bitmap/kernel_settings.h"
 #include "imaging/bitmap/rows.h"
 #include "imaging/bitmap/storage.h"

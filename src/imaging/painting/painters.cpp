@@ -3,8 +3,8 @@
 #include <algorithm>
 #include <cstdlib>
 
-#include "base/kernel_owners.h"
-#include "base/wrapping.h"
+#include "base/arithmetic.h"
+#include "base/system_owners.h"
 #include "imaging/bitmap/dib_section.h"
 #include "imaging/bitmap/perspective.h"
 #include "imaging/bitmap/rows.h"

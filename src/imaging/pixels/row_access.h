@@ -4,7 +4,7 @@
 #include <cstdint>
 
 #include "base/bytes.h"
-#include "base/function_ref.h"
+#include "imaging/pixels/function_ref.h"
 
 // How pure code reaches the rows of a bitmap whose storage it does not know.
 namespace quillo::imaging {

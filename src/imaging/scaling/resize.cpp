@@ -1,6 +1,6 @@
 #include "imaging/scaling/resize.h"
 
-#include "base/kernel_owners.h"
+#include "base/system_owners.h"
 #include "imaging/bitmap/kernel_settings.h"
 #include "imaging/bitmap/rows.h"
 #include "imaging/bitmap/storage.h"

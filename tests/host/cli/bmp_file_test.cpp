@@ -1,4 +1,4 @@
-#include "host/cli/bmp_file.h"
+#include "host/pictures/bmp_file.h"
 
 #include <gtest/gtest.h>
 #include <vector>

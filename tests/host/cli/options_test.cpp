@@ -1,6 +1,6 @@
-#include "host/cli/options.h"
-
 #include <gtest/gtest.h>
+
+#include "host/cli/command_line.h"
 
 namespace quillo::host {
 namespace {

@@ -1,4 +1,4 @@
-#include "host/cli/report.h"
+#include "host/printing/report.h"
 
 #include <gtest/gtest.h>
 

@@ -1,4 +1,4 @@
-#include "host/cli/result_folder.h"
+#include "host/printing/result_folder.h"
 
 #include <fstream>
 #include <gtest/gtest.h>

@@ -1,4 +1,4 @@
-#include "host/cli/text_input.h"
+#include "host/inputs/text_input.h"
 
 #include "tests/host/engine/graphics_fixture.h"
 
@@ -13,7 +13,7 @@ TEST_F(TextInputTest, RightToLeftParagraph_BeginsAtTheRightMargin) {
   const auto* bytes = reinterpret_cast<const std::byte*>(kText.data());
   const auto input = OpenText({bytes, bytes + kText.size()});
   Graphics page = Page();
-  input->DrawPage(page, {72, true, emf::GlyphOrder::kDrop});
+  input->DrawPage(page, {72, true, GlyphOrder::kDrop});
   std::string text;
   for (const std::string& call : driver_.calls) {
     if (!call.starts_with("TextOut ")) continue;

@@ -1,4 +1,4 @@
-#include "host/emf/carried_records.h"
+#include "host/emf_format/carried_records.h"
 
 #include <gtest/gtest.h>
 

@@ -1,4 +1,4 @@
-#include "host/emf/dib.h"
+#include "host/pictures/dib.h"
 
 #include <gtest/gtest.h>
 #include <memory>

@@ -5,7 +5,7 @@
 #include <vector>
 
 #include "base/bytes.h"
-#include "host/emf/record_types.h"
+#include "host/emf_format/record_types.h"
 
 namespace quillo::host::emf {
 

@@ -5,7 +5,7 @@
 #include <string>
 #include <vector>
 
-#include "host/emf/transform.h"
+#include "host/emf_format/transform.h"
 
 namespace quillo::host::emf {
 

@@ -1,8 +1,8 @@
-#include "host/emf/page_transform.h"
+#include "host/emf_format/page_transform.h"
 
 #include <gtest/gtest.h>
 
-#include "host/emf/page_mapping.h"
+#include "host/emf_format/page_mapping.h"
 
 namespace quillo::host::emf {
 namespace {

@@ -1,4 +1,4 @@
-#include "host/emf/player.h"
+#include "host/emf_player/player.h"
 
 #include <gtest/gtest.h>
 

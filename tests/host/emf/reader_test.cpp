@@ -1,13 +1,13 @@
-#include "host/emf/reader.h"
+#include "host/emf_format/reader.h"
 
 #include <gtest/gtest.h>
 #include <memory>
 #include <string>
 #include <string_view>
 
-#include "host/emf/comment.h"
 #include "host/emf/metafile_builder.h"
-#include "host/emf/payload_reader.h"
+#include "host/emf_format/comment.h"
+#include "host/emf_format/payload_reader.h"
 
 namespace quillo::host::emf {
 namespace {

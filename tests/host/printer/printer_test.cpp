@@ -5,9 +5,9 @@
 #include <gtest/gtest.h>
 
 #include "base/gdi_owners.h"
-#include "base/kernel_owners.h"
-#include "config/paper_geometry.h"
-#include "config/paper_table.h"
+#include "base/system_owners.h"
+#include "config/papers/paper_geometry.h"
+#include "config/papers/paper_table.h"
 #include "host/printer/paper_names.h"
 #include "host/printer/printer_setup.h"
 #include "host/printer/printer_values.h"

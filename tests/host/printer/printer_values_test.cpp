@@ -4,7 +4,7 @@
 #include <gtest/gtest.h>
 #include <thread>
 
-#include "base/spooler_owners.h"
+#include "base/system_owners.h"
 #include "host/printer/printer_setup.h"
 
 namespace quillo::host {

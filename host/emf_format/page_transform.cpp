@@ -1,0 +1,143 @@
+#include "host/emf_format/page_transform.h"
+
+#include <algorithm>
+#include <cmath>
+#include <cstdlib>
+
+namespace quillo::host::emf {
+
+namespace {
+
+// Mapping modes with the numbers of SetMapMode.
+enum MapMode : uint32_t {
+  kText = 1,
+  kLoMetric,
+  kHiMetric,
+  kLoEnglish,
+  kHiEnglish,
+  kTwips,
+  kIsotropic,
+  kAnisotropic,
+};
+
+int32_t Clamp(double value) {
+  return static_cast<int32_t>(std::clamp(value, -2147483647.0, 2147483647.0));
+}
+
+/// extent · multiply / divide, never 0: GDI keeps the sign and at least one unit.
+int32_t ScaleSide(int32_t side, int32_t multiply, int32_t divide) {
+  const int64_t scaled = int64_t{side} * multiply / divide;
+  if (scaled != 0) return Clamp(static_cast<double>(scaled));
+  return (side < 0) != ((multiply < 0) != (divide < 0)) ? -1 : 1;
+}
+
+}  // namespace
+
+PageTransform::PageTransform(SizeL device_pixels, SizeL device_millimeters)
+    : device_pixels_(device_pixels), device_millimeters_(device_millimeters) {}
+
+bool PageTransform::ExtentsAreFree() const { return mode_ == kIsotropic || mode_ == kAnisotropic; }
+
+bool PageTransform::SetMapMode(uint32_t mode) {
+  switch (mode) {
+    case kText:
+      window_extent_ = viewport_extent_ = {1, 1};
+      break;
+    case kLoMetric:
+    case kIsotropic:
+      SetPhysical(10);
+      break;
+    case kHiMetric:
+      SetPhysical(100);
+      break;
+    case kLoEnglish:
+      SetPhysical(100 / 25.4);
+      break;
+    case kHiEnglish:
+      SetPhysical(1000 / 25.4);
+      break;
+    case kTwips:
+      SetPhysical(1440 / 25.4);
+      break;
+    case kAnisotropic:
+      break;  // keeps the extents of the mode before
+    default:
+      return false;
+  }
+  mode_ = mode;
+  return true;
+}
+
+/// Units of a physical size, y upwards.
+void PageTransform::SetPhysical(double units_per_millimeter) {
+  window_extent_ = {Clamp(std::round(device_millimeters_.x * units_per_millimeter)),
+                    Clamp(std::round(device_millimeters_.y * units_per_millimeter))};
+  window_extent_.x = std::max(window_extent_.x, 1);
+  window_extent_.y = std::max(window_extent_.y, 1);
+  viewport_extent_ = {device_pixels_.x, -device_pixels_.y};
+}
+
+bool PageTransform::SetWindowExtent(SizeL extent) {
+  if (!ExtentsAreFree()) return true;
+  if (extent.x == 0 || extent.y == 0) return false;
+  window_extent_ = extent;
+  KeepProportions();
+  return true;
+}
+
+bool PageTransform::SetViewportExtent(SizeL extent) {
+  if (!ExtentsAreFree()) return true;
+  if (extent.x == 0 || extent.y == 0) return false;
+  viewport_extent_ = extent;
+  KeepProportions();
+  return true;
+}
+
+bool PageTransform::ScaleWindowExtent(PointL multiply, PointL divide) {
+  if (!ExtentsAreFree()) return true;
+  if (multiply.x == 0 || multiply.y == 0 || divide.x == 0 || divide.y == 0) return false;
+  window_extent_ = {ScaleSide(window_extent_.x, multiply.x, divide.x),
+                    ScaleSide(window_extent_.y, multiply.y, divide.y)};
+  KeepProportions();
+  return true;
+}
+
+bool PageTransform::ScaleViewportExtent(PointL multiply, PointL divide) {
+  if (!ExtentsAreFree()) return true;
+  if (multiply.x == 0 || multiply.y == 0 || divide.x == 0 || divide.y == 0) return false;
+  viewport_extent_ = {ScaleSide(viewport_extent_.x, multiply.x, divide.x),
+                      ScaleSide(viewport_extent_.y, multiply.y, divide.y)};
+  KeepProportions();
+  return true;
+}
+
+/// MM_ISOTROPIC: the viewport's longer side, in physical size per window unit, is cut to the other.
+void PageTransform::KeepProportions() {
+  if (mode_ != kIsotropic) return;
+  const auto unit = [](double viewport, double window, double millimeters, double pixels) {
+    return std::fabs(viewport * millimeters / (pixels * window));
+  };
+  const double x =
+      unit(viewport_extent_.x, window_extent_.x, device_millimeters_.x, device_pixels_.x);
+  const double y =
+      unit(viewport_extent_.y, window_extent_.y, device_millimeters_.y, device_pixels_.y);
+  const auto cut = [](int32_t side, double ratio) {
+    const int32_t rounded = Clamp(std::floor(side * ratio + 0.5));
+    return rounded != 0 ? rounded : (side < 0 ? -1 : 1);
+  };
+  if (x > y) viewport_extent_.x = cut(viewport_extent_.x, y / x);
+  if (y > x) viewport_extent_.y = cut(viewport_extent_.y, x / y);
+}
+
+Transform PageTransform::ToDevice() const {
+  const double x = static_cast<double>(viewport_extent_.x) / window_extent_.x;
+  const double y = static_cast<double>(viewport_extent_.y) / window_extent_.y;
+  return {x,
+          0,
+          0,
+          y,
+          viewport_origin_.x - window_origin_.x * x,
+          viewport_origin_.y - window_origin_.y * y};
+}
+
+}  // namespace quillo::host::emf

@@ -1,0 +1,46 @@
+#pragma once
+
+#include <cstdint>
+
+#include "host/emf_format/geometry.h"
+#include "host/emf_format/transform.h"
+
+namespace quillo::host::emf {
+
+/// The mapping mode of a DC with its window and viewport: from page space to the pixels of the
+/// reference device.
+class PageTransform {
+ public:
+  /// The reference device's size, for the modes with a physical unit. Both sides above 0.
+  PageTransform(SizeL device_pixels, SizeL device_millimeters);
+
+  /// MM_TEXT (1) to MM_ANISOTROPIC (8); false, and nothing changed, for other numbers.
+  bool SetMapMode(uint32_t mode);
+
+  void SetWindowOrigin(PointL origin) { window_origin_ = origin; }
+  void SetViewportOrigin(PointL origin) { viewport_origin_ = origin; }
+
+  // Extents only change in MM_ISOTROPIC and MM_ANISOTROPIC, as in GDI; the calls do nothing in
+  // other modes. False when a side, or a divisor, is 0: then nothing changes either.
+  bool SetWindowExtent(SizeL extent);
+  bool SetViewportExtent(SizeL extent);
+  bool ScaleWindowExtent(PointL multiply, PointL divide);
+  bool ScaleViewportExtent(PointL multiply, PointL divide);
+
+  Transform ToDevice() const;
+
+ private:
+  bool ExtentsAreFree() const;
+  void SetPhysical(double units_per_millimeter);
+  void KeepProportions();
+
+  SizeL device_pixels_;
+  SizeL device_millimeters_;
+  uint32_t mode_ = 1;
+  PointL window_origin_;
+  PointL viewport_origin_;
+  SizeL window_extent_{1, 1};
+  SizeL viewport_extent_{1, 1};
+};
+
+}  // namespace quillo::host::emf

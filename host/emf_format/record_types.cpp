@@ -1,0 +1,47 @@
+#include "host/emf_format/record_types.h"
+
+namespace quillo::host::emf {
+
+namespace {
+
+struct TypeInfo {
+  uint32_t number;
+  const char* name;
+  size_t least_bytes;
+};
+
+constexpr TypeInfo kTypes[] = {
+#define QUILLO_EMF_RECORD(number, name, least_bytes) {number, "EMR_" #name, least_bytes},
+#include "host/emf_format/record_list.h"
+#undef QUILLO_EMF_RECORD
+};
+
+constexpr bool NumbersAscend() {
+  for (size_t i = 1; i < std::size(kTypes); ++i) {
+    if (kTypes[i - 1].number >= kTypes[i].number) return false;
+  }
+  return true;
+}
+// Numbers 69 and 117 name no record.
+static_assert(std::size(kTypes) == kRecordTypeEnd - 3 && NumbersAscend());
+
+const TypeInfo* FindType(uint32_t type) {
+  for (const TypeInfo& info : kTypes) {
+    if (info.number == type) return &info;
+  }
+  return nullptr;
+}
+
+}  // namespace
+
+std::string RecordName(uint32_t type) {
+  const TypeInfo* info = FindType(type);
+  return info != nullptr ? info->name : "record type " + std::to_string(type);
+}
+
+size_t LeastRecordBytes(uint32_t type) {
+  const TypeInfo* info = FindType(type);
+  return info != nullptr ? info->least_bytes : 8;
+}
+
+}  // namespace quillo::host::emf

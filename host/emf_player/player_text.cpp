@@ -1,0 +1,374 @@
+// Records that draw text, as UTF-16, in a code page, or as glyph indexes.
+
+#include <algorithm>
+#include <cmath>
+#include <numbers>
+#include <numeric>
+#include <utility>
+
+#include "host/emf_player/playback.h"
+#include "host/emf_player/region_data.h"
+#include "host/emf_player/rounding.h"
+#include "host/emf_player/text_outline.h"
+#include "host/engine/clusters.h"
+#include "host/engine/symbol_encodings.h"
+
+namespace quillo::host::emf {
+
+namespace {
+
+// Options that only records have.
+constexpr uint32_t kNoRectangle = 0x100;
+constexpr uint32_t kSmallCharacters = 0x200;
+
+/// A line of text as its record gives it.
+struct TextLine {
+  PointL reference;  // logical
+  uint32_t options = 0;
+  bool advanced = false;  // recorded in the advanced graphics mode
+  RectL rectangle;        // logical; with ETO_OPAQUE or ETO_CLIPPED
+  std::wstring text;
+  std::vector<double> dx;
+  std::vector<double> dy;
+};
+
+constexpr uint32_t kAdvanced = 2;  // GM_ADVANCED
+
+// -- Characters ----------------------------------------------------------------------------------
+
+UINT CodePageOf(BYTE charset) {
+  CHARSETINFO info{};
+  // The "pointer" is the number itself.
+  if (!TranslateCharsetInfo(reinterpret_cast<DWORD*>(static_cast<uintptr_t>(charset)), &info,
+                            TCI_SRCCHARSET)) {
+    return CP_ACP;
+  }
+  return info.ciACP;
+}
+
+/// Text of a code page as UTF-16; the advances of a character's bytes are joined.
+void Widen(Bytes bytes, BYTE charset, TextLine& line) {
+  const auto* text = reinterpret_cast<const char*>(bytes.data());
+  const bool symbols = charset == SYMBOL_CHARSET;
+  const UINT code_page = symbols ? CP_ACP : CodePageOf(charset);
+  std::vector<double> dx;
+  for (size_t i = 0; i < bytes.size();) {
+    const size_t size =
+        !symbols && i + 1 < bytes.size() && IsDBCSLeadByteEx(code_page, static_cast<BYTE>(text[i]))
+            ? 2
+            : 1;
+    wchar_t units[2] = {static_cast<unsigned char>(text[i]), 0};
+    int count = 1;
+    if (!symbols) {
+      count = MultiByteToWideChar(code_page, 0, text + i, static_cast<int>(size), units, 2);
+    }
+    line.text.append(units, static_cast<size_t>(std::max(count, 0)));
+    double advance = 0;
+    for (size_t byte = i; byte < i + size && byte < line.dx.size(); ++byte) {
+      advance += line.dx[byte];
+    }
+    for (int unit = 0; unit < count; ++unit) dx.push_back(unit == 0 ? advance : 0);
+    i += size;
+  }
+  if (!line.dx.empty()) line.dx = std::move(dx);
+}
+
+/// Half of a surrogate pair stands for no character; it becomes the replacement character.
+bool ReplaceLoneSurrogates(std::wstring& text) {
+  bool found = false;
+  for (size_t i = 0; i < text.size(); ++i) {
+    if (IS_HIGH_SURROGATE(text[i]) && i + 1 < text.size() && IS_LOW_SURROGATE(text[i + 1])) {
+      ++i;
+    } else if (IS_HIGH_SURROGATE(text[i]) || IS_LOW_SURROGATE(text[i])) {
+      text[i] = L'\xFFFD';
+      found = true;
+    }
+  }
+  return found;
+}
+
+/// The line's characters, `count` of them at `offset`.
+void ReadCharacters(Playback& dc, PayloadReader& record, size_t offset, size_t count, bool wide,
+                    TextLine& line) {
+  if (count == 0) return;
+  wide = wide || (line.options & ETO_GLYPH_INDEX) != 0;  // glyph indexes have 16 bits everywhere
+  const Bytes bytes = record.Slice(offset, wide ? count * 2 : count);
+  if (!record.ok()) return;
+  if (wide) {
+    line.text.resize(count);
+    std::memcpy(line.text.data(), bytes.data(), bytes.size());
+    if ((line.options & ETO_GLYPH_INDEX) == 0 && ReplaceLoneSurrogates(line.text)) {
+      dc.Fault("its text holds half a surrogate pair");
+    }
+  } else {
+    Widen(bytes, dc.state().font->font.lfCharSet, line);
+  }
+}
+
+/// The advances of `count` characters at `offset`; 0: the record has none.
+void ReadAdvances(PayloadReader& record, size_t offset, size_t count, TextLine& line) {
+  if (offset == 0 || count == 0) return;
+  const size_t numbers = (line.options & ETO_PDY) != 0 ? 2 : 1;
+  const Bytes bytes = record.Slice(offset, count * numbers * 4);
+  for (size_t i = 0; record.ok() && i < count; ++i) {
+    line.dx.push_back(LoadOrZero<int32_t>(bytes, i * numbers * 4));
+    if (numbers == 2) line.dy.push_back(LoadOrZero<int32_t>(bytes, i * numbers * 4 + 4));
+  }
+}
+
+/// The EMRTEXT part that four record types share. Offsets in it count from the record's start.
+TextLine ReadLine(Playback& dc, PayloadReader& record, bool advanced, bool wide) {
+  TextLine line;
+  line.advanced = advanced;
+  line.reference = record.Read<PointL>();
+  const auto count = record.Read<uint32_t>();
+  const auto text_offset = record.Read<uint32_t>();
+  line.options = record.Read<uint32_t>();
+  line.rectangle = record.Read<RectL>();
+  const auto advance_offset = record.Read<uint32_t>();
+  ReadAdvances(record, advance_offset, count, line);
+  ReadCharacters(dc, record, text_offset, count, wide, line);
+  return line;
+}
+
+// -- Drawing -------------------------------------------------------------------------------------
+
+// The order of glyphs that most fonts keep: ASCII at character - 29. Behind it they differ.
+constexpr wchar_t kCommonShift = 29;
+constexpr wchar_t kFirstCommon = L' ' - kCommonShift, kLastCommon = L'~' - kCommonShift;
+
+bool KeepsCommonOrder(const TextFont& font) {
+  for (wchar_t glyph = kFirstCommon; glyph <= kLastCommon; ++glyph) {
+    if (font.GlyphOf(static_cast<wchar_t>(glyph + kCommonShift)) != glyph) return false;
+  }
+  return true;
+}
+
+/// Puts kNoGlyph in the place of the glyph indexes that mean nothing certain with `font`, and
+/// counts them. Where the font stands in for a missing one, that is all that both do not have in
+/// common.
+size_t DropUncertainGlyphs(std::wstring& glyphs, const TextFont& font, GlyphOrder order) {
+  if (!font.Substituted()) return 0;
+  const bool readable = font.Map().invertible;  // else the page would hold no characters
+  if (readable && order == GlyphOrder::kAssume) return 0;
+  const bool common = readable && order == GlyphOrder::kAsSubstitute && KeepsCommonOrder(font);
+  const auto is_uncertain = [common](wchar_t glyph) {
+    return !common || glyph < kFirstCommon || glyph > kLastCommon;
+  };
+  const auto dropped = std::ranges::count_if(glyphs, is_uncertain);
+  std::ranges::replace_if(glyphs, is_uncertain, kNoGlyph);
+  return static_cast<size_t>(dropped);
+}
+
+/// Puts Unicode's characters in the place of the codes of a font of symbols that is not there.
+void ReplaceSymbols(TextLine& line, const TextFont& font) {
+  if ((line.options & ETO_GLYPH_INDEX) != 0) return;
+  std::wstring text;
+  std::vector<double> dx, dy;
+  for (size_t i = 0; i < line.text.size(); ++i) {
+    const wchar_t code = line.text[i];
+    const bool shown = font.Map().symbols && font.GlyphOf(code) != 0;
+    const char32_t character = shown ? 0 : UnicodeOfSymbol(font.Wanted().lfFaceName, code);
+    AppendCharacter(text, character != 0 ? character : code);
+    if (i < line.dx.size()) dx.push_back(line.dx[i]);
+    if (i < line.dy.size()) dy.push_back(line.dy[i]);
+    if (!dx.empty()) dx.resize(text.size());
+    if (!dy.empty()) dy.resize(text.size());
+  }
+  line.text = std::move(text);
+  line.dx = std::move(dx);
+  line.dy = std::move(dy);
+}
+
+/// The line's text as far as it can be drawn; notes it among the fonts' uses.
+std::wstring DrawableText(Playback& dc, const TextLine& line, TextDescription& text) {
+  if (line.text.empty()) return {};
+  const TextFont& font = *text.font;
+  FontUse& use = dc.result().fonts[font.Wanted().lfFaceName];
+  use.used = font.Family();
+  use.substituted = font.Substituted();
+  if ((line.options & ETO_GLYPH_INDEX) == 0) {
+    FontChoice choice = dc.fonts().Choose(text.font, line.text);
+    use.characters += line.text.size() - choice.in_others - choice.missing;
+    use.in_others += choice.in_others;
+    use.missing += choice.missing;
+    text.fonts = std::move(choice.fonts);
+    return line.text;
+  }
+  std::wstring glyphs = line.text;
+  const size_t dropped = DropUncertainGlyphs(glyphs, font, dc.options().glyph_order);
+  const size_t drawn = glyphs.size() - dropped;
+  use.dropped_glyphs += dropped;
+  (font.Substituted() ? use.assumed_glyphs : use.characters) += drawn;
+  if (drawn != 0) return glyphs;
+  dc.NotCarried();
+  return {};
+}
+
+/// How much wider than high the reference device's logical units make a line's glyphs.
+///
+/// On a device whose pixels are no squares, fonts without a width of their own keep their shape on
+/// the paper. Where only the header's millimetres are wrong, the pixels were squares after all. The
+/// recorded advances tell which it was: they are the wider or narrower ones of such a device, or
+/// those of the font.
+double Widening(const Playback& dc, const TextLine& line, const TextDescription& text) {
+  const LOGFONTW& wanted = text.font->Wanted();
+  if (line.advanced || !dc.ToPage().KeepsAxes() || wanted.lfWidth != 0 ||
+      wanted.lfEscapement % 1800 != 0) {
+    return 1;
+  }
+  double own = 0, recorded = 0;
+  for (size_t i = 0; i < std::min(text.text.size(), line.dx.size()); ++i) {
+    recorded += line.dx[i];
+    const wchar_t unit = text.text[i];
+    const TextFont& font = text.fonts.empty() ? *text.font : *text.fonts[i];
+    if (text.glyph_indexes) {
+      if (unit == kNoGlyph) recorded -= line.dx[i];
+      own += unit == kNoGlyph ? 0 : font.AdvanceOf(unit) * font.ScaleX();
+    } else if (!IS_LOW_SURROGATE(unit)) {
+      own += font.AdvanceOf(font.GlyphOf(CharacterAt(text.text, i))) * font.ScaleX();
+    }
+  }
+  const double shape = dc.PixelShape();
+  if (own <= 0 || recorded <= 0) return 1;
+  const double widened = std::log(recorded / own);
+  return std::abs(widened - std::log(shape)) < std::abs(widened) ? shape : 1;
+}
+
+/// From logical units to the page for text: in the compatible graphics mode never mirrored.
+XFORM TextTransform(const Playback& dc, bool advanced, double widening) {
+  const Transform& map = dc.ToPage();
+  const auto number = [](double value) { return static_cast<float>(value); };
+  if (!advanced && map.KeepsAxes()) {
+    return {number(std::fabs(map.m11) * widening), 0, 0, number(std::fabs(map.m22)), 0, 0};
+  }
+  return {number(map.m11), number(map.m12), number(map.m21), number(map.m22), 0, 0};
+}
+
+/// The opaque rectangle, and the clip to it. What no RECTL can hold is drawn at once.
+void ApplyRectangle(Playback& dc, const TextLine& line, TextDescription& text, DrawState& drawing) {
+  if ((line.options & kNoRectangle) != 0) return;
+  const Transform& map = dc.ToPage();
+  const RectL& rect = line.rectangle;
+  if ((line.options & ETO_OPAQUE) != 0) {
+    if (map.KeepsAxes()) {
+      text.opaque = ToPixelRect(map, rect.left, rect.top, rect.right, rect.bottom);
+    } else {
+      dc.canvas().Paint(MapRectangle(rect, map), BrushDescription::Solid(text.background), drawing);
+    }
+  }
+  if ((line.options & ETO_CLIPPED) != 0) {
+    drawing.clip = drawing.clip.Combined(MapRectangle(rect, map), RGN_AND);
+  }
+}
+
+/// Moves the current position behind a line of this length.
+void MoveBehind(Playback& dc, const TextLine& line, double length) {
+  const UINT align = dc.state().text_align;
+  if ((align & TA_UPDATECP) == 0 || (align & TA_CENTER) == TA_CENTER) return;
+  const double along = (align & TA_CENTER) == TA_RIGHT ? -length : length;
+  const double above = std::accumulate(line.dy.begin(), line.dy.end(), 0.0);
+  const double angle = dc.state().font->font.lfEscapement * std::numbers::pi / 1800;
+  const double cosine = std::cos(angle), sine = std::sin(angle);
+  PointL& position = dc.state().position;
+  position.x = ToPixel(position.x + along * cosine - above * sine);
+  position.y = ToPixel(position.y - along * sine - above * cosine);
+}
+
+void DrawLine(Playback& dc, TextLine line) {
+  const DcState& state = dc.state();
+  TextDescription text;
+  LOGFONTW font = state.font->font;
+  if (!line.advanced) font.lfOrientation = font.lfEscapement;  // the compatible mode has one angle
+  text.font = dc.fonts().Find(font);
+  if (text.font == nullptr) {
+    dc.Fault("there is no font for its text");
+    return;
+  }
+  text.background = dc.Resolve(state.background_color);
+  DrawState drawing = dc.Drawing();
+  drawing.rop2 = R2_COPYPEN;
+  if (!dc.InPath()) ApplyRectangle(dc, line, text, drawing);
+  ReplaceSymbols(line, *text.font);
+  text.text = DrawableText(dc, line, text);
+  if (text.text.empty() && !text.opaque) return;
+
+  const PointL& reference = (state.text_align & TA_UPDATECP) != 0 ? state.position : line.reference;
+  const PointD at = dc.ToPage().Apply(reference.x, reference.y);
+  text.x = at.x;
+  text.y = at.y;
+  text.glyph_indexes = (line.options & ETO_GLYPH_INDEX) != 0;
+  text.right_to_left =
+      (line.options & ETO_RTLREADING) != 0 || (state.text_align & TA_RTLREADING) != 0;
+  text.in_order = (line.options & ETO_IGNORELANGUAGE) != 0;
+  text.align = state.text_align;
+  if (state.break_count != 0) {
+    text.break_extra = static_cast<double>(state.break_extra) / state.break_count;
+  }
+  const double widening = Widening(dc, line, text);
+  text.to_device = TextTransform(dc, line.advanced, widening);
+  text.dx = line.dx;
+  text.dy = line.dy;
+  for (double& advance : text.dx) advance /= widening;
+  text.color = dc.Resolve(state.text_color);
+  if (dc.InPath()) {
+    const TextLayout layout = LayOut(text);
+    dc.DrawOutline(TextOutline(layout), true);
+    MoveBehind(dc, line, layout.length * widening);
+  } else {
+    MoveBehind(dc, line, dc.canvas().Text(text, drawing) * widening);
+  }
+}
+
+template <bool wide>
+void PlayExtTextOut(Playback& dc, PayloadReader& record) {
+  record.Skip(sizeof(RectL));  // bounds
+  const bool advanced = record.Read<uint32_t>() == kAdvanced;
+  record.Skip(8);  // millimetres for each unit, in the compatible mode
+  TextLine line = ReadLine(dc, record, advanced, wide);
+  if (record.ok()) DrawLine(dc, std::move(line));
+}
+
+template <bool wide>
+void PlayPolyTextOut(Playback& dc, PayloadReader& record) {
+  record.Skip(sizeof(RectL));  // bounds
+  const bool advanced = record.Read<uint32_t>() == kAdvanced;
+  record.Skip(8);  // millimetres for each unit, in the compatible mode
+  const auto count = record.Read<uint32_t>();
+  size_t characters = 0;
+  for (uint32_t i = 0; i < count; ++i) {
+    TextLine line = ReadLine(dc, record, advanced, wide);
+    if (!record.ok()) return;
+    characters += line.text.size();
+    if (characters > record.record().size()) {
+      dc.Fault("its strings lie on one another");
+      return;
+    }
+    DrawLine(dc, std::move(line));
+  }
+}
+
+void PlaySmallTextOut(Playback& dc, PayloadReader& record) {
+  TextLine line;
+  line.reference = record.Read<PointL>();
+  const auto count = record.Read<uint32_t>();
+  line.options = record.Read<uint32_t>();
+  line.advanced = record.Read<uint32_t>() == kAdvanced;
+  record.Skip(8);  // millimetres for each unit, in the compatible mode
+  if ((line.options & kNoRectangle) == 0) line.rectangle = record.Read<RectL>();
+  const size_t offset = record.record().size() - record.left();
+  ReadCharacters(dc, record, offset, count, (line.options & kSmallCharacters) == 0, line);
+  if (record.ok()) DrawLine(dc, std::move(line));
+}
+
+}  // namespace
+
+void AddTextHandlers(HandlerTable& table) {
+  table[kEmrEXTTEXTOUTW] = PlayExtTextOut<true>;
+  table[kEmrEXTTEXTOUTA] = PlayExtTextOut<false>;
+  table[kEmrPOLYTEXTOUTW] = PlayPolyTextOut<true>;
+  table[kEmrPOLYTEXTOUTA] = PlayPolyTextOut<false>;
+  table[kEmrSMALLTEXTOUT] = PlaySmallTextOut;
+}
+
+}  // namespace quillo::host::emf

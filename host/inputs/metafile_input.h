@@ -1,0 +1,18 @@
+#pragma once
+
+#include <cstddef>
+#include <memory>
+#include <vector>
+
+#include "base/bytes.h"
+#include "host/inputs/input.h"
+
+namespace quillo::host {
+
+/// Whether a file that begins with `head` means to be an enhanced metafile.
+bool LooksLikeMetafile(Bytes head);
+
+/// An enhanced metafile: one page. Throws UnreadableInput.
+std::unique_ptr<PrintInput> OpenMetafile(std::vector<std::byte> content);
+
+}  // namespace quillo::host

@@ -1,0 +1,13 @@
+#pragma once
+
+#include "base/ddi.h"
+
+#include "host/engine/drawing.h"
+#include "host/pictures/dib.h"
+
+namespace quillo::host::emf {
+
+/// The picture that a DIB holds. JPEG and PNG are decoded. Throws UnreadablePicture.
+BitmapSource SourceOf(const Dib& dib);
+
+}  // namespace quillo::host::emf

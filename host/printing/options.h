@@ -1,0 +1,37 @@
+#pragma once
+
+#include <filesystem>
+#include <string>
+#include <vector>
+
+#include "host/client/client_fault.h"
+#include "host/engine/font_use.h"
+#include "host/printer/printer_values.h"
+#include "host/printer/sheet.h"
+
+namespace quillo::host {
+
+/// What the print command is asked for.
+struct Options {
+  struct Input {
+    std::string name;  // as it was given
+    std::filesystem::path path;
+    Sheet sheet;
+  };
+
+  std::vector<Input> inputs;  // none only where something else is asked for
+  std::filesystem::path output;
+  int dpi = 600;
+  bool fit = true;        // else pictures keep their size
+  std::wstring document;  // never empty
+  int preview_dpi = 96;   // 0: no previews
+  bool quiet = false;
+  bool strict = false;  // a page that lacks something changes the exit code
+  bool list_papers = false;
+  std::vector<PrinterValue> printer_values;  // to be stored
+  std::vector<NamedSheet> custom_papers;     // to be stored
+  GlyphOrder glyph_order = GlyphOrder::kAsSubstitute;
+  ClientFault client = ClientFault::kNone;
+};
+
+}  // namespace quillo::host

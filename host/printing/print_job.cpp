@@ -1,0 +1,209 @@
+#include "host/printing/print_job.h"
+
+#include <map>
+#include <optional>
+
+#include "config/papers/paper_geometry.h"
+#include "host/base/com_apartment.h"
+#include "host/base/failure.h"
+#include "host/base/text.h"
+#include "host/engine/driver_module.h"
+#include "host/engine/print_session.h"
+#include "host/preview/preview.h"
+#include "host/printer/printer_setup.h"
+#include "host/printer/spool_job.h"
+#include "host/printing/printer_command.h"
+#include "host/printing/report.h"
+#include "host/printing/result_folder.h"
+
+namespace quillo::host {
+
+namespace {
+
+namespace fs = std::filesystem;
+
+constexpr wchar_t kDriverFile[] = L"QXDRV06X.dll";
+constexpr size_t kMostSentences = 8;
+
+fs::path ThisProgram() {
+  wchar_t program[MAX_PATH];
+  const DWORD length = GetModuleFileNameW(nullptr, program, MAX_PATH);
+  if (length == 0 || length == MAX_PATH) {
+    throw SystemFailure("cannot find this program's folder", "GetModuleFileName");
+  }
+  return program;
+}
+
+class PrintJob {
+ public:
+  PrintJob(const Options& options, Console& console) : options_(options), console_(console) {}
+
+  ExitCode Run() {
+    const ComApartment apartment;  // for pictures
+    OpenInputs();
+    if (inputs_.empty()) return result_;
+    try {
+      const ResultFolder folder(options_.output);
+      PrintInputs(folder);
+      folder.WriteReport(ToJson(report_));
+    } catch (const ResultFailure& failure) {
+      Fail(kResultsLost, failure.what());
+    } catch (const std::runtime_error& failure) {  // the spooler, the client or the driver
+      Fail(kDriverFailed, failure.what());
+    }
+    return result_;
+  }
+
+ private:
+  struct OpenedInput {
+    std::string name;
+    Sheet sheet;
+    std::unique_ptr<PrintInput> content;
+  };
+
+  /// A later, lesser problem does not change the result.
+  void Raise(ExitCode result) {
+    const auto weight = [](ExitCode code) {
+      return code == kDriverFailed ? 3 : code == kResultsLost ? 2 : code == kInputRefused ? 1 : 0;
+    };
+    if (weight(result) > weight(result_)) result_ = result;
+  }
+  void Fail(ExitCode result, const std::string& problem) {
+    Raise(result);
+    console_.Problem(problem);
+  }
+
+  void OpenInputs() {
+    for (const Options::Input& input : options_.inputs) {
+      try {
+        inputs_.push_back({input.name, input.sheet, OpenInput(input.path)});
+      } catch (const UnreadableInput& refused) {
+        Fail(kInputRefused, input.name + " " + refused.what());
+      }
+    }
+  }
+
+  void PrintInputs(const ResultFolder& folder) {
+    const fs::path program = ThisProgram();
+    EnsurePrinter(kPrinterName, options_.dpi, UserSizes());
+    StoreSettings(options_);
+    const SpoolJob spool(kPrinterName, options_.document);
+    report_.printer = ToUtf8(kPrinterName);
+    report_.document = ToUtf8(options_.document);
+    report_.job_id = spool.Id();
+
+    const auto start_client = [&] {
+      client_.emplace(program, spool.Id(), folder.Path(), options_.client);
+    };
+    const bool late = options_.client == ClientFault::kLate;
+    if (!late && options_.client != ClientFault::kAbsent) start_client();
+    {
+      const DriverModule driver((program.parent_path() / kDriverFile).wstring());
+      PrintSession session(driver.Functions(), {spool.Printer(), kPrinterName, L"FILE:"},
+                           ModeFor(inputs_.front().sheet).pub);
+      session.StartDocument(options_.document, spool.Id());
+      if (late) start_client();
+      for (OpenedInput& input : inputs_) PrintInputPages(input, session, folder);
+      session.EndDocument();
+    }
+    if (client_) report_.client = client_->Finish();
+  }
+
+  DeviceMode ModeFor(const Sheet& sheet) const {
+    return MakeDeviceMode(kPrinterName, sheet, options_.dpi);
+  }
+
+  /// The sizes of the papers that are no standard forms.
+  std::map<int, PaperSize> UserSizes() const {
+    std::map<int, PaperSize> sizes;
+    for (const OpenedInput& input : inputs_) {
+      const Sheet& sheet = input.sheet;
+      if (sheet.paper >= DMPAPER_USER) sizes.insert({sheet.paper, {sheet.width, sheet.height}});
+    }
+    return sizes;
+  }
+
+  void PrintInputPages(OpenedInput& input, PrintSession& session, const ResultFolder& folder) {
+    try {
+      while (input.content->PreparePage()) PrintPage(input, session, folder);
+    } catch (const UnreadableInput& refused) {
+      Fail(kInputRefused, input.name + " " + refused.what());
+    } catch (const DriverFailure& failure) {
+      Fail(kDriverFailed, "cannot print " + input.name + ": " + failure.what());
+    }
+  }
+
+  void PrintPage(OpenedInput& input, PrintSession& session, const ResultFolder& folder) {
+    const int number = static_cast<int>(report_.pages.size()) + 1;
+    const std::string title =
+        "page " + std::to_string(number) + ": " + input.name + ", " + DescribeSheet(input.sheet);
+    console_.PageBegins(title);
+
+    const DeviceMode mode = ModeFor(input.sheet);
+    Graphics& graphics = session.StartPage(mode.pub);
+    PageReport& page = report_.pages.emplace_back();
+    page.input = input.name;
+    page.sheet = SheetSize(mode, PaperUnit::kTenthsOfMillimetre);
+    page.dpi = options_.dpi;
+    page.drawn =
+        input.content->DrawPage(graphics, {options_.dpi, options_.fit, options_.glyph_order});
+    page.calls = graphics.Calls();
+    session.SendPage();
+
+    TakePage(number, page, folder);
+    TellLosses(page);
+    if (!page.file.empty()) console_.PageDone(title + " -> " + page.file);
+  }
+
+  /// Without --strict only the first losses and remarks of each page, and no substitutes.
+  void TellLosses(const PageReport& page) {
+    const std::vector<Loss> losses = LossesOf(page);
+    if (options_.strict && !losses.empty()) Raise(kInputRefused);
+    std::vector<std::string> sentences;
+    for (const Loss& loss : losses) {
+      if (options_.strict || loss.kind == Loss::Kind::kMissing) sentences.push_back(loss.what);
+    }
+    sentences.insert(sentences.end(), page.drawn.remarks.begin(), page.drawn.remarks.end());
+    if (!options_.strict && sentences.size() > kMostSentences) {
+      sentences.resize(kMostSentences);
+      sentences.emplace_back("and more that job.json lists");
+    }
+    for (const std::string& what : sentences) console_.Problem(page.input + ": " + what);
+  }
+
+  /// Looks at the file that the client has made of the page.
+  void TakePage(int number, PageReport& page, const ResultFolder& folder) {
+    const std::string file = ResultFolder::PageFile(number, "emf");
+    const fs::path path = folder.Path() / file;
+    if (!fs::exists(path)) {
+      Fail(kResultsLost, "page " + std::to_string(number) + " did not arrive in " +
+                             ToUtf8(folder.Path().wstring()));
+      return;
+    }
+    try {
+      page.content = ReadPageFile(path, page.calls.glyph_texts);
+      page.file = file;
+      if (options_.preview_dpi == 0) return;
+      const std::string preview = ResultFolder::PageFile(number, "png");
+      WritePreview(path, folder.Path() / preview, options_.preview_dpi);
+      page.preview = preview;
+    } catch (const ResultFailure& failure) {
+      Fail(kResultsLost, failure.what());
+    }
+  }
+
+  const Options& options_;
+  Console& console_;
+  std::vector<OpenedInput> inputs_;
+  std::optional<ClientProcess> client_;
+  JobReport report_;
+  ExitCode result_ = kPrinted;
+};
+
+}  // namespace
+
+ExitCode Print(const Options& options, Console& console) {
+  return PrintJob(options, console).Run();
+}
+
+}  // namespace quillo::host

@@ -1,0 +1,40 @@
+#include "config/papers/custom_paper_list.h"
+
+#include <bitset>
+
+namespace quillo {
+
+bool CanBePrintedOn(const CustomPaper& paper) {
+  return paper.number >= kFirstCustomPaperNumber && paper.number <= kLastCustomPaperNumber &&
+         paper.length != 0 && paper.width != 0;
+}
+
+CustomPaper* Join(CustomPaper* head, CustomPaper* tail) {
+  CustomPaper** end = &head;
+  while (*end != nullptr) end = &(*end)->next;
+  *end = tail;
+  return head;
+}
+
+CustomPaper* TakeDuplicates(CustomPaper* head) {
+  std::bitset<65536> seen;
+  CustomPaper* taken = nullptr;
+  for (CustomPaper** link = &head; *link != nullptr;) {
+    CustomPaper* paper = *link;
+    if (!seen[paper->number]) {
+      seen[paper->number] = true;
+      link = &paper->next;
+      continue;
+    }
+    *link = paper->next;
+    paper->next = taken;
+    taken = paper;
+  }
+  return taken;
+}
+
+SizeClass SizeClassOf(const CustomPaper& paper) {
+  return paper.kind == 1 ? kSizeTenthsOfInch : kSizeTenthsOfMillimetre;
+}
+
+}  // namespace quillo

@@ -1,0 +1,30 @@
+#pragma once
+
+#include "base/windows.h"
+
+#include "base/system_owners.h"
+
+namespace quillo {
+
+/// A system library that may be missing, loaded for as long as this lives.
+///
+///   const LateLibrary security(L"Advapi32.dll");
+///   auto* open = security.Find<decltype(OpenProcessToken)>("OpenProcessToken");
+class LateLibrary {
+ public:
+  explicit LateLibrary(const wchar_t* name) : library_(LoadLibraryW(name)) {}
+
+  /// One of its functions, valid as long as this lives; null when it, or the library, is missing.
+  template <typename Function>
+  [[nodiscard]] Function* Find(const char* name) const {
+    if (!library_) return nullptr;
+    // By way of void*: the declared type of GetProcAddress's result is not that of the function.
+    return reinterpret_cast<Function*>(
+        reinterpret_cast<void*>(GetProcAddress(library_.Get(), name)));
+  }
+
+ private:
+  Library library_;
+};
+
+}  // namespace quillo

@@ -1,0 +1,27 @@
+#pragma once
+
+#include "base/windows.h"
+
+#include "base/system_owners.h"
+
+// Every message that the driver shows goes through ShowMessageBox.
+
+namespace quillo {
+
+/// MessageBoxW without an owner window, and its result.
+int ShowMessageBox(const wchar_t* text, const wchar_t* caption, UINT style);
+
+/// The system's text for an error code or HRESULT, in the user's language; empty when it has none.
+LocalBlock SystemMessage(DWORD code);
+
+/// A string of a module's string table, cut at 1023 characters; empty when there is none. Every
+/// call overwrites what the previous one returned, in the whole process: meant so.
+const wchar_t* ResourceString(HMODULE module, UINT id);
+
+/// Shows a text under a caption, both from a module's string table and cut at 511 characters.
+int ShowResourceMessage(HMODULE module, UINT text, UINT caption, UINT style);
+
+/// Shows the system's text for the thread's last error.
+void ShowLastError();
+
+}  // namespace quillo
