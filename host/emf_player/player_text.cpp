@@ -187,6 +187,7 @@ std::wstring DrawableText(Playback& dc, const TextLine& line, TextDescription& t
   FontUse& use = dc.result().fonts[font.Wanted().lfFaceName];
   use.used = font.Family();
   use.substituted = font.Substituted();
+  use.reversible = font.Map().invertible;
   if ((line.options & ETO_GLYPH_INDEX) == 0) {
     FontChoice choice = dc.fonts().Choose(text.font, line.text);
     use.characters += line.text.size() - choice.in_others - choice.missing;

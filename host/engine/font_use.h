@@ -22,6 +22,7 @@ struct FontUse {
   uint64_t missing = 0;         // characters that no installed font has
   uint64_t assumed_glyphs = 0;  // drawn through the substitute's order of glyphs
   uint64_t dropped_glyphs = 0;  // not drawn
+  bool reversible = true;       // glyph indexes of `used` can be turned back into characters
 };
 
 }  // namespace quillo::host

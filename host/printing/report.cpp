@@ -90,7 +90,11 @@ std::vector<Loss> LossesOf(const PageReport& page) {
     }
     if (use.dropped_glyphs != 0) {
       add(missing + std::to_string(use.dropped_glyphs) +
-          " glyph numbers mean nothing without it (--assume-glyph-order draws them)");
+          " glyph numbers mean nothing without it (" +
+          (use.reversible
+               ? "--assume-glyph-order draws them"
+               : "those of \"" + ToUtf8(use.used) + "\" cannot be turned back into characters") +
+          ")");
     }
     const std::string lacking = "the font \"" + ToUtf8(face) + "\" lacks ";
     if (use.missing != 0) {
