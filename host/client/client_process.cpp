@@ -40,7 +40,7 @@ KernelHandle StartProcess(const std::filesystem::path& program, const std::wstri
   startup.hStdError = GetStdHandle(STD_ERROR_HANDLE);
   PROCESS_INFORMATION info{};
   std::wstring command = L"\"" + program.wstring() + L"\" " + arguments;
-  // Wine now and then loses a process while it starts, and says so with this error.
+  // Wine now and then loses a process while it starts, and reports this error.
   for (int tries_left = 3;
        !CreateProcessW(program.c_str(), command.data(), nullptr, nullptr, TRUE, CREATE_NO_WINDOW,
                        nullptr, folder.c_str(), &startup, &info);) {
@@ -64,7 +64,7 @@ ClientProcess::ClientProcess(const std::filesystem::path& program, DWORD job_id,
                           output.write.Get());
   input_ = std::move(input.write);
   output_ = std::move(output.read);
-  // The client's own ends close here: else its output would never end.
+  // The client's own ends are closed here: otherwise its output would never end.
   output.write.Reset();
   input.read.Reset();
 
@@ -89,9 +89,6 @@ ClientReport ClientProcess::Finish() {
     TerminateProcess(process_.Get(), 1);
   }
   reader_.join();
-  DWORD exit_code = 1;
-  GetExitCodeProcess(process_.Get(), &exit_code);
-  report_.survived = exit_code == 0;
   return std::move(report_);
 }
 

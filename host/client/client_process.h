@@ -17,7 +17,6 @@ namespace quillo::host {
 struct ClientReport {
   nlohmann::ordered_json calls = nlohmann::ordered_json::array();  // as ClientObject reports them
   bool job_end_event = false;                                      // whether it was seen
-  bool survived = false;  // whether the client lived to the end of the job
 };
 
 /// The client of one job as its parent sees it. The client copies pages and fonts into a folder
@@ -33,7 +32,7 @@ class ClientProcess {
   ClientProcess(const ClientProcess&) = delete;
   ClientProcess& operator=(const ClientProcess&) = delete;
 
-  /// Tells the client that the job is over, and waits for its end.
+  /// Ends the client's input, which ends the client, and waits for it.
   ClientReport Finish();
 
  private:

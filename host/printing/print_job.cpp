@@ -1,5 +1,6 @@
 #include "host/printing/print_job.h"
 
+#include <algorithm>
 #include <map>
 #include <optional>
 
@@ -23,7 +24,7 @@ namespace {
 namespace fs = std::filesystem;
 
 constexpr wchar_t kDriverFile[] = L"QXDRV06X.dll";
-constexpr size_t kMostSentences = 8;
+constexpr size_t kMaxSentences = 8;
 
 fs::path ThisProgram() {
   wchar_t program[MAX_PATH];
@@ -34,6 +35,8 @@ fs::path ThisProgram() {
   return program;
 }
 
+/// One run of the command: the inputs are opened and drawn page by page, while the client copies
+/// what the driver makes; each page is then checked and its losses are reported.
 class PrintJob {
  public:
   PrintJob(const Options& options, Console& console) : options_(options), console_(console) {}
@@ -61,18 +64,6 @@ class PrintJob {
     std::unique_ptr<PrintInput> content;
   };
 
-  /// A later, lesser problem does not change the result.
-  void Raise(ExitCode result) {
-    const auto weight = [](ExitCode code) {
-      return code == kDriverFailed ? 3 : code == kResultsLost ? 2 : code == kInputRefused ? 1 : 0;
-    };
-    if (weight(result) > weight(result_)) result_ = result;
-  }
-  void Fail(ExitCode result, const std::string& problem) {
-    Raise(result);
-    console_.Problem(problem);
-  }
-
   void OpenInputs() {
     for (const Options::Input& input : options_.inputs) {
       try {
@@ -92,12 +83,13 @@ class PrintJob {
     report_.document = ToUtf8(options_.document);
     report_.job_id = spool.Id();
 
+    std::optional<ClientProcess> client;
     const auto start_client = [&] {
-      client_.emplace(program, spool.Id(), folder.Path(), options_.client);
+      client.emplace(program, spool.Id(), folder.Path(), options_.client);
     };
     const bool late = options_.client == ClientFault::kLate;
     if (!late && options_.client != ClientFault::kAbsent) start_client();
-    {
+    {  // the driver's job ends before the client
       const DriverModule driver((program.parent_path() / kDriverFile).wstring());
       PrintSession session(driver.Functions(), {spool.Printer(), kPrinterName, L"FILE:"},
                            ModeFor(inputs_.front().sheet).pub);
@@ -106,21 +98,7 @@ class PrintJob {
       for (OpenedInput& input : inputs_) PrintInputPages(input, session, folder);
       session.EndDocument();
     }
-    if (client_) report_.client = client_->Finish();
-  }
-
-  DeviceMode ModeFor(const Sheet& sheet) const {
-    return MakeDeviceMode(kPrinterName, sheet, options_.dpi);
-  }
-
-  /// The sizes of the papers that are no standard forms.
-  std::map<int, PaperSize> UserSizes() const {
-    std::map<int, PaperSize> sizes;
-    for (const OpenedInput& input : inputs_) {
-      const Sheet& sheet = input.sheet;
-      if (sheet.paper >= DMPAPER_USER) sizes.insert({sheet.paper, {sheet.width, sheet.height}});
-    }
-    return sizes;
+    if (client) report_.client = client->Finish();
   }
 
   void PrintInputPages(OpenedInput& input, PrintSession& session, const ResultFolder& folder) {
@@ -150,29 +128,13 @@ class PrintJob {
     page.calls = graphics.Calls();
     session.SendPage();
 
-    TakePage(number, page, folder);
-    TellLosses(page);
+    CheckPage(number, page, folder);
+    ReportLosses(page);
     if (!page.file.empty()) console_.PageDone(title + " -> " + page.file);
   }
 
-  /// Without --strict only the first losses and remarks of each page, and no substitutes.
-  void TellLosses(const PageReport& page) {
-    const std::vector<Loss> losses = LossesOf(page);
-    if (options_.strict && !losses.empty()) Raise(kInputRefused);
-    std::vector<std::string> sentences;
-    for (const Loss& loss : losses) {
-      if (options_.strict || loss.kind == Loss::Kind::kMissing) sentences.push_back(loss.what);
-    }
-    sentences.insert(sentences.end(), page.drawn.remarks.begin(), page.drawn.remarks.end());
-    if (!options_.strict && sentences.size() > kMostSentences) {
-      sentences.resize(kMostSentences);
-      sentences.emplace_back("and more that job.json lists");
-    }
-    for (const std::string& what : sentences) console_.Problem(page.input + ": " + what);
-  }
-
-  /// Looks at the file that the client has made of the page.
-  void TakePage(int number, PageReport& page, const ResultFolder& folder) {
+  /// Reads the file that the client has copied, and renders its preview.
+  void CheckPage(int number, PageReport& page, const ResultFolder& folder) {
     const std::string file = ResultFolder::PageFile(number, "emf");
     const fs::path path = folder.Path() / file;
     if (!fs::exists(path)) {
@@ -192,10 +154,55 @@ class PrintJob {
     }
   }
 
+  /// Without --strict only the first losses and remarks of each page, and no substitutes.
+  void ReportLosses(const PageReport& page) {
+    const std::vector<Loss> losses = LossesOf(page);
+    if (options_.strict && !losses.empty()) Raise(kInputRefused);
+    std::vector<std::string> sentences;
+    for (const Loss& loss : losses) {
+      if (options_.strict || loss.kind == Loss::Kind::kMissing) sentences.push_back(loss.what);
+    }
+    sentences.insert(sentences.end(), page.drawn.remarks.begin(), page.drawn.remarks.end());
+    if (!options_.strict && sentences.size() > kMaxSentences) {
+      sentences.resize(kMaxSentences);
+      sentences.emplace_back("and more that job.json lists");
+    }
+    for (const std::string& what : sentences) console_.Problem(page.input + ": " + what);
+  }
+
+  DeviceMode ModeFor(const Sheet& sheet) const {
+    return MakeDeviceMode(kPrinterName, sheet, options_.dpi);
+  }
+
+  /// The sizes of the papers that are not standard forms, by their number. All sheets given as WxH
+  /// share DMPAPER_USER, for which the platform knows one size in the life of a process: one that
+  /// covers them all. Each page still has its own size; only its reference DC is larger.
+  std::map<int, PaperSize> UserSizes() const {
+    std::map<int, PaperSize> sizes;
+    for (const OpenedInput& input : inputs_) {
+      const Sheet& sheet = input.sheet;
+      if (sheet.paper < DMPAPER_USER) continue;
+      PaperSize& size = sizes[sheet.paper];
+      size = {std::max(size.width, sheet.width), std::max(size.height, sheet.height)};
+    }
+    return sizes;
+  }
+
+  /// A later, lesser problem does not change the result.
+  void Raise(ExitCode result) {
+    const auto weight = [](ExitCode code) {
+      return code == kDriverFailed ? 3 : code == kResultsLost ? 2 : code == kInputRefused ? 1 : 0;
+    };
+    if (weight(result) > weight(result_)) result_ = result;
+  }
+  void Fail(ExitCode result, const std::string& problem) {
+    Raise(result);
+    console_.Problem(problem);
+  }
+
   const Options& options_;
   Console& console_;
   std::vector<OpenedInput> inputs_;
-  std::optional<ClientProcess> client_;
   JobReport report_;
   ExitCode result_ = kPrinted;
 };
