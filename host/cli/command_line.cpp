@@ -15,7 +15,7 @@ namespace quillo::host {
 namespace {
 
 constexpr char kFooter[] =
-    "--paper, --landscape and --portrait hold for the inputs that follow them; behind the last\n"
+    "--paper, --landscape and --portrait hold for the inputs that follow them; after the last\n"
     "input they hold for every input that has none of its own:\n"
     "  print --paper A4 a.emf --paper A3 --landscape b.emf --paper Letter --portrait c.emf\n"
     "\n"
@@ -31,12 +31,12 @@ std::filesystem::path ToPath(const std::string& text) {
   return RunsUnderWine() && path.starts_with(L'/') ? L"Z:" + path : path;
 }
 
-/// A sheet as far as the command line has said.
+/// A sheet as far as the command line names it.
 struct SheetWish {
   std::optional<std::string> paper;
   std::optional<bool> landscape;
 
-  /// What this wish leaves open is taken from `other`.
+  /// This wish, with what it leaves open taken from `other`.
   SheetWish Or(const SheetWish& other) const {
     return {paper ? paper : other.paper, landscape ? landscape : other.landscape};
   }
@@ -78,7 +78,7 @@ class Parser {
     portrait_ = AddFlag("--portrait", "Keep the sheet upright");
     app_.add_option("--dpi", options_.dpi, "Print quality")
         ->type_name("N")
-        ->check(CLI::Range(kLeastDpi, kMostDpi))
+        ->check(CLI::Range(kMinDpi, kMaxDpi))
         ->capture_default_str();
     CLI::Option* fit = AddFlag("--fit", "Scale pictures into the printable area (default)");
     actual_size_ = AddFlag("--actual-size", "Keep the size of pictures")->excludes(fit);
@@ -103,7 +103,7 @@ class Parser {
                   "Exit with 3 when a page lacks something or has a substitute for it, and list "
                   "everything");
     app_.add_flag("--quiet", options_.quiet, "Report nothing but problems");
-    // For tests: how the client misbehaves.
+    // Hidden, for tests: how the client misbehaves.
     app_.add_option("--client", client_)->check(CLI::Validator(CheckClient, ""))->group("");
   }
 
@@ -133,7 +133,7 @@ class Parser {
         ->allow_extra_args(false);
   }
 
-  /// Reads each text; throws CLI::ValidationError for one that `parse` does not understand.
+  /// Parses each text; throws CLI::ValidationError for one that `parse` refuses.
   template <typename Value, typename Parse>
   static std::vector<Value> ParseAll(const CLI::Option* option,
                                      const std::vector<std::string>& texts, Parse parse) {
@@ -177,10 +177,10 @@ class Parser {
     return std::move(options_);
   }
 
-  /// Goes through the command line in its order.
+  /// Goes through the command line in order, and gives each input its sheet.
   void TakeInputs() {
     SheetWish wish;      // holds for the next inputs
-    SheetWish trailing;  // said since the last input
+    SheetWish trailing;  // named since the last input
     std::vector<SheetWish> wishes;
     std::map<const CLI::Option*, size_t> seen;
     for (const CLI::Option* option : app_.parse_order()) {

@@ -22,7 +22,7 @@ std::vector<std::byte> BytesOf(const void* data, size_t size) {
   return {first, first + size};
 }
 
-/// The whole of `text` as a number; nothing when it is none, or too large.
+/// All of `text` as a number; nothing when it is not one or is too large.
 template <typename Number>
 std::optional<Number> ParseNumber(std::string_view text, int base) {
   Number number{};
@@ -37,7 +37,7 @@ std::optional<uint32_t> ParseDword(std::string_view text) {
   return ParseNumber<uint32_t>(text.substr(hexadecimal ? 2 : 0), hexadecimal ? 16 : 10);
 }
 
-/// Pairs of hexadecimal digits; blanks and commas between them do not count.
+/// Pairs of hexadecimal digits; blanks and commas are ignored.
 std::optional<std::vector<std::byte>> ParseHex(std::string_view text) {
   std::string digits(text);
   std::erase_if(digits, [](char c) { return c == ' ' || c == ','; });
@@ -119,9 +119,9 @@ std::optional<NamedSheet> ParseCustomPaper(std::string_view text, std::string& w
   }
   NamedSheet paper{std::string(text.substr(0, number_comma)), *size};
   paper.sheet.paper = static_cast<int16_t>(*number);
-  constexpr size_t kMostCharacters = std::size(CustomPaper{}.name) - 1;
-  if (ToWide(paper.name).size() > kMostCharacters) {
-    why = "the name must have at most " + std::to_string(kMostCharacters) + " characters";
+  constexpr size_t kMaxCharacters = std::size(CustomPaper{}.name) - 1;
+  if (ToWide(paper.name).size() > kMaxCharacters) {
+    why = "the name must have at most " + std::to_string(kMaxCharacters) + " characters";
     return std::nullopt;
   }
   return paper;
@@ -134,7 +134,7 @@ void StoreCustomPaper(const std::wstring& printer, const NamedSheet& paper) {
   added.number = static_cast<uint16_t>(paper.sheet.paper);
   added.width = static_cast<uint16_t>(paper.sheet.width);
   added.length = static_cast<uint16_t>(paper.sheet.height);
-  // Another process that adds one at the same time would take the same place.
+  // Another process could take the same place at the same time.
   const NamedMutex only_one(L"Local\\QuilloPrintCustomPapers");
   switch (AddCustomPaper(printer.c_str(), added)) {
     case SETTINGS_OK:

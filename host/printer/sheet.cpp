@@ -23,8 +23,8 @@ std::string Simplified(std::string_view text, std::string_view ignored) {
 
 std::string SimpleName(std::string_view name) { return Simplified(name, " -_"); }
 
-/// Millimetres at the start of `text`, which loses them, in tenths; 0 when there are none or they
-/// do not fit a device mode.
+/// Takes millimetres from the start of `text`. In tenths; 0 when there are none or they do not fit
+/// a device mode.
 int32_t TakeMillimetres(std::string_view& text) {
   double millimetres = 0;
   const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), millimetres,
@@ -78,7 +78,7 @@ DeviceMode MakeDeviceMode(const std::wstring& printer, const Sheet& sheet, int d
   mode.pub.dmYResolution = static_cast<short>(dpi);
   if (sheet.paper >= DMPAPER_USER) {
     mode.pub.dmFields |= DM_PAPERWIDTH | DM_PAPERLENGTH;
-    // Of longer sides, which custom papers may have, only the paper's number tells.
+    // Custom papers may have longer sides; the driver looks those up by the paper's number.
     const auto side = [](int32_t tenths) {
       return static_cast<int16_t>(std::min<int32_t>(tenths, INT16_MAX));
     };

@@ -29,17 +29,17 @@ struct NamedSheet {
 };
 
 /// The upright sheet of a paper name such as "A4", or of a size such as "100x150.5" in millimetres.
-/// Letter case and blanks do not count, nor do '-' and '_' in names. Nothing for an unknown name or
-/// an absurd size. `custom` are known by their names, too; of two with one name the first counts.
+/// Letter case and blanks are ignored, as are '-' and '_' in names. Nothing for an unknown name or
+/// an absurd size. `custom` papers come first; of two with one name, the first.
 std::optional<Sheet> ParsePaper(std::string_view text, std::span<const NamedSheet> custom = {});
 
 /// "A4", "A4 landscape", "100 x 150.5 mm".
 std::string DescribeSheet(const Sheet& sheet);
 
-/// The device mode of this driver for a page on `sheet`. `dpi` lies in kLeastDpi to kMostDpi, the
-/// range that the driver takes.
+/// The device mode of this driver for a page on `sheet`. `dpi`: kMinDpi to kMaxDpi, the range that
+/// the driver accepts.
 DeviceMode MakeDeviceMode(const std::wstring& printer, const Sheet& sheet, int dpi);
-inline constexpr int kLeastDpi = 50;
-inline constexpr int kMostDpi = 1600;
+inline constexpr int kMinDpi = 50;
+inline constexpr int kMaxDpi = 1600;
 
 }  // namespace quillo::host

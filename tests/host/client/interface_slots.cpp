@@ -1,4 +1,5 @@
 // The client's interfaces as the IDL compiler declares them for C: their tables are structs there.
+// Clients in the field are built on these slots.
 #define CINTERFACE
 #include "base/windows.h"
 
@@ -8,29 +9,17 @@
 
 namespace {
 
-constexpr size_t kSlot = sizeof(void*);
+#define CLIENT_SLOT(method) (offsetof(IQuilloClientVtbl, method) / sizeof(void*))
+#define PAGE_SLOT(method) (offsetof(IQuilloPageVtbl, method) / sizeof(void*))
 
-#define EXPECT_SLOT(interface, method, slot) \
-  static_assert(offsetof(interface##Vtbl, method) == (slot)*kSlot)
-
-EXPECT_SLOT(IQuilloClient, Reserved7, 7);
-EXPECT_SLOT(IQuilloClient, NotifyFontsFile, 8);
-EXPECT_SLOT(IQuilloClient, NotifyJobStart, 9);
-EXPECT_SLOT(IQuilloClient, NotifyDocumentEnd, 10);
-EXPECT_SLOT(IQuilloClient, NotifyPageStart, 11);
-EXPECT_SLOT(IQuilloClient, NotifyPage, 12);
-EXPECT_SLOT(IQuilloClient, NotifyJobEnd, 13);
-EXPECT_SLOT(IQuilloClient, NotifyEmbeddedFont, 14);
-EXPECT_SLOT(IQuilloClient, NotifyError, 15);
-EXPECT_SLOT(IQuilloClient, GetPageObject, 16);
-static_assert(sizeof(IQuilloClientVtbl) == 17 * kSlot);
-
-EXPECT_SLOT(IQuilloPage, SetFile, 7);
-EXPECT_SLOT(IQuilloPage, SetWidth, 10);
-EXPECT_SLOT(IQuilloPage, SetHeight, 12);
-EXPECT_SLOT(IQuilloPage, SetMode, 13);
-EXPECT_SLOT(IQuilloPage, SetResolutionX, 15);
-EXPECT_SLOT(IQuilloPage, SetResolutionY, 17);
-static_assert(sizeof(IQuilloPageVtbl) == 18 * kSlot);
+static_assert(CLIENT_SLOT(Reserved7) == 7 && CLIENT_SLOT(NotifyFontsFile) == 8 &&
+              CLIENT_SLOT(NotifyJobStart) == 9 && CLIENT_SLOT(NotifyDocumentEnd) == 10 &&
+              CLIENT_SLOT(NotifyPageStart) == 11 && CLIENT_SLOT(NotifyPage) == 12 &&
+              CLIENT_SLOT(NotifyJobEnd) == 13 && CLIENT_SLOT(NotifyEmbeddedFont) == 14 &&
+              CLIENT_SLOT(NotifyError) == 15 && CLIENT_SLOT(GetPageObject) == 16 &&
+              sizeof(IQuilloClientVtbl) == 17 * sizeof(void*));
+static_assert(PAGE_SLOT(SetFile) == 7 && PAGE_SLOT(SetWidth) == 10 && PAGE_SLOT(SetHeight) == 12 &&
+              PAGE_SLOT(SetMode) == 13 && PAGE_SLOT(SetResolutionX) == 15 &&
+              PAGE_SLOT(SetResolutionY) == 17 && sizeof(IQuilloPageVtbl) == 18 * sizeof(void*));
 
 }  // namespace

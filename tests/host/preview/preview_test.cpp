@@ -13,6 +13,7 @@
 #include "host/emf/metafile_builder.h"
 #include "host/pictures/picture_decoder.h"
 #include "host/preview/canvas.h"
+#include "support/corpus.h"
 
 namespace quillo::host {
 namespace {
@@ -53,9 +54,8 @@ class Preview : public testing::Test {
   /// The colours of the preview at 50 dpi.
   std::function<COLORREF(size_t x, size_t y)> Rendered(int width, int height) const {
     WritePreview(page_, png_, 50);
-    std::ifstream file(png_, std::ios::binary);
-    const std::string bytes(std::istreambuf_iterator<char>(file), {});
-    const PictureDecoder decoder(std::as_bytes(std::span(bytes)));
+    const std::vector<std::byte> bytes = test::ReadFile(png_);
+    const PictureDecoder decoder(bytes);
     EXPECT_NEAR(decoder.FrameResolution(0).x, 50, 0.1);
     const BitmapSource picture = decoder.Frame(0, 5000);
     EXPECT_EQ(picture.width, width);
@@ -107,23 +107,13 @@ TEST_F(Preview, WidePens_HaveDashesPatternsAndMiters) {
   file.Add(emf::kEmrSELECTOBJECT, {1});
   file.Add(emf::kEmrMOVETOEX, {0, 10});
   file.Add(emf::kEmrLINETO, {80, 10});
-  // Eight rows of eight pixels, one bit each, all of the same colour.
-  file.Add(emf::kEmrEXTCREATEPEN, {2,     56,
-                                   48,    104,
-                                   32,    PS_GEOMETRIC | PS_JOIN_MITER,
-                                   20,    BS_DIBPATTERNPT,
-                                   0,     0,
-                                   0,     0,
-                                   40,    8,
-                                   8,     0x10001,
-                                   0,     0,
-                                   0,     0,
-                                   0,     0,
-                                   kBlue, kBlue,
-                                   0,     0,
-                                   0,     0,
-                                   0,     0,
-                                   0,     0});
+  // clang-format off
+  file.Add(emf::kEmrEXTCREATEPEN, {
+      2, 56, 48, 104, 32,  // header and bits of the pattern: places and sizes
+      PS_GEOMETRIC | PS_JOIN_MITER, 20, BS_DIBPATTERNPT, 0, 0, 0, 0,
+      40, 8, 8, 0x10001, 0, 0, 0, 0, 0, 0, kBlue, kBlue,  // one bit a pixel, both of a colour
+      0, 0, 0, 0, 0, 0, 0, 0});
+  // clang-format on
   file.Add(emf::kEmrSELECTOBJECT, {2});
   file.Add(emf::kEmrSETMITERLIMIT, {10});
   file.Add(emf::kEmrPOLYLINE, {0, 0, 0, 0, 3, 20, 40, 80, 40, 80, 20});

@@ -1,74 +1,48 @@
 #include "host/printer/printer_values.h"
 
 #include <algorithm>
+#include <cstdio>
 #include <gtest/gtest.h>
 #include <thread>
 
 #include "base/system_owners.h"
+#include "host/base/text.h"
 #include "host/printer/printer_setup.h"
+#include "support/case_table.h"
 
 namespace quillo::host {
 namespace {
 
-TEST(ParsePrinterValue, Texts_GiveValueOrNothing) {
-  const struct {
-    const char* text;
-    bool understood;
-    DWORD type;
-    std::vector<int> bytes;
-  } cases[] = {
-      {"a=bc", true, REG_SZ, {'b', 0, 'c', 0, 0, 0}},
-      {"a=", true, REG_SZ, {0, 0}},
-      {"a=b=c", true, REG_SZ, {'b', 0, '=', 0, 'c', 0, 0, 0}},
-      {"a=dword:258", true, REG_DWORD, {2, 1, 0, 0}},
-      {"a=dword:0xFF000000", true, REG_DWORD, {0, 0, 0, 255}},
-      {"a=hex:0a,1B 2c3d", true, REG_BINARY, {0x0A, 0x1B, 0x2C, 0x3D}},
-      {"a=hex:", true, REG_BINARY, {}},
-      {"=b", false, 0, {}},
-      {"a", false, 0, {}},
-      {"a=dword:", false, 0, {}},
-      {"a=dword:4294967296", false, 0, {}},
-      {"a=dword:-1", false, 0, {}},
-      {"a=dword:1x", false, 0, {}},
-      {"a=hex:0", false, 0, {}},
-      {"a=hex:0g", false, 0, {}},
-  };
-  for (const auto& test : cases) {
-    const auto value = ParsePrinterValue(test.text);
-    ASSERT_EQ(value.has_value(), test.understood) << test.text;
-    if (!value) continue;
-    EXPECT_EQ(value->name, L"a") << test.text;
-    EXPECT_EQ(value->type, test.type) << test.text;
-    std::vector<int> bytes;
-    for (const std::byte byte : value->bytes) bytes.push_back(std::to_integer<int>(byte));
-    EXPECT_EQ(bytes, test.bytes) << test.text;
-  }
+std::string Describe(const Sheet& sheet) {
+  return std::to_string(sheet.paper) + " " + std::to_string(sheet.width) + "x" +
+         std::to_string(sheet.height);
 }
 
-TEST(ParseCustomPaper, Texts_GivePaperOrReason) {
-  const struct {
-    const char* text;
-    std::optional<NamedSheet> paper;
-    const char* why;
-  } cases[] = {
-      {"Badge,300,86x54", NamedSheet{"Badge", {.paper = 300, .width = 860, .height = 540}}, ""},
-      {"a, b,257,1x2.5", NamedSheet{"a, b", {.paper = 257, .width = 10, .height = 25}}, ""},
-      {"a,256,1x2", {}, "the number must lie between 257 and 32767"},  // DMPAPER_USER
-      {"a,32768,1x2", {}, "the number must lie between 257 and 32767"},
-      {"a,300,A4", {}, "the size must be two sides of 1 to 3276 millimetres, such as 100x150.5"},
-      {"a,300", {}, ""},
-      {",300,1x2", {}, ""},
-      {",1x2", {}, ""},
-      {"", {}, ""},
-      {"0123456789012345678901234567890123456789012345678901234567890123,300,1x2",
-       {},
-       "the name must have at most 63 characters"},
-  };
-  for (const auto& test : cases) {
-    std::string why;
-    EXPECT_EQ(ParseCustomPaper(test.text, why), test.paper) << test.text;
-    EXPECT_EQ(why, test.why) << test.text;
+std::string Describe(const PrinterValue& value) {
+  std::string text = ToUtf8(value.name) + " " + std::to_string(value.type);
+  for (const std::byte byte : value.bytes) {
+    char hex[4];
+    std::snprintf(hex, sizeof hex, " %02x", std::to_integer<unsigned>(byte));
+    text += hex;
   }
+  return text;
+}
+
+TEST(CommandLineValues, Texts_GiveValueOrReason) {
+  test::CheckCases("host/printer.txt", [](const std::vector<std::string>& fields) -> std::string {
+    const std::string& text = fields[1];
+    if (fields[0] == "paper") {
+      const auto sheet = ParsePaper(text);
+      return sheet ? Describe(*sheet) : "-";
+    }
+    if (fields[0] == "value") {
+      const auto value = ParsePrinterValue(text);
+      return value ? Describe(*value) : "-";
+    }
+    std::string why;
+    const auto paper = ParseCustomPaper(text, why);
+    return paper ? paper->name + " " + Describe(paper->sheet) : why.empty() ? "-" : "- " + why;
+  });
 }
 
 TEST(StoreCustomPaper, SeveralAtOnce_AreAllKept) {

@@ -28,15 +28,11 @@ TEST(ReadBmp, BitFields_KeepTheirMasks) {
 
 TEST(ReadBmp, RunLengths_LeaveIndex0AndNameDamage) {
   // 4 x 2 pixels of 8 bits in two colours.
-  const std::vector<uint16_t> header = {'B' | 'M' << 8,
-                                        0,
-                                        0,
-                                        0,
-                                        0,
-                                        62,
-                                        0,  // clang-format off
-                                        40, 0, 4, 0, 2, 0, 1, 8, 1, 0, 0, 0, 0, 0, 0, 0, 2, 0, 0, 0,
-                                        0, 0, 0xFFFF, 0xFF};  // clang-format on
+  // clang-format off
+  const std::vector<uint16_t> header = {
+      'B' | 'M' << 8, 0, 0, 0, 0, 62, 0,
+      40, 0, 4, 0, 2, 0, 1, 8, 1, 0, 0, 0, 0, 0, 0, 0, 2, 0, 0, 0, 0, 0, 0xFFFF, 0xFF};
+  // clang-format on
   const char* const cut = "its run-length code is damaged: it ends before the picture does";
   const char* const over = "its run-length code is damaged: it leaves the picture's edges";
   const struct {
