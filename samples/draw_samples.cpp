@@ -35,7 +35,7 @@ POINT OnCircle(POINT centre, double radius, double turns) {
   return {centre.x + Round(radius * std::sin(angle)), centre.y - Round(radius * std::cos(angle))};
 }
 
-/// A call of GDI, or what stands in for it where the recorder would drop records.
+/// A GDI call, or its replacement where the recorder would drop records.
 template <typename Function>
 Function* Recording(const char* name, Function* gdi) {
   static const std::vector<DWORD> dropped = host::DroppedRecords();
@@ -58,7 +58,7 @@ class Sheet {
     return pen;
   }
 
-  /// Draws with a pen and a brush selected; null stands for the stock object that draws nothing.
+  /// Draws with a pen and a brush selected; null is the stock object that draws nothing.
   void With(HPEN pen, HBRUSH brush, const std::function<void()>& draw) const {
     const SelectScope with_pen(dc_, pen != nullptr ? pen : GetStockObject(NULL_PEN));
     const SelectScope with_brush(dc_, brush != nullptr ? brush : GetStockObject(NULL_BRUSH));

@@ -7,15 +7,15 @@
 
 namespace quillo::host {
 
-/// A system call that failed. The message says what could not be done, which call it was, and the
-/// system's own reason.
+/// A system call that failed. The message states what could not be done, which call failed, and
+/// the system's own reason.
 class SystemFailure : public std::runtime_error {
  public:
   /// `what` reads like "cannot open the printer"; `error` is a Windows error code or an HRESULT.
   SystemFailure(const std::string& what, const std::string& call, DWORD error = GetLastError());
 };
 
-/// Results that could not be written.
+/// Results that could not be written or read back.
 class ResultFailure : public SystemFailure {
  public:
   using SystemFailure::SystemFailure;

@@ -7,8 +7,8 @@
 
 namespace quillo::host {
 
-/// Holds a mutex that processes share by name, for the length of a scope. Waits a minute until it
-/// is free; a holder that died counts as gone.
+/// Holds a mutex that processes share by name, for the length of a scope. Waits at most a minute
+/// for it; a mutex whose holder died is free.
 class NamedMutex {
  public:
   /// Throws SystemFailure.

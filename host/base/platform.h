@@ -2,7 +2,7 @@
 
 namespace quillo::host {
 
-/// Whether this is Wine, where what an installer sets up on Windows is missing.
+/// Whether this is Wine, which lacks what an installer sets up on Windows.
 bool RunsUnderWine();
 
 }  // namespace quillo::host

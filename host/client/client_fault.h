@@ -5,13 +5,13 @@
 
 namespace quillo::host {
 
-/// How a client misbehaves, for tests of what the driver makes of it.
+/// How a client misbehaves: tests of the driver's failure paths ask for it.
 enum class ClientFault {
   kNone,
   kAbsent,           // there is no client
   kLate,             // comes after the job was opened, before its first page
-  kFailing,          // every call answers a failure
-  kHanging,          // answers the first NotifyPage after three seconds
+  kFailing,          // every call returns a failure
+  kHanging,          // returns from the first NotifyPage after three seconds
   kDying,            // its process ends in NotifyPage
   kWithoutTextRuns,  // its page objects do not know the property
 };

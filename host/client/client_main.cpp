@@ -17,7 +17,7 @@ namespace {
 
 using Json = nlohmann::ordered_json;
 
-/// False when the line cannot be written: then nobody listens any more.
+/// False when the line cannot be written: nobody reads it any more.
 bool WriteLine(DWORD stream, const std::string& text) {
   const std::string line = text + "\n";
   DWORD written = 0;

@@ -12,8 +12,7 @@ namespace quillo::host {
 ///
 /// Writes a line of JSON to standard output for each thing that happens: {"ready": true} when the
 /// driver may begin, {"call": ...} for each call as ClientObject reports it, {"job_end_event": ...}
-/// at the end: whether the event was set. What keeps the client from working goes to standard
-/// error.
+/// at the end: whether the event was set. Failures go to standard error.
 int RunClient(DWORD job_id, ClientFault fault);
 
 }  // namespace quillo::host

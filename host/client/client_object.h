@@ -16,7 +16,7 @@
 namespace quillo::host {
 
 /// The client application's callback object: copies pages and fonts into a folder while the driver
-/// waits, and tells `report` of every call, one at a time and in their order.
+/// waits, and passes every call to `report`, one at a time and in order.
 ///
 /// A report is an object with the member "method" and the call's arguments; pages and fonts have
 /// "file" (in the folder) when they were copied, "copy_error" (a Windows error code) when not.
@@ -38,7 +38,7 @@ class ClientObject : public ComObject<IQuilloClient> {
   HRESULT STDMETHODCALLTYPE GetPageObject(IQuilloPage** page) override;
 
  private:
-  /// Reports a call and gives its answer.
+  /// Reports a call and returns its result.
   HRESULT Answer(const nlohmann::ordered_json& call);
   void CopyTo(nlohmann::ordered_json& call, const std::wstring& from, const std::wstring& name);
   /// The number of a page object of this client; 0 for any other.
@@ -48,7 +48,7 @@ class ClientObject : public ComObject<IQuilloClient> {
   const ClientFault fault_;
   const Report report_;
   std::mutex mutex_;         // calls come on COM's threads
-  ComPtr<PageObject> page_;  // the one given out last
+  ComPtr<PageObject> page_;  // the latest one
   int pages_ = 0;
 };
 

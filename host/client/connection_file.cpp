@@ -11,7 +11,7 @@ namespace quillo::host {
 namespace {
 
 constexpr char kCannotConnect[] = "cannot make the client's connection file";
-// Spelled as the driver asks for it.
+// Compatibility: misspelled as drivers and clients have always had it.
 constexpr wchar_t kStreamName[] = L"IQuilloConnectionPiont";
 
 }  // namespace

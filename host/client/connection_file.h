@@ -10,7 +10,7 @@
 namespace quillo::host {
 
 /// The file in the user's TEMP folder by which the driver finds the client of a job. The driver
-/// deletes it when it has read it; whatever is left of it goes at the end of the scope.
+/// deletes it once it has read it; if it has not, the end of the scope does.
 class ConnectionFile {
  public:
   /// Marshals `client` into the file of the job. Throws SystemFailure.

@@ -7,8 +7,8 @@
 namespace quillo::host {
 
 /// Reads the font-options file that the driver writes at the end of a document, font by font; the
-/// stream holds one LOGFONTW of 92 bytes for each and nothing else. A failure of structured storage
-/// is the result; half a font at the end is not given.
+/// stream holds one LOGFONTW of 92 bytes for each and nothing else. Returns the
+/// failure of structured storage; half a font at the end is ignored.
 HRESULT ReadFontsFile(const wchar_t* path, const std::function<void(const LOGFONTW&)>& font);
 
 }  // namespace quillo::host

@@ -10,7 +10,7 @@
 
 namespace quillo::host {
 
-/// What the driver says about a page.
+/// What the driver reports about a page.
 struct PageDescription {
   std::wstring file;
   LONG kind = 0;
@@ -22,10 +22,11 @@ struct PageDescription {
   std::vector<LONG> text_runs;  // glyphs of each text run
 };
 
-/// Takes down what it is told about one page.
+/// Keeps what the driver reports about one page.
 class PageObject : public ComObject<IQuilloPage> {
  public:
-  /// `number` counts the job's pages from 1. `takes_text_runs`: whether it has that property.
+  /// `number` counts the job's pages from 1. `takes_text_runs`: whether it has
+  /// the property TextRuns.
   PageObject(int number, bool takes_text_runs)
       : number_(number), takes_text_runs_(takes_text_runs) {}
 

@@ -2,12 +2,15 @@
 
 #include "base/windows.h"
 
+#include <iterator>
 #include <oleauto.h>
+#include <string>
 
 #include "base/com_owners.h"
 #include "base/system_owners.h"
 #include "host/base/failure.h"
 #include "host/base/platform.h"
+#include "interface/quillo.h"
 
 // Missing in mingw-w64's header.
 extern "C" HRESULT WINAPI RegisterTypeLibForUser(ITypeLib* library, OLECHAR* path, OLECHAR* help);
@@ -17,11 +20,13 @@ namespace quillo::host {
 namespace {
 
 constexpr char kCannotRegister[] = "cannot register the client's interface";
-constexpr wchar_t kInterfaceKey[] = L"Interface\\{7A3E5D12-9B41-4C6F-A8D2-3F5B9C0E1D47}\\TypeLib";
 
 bool InterfaceIsRegistered() {
+  wchar_t id[39];  // braces, 36 characters, terminator
+  StringFromGUID2(__uuidof(IQuilloClient), id, static_cast<int>(std::size(id)));
+  const std::wstring path = std::wstring(L"Interface\\") + id + L"\\TypeLib";
   RegistryKey key;
-  return RegOpenKeyExW(HKEY_CLASSES_ROOT, kInterfaceKey, 0, KEY_READ, key.Receive()) ==
+  return RegOpenKeyExW(HKEY_CLASSES_ROOT, path.c_str(), 0, KEY_READ, key.Receive()) ==
          ERROR_SUCCESS;
 }
 

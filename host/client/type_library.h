@@ -2,8 +2,8 @@
 
 namespace quillo::host {
 
-/// Registers the type library in this executable, through which COM carries the client's calls from
-/// process to process. On Windows, an installed client's registration stays as it is. Throws
+/// Registers the type library in this executable, by which COM marshals the client's calls between
+/// processes. On Windows, an installed client's registration stays as it is. Throws
 /// SystemFailure.
 void RegisterTypeLibrary();
 

@@ -27,7 +27,7 @@ constexpr size_t kHeadBytes = 256;
 constexpr InputKind kKinds[] = {
     {LooksLikeMetafile, OpenMetafile},
     {LooksLikePicture, OpenPicture},
-    {LooksLikeText, OpenText},  // the last: any text may begin like anything
+    {LooksLikeText, OpenText},  // last: text may begin with anything
 };
 
 [[noreturn]] void RefuseUnreadable(DWORD error) {
@@ -66,10 +66,10 @@ KernelHandle OpenFile(const std::filesystem::path& path) {
 
 /// Appends the file's next bytes to `content`, up to a size of `size`.
 void Read(HANDLE file, std::vector<std::byte>& content, size_t size) {
-  constexpr size_t kMostAtOnce = 64 << 20;
+  constexpr size_t kMaxBytesAtOnce = 64 << 20;
   while (content.size() < size) {
     const size_t begin = content.size();
-    const size_t wanted = std::min(size - begin, kMostAtOnce);
+    const size_t wanted = std::min(size - begin, kMaxBytesAtOnce);
     content.resize(begin + wanted);
     DWORD read = 0;
     if (!ReadFile(file, content.data() + begin, static_cast<DWORD>(wanted), &read, nullptr)) {

@@ -9,7 +9,7 @@
 
 namespace quillo::host {
 
-/// Whether a file that begins with `head` means to be an enhanced metafile.
+/// Whether a file that begins with `head` is meant as an enhanced metafile.
 bool LooksLikeMetafile(Bytes head);
 
 /// An enhanced metafile: one page. Throws UnreadableInput.

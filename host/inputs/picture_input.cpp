@@ -15,8 +15,8 @@ namespace quillo::host {
 
 namespace {
 
-// A frame of so many pixels takes 1.5 GB.
-constexpr uint64_t kMostPixels = 500'000'000;
+// A frame of this size takes 1.5 GB.
+constexpr uint64_t kMaxPixels = 500'000'000;
 
 /// Where a picture of this size in inches goes on the page.
 RECTL Place(double width, double height, SIZEL page, const PageSetup& setup) {
@@ -36,14 +36,14 @@ RECTL Place(double width, double height, SIZEL page, const PageSetup& setup) {
 class PictureInput : public PrintInput {
  public:
   explicit PictureInput(std::vector<std::byte> content) : content_(std::move(content)) {
-    // Decoded to see that it can be, and dropped: many pictures may wait to be printed.
+    // The first frame is decoded only to see that it can be: many pictures may wait to be printed.
     if (IsRunLengthBmp(content_)) {
       OpenAsDib();
       return;
     }
     try {
       const PictureDecoder decoder(content_);
-      decoder.Frame(0, kMostPixels);
+      decoder.Frame(0, kMaxPixels);
       frame_count_ = decoder.FrameCount();
       animation_ = GifAnimation::Open(content_);
     } catch (const UnreadablePicture&) {
@@ -89,8 +89,8 @@ class PictureInput : public PrintInput {
     const Orientation orientation = OrientationOf(content_, next_);
     try {
       picture_ =
-          WithFewestBits(animation_ ? animation_->Next(decoder, kMostPixels)
-                                    : TurnUpright(decoder.Frame(next_, kMostPixels), orientation));
+          WithFewestBits(animation_ ? animation_->Next(decoder, kMaxPixels)
+                                    : TurnUpright(decoder.Frame(next_, kMaxPixels), orientation));
     } catch (const UnreadablePicture& refused) {
       throw UnreadableInput("has a frame " + std::to_string(next_ + 1) + " that " + refused.what());
     }
@@ -98,7 +98,7 @@ class PictureInput : public PrintInput {
     if (SwapsSides(orientation)) std::swap(dpi_.x, dpi_.y);
   }
 
-  std::vector<std::byte> content_;  // of the file; empty behind the last frame
+  std::vector<std::byte> content_;  // of the file; empty after the last frame
   UINT frame_count_ = 0;
   std::optional<GifAnimation> animation_;
   bool read_as_dib_ = false;  // a BMP file that the platform cannot decode, or not well
@@ -117,7 +117,7 @@ bool LooksLikePicture(Bytes head) {
            std::memcmp(head.data(), beginning.data(), beginning.size()) == 0;
   };
   constexpr std::string_view kSignatures[] = {"\x89PNG"sv, "\xFF\xD8\xFF"sv, "II*\0"sv, "MM\0*"sv};
-  constexpr std::string_view kLetters[] = {"BM"sv, "GIF8"sv};  // text may begin so, too
+  constexpr std::string_view kLetters[] = {"BM"sv, "GIF8"sv};  // text may begin with them as well
   const auto holds_zero = [head] { return std::ranges::find(head, std::byte{0}) != head.end(); };
   return std::ranges::any_of(kSignatures, begins) ||
          (std::ranges::any_of(kLetters, begins) && holds_zero());

@@ -9,8 +9,8 @@
 
 namespace quillo::host {
 
-/// Whether a file that begins with `head` means to be a picture (PNG, JPEG, BMP, TIFF, GIF). A text
-/// that begins with the letters of one is none.
+/// Whether a file that begins with `head` is meant as a picture (PNG, JPEG, BMP, TIFF, GIF). Text
+/// that begins with the letters of one is not.
 bool LooksLikePicture(Bytes head);
 
 /// A picture: a page for each frame, upright, one stretched blit each. Needs COM on this thread.

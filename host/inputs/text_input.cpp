@@ -26,7 +26,8 @@ struct TextPage {
   int lines;
 };
 
-/// The advance that the page's font has by itself, so that whole lines are drawn at once.
+/// The advance of a character in the page's own font, in device pixels: text with these advances is
+/// drawn a whole line at a time.
 double AdvanceOnPage(const TextFont& font, char32_t character) {
   const XFORML font_to_device = {static_cast<float>(font.ScaleX()), 0, 0,
                                  static_cast<float>(font.ScaleY()), 0, 0};
@@ -79,9 +80,9 @@ class TextInput : public PrintInput {
   }
 
  private:
-  /// A line stands on the page's cells. What other fonts show stands as close as those have it,
-  /// since a gap would read as a blank and letters may join; the next blank leads back to the
-  /// cells.
+  /// Characters are placed on the page's cells. Those of other fonts keep their own, narrower
+  /// advances, since a gap would read as a blank and letters may join; the next blank ends where
+  /// its cell does.
   TextDescription Describe(const TextLine& line, const FontChoice::Font& font, const TextPage& page,
                            double baseline, DrawResult& result) {
     FontChoice choice = fonts_.Choose(font, line.text);
@@ -117,7 +118,7 @@ class TextInput : public PrintInput {
     return text;
   }
 
-  /// The characters of fonts that stand in for the page's own.
+  /// Counts the characters that other fonts show.
   static void CountOthers(const FontChoice& choice, const FontChoice::Font& font,
                           DrawResult& result) {
     for (const FontChoice::Font& other : choice.fonts) {

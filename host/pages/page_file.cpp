@@ -53,7 +53,7 @@ wchar_t AsSearched(wchar_t unit) {
   }
 }
 
-/// Follows the fonts of a page and takes down its text.
+/// Follows the fonts of a page and collects its text.
 class TextCollector {
  public:
   TextCollector(const std::vector<bool>& glyph_texts, PageContent& content)
@@ -109,7 +109,7 @@ class TextCollector {
   PageContent& content_;
   std::map<uint32_t, std::string> faces_;  // of the font objects, by number
   std::string face_;                       // of the selected font
-  bool call_open_ = false;                 // whether the last text's call may go on
+  bool call_open_ = false;                 // whether the next text may be of the same call
 };
 
 }  // namespace

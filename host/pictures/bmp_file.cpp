@@ -12,7 +12,7 @@ namespace quillo::host {
 
 namespace {
 
-// Offsets of BITMAPFILEHEADER and, behind it, of BITMAPINFOHEADER.
+// Offsets in BITMAPFILEHEADER and in the BITMAPINFOHEADER that follows.
 constexpr size_t kBitsOffset = 10;
 constexpr size_t kFileHeader = 14;
 constexpr size_t kCompression = 16;
@@ -50,7 +50,7 @@ BmpPicture ReadBmp(Bytes file) {
       emf::ParseDib(info, file.subspan(bits_offset), emf::DibColors::kRgb, 0, {}, what);
   if (!dib) throw UnreadablePicture("cannot be read: " + what);
   const auto per_inch = [info](size_t offset) {
-    // The oldest headers end before it.
+    // BITMAPCOREHEADER ends before it.
     return LoadOrZero<uint32_t>(info) > offset ? LoadOrZero<int32_t>(info, offset) * 0.0254 : 0;
   };
   BmpPicture read;

@@ -23,8 +23,8 @@ enum Compression : uint32_t {
   kAlphaBitFields = 6,
 };
 
-// A run-length picture may announce far more pixels than its bytes make; so many are accepted.
-constexpr uint64_t kMostRunLengthPixels = 1 << 26;
+// A run-length picture may announce far more pixels than its bytes make; this many are accepted.
+constexpr uint64_t kMaxRunLengthPixels = 1 << 26;
 
 struct Header {
   size_t size = 0;
@@ -32,8 +32,8 @@ struct Header {
   int64_t height = 0;  // negative: top-down
   uint16_t depth = 0;
   uint32_t compression = kRgb;
-  uint32_t colors_used = 0;
-  size_t color_bytes = 4;  // of one entry of the colour table
+  uint32_t colours_used = 0;
+  size_t colour_bytes = 4;  // of one entry of the colour table
 };
 
 std::optional<Header> ReadHeader(Bytes info) {
@@ -44,7 +44,7 @@ std::optional<Header> ReadHeader(Bytes info) {
     header.width = LoadOrZero<uint16_t>(info, 4);
     header.height = LoadOrZero<uint16_t>(info, 6);
     header.depth = LoadOrZero<uint16_t>(info, 10);
-    header.color_bytes = 3;
+    header.colour_bytes = 3;
     return header;
   }
   if (header.size < kInfoHeader) return std::nullopt;
@@ -52,7 +52,7 @@ std::optional<Header> ReadHeader(Bytes info) {
   header.height = LoadOrZero<int32_t>(info, 8);
   header.depth = LoadOrZero<uint16_t>(info, 14);
   header.compression = LoadOrZero<uint32_t>(info, 16);
-  header.colors_used = LoadOrZero<uint32_t>(info, 32);
+  header.colours_used = LoadOrZero<uint32_t>(info, 32);
   return header;
 }
 
@@ -101,23 +101,24 @@ bool ReadMasks(Bytes info, const Header& header, Dib& dib) {
 }
 
 /// The colour table, as far as `info` holds it.
-void ReadPalette(Bytes info, const Header& header, DibColors colors,
+void ReadPalette(Bytes info, const Header& header, DibColors colours,
                  const std::vector<uint32_t>& palette, Dib& dib) {
-  const size_t most = size_t{1} << dib.depth;
-  if (colors == DibColors::kNone) {
-    dib.palette.assign(palette.begin(),
-                       palette.begin() + static_cast<ptrdiff_t>(std::min(most, palette.size())));
+  const size_t max_count = size_t{1} << dib.depth;
+  if (colours == DibColors::kNone) {
+    dib.palette.assign(palette.begin(), palette.begin() + static_cast<ptrdiff_t>(
+                                                              std::min(max_count, palette.size())));
     // Without a palette, two colours are black and white.
     if (dib.palette.empty() && dib.depth == 1) dib.palette = {0x000000, 0xFFFFFF};
     return;
   }
   const Bytes table = info.subspan(header.size);
-  const size_t entry = colors == DibColors::kPaletteEntries ? 2 : header.color_bytes;
-  size_t count = header.colors_used != 0 ? std::min<size_t>(header.colors_used, most) : most;
+  const size_t entry = colours == DibColors::kPaletteEntries ? 2 : header.colour_bytes;
+  size_t count =
+      header.colours_used != 0 ? std::min<size_t>(header.colours_used, max_count) : max_count;
   count = std::min(count, table.size() / entry);
   dib.palette.resize(count);
   for (size_t i = 0; i < count; ++i) {
-    if (colors == DibColors::kPaletteEntries) {
+    if (colours == DibColors::kPaletteEntries) {
       const auto index = LoadOrZero<uint16_t>(table, 2 * i);
       dib.palette[i] = index < palette.size() ? palette[index] : 0;
     } else {
@@ -128,7 +129,7 @@ void ReadPalette(Bytes info, const Header& header, DibColors colors,
 
 }  // namespace
 
-std::optional<Dib> ParseDib(Bytes info, Bytes bits, DibColors colors, uint32_t rows,
+std::optional<Dib> ParseDib(Bytes info, Bytes bits, DibColors colours, uint32_t rows,
                             const std::vector<uint32_t>& palette, std::string& what) {
   const auto refuse = [&what](std::string why) {
     what = std::move(why);
@@ -146,8 +147,7 @@ std::optional<Dib> ParseDib(Bytes info, Bytes bits, DibColors colors, uint32_t r
                   " bits a pixel with compression " + std::to_string(header->compression));
   }
   const int64_t height = header->height < 0 ? -header->height : header->height;
-  if (header->width < 1 || header->width > Dib::kMostSide || height < 1 ||
-      height > Dib::kMostSide) {
+  if (header->width < 1 || header->width > Dib::kMaxSide || height < 1 || height > Dib::kMaxSide) {
     return refuse("a bitmap of " + std::to_string(header->width) + " x " +
                   std::to_string(header->height) + " pixels");
   }
@@ -157,7 +157,7 @@ std::optional<Dib> ParseDib(Bytes info, Bytes bits, DibColors colors, uint32_t r
   dib.bits = bits;
 
   if (dib.coding == Dib::Coding::kRunLength &&
-      static_cast<uint64_t>(dib.width) * static_cast<uint64_t>(dib.height) > kMostRunLengthPixels) {
+      static_cast<uint64_t>(dib.width) * static_cast<uint64_t>(dib.height) > kMaxRunLengthPixels) {
     return refuse("a run-length bitmap of " + std::to_string(dib.width) + " x " +
                   std::to_string(dib.height) + " pixels");
   }
@@ -172,7 +172,7 @@ std::optional<Dib> ParseDib(Bytes info, Bytes bits, DibColors colors, uint32_t r
       return refuse("the bitmap's colour masks do not fit");
     }
   }
-  if (dib.depth != 0 && dib.depth <= 8) ReadPalette(info, *header, colors, palette, dib);
+  if (dib.depth != 0 && dib.depth <= 8) ReadPalette(info, *header, colours, palette, dib);
   return dib;
 }
 

@@ -6,14 +6,14 @@ namespace quillo::host::emf {
 
 namespace {
 
-// A coded picture's pixels: 100 MB as it is decoded, and as much again on each step to the page.
-constexpr uint64_t kMostCodedPixels = 1 << 25;
+// Pixels of a coded picture: 100 MB decoded, and as much again on each step to the page.
+constexpr uint64_t kMaxCodedPixels = 1 << 25;
 
 }  // namespace
 
 BitmapSource SourceOf(const Dib& dib) {
   if (dib.coding == Dib::Coding::kJpeg || dib.coding == Dib::Coding::kPng) {
-    return PictureDecoder(dib.bits).Frame(0, kMostCodedPixels);
+    return PictureDecoder(dib.bits).Frame(0, kMaxCodedPixels);
   }
   BitmapSource bitmap;
   bitmap.width = dib.width;

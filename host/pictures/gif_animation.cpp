@@ -12,7 +12,7 @@ constexpr uint8_t kExtension = 0x21;
 constexpr uint8_t kGraphicControl = 0xF9;
 constexpr uint8_t kImage = 0x2C;
 
-/// Reads a file's blocks in turn; behind its end everything is 0.
+/// Reads a file's blocks in turn; past its end everything is 0.
 class Blocks {
  public:
   explicit Blocks(Bytes file) : rest_(file) {}
@@ -27,8 +27,8 @@ class Blocks {
   void SkipSubBlocks() {
     while (const auto size = Take<uint8_t>()) Skip(size);
   }
-  /// A colour table, as the flags in front of it say.
-  void SkipColorTable(uint8_t flags) {
+  /// Skips the colour table that the flags before it announce.
+  void SkipColourTable(uint8_t flags) {
     if ((flags & 0x80) != 0) Skip(size_t{3} << ((flags & 7) + 1));
   }
 
@@ -55,7 +55,7 @@ std::optional<GifAnimation> GifAnimation::Open(Bytes file) {
   animation.screen_.cy = blocks.Take<uint16_t>();
   const auto screen_flags = blocks.Take<uint8_t>();
   blocks.Skip(2);  // background colour, which viewers ignore; aspect ratio
-  blocks.SkipColorTable(screen_flags);
+  blocks.SkipColourTable(screen_flags);
 
   Disposal disposal = Disposal::kNone;
   for (auto kind = blocks.Take<uint8_t>(); kind == kExtension || kind == kImage;
@@ -72,7 +72,7 @@ std::optional<GifAnimation> GifAnimation::Open(Bytes file) {
     RECT area{blocks.Take<uint16_t>(), blocks.Take<uint16_t>(), 0, 0};
     area.right = area.left + blocks.Take<uint16_t>();
     area.bottom = area.top + blocks.Take<uint16_t>();
-    blocks.SkipColorTable(blocks.Take<uint8_t>());
+    blocks.SkipColourTable(blocks.Take<uint8_t>());
     blocks.Skip(1);  // width of the codes
     blocks.SkipSubBlocks();
     animation.frames_.push_back({area, std::exchange(disposal, Disposal::kNone)});
@@ -85,11 +85,11 @@ std::optional<GifAnimation> GifAnimation::Open(Bytes file) {
   return animation;
 }
 
-BitmapSource GifAnimation::Next(const PictureDecoder& decoder, uint64_t most_pixels) {
+BitmapSource GifAnimation::Next(const PictureDecoder& decoder, uint64_t max_pixels) {
   if (next_ == frames_.size()) throw UnreadablePicture("is missing");
   if (next_ == 0) {
     canvas_ =
-        BlankPicture(static_cast<UINT>(screen_.cx), static_cast<UINT>(screen_.cy), most_pixels);
+        BlankPicture(static_cast<UINT>(screen_.cx), static_cast<UINT>(screen_.cy), max_pixels);
   }
   const Frame& frame = frames_[next_];
   BitmapSource before;

@@ -14,15 +14,15 @@ namespace quillo::host {
 /// before it have left.
 class GifAnimation {
  public:
-  /// Nothing when the file is no GIF.
+  /// Nothing when the file is not a GIF.
   static std::optional<GifAnimation> Open(Bytes file);
 
-  /// What is seen from the next frame on, on white, 24 bits a pixel, rows from the top. `decoder`
-  /// is one of the same file. Throws UnreadablePicture, also beyond the last frame.
-  BitmapSource Next(const PictureDecoder& decoder, uint64_t most_pixels);
+  /// What a viewer shows with the next frame, on white, 24 bits a pixel, rows from the top.
+  /// `decoder` is one of the same file. Throws UnreadablePicture, also after the last frame.
+  BitmapSource Next(const PictureDecoder& decoder, uint64_t max_pixels);
 
  private:
-  /// What becomes of a frame before the one behind it is drawn (GIF89a, graphic control).
+  /// What becomes of a frame before the next one is drawn (GIF89a, graphic control).
   enum class Disposal { kNone, kStays, kClears, kRestores };
   struct Frame {
     RECT area;

@@ -7,7 +7,7 @@ namespace quillo::host {
 
 namespace {
 
-/// What lies behind `offset`; nothing when that is outside.
+/// What follows from `offset` on; empty when that is outside.
 Bytes From(Bytes bytes, size_t offset) {
   return offset < bytes.size() ? bytes.subspan(offset) : Bytes();
 }

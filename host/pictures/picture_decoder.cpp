@@ -9,7 +9,7 @@ namespace quillo::host {
 
 namespace {
 
-/// Why the platform does not decode a picture. Of damage its decoders know no more than that.
+/// Why the platform does not decode a picture. Its decoders do not tell kinds of damage apart.
 std::string ReasonOf(HRESULT result) {
   constexpr int kOfCodecs = 0x898;  // the facility of WINCODEC_ERR_*
   switch (result) {
@@ -47,8 +47,8 @@ Resolution UsableResolution(Resolution dpi) {
   return usable(dpi.x) && usable(dpi.y) ? dpi : Resolution{96, 96};
 }
 
-BitmapSource BlankPicture(UINT width, UINT height, uint64_t most_pixels) {
-  if (width == 0 || height == 0 || uint64_t{width} * height > most_pixels) {
+BitmapSource BlankPicture(UINT width, UINT height, uint64_t max_pixels) {
+  if (width == 0 || height == 0 || uint64_t{width} * height > max_pixels) {
     throw UnreadablePicture("has " + std::to_string(width) + " x " + std::to_string(height) +
                             " pixels");
   }
@@ -89,10 +89,10 @@ Resolution PictureDecoder::FrameResolution(UINT index) const {
   return UsableResolution(dpi);
 }
 
-BitmapSource PictureDecoder::Frame(UINT index, uint64_t most_pixels) const {
+BitmapSource PictureDecoder::Frame(UINT index, uint64_t max_pixels) const {
   UINT width = 0, height = 0;
   Step(OpenFrame(index)->GetSize(&width, &height));
-  BitmapSource picture = BlankPicture(width, height, most_pixels);
+  BitmapSource picture = BlankPicture(width, height, max_pixels);
   BlendFrame(index, {0, 0}, picture);
   return picture;
 }
@@ -107,7 +107,7 @@ void PictureDecoder::BlendFrame(UINT index, POINT at, BitmapSource& picture) con
   ComPtr<IWICBitmapSource> pixels;
   Step(WICConvertBitmapSource(GUID_WICPixelFormat32bppBGRA, frame.Get(), pixels.Receive()));
 
-  // A few rows at a time: a large picture need not stand in memory twice.
+  // A few rows at a time: a large picture is not in memory twice.
   constexpr UINT kStripRows = 64;
   const UINT strip_stride = width * 4;
   std::vector<BYTE> strip(size_t{strip_stride} * kStripRows);

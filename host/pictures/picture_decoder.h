@@ -11,8 +11,8 @@
 
 namespace quillo::host {
 
-/// The bytes are no picture that can be decoded; the message completes a sentence that begins with
-/// the picture's name.
+/// The bytes are not a picture that can be decoded; the message completes a sentence that begins
+/// with the picture's name.
 class UnreadablePicture : public std::runtime_error {
  public:
   using std::runtime_error::runtime_error;
@@ -24,12 +24,12 @@ struct Resolution {
   double y;
 };
 
-/// `dpi`, or 96 where that is no resolution of a picture.
+/// `dpi`, or 96 where that cannot be a picture's.
 Resolution UsableResolution(Resolution dpi);
 
 /// A white picture of 24 bits a pixel, rows from the top. Throws UnreadablePicture when it would be
-/// empty or have more than `most_pixels`.
-BitmapSource BlankPicture(UINT width, UINT height, uint64_t most_pixels);
+/// empty or have more than `max_pixels`.
+BitmapSource BlankPicture(UINT width, UINT height, uint64_t max_pixels);
 
 /// A picture file in memory (PNG, JPEG, BMP, TIFF, GIF), decoded by the platform. Needs COM on this
 /// thread.
@@ -40,12 +40,12 @@ class PictureDecoder {
 
   UINT FrameCount() const { return frame_count_; }
   /// A frame's pixels on white, 24 bits each, rows from the top. Throws UnreadablePicture, also for
-  /// frames of more than `most_pixels`.
-  BitmapSource Frame(UINT index, uint64_t most_pixels) const;
-  /// Blends a frame over a picture of BlankPicture's kind; what lies outside is cut off. Throws
+  /// frames of more than `max_pixels`.
+  BitmapSource Frame(UINT index, uint64_t max_pixels) const;
+  /// Blends a frame over a picture of BlankPicture's kind; what lies outside is dropped. Throws
   /// UnreadablePicture.
   void BlendFrame(UINT index, POINT at, BitmapSource& picture) const;
-  /// What the file says of a frame's size, where that is usable.
+  /// A frame's resolution where the file states a usable one, else 96 dpi.
   Resolution FrameResolution(UINT index) const;
 
  private:

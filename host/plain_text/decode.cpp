@@ -27,7 +27,7 @@ std::wstring DecodeUtf16(Bytes bytes, bool swapped) {
   return text;
 }
 
-/// Empty when the bytes are none of the code page (with MB_ERR_INVALID_CHARS).
+/// With MB_ERR_INVALID_CHARS, empty when the bytes are not valid in the code page.
 std::wstring DecodeCodePage(Bytes bytes, UINT code_page, DWORD flags) {
   const auto* chars = reinterpret_cast<const char*>(bytes.data());
   const int size = static_cast<int>(std::min<size_t>(bytes.size(), INT_MAX));

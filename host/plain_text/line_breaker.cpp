@@ -41,8 +41,8 @@ TextLine LineBreaker::Next(int columns) {
   }
   line.right_to_left = right_to_left_;
   int used = 0;
-  size_t blank_end = 0;   // behind the last blank of the line, in the text
-  size_t line_break = 0;  // the same in the line
+  size_t blank_end = 0;   // after the line's last blank: in the text,
+  size_t line_break = 0;  // and in the line
   for (; at_ < text_.size(); ++at_) {
     const wchar_t unit = text_[at_];
     if (TakeLineEnd(line)) return line;
@@ -73,7 +73,7 @@ TextLine LineBreaker::Next(int columns) {
   return line;
 }
 
-/// Whether the text is at the end of a line, which is then taken.
+/// Takes the end of a line; false when the text is not at one.
 bool LineBreaker::TakeLineEnd(TextLine& line) {
   const wchar_t unit = text_[at_];
   if (unit != L'\n' && unit != L'\r' && unit != L'\f') return false;

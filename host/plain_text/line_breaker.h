@@ -12,11 +12,11 @@ namespace quillo::host {
 struct TextLine {
   std::wstring text;
   std::vector<int> columns;
-  bool right_to_left = false;  // its paragraph, from one line end to the next, begins so
+  bool right_to_left = false;  // its paragraph, from line end to line end, begins with such text
   bool ends_page = false;      // a form feed follows
 };
 
-/// Cuts a text into lines of a number of columns: at line ends and form feeds, else behind the last
+/// Cuts a text into lines of a number of columns: at line ends and form feeds, else after the last
 /// blank that fits, else where the line is full. Tabs become blanks up to the next eighth column.
 /// Other control characters are left out.
 class LineBreaker {

@@ -13,10 +13,10 @@ namespace quillo::host {
 
 namespace {
 
-/// Pixels of the enlarged part of one blit, and of those of all blits on a page. Blits beyond that
-/// are played as they are.
-constexpr double kMostPixels = 1 << 24;
-constexpr double kMostPixelsOfPage = 1 << 29;
+/// Pixels of the enlarged part of one blit, and of all enlarged parts on a page. Blits beyond the
+/// limits are played without it.
+constexpr double kMaxPixels = 1 << 24;
+constexpr double kMaxPixelsOfPage = 1 << 29;
 
 /// A part of the sheet that is drawn larger.
 struct Enlargement {
@@ -85,7 +85,7 @@ void Average(Canvas& enlarged, const Enlargement& by, Canvas& sheet) {
   }
 }
 
-/// A DC's clip region, as a part of the sheet that is drawn enlarged needs it; null: none.
+/// A DC's clip region, enlarged with a part of the sheet; null when it has none.
 Region EnlargedClip(HDC dc, const Enlargement& by) {
   const Region clip(CreateRectRgn(0, 0, 0, 0));
   if (GetClipRgn(dc, clip.Get()) != 1) return Region();
@@ -114,13 +114,13 @@ class PagePlayer {
     if (record.iType == EMR_SETSTRETCHBLTMODE) return;
     try {
       if (under_wine_ && PlayForWine(handles, record, handle_count)) return;
-    } catch (const std::bad_alloc&) {  // then as Wine plays it
+    } catch (const std::bad_alloc&) {  // left to Wine
     }
     PlayEnhMetaFileRecord(dc_, &handles, &record, handle_count);
   }
 
  private:
-  /// Plays what Wine would play otherwise than Windows; false for the rest.
+  /// Plays the records that Wine plays differently from Windows; false for the rest.
   bool PlayForWine(HANDLETABLE& handles, const ENHMETARECORD& record, UINT handle_count) {
     switch (record.iType) {
       case EMR_SETMITERLIMIT:  // an integer, which Wine takes for a float
@@ -173,7 +173,7 @@ class PagePlayer {
   }
 
   /// What a blit may touch of the sheet, and the factor at which every dot of the page is at least
-  /// a pixel; below 2 where nothing is won or too much would be needed.
+  /// a pixel; below 2 where that gains nothing or takes too much memory.
   Enlargement EnlargementOf(const EMRBITBLT& blit) const {
     LONG far_x = 0, far_y = 0;
     if (__builtin_add_overflow(blit.xDest, blit.cxDest, &far_x) ||
@@ -194,19 +194,19 @@ class PagePlayer {
     if (part.cx <= 0 || part.cy <= 0) return {};
     const double pixels = static_cast<double>(part.cx) * part.cy;
     result.factor = static_cast<int>(
-        std::min(std::ceil(1 / std::max(ScaleOf(dc_), 0.01)), std::sqrt(kMostPixels / pixels)));
+        std::min(std::ceil(1 / std::max(ScaleOf(dc_), 0.01)), std::sqrt(kMaxPixels / pixels)));
     return result;
   }
 
   /// Plays a blit onto an enlarged copy of the part of the sheet that it touches. False when it is
-  /// to be played as it is.
+  /// to be played without.
   bool PlayEnlarged(HANDLETABLE& handles, const ENHMETARECORD& record, UINT handle_count) {
     const Enlargement by = EnlargementOf(reinterpret_cast<const EMRBITBLT&>(record));
     if (by.factor < 2) return false;
     const SIZE part = SizeOf(by.part);
     const SIZE size = {part.cx * by.factor, part.cy * by.factor};
     pixels_ += static_cast<double>(size.cx) * size.cy;
-    if (pixels_ > kMostPixelsOfPage) return false;
+    if (pixels_ > kMaxPixelsOfPage) return false;
     Canvas enlarged(size);
     if (!enlarged) return false;
     GdiFlush();
@@ -246,7 +246,7 @@ bool PlayPage(HENHMETAFILE page, Canvas& sheet) {
   const SelectScope drawn_on(dc.Get(), sheet.Handle());
   const RECT whole{0, 0, sheet.Size().cx, sheet.Size().cy};
   PagePlayer player(dc.Get(), sheet);
-  // The answer is FALSE as soon as one record fails, which the page may well bear.
+  // The result, FALSE as soon as one record fails, is no reason to give up the page.
   EnumEnhMetaFile(dc.Get(), page, PlayRecord, &player, &whole);
   GdiFlush();
   return true;

@@ -6,9 +6,9 @@
 
 namespace quillo::host {
 
-/// Draws a page that the driver made onto the whole of a canvas, as a reader of pages should see
-/// it: pictures are reduced smoothly, whatever stretch mode the page asks for, since modes that
-/// suit dots of 1/600 inch leave blots at the size of a screen. False when there is no DC.
+/// Draws a page that the driver made onto the whole of a canvas, as readers should see it:
+/// pictures are reduced smoothly, whatever stretch mode the page asks for, since modes that suit
+/// dots of 1/600 inch leave blots on a screen. False when there is no DC.
 bool PlayPage(HENHMETAFILE page, Canvas& sheet);
 
 }  // namespace quillo::host

@@ -6,11 +6,11 @@
 
 namespace quillo::host {
 
-/// How a standard form is called.
+/// The names of a standard form.
 struct PaperName {
   int16_t paper;             // dmPaperSize
   std::string_view name;     // for users
-  std::string_view ppd_key;  // by which Wine's printer driver knows the paper number
+  std::string_view ppd_key;  // by which Wine's printer driver finds the paper number
 };
 
 /// All standard forms, by paper number.

@@ -11,8 +11,8 @@ namespace quillo::host {
 
 namespace {
 
-/// The length in points (1/72 inch) that gives a side of `tenths` of a millimetre its pixels: more
-/// than the whole millimetres have, and half a pixel on top, so that no rounding takes one away.
+/// The length in points (1/72 inch) for a side of `tenths` of a millimetre: the pixels that cover
+/// the next whole millimetre, and half a pixel more, so that rounding loses none.
 double Points(int tenths, int dpi) {
   const int millimetres = (tenths + 9) / 10;
   const int pixels = millimetres * dpi * 10 / 254 + 1;
@@ -33,7 +33,6 @@ void AppendPaper(std::string& ppd, std::string_view key, PaperSize size, int dpi
   ppd += text;
 }
 
-constexpr int kFirstUserPaper = 256;  // DMPAPER_USER
 constexpr int kLastUserPaper = 2000;
 
 /// Tenths of a millimetre, rounded up.
@@ -65,10 +64,9 @@ std::string MakePpd(int dpi, const std::map<int, PaperSize>& user_sizes) {
     const auto name = std::ranges::find(PaperNames(), form.paper, &PaperName::paper);
     if (name != PaperNames().end()) AppendPaper(ppd, name->ppd_key, SizeOf(form), dpi);
   }
-  // Keys that name no form get the numbers from DMPAPER_USER on, in their order: numbers between
-  // the wanted ones get a paper, too. Far away ones do not pay; they take the default sheet, whose
-  // scale is the same.
-  int next = kFirstUserPaper;
+  // Wine numbers unknown keys from DMPAPER_USER on, in their order: numbers in between need a paper
+  // as well. Papers above kLastUserPaper take the default sheet, whose scale is the same.
+  int next = DMPAPER_USER;
   for (const auto& [paper, size] : user_sizes) {
     if (paper > kLastUserPaper) break;
     for (; next <= paper; ++next) AppendPaper(ppd, "User" + std::to_string(next), size, dpi);

@@ -85,8 +85,8 @@ void EnsurePrinter(const std::wstring& name, int dpi, const std::map<int, PaperS
     if (TryOpenPrinter(name)) return;
     throw SystemFailure("the printer \"" + ToUtf8(name) + "\" is not installed", "OpenPrinter");
   }
-  // Another process may ask for another resolution: nobody else writes the description until this
-  // process has read it, which Wine's driver does once, at the first DC.
+  // Another process may ask for another resolution: nobody else may write the description until
+  // this process has read it, which Wine's driver does once, at the first DC.
   const NamedMutex only_one(L"Local\\QuilloPrintPrinterSetup");
   WriteDescription(MakePpd(dpi, user_sizes));
   if (!TryOpenPrinter(name)) {

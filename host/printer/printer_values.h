@@ -27,10 +27,10 @@ std::optional<PrinterValue> ParsePrinterValue(std::string_view text);
 void StorePrinterValue(const std::wstring& printer, const PrinterValue& value);
 
 /// Reads "NAME,NUMBER,WxH": a custom paper, its size in millimetres. Nothing for anything else;
-/// then `why` is a phrase on what is wrong, or empty where the form itself is.
+/// `why` is then the reason, a phrase, or empty where the form itself is wrong.
 std::optional<NamedSheet> ParseCustomPaper(std::string_view text, std::string& why);
 
-/// Stores a custom paper of the printer, where it stays, in the place of another of its number.
+/// Stores a custom paper of the printer, where it stays; replaces the one of the same number.
 /// Throws SystemFailure, or another std::runtime_error when no further paper can be added.
 void StoreCustomPaper(const std::wstring& printer, const NamedSheet& paper);
 

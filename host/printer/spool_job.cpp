@@ -18,8 +18,8 @@ std::wstring MakeTemporaryFile() {
 }
 
 // Wine counts jobs per process, and refuses a number whose spool file another process has open. The
-// number names the driver's files and events, so that the next free one is what is wanted.
-constexpr int kMostAttempts = 1000;
+// driver names files and events by the number, so the next free one is taken.
+constexpr int kMaxAttempts = 1000;
 
 }  // namespace
 
@@ -35,7 +35,7 @@ SpoolJob::SpoolJob(const std::wstring& printer, const std::wstring& document) {
   for (int attempt = 0; id_ == 0; ++attempt) {
     id_ = StartDocPrinterW(printer_.Get(), 1, reinterpret_cast<BYTE*>(&info));
     const DWORD error = GetLastError();
-    if (id_ != 0 || (error == ERROR_SHARING_VIOLATION && attempt < kMostAttempts)) continue;
+    if (id_ != 0 || (error == ERROR_SHARING_VIOLATION && attempt < kMaxAttempts)) continue;
     DeleteFileW(output_.c_str());
     throw SystemFailure(kCannotStart, "StartDocPrinter", error);
   }

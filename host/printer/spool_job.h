@@ -9,7 +9,7 @@
 namespace quillo::host {
 
 /// A job in the spooler's queue, from which the driver learns job id, printer and document names.
-/// The driver sends the spooler no data: what the spooler keeps of the job is gone at the end.
+/// The driver sends the spooler no data: the job and its empty output are removed at the end.
 class SpoolJob {
  public:
   /// Throws SystemFailure.

@@ -7,18 +7,18 @@
 
 namespace quillo::host {
 
-/// Standard output and error, in UTF-8 or as the terminal wants it.
+/// Standard output and error: UTF-16 on a terminal, else UTF-8.
 class Console {
  public:
   /// `quiet`: only problems are shown.
   explicit Console(bool quiet = false);
 
-  /// Writes `text` as it is to STD_OUTPUT_HANDLE or STD_ERROR_HANDLE.
+  /// Writes `text` unchanged to `stream`: STD_OUTPUT_HANDLE or STD_ERROR_HANDLE.
   void Write(std::string_view text, DWORD stream = STD_OUTPUT_HANDLE);
   /// A line on standard error: what went wrong and what to do.
   void Problem(const std::string& sentence);
 
-  /// A page is being printed: shown on a terminal, until PageDone replaces it.
+  /// Shows on a terminal that a page is being printed, until PageDone replaces the line.
   void PageBegins(const std::string& line);
   void PageDone(const std::string& line);
 

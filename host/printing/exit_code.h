@@ -2,12 +2,12 @@
 
 namespace quillo::host {
 
-/// What the command answers to its caller.
+/// Exit codes of the command.
 enum ExitCode : int {
   kPrinted = 0,
   kWrongUsage = 2,
-  kInputRefused = 3,  // an input cannot be read, or is of no kind that is printed; with --strict
-                      // also: a page is not all that its input asks for
+  kInputRefused = 3,  // an input cannot be read or printed; with --strict also: a page lacks
+                      // something or has a substitute for it
   kDriverFailed = 4,
   kResultsLost = 5,
 };

@@ -14,12 +14,12 @@ namespace quillo::host {
 /// What the print command is asked for.
 struct Options {
   struct Input {
-    std::string name;  // as it was given
+    std::string name;  // as the command line has it
     std::filesystem::path path;
     Sheet sheet;
   };
 
-  std::vector<Input> inputs;  // none only where something else is asked for
+  std::vector<Input> inputs;  // empty only where the command does something else
   std::filesystem::path output;
   int dpi = 600;
   bool fit = true;        // else pictures keep their size

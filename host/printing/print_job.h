@@ -6,8 +6,8 @@
 
 namespace quillo::host {
 
-/// Prints the inputs as one job and collects its results. Problems are told on the console; the
-/// answer is the worst of them.
+/// Prints the inputs as one job and collects its results. Reports problems on the console; returns
+/// the worst of them.
 ExitCode Print(const Options& options, Console& console);
 
 }  // namespace quillo::host

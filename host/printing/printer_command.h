@@ -6,11 +6,11 @@
 
 namespace quillo::host {
 
-/// Stores the values and papers that the command line gives the printer. Throws what
-/// StorePrinterValue and StoreCustomPaper do.
+/// Stores the printer values and papers of the command line. Throws what StorePrinterValue and
+/// StoreCustomPaper do.
 void StoreSettings(const Options& options);
 
-/// A command without inputs: stores settings, and lists the papers when that is asked for.
+/// Runs a command without inputs: stores settings, and lists the papers if asked to.
 ExitCode SetUpPrinter(const Options& options, Console& console);
 
 }  // namespace quillo::host

@@ -27,22 +27,21 @@ struct PageReport {
   PageContent content;
 };
 
-/// Something that a page has not, or not as its input asks for it.
+/// Something that a page lacks, or has a substitute for.
 struct Loss {
   enum class Kind {
     kMissing,      // the page lacks it
-    kSubstituted,  // the page has something else for it
+    kSubstituted,  // the page has something else instead
   };
   Kind kind;
   std::string what;  // a phrase: "2 glyphs of \"Arial\" have no characters on the page"
 };
 
-/// Everything of this kind: records without a place on the page, calls that the driver refused,
-/// limits of this program, characters, damage (which there may be much of) and fonts. Whatever an
-/// input adds to DrawResult::faults is among it.
+/// All losses of a page: records without a place on it, calls that the driver refused, limits of
+/// this program, characters, DrawResult::faults (possibly many), and fonts.
 std::vector<Loss> LossesOf(const PageReport& page);
 
-/// Everything that job.json says.
+/// The contents of job.json.
 struct JobReport {
   std::string printer;
   std::string document;

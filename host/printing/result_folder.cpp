@@ -15,7 +15,7 @@ using Json = nlohmann::ordered_json;
 
 constexpr wchar_t kReportName[] = L"job.json";
 
-/// Removes a file that an earlier report names; names that lead out of the folder are none of ours.
+/// Removes a file that an earlier report names; names that lead out of the folder are ignored.
 void RemoveNamed(const fs::path& folder, const Json& name) {
   if (!name.is_string()) return;
   const fs::path file = ToWide(name.get<std::string>());
