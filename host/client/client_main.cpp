@@ -38,6 +38,7 @@ void WaitForEndOfInput() {
 }
 
 KernelHandle MakeJobEndEvent(DWORD job_id) {
+  // Compatibility: the driver's name for it has a blank before "version", which clients rely on.
   wchar_t name[80];
   wsprintfW(name, L"Global\\VORNIXQUILLO5_JOB_END%d version%d", job_id, 5);
   KernelHandle event(CreateEventW(nullptr, TRUE, FALSE, name));
