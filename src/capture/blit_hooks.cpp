@@ -19,8 +19,9 @@ using namespace records;
 
 constexpr ULONG kWhite = 0xFFFFFFFF;
 
-/// Mode of REC_SETROP2 that DrvPaint records for a mix: its low byte. Unlike in path calls R2_WHITE
-/// stays 16 here, which is meant.
+/// The mode of REC_SETROP2 that DrvPaint records for a mix: its low byte.
+///
+/// Compatibility: R2_WHITE stays 16 here while PathRop2 makes it 0; existing streams have both.
 constexpr uint32_t PaintRop2(MIX mix) { return mix & 0xFF; }
 
 void WriteTargetClip(DEVICE_PDEV& device, CLIPOBJ* clip, const RECTL* target_rect) {
@@ -45,7 +46,7 @@ BOOL APIENTRY DrvBitBlt(SURFOBJ* target, SURFOBJ* source, SURFOBJ* mask, CLIPOBJ
                  {source, translation});
     } else {
       EmitMaskBlt(device, {destination, ToPoint(source_origin), ToPoint(mask_origin), rop4, 0, 0},
-                  {source, translation}, mask);
+                  {source, translation}, {mask, /*translation=*/nullptr});
     }
     return TRUE;
   });

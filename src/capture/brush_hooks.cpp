@@ -17,7 +17,7 @@ struct BrushColours {
 };
 
 /// A hatch takes its colours from the translation vector: background first, then foreground.
-/// Vectors of other lengths than 1 and 2 say nothing about them.
+/// Vectors of other lengths leave black on white.
 BrushColours HatchColours(XLATEOBJ* translation) {
   BrushColours colours;
   const auto vector = TranslationVector(translation);
@@ -33,8 +33,8 @@ BOOL APIENTRY DrvRealizeBrush(BRUSHOBJ* brush, SURFOBJ* target, SURFOBJ* pattern
   const DEVICE_PDEV* device = FindDevice(target);
   if (device == nullptr) return FALSE;
   const bool hatched = hatch < kHatchCount;
-  uint32_t pattern_size = hatched ? 0 : PackedBitmapSize(pattern);
-  const auto total_size = CheckedAdd(kRealisedBrushSize, pattern_size);
+  const PackedSurface packed(hatched ? nullptr : pattern, translation);
+  const auto total_size = CheckedAdd(kRealisedBrushSize, packed.Size());
   if (brush == nullptr || !total_size) return FALSE;
   void* block = BRUSHOBJ_pvAllocRbrush(brush, *total_size);
   if (block == nullptr) return FALSE;
@@ -42,12 +42,10 @@ BOOL APIENTRY DrvRealizeBrush(BRUSHOBJ* brush, SURFOBJ* target, SURFOBJ* pattern
 
   const BrushColours colours = hatched ? HatchColours(translation) : BrushColours{};
   const RealisedBrush realised = {*total_size, records::SwapRedBlue(colours.foreground),
-                                  colours.background, pattern_size != 0 ? pattern_size : hatch};
+                                  colours.background, packed.Size() != 0 ? packed.Size() : hatch};
   std::memcpy(block, &realised, sizeof realised);
-  if (pattern_size != 0) {
-    SurfaceToPackedBitmap(device, pattern, translation,
-                          static_cast<std::byte*>(block) + sizeof realised, pattern_size);
-  }
+  // A pattern without bits stays zeros.
+  packed.Pack(device, {static_cast<std::byte*>(block) + sizeof realised, packed.Size()});
   brush->pvRbrush = block;
   return TRUE;
 }

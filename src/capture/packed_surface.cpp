@@ -4,7 +4,6 @@
 #include <cstring>
 
 #include "capture/records/conversions.h"
-#include "capture/records/packed_bitmap.h"
 #include "capture/writer.h"
 
 namespace quillo {
@@ -22,7 +21,7 @@ SurfaceBits BitsOf(const SURFOBJ& surface) {
           .top_down = (surface.fjBitmap & BMF_TOPDOWN) != 0};
 }
 
-/// The translation vector as it stands, else the source palette with red and blue exchanged.
+/// The translation vector unchanged, else the source palette with red and blue exchanged.
 void FillColourTable(XLATEOBJ* translation, std::span<uint32_t> table) {
   const auto vector = TranslationVector(translation);
   if (vector.data() != nullptr) {
@@ -34,21 +33,6 @@ void FillColourTable(XLATEOBJ* translation, std::span<uint32_t> table) {
       XLATEOBJ_cGetPalette(translation, XO_SRCPALETTE, static_cast<ULONG>(table.size()), palette);
   std::transform(palette, palette + std::min<size_t>(count, table.size()), table.begin(),
                  SwapRedBlue);
-}
-
-/// Header and colour table of a surface that can be packed.
-DibInfo HeadOf(const DEVICE_PDEV* device, const SURFOBJ& surface, XLATEOBJ* translation) {
-  const PixelFormat format = *FindPixelFormat(surface.iBitmapFormat);
-  const DotsPerInch dpi =
-      device != nullptr ? DotsPerInch{device->resolution.x, device->resolution.y} : DotsPerInch{};
-  DibInfo head = MakePackedHead(format, surface.sizlBitmap.cx, surface.sizlBitmap.cy, dpi);
-  if (format.bit_count > kMaxTableBits) return head;
-  if (translation != nullptr) {
-    FillColourTable(translation, std::span(head.colours).first(size_t{1} << format.bit_count));
-  } else if (format.bit_count == 1) {
-    SetMaskColours(head);
-  }
-  return head;
 }
 
 }  // namespace
@@ -63,39 +47,58 @@ std::span<const ULONG> TranslationVector(XLATEOBJ* translation) {
   return {vector, translation->cEntries};
 }
 
-uint32_t PackedBitmapSize(const SURFOBJ* surface) {
-  if (surface == nullptr) return 0;
-  return PackedSize(surface->iBitmapFormat, BitsOf(*surface).Size()).value_or(0);
+PackedSurface::PackedSurface(const SURFOBJ* surface, XLATEOBJ* translation)
+    : surface_(surface), translation_(translation) {
+  if (surface == nullptr) return;
+  format_ = FindSurfaceFormat(surface->iBitmapFormat);
+  if (!format_) return;
+  bits_ = BitsOf(*surface);
+  size_ = PackedSize(*format_, bits_.Size()).value_or(0);
 }
 
-bool CanBePacked(const SURFOBJ* surface) {
-  return PackedBitmapSize(surface) != 0 && surface->pvBits != nullptr;
+DibInfo PackedSurface::Head(const DEVICE_PDEV* device) const {
+  const DotsPerInch dpi =
+      device != nullptr ? DotsPerInch{device->resolution.x, device->resolution.y} : DotsPerInch{};
+  const SIZEL size = surface_->sizlBitmap;
+  DibInfo head = MakePackedHead(*format_, size.cx, size.cy, dpi);
+  if (format_->bit_count > kMaxTableBits) return head;
+  if (translation_ != nullptr) {
+    FillColourTable(translation_, std::span(head.colours).first(size_t{1} << format_->bit_count));
+  } else if (format_->bit_count == 1) {
+    SetMaskColours(head);
+  }
+  return head;
 }
 
-bool SurfaceToPackedBitmap(const DEVICE_PDEV* device, const SURFOBJ* surface, XLATEOBJ* translation,
-                           void* destination, uint32_t& size) {
-  const uint32_t given = size;
-  size = CanBePacked(surface) ? PackedBitmapSize(surface) : 0;
-  if (size == 0) return false;
-  if (destination == nullptr) return true;
-  if (given != size) return false;
-
-  auto* out = static_cast<std::byte*>(destination);
+bool PackedSurface::Pack(const DEVICE_PDEV* device, MutableBytes place) const {
+  if (!HasBits() || place.size() != size_) return false;
+  std::byte* out = place.data();
   const auto append = [&out](Bytes piece) {
     std::memcpy(out, piece.data(), piece.size());
     out += piece.size();
   };
-  append(PackedHeadBytes(HeadOf(device, *surface, translation)));
-  ForEachPiece(BitsOf(*surface), append);
+  append(PackedHeadBytes(Head(device)));
+  ForEachPiece(bits_, append);
   return true;
 }
 
-void EmitPackedBitmap(DEVICE_PDEV& device, const SURFOBJ& surface, XLATEOBJ* translation) {
+void PackedSurface::Emit(DEVICE_PDEV& device) const {
   const auto emit = [&device](Bytes piece) {
     EmitBytes(device, piece.data(), static_cast<uint32_t>(piece.size()));
   };
-  emit(PackedHeadBytes(HeadOf(&device, surface, translation)));
-  ForEachPiece(BitsOf(surface), emit);
+  emit(PackedHeadBytes(Head(&device)));
+  ForEachPiece(bits_, emit);
+}
+
+uint32_t PackedBitmapSize(const SURFOBJ* surface) { return PackedSurface(surface, nullptr).Size(); }
+
+bool SurfaceToPackedBitmap(const DEVICE_PDEV* device, const SURFOBJ* surface, XLATEOBJ* translation,
+                           void* destination, uint32_t& size) {
+  const PackedSurface packed(surface, translation);
+  const uint32_t given = size;
+  size = packed.HasBits() ? packed.Size() : 0;
+  if (size == 0 || destination == nullptr) return size != 0;
+  return packed.Pack(device, {static_cast<std::byte*>(destination), given});
 }
 
 }  // namespace quillo

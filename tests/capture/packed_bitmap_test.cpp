@@ -17,18 +17,18 @@ TEST(PackedSize, EveryFormat_HeaderTableAndBits) {
                {4, 16, kDibRgb, 144}, {5, 24, kDibRgb, 144}, {6, 32, kDibRgb, 144},
                {7, 4, kDibRle4, 204}, {8, 8, kDibRle8, 1164}};
   for (const auto& c : cases) {
-    const auto format = FindPixelFormat(c.format);
+    const auto format = FindSurfaceFormat(c.format);
     ASSERT_TRUE(format) << c.format;
     EXPECT_EQ(format->bit_count, c.bit_count) << c.format;
     EXPECT_EQ(format->compression, c.compression) << c.format;
-    EXPECT_EQ(PackedSize(c.format, 100), c.size_of_100_bytes) << c.format;
+    EXPECT_EQ(PackedSize(*format, 100), c.size_of_100_bytes) << c.format;
   }
   for (const uint32_t format : {0u, 9u, 18u, 19u, 0xFFFFFFFFu}) {
-    EXPECT_FALSE(PackedSize(format, 100)) << format;
+    EXPECT_FALSE(FindSurfaceFormat(format)) << format;
   }
-  EXPECT_EQ(PackedSize(5, UINT32_MAX - 44), UINT32_MAX);
-  EXPECT_FALSE(PackedSize(5, UINT32_MAX - 43));
-  EXPECT_FALSE(PackedSize(5, uint64_t{1} << 32));
+  EXPECT_EQ(PackedSize({24, kDibRgb}, UINT32_MAX - 44), UINT32_MAX);
+  EXPECT_FALSE(PackedSize({24, kDibRgb}, UINT32_MAX - 43));
+  EXPECT_FALSE(PackedSize({24, kDibRgb}, uint64_t{1} << 32));
 }
 
 // The pieces of a surface that holds `text`, in square brackets and with 0 for zero bytes.

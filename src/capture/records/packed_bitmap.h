@@ -11,17 +11,16 @@
 namespace quillo::records {
 
 /// What a surface format (BMF_*) means in a header.
-struct PixelFormat {
+struct SurfaceFormat {
   uint16_t bit_count;
   DibCompression compression;
 };
 
 /// Nothing for the formats that have no bit count, and for unknown numbers.
-std::optional<PixelFormat> FindPixelFormat(uint32_t surface_format);
+std::optional<SurfaceFormat> FindSurfaceFormat(uint32_t surface_format);
 
-/// Bytes of the packed bitmap of a surface whose pixel bits take `bits_size` bytes; nothing when
-/// its format cannot be packed or the size does not fit.
-std::optional<uint32_t> PackedSize(uint32_t surface_format, uint64_t bits_size);
+/// Bytes of a packed bitmap whose pixel bits take `bits_size` bytes; nothing when they do not fit.
+std::optional<uint32_t> PackedSize(SurfaceFormat format, uint64_t bits_size);
 
 /// Dots per inch; 0 = no device at hand.
 struct DotsPerInch {
@@ -30,7 +29,7 @@ struct DotsPerInch {
 };
 
 /// Header and an empty colour table.
-DibInfo MakePackedHead(PixelFormat format, int32_t width, int32_t height, DotsPerInch dpi);
+DibInfo MakePackedHead(SurfaceFormat format, int32_t width, int32_t height, DotsPerInch dpi);
 
 /// Gives a mask the two colours that masks carry. Playback replaces them before use.
 void SetMaskColours(DibInfo& head);
