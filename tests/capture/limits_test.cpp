@@ -1,15 +1,12 @@
 #include <array>
-#include <cmath>
 
 #include "capture/brush.h"
-#include "capture/fill.h"
 #include "capture/hooks.h"
 #include "capture/packed_surface.h"
 #include "capture/pen.h"
 #include "host/engine/services/brushes.h"
 #include "host/engine/services/guard.h"
 #include "host/engine/services/surfaces.h"
-#include "host/engine/services/transforms.h"
 #include "support/capture_fixture.h"
 
 // What the scripts of capture cannot state: sizes at their limits, failing memory, and what calls
@@ -18,18 +15,6 @@ namespace quillo {
 namespace {
 
 using CaptureLimits = test::CaptureTest;
-
-TEST(DeviceWidth, RoundedAndSaturated) {
-  host::XformObject identity(XFORML{1, 0, 0, 1, 0, 0}), mirrored(XFORML{-1, 0, 0, 1, 0, 0});
-  const struct {
-    float width;
-    XFORMOBJ* transform;
-    int32_t pixels;
-  } cases[] = {{2.5f, &identity, 3},         {2.49f, &identity, 2}, {2.5f, nullptr, 3},
-               {2.0f, &mirrored, -1},        {NAN, &identity, 0},   {1e30f, &identity, INT32_MAX},
-               {1e30f, &mirrored, INT32_MIN}};
-  for (const auto& c : cases) EXPECT_EQ(DeviceWidth(c.width, c.transform), c.pixels) << c.width;
-}
 
 TEST_F(CaptureLimits, PenStyles_AsManyEntriesAsARecordHolds) {
   std::vector<FLOAT_LONG> entries(5000);
@@ -72,15 +57,6 @@ TEST_F(CaptureLimits, RealizeBrush_SizeAndFailures) {
   EXPECT_EQ(brush.pvRbrush, nullptr);
   EXPECT_TRUE(quillo::DrvRealizeBrush(&brush, &surface_, &pattern, nullptr, nullptr, HS_DDI_MAX));
   EXPECT_EQ(static_cast<const RealisedBrush*>(brush.pvRbrush)->total_size, 24u + 1068);
-}
-
-TEST_F(CaptureLimits, WriteFill_OfARectangle) {
-  host::BrushObject brush(0);
-  const POINTL origin = {7, -8};
-  WriteFill(device_, FP_WINDINGMODE, &brush, &origin, R2_WHITE, {1, 2, 3, 4}, FillKind::kRectangle);
-  EXPECT_EQ(TakeRecords(),
-            "SETPOLYFILLMODE 2\nCREATEBRUSH 0 0x0 0 0 0 [00]\nSETBRUSHORG 7 -8\nSETROP2 0\n"
-            "FILLRECT 1 2 3 4\n");
 }
 
 TEST_F(CaptureLimits, CopyBits_FromTheDevice_ErasesTheTarget) {

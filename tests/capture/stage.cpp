@@ -12,6 +12,7 @@
 
 #include "capture/brush.h"
 #include "capture/clip.h"
+#include "capture/fill.h"
 #include "capture/hooks.h"
 #include "capture/pen.h"
 #include "host/engine/services/brushes.h"
@@ -48,20 +49,18 @@ const std::map<std::string, uint32_t> kNames = {
   throw std::invalid_argument("not understood: '" + word + "'");
 }
 
-/// A decimal number, or integers and names joined by |.
+/// A number with a decimal point, or integers and names joined by |.
 double ToNumber(const std::string& word) {
-  if (word.find('.') != word.npos) return std::stod(word);
+  if (word.find('.') != word.npos || word == "nan") return std::stod(word);
   uint32_t number = 0;
   std::istringstream parts(word);
   for (std::string part; std::getline(parts, part, '|');) {
     const auto name = kNames.find(part);
-    if (name != kNames.end()) {
-      number |= name->second;
-    } else if (part.find_first_not_of("-0123456789abcdefABCDEFx") == part.npos) {
-      number |= static_cast<uint32_t>(std::stoll(part, nullptr, 0));
-    } else {
+    if (name == kNames.end() && part.find_first_not_of("-0123456789abcdefABCDEFx") != part.npos) {
       Refuse(part);
     }
+    number |=
+        name != kNames.end() ? name->second : static_cast<uint32_t>(std::stoll(part, nullptr, 0));
   }
   return static_cast<int32_t>(number);
 }
@@ -202,13 +201,7 @@ Thing MakePen(Words& words, const Stage&) {
   auto pen = std::make_shared<Pen>();
   pen->fl = words.Next<FLONG>();
   const auto next = [&words, geometric = (pen->fl & LA_GEOMETRIC) != 0] {
-    FLOAT_LONG value;
-    if (geometric) {
-      value.e = words.Next<float>();
-    } else {
-      value.l = words.Next<LONG>();
-    }
-    return value;
+    return geometric ? FLOAT_LONG{.e = words.Next<float>()} : FLOAT_LONG{.l = words.Next<LONG>()};
   };
   if (words.Take("width")) pen->elWidth = next();
   pen->iJoin = words.After<ULONG>("join");
@@ -261,42 +254,29 @@ Thing MakeText(Words& words, const Stage&) {
   return string;
 }
 
+template <typename T>
+Thing MakeOfRuns(Words& words, const Stage&) {
+  return std::make_shared<T>(NextRuns(words));
+}
+
+Thing MakeTransform(Words& words, const Stage&) {
+  return std::make_shared<host::XformObject>(words.NextFields<XFORML, float>());
+}
+
 const std::map<std::string, Maker> kMakers = {
-    {"adjustment", MakeFields<COLORADJUSTMENT, WORD>},
-    {"blend",
-     [](Words& words, const Stage&) -> Thing {
-       return std::make_shared<BLENDOBJ>(BLENDOBJ{words.NextFields<BLENDFUNCTION, BYTE>()});
-     }},
-    {"bounds", MakeFields<records::Rect, LONG>},
-    {"brush", MakeBrush},
-    {"brush_origin", MakeFields<POINTL, LONG>},
-    {"clip", MakeClip},
-    {"fill_brush", MakeBrush},
-    {"font", MakeFont},
-    {"mask", MakePicture},
-    {"mask_origin", MakeFields<POINTL, LONG>},
-    {"mix", MakeFields<ULONG, ULONG>},
-    {"mode", MakeFields<ULONG, ULONG>},
-    {"opaque_brush", MakeBrush},
-    {"opaque_rect", MakeFields<RECTL, LONG>},
-    {"options", MakeFields<ULONG, ULONG>},
-    {"path",
-     [](Words& words, const Stage&) -> Thing {
-       return std::make_shared<host::PathObject>(NextRuns(words));
-     }},
-    {"pattern", MakePicture},
-    {"pen", MakePen},
-    {"rop4", MakeFields<ULONG, ULONG>},
-    {"source", MakePicture},
-    {"source_origin", MakeFields<POINTL, LONG>},
-    {"source_rect", MakeFields<RECTL, LONG>},
-    {"target", MakeFields<RECTL, LONG>},
-    {"text", MakeText},
-    {"transform",
-     [](Words& words, const Stage&) -> Thing {
-       return std::make_shared<host::XformObject>(words.NextFields<XFORML, float>());
-     }},
-    {"translation", MakeTranslation},
+    // clang-format off
+    {"mix", MakeFields<ULONG, ULONG>}, {"mode", MakeFields<ULONG, ULONG>},
+    {"options", MakeFields<ULONG, ULONG>}, {"rop4", MakeFields<ULONG, ULONG>},
+    {"brush_origin", MakeFields<POINTL, LONG>}, {"mask_origin", MakeFields<POINTL, LONG>},
+    {"source_origin", MakeFields<POINTL, LONG>}, {"bounds", MakeFields<records::Rect, LONG>},
+    {"opaque_rect", MakeFields<RECTL, LONG>}, {"source_rect", MakeFields<RECTL, LONG>},
+    {"target", MakeFields<RECTL, LONG>}, {"blend", MakeFields<BLENDOBJ, BYTE>},
+    {"adjustment", MakeFields<COLORADJUSTMENT, WORD>}, {"transform", MakeTransform},
+    {"source", MakePicture}, {"mask", MakePicture}, {"pattern", MakePicture},
+    {"translation", MakeTranslation}, {"brush", MakeBrush}, {"fill_brush", MakeBrush},
+    {"opaque_brush", MakeBrush}, {"pen", MakePen}, {"path", MakeOfRuns<host::PathObject>},
+    {"clip", MakeClip}, {"font", MakeFont}, {"text", MakeText},
+    // clang-format on
 };
 
 using Call = std::function<std::string(const Stage& stage, SURFOBJ* surface)>;
@@ -330,6 +310,11 @@ const std::map<std::string, Call> kCalls = {
          "opaque_brush", "brush_origin", "mix"})},
     {"WriteBrush", [](const Stage& stage, SURFOBJ*) {
        WriteBrush(stage.Device(), stage["brush"], records::kFillBrush);
+       return std::string("TRUE"); }},
+    {"WriteFill", [](const Stage& stage, SURFOBJ*) {
+       const records::Rect* rect = stage["bounds"];
+       WriteFill(stage.Device(), stage["options"], stage["brush"], stage["brush_origin"], stage["mix"],
+                 *rect, FillKind::kRectangle);
        return std::string("TRUE"); }},
     {"WriteClip", [](const Stage& stage, SURFOBJ*) {
        records::Rect b = {};
