@@ -11,7 +11,7 @@ using namespace records;
 
 enum class UnpackedSource { kZeros, kDropsRecord };
 
-/// A record of a fixed part and one packed bitmap.
+/// Emits a record of a fixed part and one packed bitmap.
 template <typename Payload>
 void EmitBlit(DEVICE_PDEV& device, RecordType type, Payload& blit, const PackedSurface& source,
               UnpackedSource rule) {

@@ -70,6 +70,7 @@ BOOL APIENTRY DrvStretchBlt(SURFOBJ* target, SURFOBJ* source, SURFOBJ* mask, CLI
                             RECTL* target_rect, RECTL* source_rect, POINTL*, ULONG mode) noexcept {
   return CaptureDrawing(FindDevice(target), [&](DEVICE_PDEV& device) {
     WriteTargetClip(device, clip, target_rect);
+    // Compatibility: a stretch with a mask is not recorded, as in existing streams.
     if (source == nullptr || mask != nullptr) return TRUE;
     StretchBltPayload blit = {ToRect(target_rect), ToRect(source_rect), 0, {}, mode, 0};
     if (adjustment != nullptr) {

@@ -12,11 +12,13 @@ namespace quillo {
 /// `iSolidColor` of brushes that have a hatch or a pattern instead.
 inline constexpr ULONG kNoSolidColour = 0xFFFFFFFF;
 
-/// Hatch indexes (HS_*) are below this; any other number says that the brush has a pattern.
+/// Hatch indexes (HS_*) are below this; any other number means a pattern.
 inline constexpr uint32_t kHatchCount = 6;
 
 /// What DrvRealizeBrush makes of a brush, in memory that the engine keeps with it. The pattern, a
-/// packed bitmap, stands right behind these fields; the 8 bytes that the block is longer stay zero.
+/// packed bitmap, follows these fields directly.
+///
+/// Compatibility: the block is 8 bytes longer than fields and pattern; they stay zero.
 struct RealisedBrush {
   uint32_t total_size;        // kRealisedBrushSize and the pattern
   uint32_t foreground;        // COLORREF
@@ -25,9 +27,9 @@ struct RealisedBrush {
 };
 inline constexpr uint32_t kRealisedBrushSize = 24;
 
-/// Records a brush, with the background colour of its realised form in front. A brush that has
-/// neither a colour nor a realised form gets one through the engine; null, and a brush that cannot
-/// be realised, record nothing.
+/// Records the background colour of a brush's realised form and then the brush. A brush that has
+/// neither a solid colour nor a realised form is realised through the engine. Nothing is recorded
+/// for null and for a brush that cannot be realised.
 void WriteBrush(DEVICE_PDEV& device, BRUSHOBJ* brush, records::BrushUsage usage);
 
 }  // namespace quillo

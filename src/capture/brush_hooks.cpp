@@ -16,7 +16,7 @@ struct BrushColours {
   uint32_t background = 0xFFFFFF;
 };
 
-/// A hatch takes its colours from the translation vector: background first, then foreground.
+/// A hatch has its colours from the translation vector: background first, then foreground.
 /// Vectors of other lengths leave black on white.
 BrushColours HatchColours(XLATEOBJ* translation) {
   BrushColours colours;

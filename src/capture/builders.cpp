@@ -8,7 +8,7 @@ namespace {
 
 using namespace records;
 
-/// Size of a payload with `count` elements of type T behind `fixed_size` bytes.
+/// Size of a payload of `fixed_size` bytes and `count` elements of type T.
 template <typename T>
 std::optional<uint32_t> CountedSize(size_t fixed_size, size_t count) {
   const auto elements = CheckedMultiply(count, sizeof(T));

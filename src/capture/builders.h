@@ -12,15 +12,15 @@
 #include "capture/records/payloads.h"
 #include "capture/writer.h"
 
-// One builder a record type. Each takes a zero-filled payload from the process heap, fills it,
-// emits the record and gives the payload back; without memory the record is dropped silently.
+// One builder per record type. Each allocates a zero-filled payload from the process heap, fills
+// it, emits the record and frees the payload; when memory is short the record is dropped silently.
 // Records without a payload need no builder: EmitRecord(device, type).
 namespace quillo {
 
-/// The payload of one record while it is built.
+/// The payload of one record under construction.
 class PayloadBlock {
  public:
-  /// Empty when memory is short, and when there is no size because it did not fit.
+  /// Empty when memory is short, and without a size (one that does not fit 32 bits).
   explicit PayloadBlock(std::optional<uint32_t> size) : size_(size.value_or(0)) {
     if (size) block_ = HeapBlock(size_);
   }
@@ -73,14 +73,14 @@ inline void EmitCreatePen(DEVICE_PDEV& device, uint32_t style, int32_t width, ui
 void EmitExtCreatePen(DEVICE_PDEV& device, uint32_t style, uint32_t width,
                       std::span<const uint32_t> entries);
 
-/// `pattern`, a packed bitmap, stands behind `brush`, which gets its size.
+/// `pattern` is a packed bitmap; its size is filled in.
 void EmitCreateBrush(DEVICE_PDEV& device, records::CreateBrushPayload brush, Bytes pattern = {});
 
 inline void EmitSetBrushOrg(DEVICE_PDEV& device, records::Point origin) {
   EmitPayload(device, records::REC_SETBRUSHORG, origin);
 }
 
-/// `mode` is recorded as it is.
+/// `mode` is recorded unchanged.
 inline void EmitSetRop2(DEVICE_PDEV& device, uint32_t mode) {
   EmitPayload(device, records::REC_SETROP2, mode);
 }
@@ -93,9 +93,10 @@ inline void EmitSetMiterLimit(DEVICE_PDEV& device, float limit) {
   EmitPayload(device, records::REC_SETMITERLIMIT, limit);
 }
 
-/// Records `colour` with red and blue exchanged, and remembers what it recorded: the next path
-/// records that again through this very function. So the byte order of a colour that stays
-/// alternates from one path to the next, which is meant.
+/// Records `colour` with red and blue exchanged, and remembers the exchanged colour on the device.
+///
+/// Compatibility: every path records the remembered colour through this function, so that its byte
+/// order alternates from one path to the next, as in existing streams.
 void EmitSetBkColor(DEVICE_PDEV& device, uint32_t colour);
 
 }  // namespace quillo

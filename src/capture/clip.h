@@ -7,11 +7,13 @@
 
 namespace quillo {
 
-/// Records a clip object (null = none) as a clip path. True when it did.
+/// Records a clip object (null = none) as a clip path. True when it recorded one.
 ///
-/// A rectangle that contains the drawing's bounds is left out; `drawing_bounds` null = always
-/// recorded. `clip_bounds` (may be null) gets the bounds of a recorded clip, otherwise it stays as
-/// it is. A clip outline that cannot be had is left out too: the drawing then goes unclipped.
+/// A rectangle that contains `drawing_bounds` is left out; null bounds = always recorded.
+/// `clip_bounds` (may be null; no hook needs it) receives the bounds of a recorded clip and is
+/// otherwise unchanged. When the engine cannot supply a clip's outline, the drawing goes unclipped.
+///
+/// Compatibility: a rectangle is recorded one pixel larger on every side, as in existing streams.
 bool WriteClip(DEVICE_PDEV& device, CLIPOBJ* clip, const records::Rect* drawing_bounds,
                records::Rect* clip_bounds = nullptr);
 

@@ -8,7 +8,7 @@
 namespace quillo {
 
 /// The records around one drawing call: a reset transform and a saved state, and the state restored
-/// at the end of the scope. The last error outlives the restore.
+/// at the end of the scope. The restore keeps the last error.
 class DrawingBracket {
  public:
   explicit DrawingBracket(DEVICE_PDEV& device) : device_(device) {

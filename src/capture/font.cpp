@@ -9,7 +9,8 @@ namespace {
 
 using namespace records;
 
-/// The strike-out bit as it stands, 16 and not 1, which is meant: GDI takes any value but 0.
+/// Compatibility: 16 for a struck-out font, not 1, as in existing streams; GDI accepts any value
+/// but 0.
 uint8_t StrikeOut(const IFIMETRICS& metrics) {
   return static_cast<uint8_t>(metrics.fsSelection & FM_SEL_STRIKEOUT);
 }
@@ -18,10 +19,10 @@ bool IsItalic(const IFIMETRICS& metrics, const FONTOBJ& font) {
   return (metrics.fsSelection & FM_SEL_ITALIC) != 0 || (font.flFontType & FO_SIM_ITALIC) != 0;
 }
 
-/// Copies a family name as far as a face name holds it with its terminator.
+/// Copies as much of a family name as a face name holds with its terminator.
 void CopyFaceName(const wchar_t* family, LogFont& font) {
-  constexpr size_t kMostCharacters = std::size(LogFont{}.face_name) - 1;
-  std::memcpy(font.face_name, family, wcsnlen(family, kMostCharacters) * sizeof(wchar_t));
+  constexpr size_t kMaxCharacters = std::size(LogFont{}.face_name) - 1;
+  std::memcpy(font.face_name, family, wcsnlen(family, kMaxCharacters) * sizeof(wchar_t));
 }
 
 LogFont Describe(const IFIMETRICS& metrics, const FONTOBJ& font) {

@@ -7,7 +7,7 @@
 namespace quillo {
 
 /// Records the font by its logical description, sized in font units: the font's transform carries
-/// the size on the page. False, and no record, when the engine gives no metrics.
+/// the size on the page. False, and no record, when the engine has no metrics.
 bool WriteFont(DEVICE_PDEV& device, FONTOBJ* font);
 
 }  // namespace quillo

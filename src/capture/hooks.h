@@ -2,13 +2,13 @@
 
 #include "base/ddi.h"
 
-// The drawing entries of the DDI table, with the interface's own prototypes. They stand in this
+// The drawing entries of the DDI table, with the interface's own prototypes. They live in this
 // namespace because the system header declares the same names without noexcept.
 //
-// Every hook that draws finds the device through its surface: an unknown device (with the last
-// error of FindDevice) and a device that refuses drawing (kDrawingRefused) answer FALSE, one that
-// discards it (kDrawingDiscarded) answers TRUE and records nothing. Otherwise the call is recorded
-// as one bracket of records, which is closed on every way out.
+// Every hook that draws finds the device through its surface: it returns FALSE for an unknown
+// device (with the last error of FindDevice) and for one that refuses drawing (kDrawingRefused),
+// and TRUE without recording anything for one that discards it (kDrawingDiscarded). Otherwise it
+// records the call as one bracket of records, which is closed on every path out.
 namespace quillo {
 
 BOOL APIENTRY DrvStrokePath(SURFOBJ* surface, PATHOBJ* path, CLIPOBJ* clip, XFORMOBJ* transform,

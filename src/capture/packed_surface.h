@@ -24,7 +24,7 @@ class PackedSurface {
 
   /// Bytes of the packed bitmap; 0 without a surface and for a format that cannot be packed.
   [[nodiscard]] uint32_t Size() const { return size_; }
-  /// Whether there are pixels to pack. A surface without bits has a size all the same.
+  /// Whether there are pixels to pack. A surface without bits still has a size.
   [[nodiscard]] bool HasBits() const { return size_ != 0 && surface_->pvBits != nullptr; }
 
   /// Fills `place` with the packed bitmap. False, and nothing written, without bits and when

@@ -11,8 +11,10 @@ namespace {
 
 using namespace records;
 
-/// The rectangle of a closed figure whose first edge is horizontal. Its sides come from these very
-/// corners and are not put in order. Curves and winding fills never count as rectangles.
+/// The rectangle that a closed figure is; nothing for curves and winding fills.
+///
+/// Compatibility: only figures whose first edge is horizontal count, and the sides are taken from
+/// fixed corners without sorting them, as in existing streams.
 std::optional<Rect> AsRectangle(FLONG flags, std::span<const POINTFIX> p, uint32_t fill_mode) {
   if (p.size() != 4 || (flags & PD_BEZIERS) != 0 || (flags & PD_CLOSEFIGURE) == 0 ||
       fill_mode == FP_WINDINGMODE) {
@@ -55,7 +57,7 @@ class PathWriter {
   [[nodiscard]] bool Drawn() const { return drawn_; }
 
  private:
-  /// Begins a figure; the points that it does not consume.
+  /// Begins a figure and returns the points that are left.
   std::span<const POINTFIX> Begin(FLONG flags, std::span<const POINTFIX> points) {
     if (!open_) {
       open_ = true;

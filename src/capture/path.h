@@ -13,10 +13,13 @@ namespace quillo {
 inline constexpr uint32_t kNoFillMode = 0;
 
 /// Records a path between REC_BEGINPATH and REC_ENDPATH. `fill_mode` is kNoFillMode or the fill
-/// options (FP_*). `drawn` tells whether the path has anything in it.
+/// options (FP_*). `drawn` reports whether the path draws anything.
 ///
-/// False without a path, and on a curve whose number of points is not a multiple of 3; the latter
-/// sets the last error to ERROR_INVALID_PARAMETER and leaves the recorded path open.
+/// False without a path, and on a curve whose number of points is not a multiple of 3, which sets
+/// the last error to ERROR_INVALID_PARAMETER.
+///
+/// Compatibility: after a malformed curve the recorded path stays open, as in existing streams;
+/// the restored state ends it.
 bool WritePath(DEVICE_PDEV& device, PATHOBJ* path, bool& drawn, uint32_t fill_mode);
 
 /// The engine's bounds of a path in device pixels; empty without a path.

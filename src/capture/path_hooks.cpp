@@ -19,7 +19,7 @@ void WritePathClip(DEVICE_PDEV& device, CLIPOBJ* clip, PATHOBJ* path) {
   WriteClip(device, clip, &bounds);
 }
 
-/// A path that will be filled; false, with the last error set, when it could not be recorded.
+/// Records a path to be filled. False, with the last error set, when it cannot be recorded.
 bool WriteFillPath(DEVICE_PDEV& device, PATHOBJ* path, FLONG options) {
   bool drawn = false;
   if (WritePath(device, path, drawn, options)) return true;
@@ -27,8 +27,7 @@ bool WriteFillPath(DEVICE_PDEV& device, PATHOBJ* path, FLONG options) {
   return false;
 }
 
-/// The next path records the colour of a stroke as its background colour, unless the stroke had
-/// none.
+/// The next path records the stroke's solid colour, if any, as its background colour.
 void RememberStrokeColour(DEVICE_PDEV& device, const BRUSHOBJ* brush) {
   if (brush != nullptr && brush->iSolidColor != kNoSolidColour) {
     device.remembered_colour = brush->iSolidColor;
@@ -56,6 +55,8 @@ BOOL APIENTRY DrvFillPath(SURFOBJ* surface, PATHOBJ* path, CLIPOBJ* clip, BRUSHO
   return CaptureDrawing(FindDevice(surface), [&](DEVICE_PDEV& device) {
     WritePathClip(device, clip, path);
     if (!WriteFillPath(device, path, options)) return FALSE;
+    // Compatibility: unlike a stroke, the fill of an empty path is recorded, as in existing
+    // streams.
     WriteFill(device, options, brush, brush_origin, mix, {}, FillKind::kPath);
     return TRUE;
   });

@@ -14,7 +14,7 @@ namespace {
 
 using namespace records;
 
-/// As many as a pen record can have; a longer array is not read.
+/// As many as fit a pen record; a longer array is not read.
 constexpr size_t kMaxStyleEntries = (UINT32_MAX - sizeof(ExtCreatePenPayload)) / sizeof(uint32_t);
 
 std::span<const FLOAT_LONG> StyleOf(const LINEATTRS& attributes) {
@@ -51,7 +51,7 @@ void WriteGeometricPen(DEVICE_PDEV& device, LINEATTRS& attributes, XFORMOBJ* tra
   const uint32_t style =
       PS_GEOMETRIC | JoinStyle(attributes.iJoin) | EndCapStyle(attributes.iEndCap);
   const auto width = static_cast<uint32_t>(DeviceWidth(attributes.elWidth.e, transform));
-  // Without room for the entries the pen is solid.
+  // Without memory for the entries the pen is solid.
   std::span<const FLOAT_LONG> entries = StyleOf(attributes);
   HeapBlock lengths;
   if (!entries.empty() && entries.size() <= kMaxStyleEntries) {
@@ -65,7 +65,7 @@ void WriteGeometricPen(DEVICE_PDEV& device, LINEATTRS& attributes, XFORMOBJ* tra
   EmitExtCreatePen(device, style, width, {lengths.As<uint32_t>(), entries.size()});
 }
 
-/// The style arrays that GDI gives the stock line styles of cosmetic pens.
+/// The stock line style that a cosmetic pen's style array stands for, else PS_USERSTYLE.
 uint32_t CosmeticLineStyle(std::span<const FLOAT_LONG> entries) {
   static constexpr struct {
     uint32_t style;

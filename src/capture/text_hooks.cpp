@@ -9,9 +9,9 @@
 #include "capture/records/conversions.h"
 #include "capture/text_run.h"
 
-// Text calls. Glyphs are not drawn here: playback makes the font by its description and draws
-// characters under the font's transform. Underline and strike-out bars, brush origin and mix are
-// not recorded.
+// Text calls. No glyphs are drawn here: playback creates the font from its description and draws
+// the characters under the font's transform. Underline and strike-out bars, brush origin and mix
+// are not recorded.
 namespace quillo {
 namespace {
 
@@ -29,10 +29,10 @@ struct FontTransform {
 
   XFORMOBJ* object;
   ULONG complexity = DDI_ERROR;
-  XFORML matrix = {};  // all zero when the engine gave none
+  XFORML matrix = {};  // all zero without an object
 };
 
-/// The colour of a brush as the engine has it, or `otherwise` when it is not a solid one.
+/// The device colour of a brush, or `otherwise` when it is not a solid one.
 uint32_t SolidColour(const BRUSHOBJ* brush, uint32_t otherwise) {
   return brush != nullptr && brush->iSolidColor != kNoSolidColour ? brush->iSolidColor : otherwise;
 }
@@ -41,7 +41,7 @@ void WriteTextState(DEVICE_PDEV& device, const STROBJ& text, const RECTL* opaque
                     const BRUSHOBJ* foreground, const BRUSHOBJ* opaque_brush) {
   constexpr uint32_t kBlack = 0;
   constexpr uint32_t kWhite = 0xFFFFFF;
-  // Every run sets its own alignment over this one.
+  // Compatibility: each run replaces this alignment by its own; existing streams have both records.
   constexpr uint32_t kVerticalAlignment = TA_BASELINE | TA_CENTER;
   if ((text.flAccel & SO_VERTICAL) != 0) {
     EmitPayload(device, REC_SETTEXTALIGN, kVerticalAlignment);
@@ -52,7 +52,7 @@ void WriteTextState(DEVICE_PDEV& device, const STROBJ& text, const RECTL* opaque
               opaque_rect != nullptr ? uint32_t{OPAQUE} : uint32_t{TRANSPARENT});
 }
 
-/// The string's runs: one when its positions are at hand, else one a batch.
+/// Records the string's runs: one when its positions are at hand, else one per batch.
 bool WriteRuns(DEVICE_PDEV& device, STROBJ& text, XFORMOBJ* transform, const RECTL* opaque_rect) {
   const wchar_t* characters = text.pwszOrg;
   if (text.pgp != nullptr) {
@@ -93,8 +93,8 @@ BOOL APIENTRY DrvTextOut(SURFOBJ* surface, STROBJ* text, FONTOBJ* font, CLIPOBJ*
       WriteTextState(device, *text, opaque_rect, foreground, opaque_brush);
       written = transform.HasInverse() && WriteRuns(device, *text, transform.object, opaque_rect);
     }
-    // A text call that failed resets the transform inside its bracket, one that succeeded behind
-    // it. The two orders are meant.
+    // Compatibility: a text call that fails resets the transform inside its bracket, one that
+    // succeeds after it, as in existing streams.
     if (!written && transform_set) EmitRecord(device, REC_RESETWORLDTRANSFORM);
     return written ? TRUE : FALSE;
   });

@@ -8,16 +8,16 @@ namespace {
 
 using namespace records;
 
-/// The page's alignment for text: every position is that of a glyph's origin.
+/// Every recorded position is that of a glyph's origin.
 constexpr uint32_t kRunAlignment = TA_BASELINE;
 
-/// What all text records of a run have in common.
+/// What the text records of a run share.
 struct RunFrame {
   uint32_t options;
   Rect rectangle;  // font space
 };
 
-/// Device points to font space, in place.
+/// Converts device points to font space in place. False when the transform has no inverse.
 bool ToFontSpace(XFORMOBJ* transform, std::span<POINTL> points) {
   return XFORMOBJ_bApplyXform(transform, XF_INV_LTOL, static_cast<ULONG>(points.size()),
                               points.data(), points.data());
@@ -40,7 +40,7 @@ bool GoesGlyphByGlyph(const DEVICE_PDEV& device, const STROBJ& text, size_t glyp
   return by_glyph;
 }
 
-/// Where a glyph stands: on the line of the first one, when the string has a line.
+/// The position of a glyph, moved onto the line of the first one when the string has a line.
 POINTL PlaceOf(const GLYPHPOS& glyph, const GLYPHPOS& first, const STROBJ& text) {
   POINTL place = glyph.ptl;
   if ((text.flAccel & SO_HORIZONTAL) != 0) {

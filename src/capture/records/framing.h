@@ -7,7 +7,7 @@
 
 namespace quillo::records {
 
-/// What stands before every payload. Records follow each other without padding.
+/// Precedes every payload. Records follow each other without padding.
 struct RecordHeader {
   uint32_t type;
   uint32_t payload_size;  // bytes, this header not counted

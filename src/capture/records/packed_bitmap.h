@@ -7,7 +7,7 @@
 #include "base/bytes.h"
 #include "capture/records/packed_dib.h"
 
-// How a surface becomes a packed bitmap; packed_dib.h reads them.
+// Surfaces as packed bitmaps; packed_dib.h reads them back.
 namespace quillo::records {
 
 /// What a surface format (BMF_*) means in a header.
@@ -31,10 +31,13 @@ struct DotsPerInch {
 /// Header and an empty colour table.
 DibInfo MakePackedHead(SurfaceFormat format, int32_t width, int32_t height, DotsPerInch dpi);
 
-/// Gives a mask the two colours that masks carry. Playback replaces them before use.
+/// Sets the two colours of a mask.
+///
+/// Compatibility: they are 0xFFFF00 and white, as in existing streams; playback replaces them by
+/// black and white before use.
 void SetMaskColours(DibInfo& head);
 
-/// The bytes in front of the pixel bits.
+/// The bytes that precede the pixel bits.
 Bytes PackedHeadBytes(const DibInfo& head);
 
 /// The pixel bits of a surface in memory.
@@ -44,17 +47,17 @@ struct SurfaceBits {
   uint32_t row_count;
   bool top_down;
 
-  /// Bytes of the rows that have to be turned round, whether they are there or not.
-  [[nodiscard]] uint64_t TurnedSize() const {
+  /// Bytes of the rows to be reversed, present or not.
+  [[nodiscard]] uint64_t ReversedSize() const {
     return top_down ? uint64_t{row_size} * row_count : 0;
   }
-  /// Bytes that ForEachPiece hands over.
-  [[nodiscard]] uint64_t Size() const { return std::max<uint64_t>(TurnedSize(), bits.size()); }
+  /// Bytes that ForEachPiece passes on.
+  [[nodiscard]] uint64_t Size() const { return std::max<uint64_t>(ReversedSize(), bits.size()); }
 };
 
 /// Calls `take` with pieces of a surface's bits, in the order that makes them bottom-up: in one
-/// piece as they stand, or row by row from the last one when they are top-down, and then what is
-/// left behind the rows. Rows that the bits end before are zeros.
+/// piece, or, when they are top-down, row by row from the last one and then whatever follows the
+/// rows. Rows beyond the end of the bits are zeros.
 template <typename Take>
 void ForEachPiece(const SurfaceBits& surface, Take take) {
   const auto take_zeros = [&take](uint64_t size) {
@@ -65,12 +68,12 @@ void ForEachPiece(const SurfaceBits& surface, Take take) {
       left -= piece;
     }
   };
-  const uint64_t turned = surface.TurnedSize();
-  const auto there = static_cast<size_t>(std::min<uint64_t>(turned, surface.bits.size()));
-  if (turned != 0) {
-    const size_t cut = there % surface.row_size;  // what is there of a row that is cut off
+  const uint64_t reversed = surface.ReversedSize();
+  const auto there = static_cast<size_t>(std::min<uint64_t>(reversed, surface.bits.size()));
+  if (reversed != 0) {
+    const size_t cut = there % surface.row_size;  // bytes present of a row that is cut off
     const uint64_t padding = cut != 0 ? surface.row_size - cut : 0;
-    take_zeros(turned - there - padding);
+    take_zeros(reversed - there - padding);
     if (cut != 0) take(surface.bits.subspan(there - cut, cut));
     take_zeros(padding);
     for (size_t end = there - cut; end != 0; end -= surface.row_size) {

@@ -17,7 +17,7 @@ struct DibHeader {
   uint16_t planes;
   uint16_t bit_count;
   uint32_t compression;  // DibCompression
-  uint32_t size_image;   // bytes of the bits; 0 is usual where the geometry tells it
+  uint32_t size_image;   // bytes of the bits; 0 is usual for uncompressed ones
   int32_t x_pels_per_metre;
   int32_t y_pels_per_metre;
   uint32_t colours_used;  // 0 = all that the depth allows
@@ -28,7 +28,7 @@ static_assert(sizeof(DibHeader) == 40);
 enum DibCompression : uint32_t { kDibRgb = 0, kDibRle8 = 1, kDibRle4 = 2, kDibBitFields = 3 };
 
 /// Bytes from the header's start to the bits. The depth alone decides: a full colour table up to 8
-/// bits, one double word above, whatever compression and colour count say.
+/// bits, one double word above, whatever compression and colour count are.
 constexpr size_t PackedBitsOffset(uint32_t bit_count) {
   return sizeof(DibHeader) + 4 * (bit_count <= 8 ? size_t{1} << bit_count : 1);
 }
@@ -51,12 +51,12 @@ struct DibInfo {
 /// A packed DIB inside a record.
 struct PackedDib {
   DibInfo info;  // a copy whose colours_used fits the table; run-length: size_image is bits.size()
-  Bytes bits;    // in place, at any address; of run-length bits all that the block holds
+  Bytes bits;    // in place, unaligned; for run-length bits, the rest of the block
 };
 
-/// Finds the DIB that begins `offset` bytes into `block` and ends at the latest with it. Nothing
-/// when the header is not one (another size than 40, a depth or compression that no record
-/// carries), or when its bits would begin or end outside the block.
+/// Finds the DIB that begins `offset` bytes into `block` and ends within it. Nothing when the
+/// header is invalid (a size other than 40, a depth or compression that no record carries), or when
+/// the bits would begin or end outside the block.
 std::optional<PackedDib> LocatePackedDib(Bytes block, size_t offset);
 
 }  // namespace quillo::records

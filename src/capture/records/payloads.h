@@ -38,12 +38,12 @@ struct CreatePenPayload {
   uint32_t colour;
 };
 
-/// Followed by `count` style entries (u32, device pixels); the zero word stands behind them.
+/// Followed by `count` style entries (u32, device pixels) and then the zero word.
 struct ExtCreatePenPayload {
   uint32_t style;  // PS_* flags as ExtCreatePen takes them
   uint32_t width;  // device pixels
   uint32_t count;
-  uint32_t zero;  // behind the entries
+  uint32_t zero;  // after the entries
 };
 inline constexpr uint32_t kPenEntriesOffset = 12;
 
@@ -52,7 +52,9 @@ enum BrushUsage : uint32_t {
   kPenBrush = 1,   // kept for the next REC_EXTCREATEPEN
 };
 
-/// Followed by the pattern, a packed bitmap, and one zero byte that existing streams carry.
+/// Followed by the pattern, a packed bitmap, and one zero byte.
+///
+/// Compatibility: no field needs that byte; existing streams carry it.
 struct CreateBrushPayload {
   uint32_t style;   // BS_SOLID, BS_HATCHED or BS_DIBPATTERNPT
   uint32_t colour;  // 0 for a pattern
@@ -66,7 +68,7 @@ inline constexpr uint32_t kBrushTrailer = 1;
 /// Followed by `count` points and a zero word.
 struct PolyPayload {
   uint32_t count;
-  uint32_t zero_1;  // what stands here when there are no points
+  uint32_t zero_1;  // only without points
   uint32_t zero_2;
 };
 inline constexpr uint32_t kPolyPointsOffset = 4;
@@ -112,8 +114,8 @@ struct LogFont {
   uint16_t face_name[32];
 };
 
-/// The fixed part in front of the characters. Behind the `count` UTF-16 units (or glyph indexes)
-/// stands one zero unit, then the advances if there are any.
+/// Followed by `count` UTF-16 units (or glyph indexes), one zero unit, and the advances if there
+/// are any.
 struct ExtTextOutHeader {
   Point reference;
   uint32_t options;  // ETO_OPAQUE, ETO_GLYPH_INDEX
@@ -140,7 +142,7 @@ struct SetDibitsPayload {
 struct StretchBltPayload {
   Rect destination;
   Rect source;
-  uint32_t has_adjustment;  // 1 when `adjustment` counts
+  uint32_t has_adjustment;  // 1 when `adjustment` is set
   uint8_t adjustment[24];   // a COLORADJUSTMENT
   uint32_t stretch_mode;    // as GDI passed it
   uint32_t source_offset;
@@ -154,7 +156,7 @@ struct AlphaBlendPayload {
   uint32_t source_offset;
 };
 
-/// Stands before the text records of one text call.
+/// Precedes the text records of one run.
 #pragma pack(push, 2)
 struct TextRunPayload {
   Point reference;
@@ -180,7 +182,7 @@ static_assert(sizeof(AlphaBlendPayload) == 40);
 static_assert(sizeof(TextRunPayload) == 38);
 static_assert(sizeof(Transform) == 24);
 
-/// Bytes that REC_DIBHEADER carries at most: a BITMAPINFOHEADER and one double word.
+/// Maximum payload of REC_DIBHEADER: a BITMAPINFOHEADER and one double word.
 inline constexpr uint32_t kBandHeaderBytes = 44;
 
 }  // namespace quillo::records
