@@ -137,6 +137,7 @@ std::vector<host::PathRun> NextRuns(Words& words) {
   return runs;
 }
 
+/// A surface and its bits.
 struct Picture : host::Surface {
   Picture(SIZEL size, ULONG format, bool top_down, std::vector<std::byte> all, size_t row_size)
       : Surface(size, format, top_down, nullptr, static_cast<ULONG>(all.size()),
