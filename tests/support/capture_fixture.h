@@ -19,8 +19,8 @@ class CaptureTest : public testing::Test, protected DriverJob {
   /// What was recorded since the last call, as text.
   std::string TakeRecords();
 
-  /// Like TakeRecords, of one drawing call: what stands between the bracketing records, which must
-  /// be there.
+  /// Like TakeRecords, of one drawing call: the records between the bracketing ones, which must be
+  /// there.
   std::string TakeDrawing();
 
  private:

@@ -8,7 +8,7 @@
 
 #include "base/bytes.h"
 
-// Real files of other applications. They stand beside the checkout (../shared/corpus) and are not
+// Real files of other applications. They lie beside the checkout (../shared/corpus) and are not
 // part of it; tests over them skip with one line when they are absent.
 namespace quillo::test {
 

@@ -26,7 +26,7 @@ class ImportPatch {
   ImportPatch(const char* name, void* replacement, int);
 
   void** entry_;    // of the import table; null when there is none
-  void* original_;  // what stood there
+  void* original_;  // the system's function
 };
 
 }  // namespace quillo::test
