@@ -42,7 +42,7 @@ int Tenths(Fraction length, bool inches) {
 }
 
 PaperSize SizeOf(const PaperForm& form) {
-  const bool inches = form.inches != 0;
+  const bool inches = form.unit_class == kSizeInches;
   return {Tenths(form.width, inches), Tenths(form.height, inches)};
 }
 

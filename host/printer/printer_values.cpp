@@ -107,9 +107,9 @@ std::optional<NamedSheet> ParseCustomPaper(std::string_view text, std::string& w
   if (number_comma == std::string_view::npos || number_comma == 0) return std::nullopt;
   const auto number =
       ParseNumber<int>(text.substr(number_comma + 1, size_comma - number_comma - 1), 10);
-  if (!number || *number < kFirstCustomPaperNumber || *number > kLastCustomPaperNumber) {
-    why = "the number must lie between " + std::to_string(kFirstCustomPaperNumber) + " and " +
-          std::to_string(kLastCustomPaperNumber);
+  if (!number || *number < kFirstCustomPaper || *number > kLastCustomPaper) {
+    why = "the number must lie between " + std::to_string(kFirstCustomPaper) + " and " +
+          std::to_string(kLastCustomPaper);
     return std::nullopt;
   }
   const auto size = ParsePaper(text.substr(size_comma + 1));

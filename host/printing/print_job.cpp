@@ -121,7 +121,7 @@ class PrintJob {
     Graphics& graphics = session.StartPage(mode.pub);
     PageReport& page = report_.pages.emplace_back();
     page.input = input.name;
-    page.sheet = SheetSize(mode, PaperUnit::kTenthsOfMillimetre);
+    page.sheet = ResolveSheet(mode).tenths.size;
     page.dpi = options_.dpi;
     page.drawn =
         input.content->DrawPage(graphics, {options_.dpi, options_.fit, options_.glyph_order});

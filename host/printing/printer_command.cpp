@@ -32,7 +32,7 @@ void ListPapers(const Options& options, Console& console) {
   for (const PaperName& known : PaperNames()) {
     const DeviceMode mode = MakeDeviceMode(kPrinterName, {.paper = known.paper}, options.dpi);
     console.Write(PaperLine(std::string(known.name), known.paper,
-                            SheetSize(mode, PaperUnit::kTenthsOfMillimetre), "standard"));
+                            ResolveSheet(mode).tenths.size, "standard"));
   }
   for (const auto& [name, sheet] : StoredCustomPapers(kPrinterName)) {
     console.Write(PaperLine(name, sheet.paper, {sheet.width, sheet.height}, "custom"));

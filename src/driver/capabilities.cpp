@@ -1,6 +1,6 @@
 #include "driver/capabilities.h"
 
-#include "config/papers/paper_geometry.h"
+#include "base/text.h"
 
 namespace quillo {
 
@@ -42,28 +42,24 @@ LOGFONTW DefaultFont(const DEVICE_PDEV& device, BYTE pitch_and_family, const wch
   font.lfHeight = -MulDiv(kDefaultFontPoints, static_cast<int>(device.resolution.y), 72);
   font.lfWeight = FW_NORMAL;
   font.lfPitchAndFamily = pitch_and_family;
-  lstrcpynW(font.lfFaceName, face, LF_FACESIZE);
+  CopyPadded(font.lfFaceName, face, LF_FACESIZE);
   return font;
 }
 
 }  // namespace
 
-GDIINFO DescribeGraphics(DEVICE_PDEV& device) {
-  const PaperSize paper = PaperSizeOf(device.mode);
-  const Extent millimetres = PrintableSize(device.mode, paper, PaperUnit::kMillimetres);
-  const Extent pixels = PrintableSize(device.mode, paper, PaperUnit::kDevicePixels);
-  const Extent sheet = SheetSize(device.mode, paper, PaperUnit::kDevicePixels);
-  Margins margins = {};
-  GetMargins(device.mode, &margins, static_cast<uint32_t>(PaperUnit::kDevicePixels));
-  device.physical_offset = {margins.left, margins.top};
+GDIINFO DescribeGraphics(const DEVICE_PDEV& device) {
+  const auto [width, height] = device.sheet.pixels.printable;
+  const auto [width_mm, height_mm] = device.sheet.millimetres.printable;
+  const Extent sheet = device.sheet.pixels.size;
 
   GDIINFO info = {};
   info.ulVersion = kGdiInfoVersion;
   info.ulTechnology = DT_RASPRINTER;
-  info.ulHorzSize = static_cast<ULONG>(millimetres.width);
-  info.ulVertSize = static_cast<ULONG>(millimetres.height);
-  info.ulHorzRes = static_cast<ULONG>(pixels.width);
-  info.ulVertRes = static_cast<ULONG>(pixels.height);
+  info.ulHorzSize = static_cast<ULONG>(width_mm);
+  info.ulVertSize = static_cast<ULONG>(height_mm);
+  info.ulHorzRes = static_cast<ULONG>(width);
+  info.ulVertRes = static_cast<ULONG>(height);
   info.cBitsPixel = 24;
   info.cPlanes = 1;
   info.ulNumColors = static_cast<ULONG>(-1);

@@ -7,8 +7,7 @@
 namespace quillo {
 
 /// What the engine may draw: a 24-bit colour raster printer of the device's resolution and sheet.
-/// Stores the physical offset in the device as it goes.
-GDIINFO DescribeGraphics(DEVICE_PDEV& device);
+GDIINFO DescribeGraphics(const DEVICE_PDEV& device);
 
 /// The drawing capabilities, default fonts and palette of the device.
 DEVINFO DescribeDevice(const DEVICE_PDEV& device);

@@ -8,19 +8,18 @@ namespace quillo {
 
 namespace {
 
-constexpr short kFirstCustomPaper = 256;
 constexpr short kLowestDpi = 50;
 constexpr short kHighestDpi = 1600;
 constexpr short kFallbackDpi = 96;
 
 void MergePaper(DeviceMode& mode, const DEVMODEW& caller) {
   mode.pub.dmPaperSize = caller.dmPaperSize;
-  if (caller.dmPaperSize >= kFirstCustomPaper) {
+  if (caller.dmPaperSize >= DMPAPER_USER) {
     mode.pub.dmPaperLength = caller.dmPaperLength;
     mode.pub.dmPaperWidth = caller.dmPaperWidth;
     return;
   }
-  const Extent sheet = SheetSize(mode, PaperUnit::kTenthsOfMillimetre);
+  const Extent sheet = ResolveSheet(mode).tenths.size;
   mode.pub.dmPaperWidth = static_cast<short>(sheet.width);
   mode.pub.dmPaperLength = static_cast<short>(sheet.height);
 }
@@ -57,8 +56,8 @@ void MergeDeviceMode(DeviceMode& mode, const DEVMODEW* caller) {
   if (!HasOwnShape(*caller)) return;
   std::memcpy(mode.pub.dmDeviceName, caller->dmDeviceName, sizeof mode.pub.dmDeviceName);
   mode.pub.dmDeviceName[CCHDEVICENAME - 1] = L'\0';
-  const auto& own = *reinterpret_cast<const DeviceMode*>(caller);
-  std::memcpy(mode.private_part, own.private_part, sizeof mode.private_part);
+  const auto& callers = *reinterpret_cast<const DeviceMode*>(caller);
+  mode.own = callers.own;
 }
 
 }  // namespace quillo

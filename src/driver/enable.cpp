@@ -3,6 +3,7 @@
 
 #include "base/module_instance.h"
 #include "base/system_owners.h"
+#include "config/papers/paper_geometry.h"
 #include "driver/callbacks.h"
 #include "driver/capabilities.h"
 #include "driver/device/device.h"
@@ -39,6 +40,9 @@ DHPDEV APIENTRY DrvEnablePDEV(DEVMODEW* mode, LPWSTR /*log_address*/, ULONG patt
   device.closing_signature = kDeviceSignature;
   BuildDefaultDeviceMode(device.mode, device_name);
   MergeDeviceMode(device.mode, mode);
+  UseInchMargins(device.mode);
+  device.sheet = ResolveSheet(device.mode);
+  device.physical_offset = {device.sheet.pixels.margins.left, device.sheet.pixels.margins.top};
   const auto dpi = static_cast<uint32_t>(ResolutionOf(device.mode.pub));
   device.resolution = {dpi, dpi};
 

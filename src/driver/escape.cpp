@@ -3,7 +3,6 @@
 #include <cstring>
 
 #include "capture/writer.h"
-#include "config/papers/paper_geometry.h"
 #include "driver/callbacks.h"
 #include "driver/device/device.h"
 
@@ -27,11 +26,9 @@ struct DeviceUnits {
   int32_t top;
 };
 
-DeviceUnits DeviceUnitsOf(DEVICE_PDEV& device) {
-  const Extent size = PrintableSize(device.mode, PaperUnit::kDevicePixels);
-  Margins margins;
-  GetMargins(device.mode, &margins, static_cast<uint32_t>(PaperUnit::kDevicePixels));
-  return {size.width, size.height, margins.left, margins.top};
+DeviceUnits DeviceUnitsOf(const DEVICE_PDEV& device) {
+  const auto& [size, margins, printable] = device.sheet.pixels;
+  return {printable.width, printable.height, margins.left, margins.top};
 }
 
 }  // namespace
@@ -48,7 +45,7 @@ ULONG APIENTRY DrvEscape(SURFOBJ* surface, ULONG escape, ULONG /*input_size*/, P
     }
     case GETDEVICEUNITS: {
       if (output == nullptr) return 0;
-      DEVICE_PDEV* device = FindDevice(surface);
+      const DEVICE_PDEV* device = FindDevice(surface);
       if (device == nullptr) return 0;
       const DeviceUnits units = DeviceUnitsOf(*device);
       std::memcpy(output, &units, sizeof(units));

@@ -2,7 +2,6 @@
 
 #include <cstdint>
 
-#include "config/papers/paper_geometry.h"
 #include "driver/callbacks.h"
 #include "driver/device/device.h"
 
@@ -26,7 +25,7 @@ LONG RowBytes(LONG width) {
 HSURF APIENTRY DrvEnableSurface(DHPDEV handle) noexcept {
   DEVICE_PDEV* device = FindDevice(handle);
   if (device == nullptr) return nullptr;
-  const Extent printable = PrintableSize(device->mode, PaperUnit::kDevicePixels);
+  const Extent printable = device->sheet.pixels.printable;
   device->surface_size = {printable.width, printable.height};
   const HBITMAP bitmap = EngCreateBitmap(device->surface_size, RowBytes(printable.width), BMF_24BPP,
                                          BMF_USERMEM, nullptr);

@@ -61,12 +61,14 @@ bool BeginPage(CQloPrinter& job) {
   job.page_object = OpenClientPage(job);
 
   DeviceMode& settings = *job.device_settings;
-  const Extent sheet = SheetSize(settings, PaperUnit::kTenthsOfMillimetre);
+  UseInchMargins(settings);
+  const Sheet sheet = ResolveSheet(settings);
   if (job.page_object) {
-    DescribePage(*job.page_object.Get(), job.page_path, ResolutionOf(settings.pub), sheet);
+    DescribePage(*job.page_object.Get(), job.page_path, ResolutionOf(settings.pub),
+                 sheet.tenths.size);
   }
 
-  MetafileDc metafile = CreatePageMetafile(job, sheet);
+  MetafileDc metafile = CreatePageMetafile(job, sheet.tenths.size);
   if (!metafile) {
     NotifyPageError(job);
     DropPageFile(job);
@@ -75,8 +77,7 @@ bool BeginPage(CQloPrinter& job) {
   job.playback.page_dc = metafile.Detach();
 
   // Drawing in coordinates of the printable area lands at its place on the sheet.
-  Margins margins = {};
-  GetMargins(settings, &margins, static_cast<uint32_t>(PaperUnit::kDevicePixels));
+  const Margins& margins = sheet.pixels.margins;
   SetViewportOrgEx(job.playback.page_dc, margins.left, margins.top, nullptr);
   job.state |= kPageFilePending;
   return true;

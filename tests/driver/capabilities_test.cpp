@@ -3,7 +3,7 @@
 #include <gtest/gtest.h>
 #include <string_view>
 
-#include "support/margins.h"
+#include "config/papers/paper_geometry.h"
 
 namespace quillo {
 namespace {
@@ -14,6 +14,7 @@ DEVICE_PDEV Device(short paper, short dpi) {
   device.mode.pub.dmPaperSize = paper;
   device.mode.pub.dmPrintQuality = device.mode.pub.dmYResolution = dpi;
   device.resolution = {static_cast<uint32_t>(dpi), static_cast<uint32_t>(dpi)};
+  device.sheet = ResolveSheet(device.mode);
   return device;
 }
 
@@ -25,15 +26,18 @@ std::string_view BytesOf(const GDIINFO& info) {
 TEST(DescribeGraphics, A4At600Dpi_WholeBlock) {
   DEVICE_PDEV device = Device(DMPAPER_A4, 600);
   device.resolution.y = 300;
+  device.physical_offset = {75, 150};
+  device.sheet.pixels.printable = {4000, 7000};
+  device.sheet.millimetres.printable = {200, 290};
   const GDIINFO info = DescribeGraphics(device);
 
   GDIINFO expected = {};
   expected.ulVersion = 0x500;
   expected.ulTechnology = 2;
-  expected.ulHorzSize = 210;
-  expected.ulVertSize = 297;
-  expected.ulHorzRes = 4960;
-  expected.ulVertRes = 7015;
+  expected.ulHorzSize = 200;
+  expected.ulVertSize = 290;
+  expected.ulHorzRes = 4000;
+  expected.ulVertRes = 7000;
   expected.cBitsPixel = 24;
   expected.cPlanes = 1;
   expected.ulNumColors = 0xFFFFFFFF;
@@ -44,6 +48,7 @@ TEST(DescribeGraphics, A4At600Dpi_WholeBlock) {
   expected.ulAspectXY = 141;
   expected.xStyleStep = expected.yStyleStep = 1;
   expected.denStyleStep = 3;
+  expected.ptlPhysOffset = {75, 150};
   expected.szlPhysSize = {4960, 7015};
   expected.ciDevice.Red = {6700, 3300, 0};
   expected.ciDevice.Green = {2100, 7100, 0};
@@ -55,23 +60,6 @@ TEST(DescribeGraphics, A4At600Dpi_WholeBlock) {
   expected.ulHTOutputFormat = 6;
   expected.flHTFlags = 4;
   EXPECT_EQ(BytesOf(info), BytesOf(expected));
-}
-
-TEST(DescribeGraphics, Margins_ShrinkThePrintableAreaAndOffsetIt) {
-  DEVICE_PDEV device = Device(DMPAPER_LETTER, 300);
-  test::SetMargins(device.mode, 0.5f, 0.25f);
-  const GDIINFO info = DescribeGraphics(device);
-  EXPECT_EQ(info.ulHorzRes, 2550u - 150u);
-  EXPECT_EQ(info.ulVertRes, 3300u - 75u);
-  EXPECT_EQ(info.ulHorzSize, 215u - 12u);
-  EXPECT_EQ(info.szlPhysSize.cx, 2550);
-  EXPECT_EQ(info.ptlPhysOffset.x, 150);
-  EXPECT_EQ(info.ptlPhysOffset.y, 75);
-  EXPECT_EQ(device.physical_offset.x, 150);
-  EXPECT_EQ(device.physical_offset.y, 75);
-
-  test::SetMargins(device.mode, 20.0f, 0.25f);
-  EXPECT_EQ(DescribeGraphics(device).ulHorzRes, 0u);
 }
 
 TEST(DescribeGraphics, HalftoneCell_StepsAtEachLimit) {

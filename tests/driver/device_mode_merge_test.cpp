@@ -131,15 +131,15 @@ TEST(MergeDeviceMode, Shape_DecidesOnNameAndPrivatePart) {
     DeviceMode caller;
     BuildDefaultDeviceMode(caller, nullptr);
     std::fill_n(caller.pub.dmDeviceName, CCHDEVICENAME, L'x');  // without a terminator
-    std::memset(caller.private_part, 0x5A, sizeof caller.private_part);
+    std::memset(&caller.own, 0x5A, sizeof caller.own);
     c.change(caller.pub);
     DeviceMode mode = Default();
     MergeDeviceMode(mode, &caller.pub);
     EXPECT_EQ(std::wstring(mode.pub.dmDeviceName),
               c.taken ? std::wstring(CCHDEVICENAME - 1, L'x') : L"Some printer");
-    const std::byte expected{c.taken ? uint8_t{0x5A} : uint8_t{0}};
-    EXPECT_EQ(mode.private_part[0], expected);
-    EXPECT_EQ(mode.private_part[kDriverExtra - 1], expected);
+    PrivatePart expected = {};
+    if (c.taken) expected = caller.own;
+    EXPECT_EQ(std::memcmp(&mode.own, &expected, sizeof expected), 0);
   }
 }
 

@@ -15,6 +15,7 @@
 #include "host/engine/services/surfaces.h"
 #include "job/job.h"
 #include "support/capture_fixture.h"
+#include "support/margins.h"
 
 extern "C" BOOL WINAPI DllMain(HINSTANCE instance, DWORD reason, LPVOID reserved);
 
@@ -75,6 +76,28 @@ TEST_F(Device, Patterns_NoneOffered) {
   EXPECT_EQ(FindDevice(device)->printer, reinterpret_cast<HANDLE>(uintptr_t{0x1234}));
   EXPECT_EQ(FindDevice(device)->remembered_colour, 0xFFFFFFu);
   quillo::DrvDisablePDEV(device);
+}
+
+TEST_F(Device, Margins_OffsetThePrintableAreaAndBecomeInches) {
+  DeviceMode mode;
+  BuildDefaultDeviceMode(mode, nullptr);
+  mode.pub.dmPrintQuality = mode.pub.dmYResolution = 300;
+  for (const auto& [left, width] : {std::pair{0.5f, 2550u - 150u}, {20.0f, 0u}}) {
+    test::SetMargins(mode, left, 0.25f);
+    mode.own.margin_unit = kMarginMillimetres;
+    GDIINFO caps = {};
+    const DHPDEV handle = quillo::DrvEnablePDEV(&mode.pub, nullptr, 0, nullptr, sizeof caps,
+                                                reinterpret_cast<ULONG*>(&caps), 0, nullptr,
+                                                nullptr, nullptr, nullptr);
+    const DEVICE_PDEV& device = *FindDevice(handle);
+    EXPECT_EQ(caps.ulHorzRes, width);
+    EXPECT_EQ(caps.ulVertRes, 3300u - 75u);
+    EXPECT_EQ(caps.szlPhysSize.cx, 2550);
+    EXPECT_EQ(caps.ptlPhysOffset.x, static_cast<LONG>(left * 300));
+    EXPECT_EQ(device.physical_offset.y, 75);
+    EXPECT_EQ(device.mode.own.margin_unit, kMarginInches);
+    quillo::DrvDisablePDEV(handle);
+  }
 }
 
 TEST_F(Device, EnableFailures_LeaveNothing) {

@@ -38,13 +38,10 @@ TEST_F(EscapeTest, Query_AnswersForTheFour) {
 }
 
 TEST_F(EscapeTest, DeviceUnits_ArePrintableSizeAndMargins) {
-  const uint32_t given = 1;
-  std::memcpy(device_.mode.private_part + 492 - sizeof(DEVMODEW), &given, sizeof(given));
-  const float margins[] = {1, 2, 1, 4, 1, 1, 3, 1};  // inches: top 1/2, left 1/4, right 1, bottom 3
-  std::memcpy(device_.mode.private_part + 1020 - sizeof(DEVMODEW), margins, sizeof(margins));
+  device_.sheet.pixels = {.size = {1, 2}, .margins = {3, 4, 5, 6}, .printable = {7, 8}};
   std::array<uint32_t, 5> units = {};
   EXPECT_EQ(Escape(&surface_, GETDEVICEUNITS, nullptr, units.data()), 1u);
-  EXPECT_EQ(units, (std::array<uint32_t, 5>{2550 - 375, 3300 - 1050, 75, 150, 0}));
+  EXPECT_EQ(units, (std::array<uint32_t, 5>{7, 8, 3, 4, 0}));
 }
 
 TEST_F(EscapeTest, BadArguments_AnswerZero) {

@@ -106,7 +106,7 @@ TEST(DispatchRecord, CopiedPayloads_CutToTheirPlaceOrFilledWithZeros) {
   } settings = {{}, 1234};
   page.context.job.device_settings = &settings.mode;
   EXPECT_EQ(page.Play(REC_DEVMODE, Payload(2000, std::byte{0x77})), 1);
-  EXPECT_EQ(settings.mode.private_part[kDriverExtra - 1], std::byte{0x77});
+  EXPECT_EQ(settings.mode.own.margin_unit, 0x77777777u);
   EXPECT_EQ(settings.behind, 1234u);
   EXPECT_EQ(page.Play(REC_DEVMODE), 1);
   page.context.job.device_settings = nullptr;

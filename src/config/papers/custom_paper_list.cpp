@@ -5,7 +5,7 @@
 namespace quillo {
 
 bool CanBePrintedOn(const CustomPaper& paper) {
-  return paper.number >= kFirstCustomPaperNumber && paper.number <= kLastCustomPaperNumber &&
+  return paper.number >= kFirstCustomPaper && paper.number <= kLastCustomPaper &&
          paper.length != 0 && paper.width != 0;
 }
 
@@ -34,7 +34,9 @@ CustomPaper* TakeDuplicates(CustomPaper* head) {
 }
 
 SizeClass SizeClassOf(const CustomPaper& paper) {
-  return paper.kind == 1 ? kSizeTenthsOfInch : kSizeTenthsOfMillimetre;
+  // Compatibility: sizes are stored in tenths of a millimetre, yet those of this kind count as
+  // tenths of an inch. Kept for the stored papers of installed printers.
+  return paper.kind == kInchPaper ? kSizeTenthsOfInch : kSizeTenthsOfMillimetre;
 }
 
 }  // namespace quillo

@@ -3,42 +3,35 @@
 #include <cstdint>
 
 #include "config/device_mode/device_mode.h"
-#include "config/papers/paper_units.h"
+#include "config/papers/sheet.h"
 
 namespace quillo {
 
-/// A sheet as a device mode names it. Looking up a custom paper reads the registry: who needs a
-/// sheet in several units looks it up once.
-struct PaperSize {
-  Fraction width;
-  Fraction height;
-  SizeClass unit_class;
-};
+/// Makes inches the unit of the stored margins; to be called when a mode is set.
+///
+/// Compatibility: the margins count as inches whatever unit their writer stored. Kept for the
+/// stored settings of installed printers and for the record stream, which carries the mode.
+void UseInchMargins(DeviceMode& mode);
 
-/// The sheet of a device mode, as LookUpPaperSize below has it.
-PaperSize PaperSizeOf(const DeviceMode& mode);
+/// The sheet of a device mode. Opens the printer and reads the registry for a custom paper (number
+/// above 256), so it is asked once per mode.
+Sheet ResolveSheet(const DeviceMode& mode);
 
-/// The sheet of a device mode: width and height as exact fractions, in landscape exchanged, and
-/// their SizeClass. Each output may be null. A paper number that nobody knows gives Letter.
+// One question at a time, for other modules of the product that share these sources. The driver
+// itself works with the Sheet.
+
+/// The size of the paper as it lies in the printer, and its SizeClass. Each output may be null.
 void LookUpPaperSize(const DeviceMode& mode, Fraction* width, Fraction* height,
                      uint32_t* unit_class);
 
 /// Converts a size of a SizeClass into a PaperUnit, at the resolution of `mode`. Returns 1, or 0
 /// with `out` untouched when a pointer is null (`mode` may be null unless pixels are asked for).
-/// An unknown class or unit gives an extent of 0 by 0.
+/// An unknown class or unit yields an extent of 0 by 0.
 int ConvertPaperSize(const DeviceMode* mode, const Fraction* width, const Fraction* height,
                      uint32_t source_class, uint32_t target_unit, Extent* out);
 
-/// The margins of a device mode. Stores 1 (inches) as the unit of its margins. A null `out` or an
-/// unknown unit gets nothing written to `out`; with a null `out` the mode stays as it is, too.
+/// The margins of a device mode, which gets inches as their unit; `out` stays as it is for an
+/// unknown unit. A null `out` changes nothing.
 void GetMargins(DeviceMode& mode, Margins* out, uint32_t target_unit);
-
-/// The whole sheet; `size` is the one of `mode`.
-Extent SheetSize(const DeviceMode& mode, const PaperSize& size, PaperUnit unit);
-Extent SheetSize(const DeviceMode& mode, PaperUnit unit);
-
-/// The sheet less its margins, never below zero. Stores the margin unit as GetMargins does.
-Extent PrintableSize(DeviceMode& mode, const PaperSize& size, PaperUnit unit);
-Extent PrintableSize(DeviceMode& mode, PaperUnit unit);
 
 }  // namespace quillo

@@ -7,17 +7,65 @@
 
 namespace quillo {
 
+/// Paper numbers: the system's DMPAPER_ constants of the same names.
+enum PaperNumber : int16_t {
+  kPaperLetter = 1,
+  kPaperLetterSmall,
+  kPaperTabloid,
+  kPaperLedger,
+  kPaperLegal,
+  kPaperStatement,
+  kPaperExecutive,
+  kPaperA3,
+  kPaperA4,
+  kPaperA4Small,
+  kPaperA5,
+  kPaperB4,
+  kPaperB5,
+  kPaperFolio,
+  kPaperQuarto,
+  kPaper10x14,
+  kPaper11x17,
+  kPaperNote,
+  kPaperEnvelope9,
+  kPaperEnvelope10,
+  kPaperEnvelope11,
+  kPaperEnvelope12,
+  kPaperEnvelope14,
+  kPaperCSheet,
+  kPaperDSheet,
+  kPaperESheet,
+  kPaperEnvelopeDl,
+  kPaperEnvelopeC5,
+  kPaperEnvelopeC3,
+  kPaperEnvelopeC4,
+  kPaperEnvelopeC6,
+  kPaperEnvelopeC65,
+  kPaperEnvelopeB4,
+  kPaperEnvelopeB5,
+  kPaperEnvelopeB6,
+  kPaperEnvelopeItaly,
+  kPaperEnvelopeMonarch,
+  kPaperEnvelopePersonal,
+  kPaperFanfoldUs,
+  kPaperFanfoldGerman,
+  kPaperFanfoldGermanLegal,
+  kPaperUser = 256,  // its size is in the device mode; custom papers come after it
+};
+
 /// A standard form.
 struct PaperForm {
-  int16_t paper;            // dmPaperSize
-  uint32_t identifiers[2];  // numbers 1 to 79; what they stand for is not used here
-  uint32_t inches;          // 1: the size is in inches; 0: in millimetres
-  Fraction width;           // portrait
+  PaperNumber paper;        // dmPaperSize
+  uint32_t identifiers[2];  // 1 to 79, for other modules of the product; not used here
+  SizeClass unit_class;     // of the size: kSizeInches or kSizeMillimetres
+  Fraction width;           // upright
   Fraction height;
 };
 
-/// All standard forms, in the order in which they are searched. Papers 12, 16 and 17 are not among
-/// them, on purpose.
+/// All standard forms, in the order in which they are searched.
+///
+/// Compatibility: kPaperB4, kPaper10x14 and kPaper11x17 are not among them and get the fallback
+/// size. Kept for the stored settings and pages of installed printers.
 std::span<const PaperForm> StandardForms();
 
 /// The standard form of a paper number, or null.

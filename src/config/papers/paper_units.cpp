@@ -30,8 +30,8 @@ constexpr Scale kScales[][3] = {
 };
 
 int32_t PrintableLength(int32_t sheet, int32_t near, int32_t far) {
-  const int64_t left = int64_t{sheet} - (int64_t{near} + far);
-  return static_cast<int32_t>(std::clamp<int64_t>(left, 0, INT32_MAX));
+  const int64_t printable = int64_t{sheet} - (int64_t{near} + far);
+  return static_cast<int32_t>(std::clamp<int64_t>(printable, 0, INT32_MAX));
 }
 
 }  // namespace
@@ -48,8 +48,9 @@ int32_t ConvertLength(Fraction length, uint32_t size_class, uint32_t target_unit
                     WrappingMultiply(length.denominator, scale.divide));
 }
 
-int32_t ConvertMargin(float value, float divisor, uint32_t unit, PaperUnit target_unit,
+int32_t ConvertMargin(StoredMargin margin, uint32_t unit, PaperUnit target_unit,
                       int32_t resolution) {
+  const auto [value, divisor] = margin;
   switch (target_unit) {
     case PaperUnit::kDevicePixels: {
       float pixels = value / (divisor / static_cast<float>(resolution));
@@ -57,6 +58,8 @@ int32_t ConvertMargin(float value, float divisor, uint32_t unit, PaperUnit targe
       return TruncateToInt(pixels + 0.5f);
     }
     case PaperUnit::kMillimetres:
+      // Compatibility: from millimetres to millimetres the divisor is ignored. Kept for the stored
+      // settings of installed printers.
       return TruncateToInt(unit == kMarginInches ? value / divisor * 25.4f : value);
     case PaperUnit::kTenthsOfMillimetre:
       return TruncateToInt(value / divisor * (unit == kMarginInches ? 254.0f : 10.0f));

@@ -5,6 +5,7 @@
 #include <cstdint>
 
 #include "config/device_mode/device_mode.h"
+#include "config/papers/sheet.h"
 
 namespace quillo {
 
@@ -46,6 +47,7 @@ struct DEVICE_PDEV {
   CQloPrinter* job;            // null before the first DrvStartDoc
   SIZEL surface_size;          // printable size in device pixels
   uint32_t job_ended;          // 1 from DrvEndDoc to DrvStartDoc: `job` stays but lives no longer
+  Sheet sheet;                 // of `mode`
 };
 
 /// The device's job while it lives, else null.

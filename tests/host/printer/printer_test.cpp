@@ -62,14 +62,14 @@ TEST_P(PrinterAtResolution, ReferenceDc_MatchesSheetAndScale) {
     EXPECT_EQ(GetDeviceCaps(dc.Get(), LOGPIXELSY), dpi);
 
     // At most the next whole millimetre, and the next whole pixel.
-    const Extent pixels = SheetSize(mode, PaperUnit::kDevicePixels);
+    const Extent pixels = ResolveSheet(mode).pixels.size;
     const int most = dpi / 25 + 2;
     const int width = GetDeviceCaps(dc.Get(), HORZRES);
     const int height = GetDeviceCaps(dc.Get(), VERTRES);
     EXPECT_TRUE(width >= pixels.width && width <= pixels.width + most) << width;
     EXPECT_TRUE(height >= pixels.height && height <= pixels.height + most) << height;
 
-    const Extent tenths = SheetSize(mode, PaperUnit::kTenthsOfMillimetre);
+    const Extent tenths = ResolveSheet(mode).tenths.size;
     const RECT frame{0, 0, tenths.width * 10, tenths.height * 10};
     const ENHMETAHEADER header = HeaderFor(dc.Get(), frame);
     EXPECT_EQ(header.rclFrame.right, frame.right);
