@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include "config/papers/custom_papers.h"
 #include "config/settings/printer_options.h"
 #include "config/settings_test.h"
 #include "support/import_patch.h"
@@ -11,120 +12,7 @@ namespace {
 
 using namespace test;
 
-class PrinterSettingsTest : public SettingsTest {
- protected:
-  std::vector<std::byte> buffer_ = std::vector<std::byte>(1 << 20);
-};
-
-/// Reads into `capacity` bytes of `buffer`, and asks for the size; says what was read.
-template <typename Read>
-std::optional<StoredValue> ReadBack(const Read& read, std::vector<std::byte>& buffer,
-                                    DWORD capacity = 1 << 20) {
-  ValueBuffer query, value = {buffer.data(), capacity};
-  const SettingsResult asked = read(&query);
-  const SettingsResult result = read(&value);
-  EXPECT_EQ(asked == SETTINGS_SIZE_ONLY, result == SETTINGS_OK || capacity < query.size);
-  if (result != SETTINGS_OK) {
-    EXPECT_EQ(result, SETTINGS_READ_FAILED);
-    return std::nullopt;
-  }
-  EXPECT_EQ(query.size, value.size);
-  return StoredValue{value.type, {buffer.begin(), buffer.begin() + value.size}};
-}
-
-std::optional<std::wstring> WideText(const GlobalBlock& block) {
-  if (!block) return std::nullopt;
-  return std::wstring(static_cast<const wchar_t*>(block.Get()));
-}
-
-TEST_F(PrinterSettingsTest, Values_OfAnySizeAndType) {
-  const PrinterSettings settings(printer_.Get());
-  const auto data = [&](auto* v) { return settings.Read(L"v", v, SettingsPlace::kPrinterData); };
-  const auto registry = [&](auto* v) { return settings.Read(L"v", v, SettingsPlace::kRegistry); };
-  EXPECT_FALSE(ReadBack(data, buffer_));
-  EXPECT_FALSE(ReadBack(registry, buffer_));
-  for (const StoredValue& value : {Number(7), Zeros(0), Text(std::string("odd")), Zeros(1 << 20)}) {
-    PutData(L"v", value);
-    PutValue(HKEY_CURRENT_USER, kOwnKey, L"v", value);
-    EXPECT_EQ(ReadBack(data, buffer_), value) << value.bytes.size();
-    EXPECT_EQ(ReadBack(registry, buffer_), value) << value.bytes.size();
-    if (value.bytes.empty()) continue;
-    const auto short_by_one = static_cast<DWORD>(value.bytes.size() - 1);
-    EXPECT_FALSE(ReadBack(data, buffer_, short_by_one)) << value.bytes.size();
-    EXPECT_FALSE(ReadBack(registry, buffer_, short_by_one)) << value.bytes.size();
-  }
-}
-
-TEST_F(PrinterSettingsTest, Stores_OfMachineAndEachUser) {
-  const PrinterSettings settings(kTestPrinter, PRINTER_ALL_ACCESS);
-  const auto put = [&](SettingsStore store, DWORD number) {
-    EXPECT_EQ(settings.WriteStore(L"v", REG_DWORD, Number(number).bytes, store), SETTINGS_OK);
-  };
-  const auto users = [&](auto* v) { return settings.ReadStore(L"v", v, SettingsStore::kUser); };
-  const auto machines = [&](auto* v) {
-    return settings.ReadStore(L"v", v, SettingsStore::kMachine);
-  };
-  EXPECT_FALSE(ReadBack(users, buffer_));
-  put(SettingsStore::kMachine, 1);
-  EXPECT_FALSE(ReadBack(users, buffer_));
-  put(SettingsStore::kUser, 2);
-  EXPECT_EQ(GetValue(HKEY_LOCAL_MACHINE, kOwnKey, L"v"), Number(1));
-  EXPECT_EQ(GetValue(HKEY_CURRENT_USER, kOwnKey, L"v"), Number(2));
-  sandbox_->SwitchUser(L"another user");
-  EXPECT_FALSE(ReadBack(users, buffer_));
-  EXPECT_EQ(ReadBack(machines, buffer_), Number(1));
-  put(SettingsStore::kUser, 3);
-  sandbox_->SwitchUser(L"user");
-  EXPECT_EQ(ReadBack(users, buffer_), Number(2));
-}
-
-TEST_F(PrinterSettingsTest, KeysOfAProduct_ReadAndWriteDiffer) {
-  const std::wstring product = L"Software\\Product", own = product + L"\\" + kTestPrinter;
-  const struct {
-    const char* what;
-    std::optional<StoredValue> flags, registry_key;
-    std::wstring store_key, write_key, read_key;
-  } cases[] = {
-      {"plain", {}, {}, kOwnKey, kOwnKey, kOwnKey},
-      {"flags 0", Number(0), {}, kOwnKey, kOwnKey, kOwnKey},
-      {"flags without a key", Number(1), {}, kOwnKey, kOwnKey, kOwnKey},
-      {"empty key", Number(1), Terminated(L""), kOwnKey, kOwnKey, kOwnKey},
-      {"key without flags", {}, Terminated(product), kOwnKey, own, product},
-      {"key not there", {}, Terminated(L"Software\\Gone"), kOwnKey, L"", kOwnKey},
-      {"both", Number(1), Terminated(product), own, own, product},
-      {"no terminator", Number(1), Text(product), own, own, product},
-  };
-  for (const auto& c : cases) {
-    SCOPED_TRACE(c.what);
-    StartAfresh();
-    PutData(L"DriverFlags", c.flags);
-    PutData(L"RegistryKey", c.registry_key);
-    PutValue(HKEY_CURRENT_USER, c.read_key, L"r", Number(3));
-    const PrinterSettings named(kTestPrinter, PRINTER_ALL_ACCESS), handled(printer_.Get());
-    for (const PrinterSettings* settings : {&named, &handled}) {
-      const auto read = [&](auto* v) { return settings->Read(L"r", v, SettingsPlace::kRegistry); };
-      EXPECT_EQ(ReadBack(read, buffer_), Number(3));
-      settings->WriteStore(L"s", REG_DWORD, Number(1).bytes, SettingsStore::kMachine);
-      EXPECT_EQ(GetValue(HKEY_LOCAL_MACHINE, c.store_key, L"s"), Number(1));
-      if (c.write_key.empty()) continue;
-      settings->Write(L"w", REG_DWORD, Number(2).bytes, SettingsPlace::kRegistry);
-      EXPECT_EQ(GetValue(HKEY_CURRENT_USER, c.write_key, L"w"), Number(2));
-    }
-  }
-}
-
-TEST_F(PrinterSettingsTest, LegacyPlace_IsFilledFromPrinterDataOnce) {
-  const PrinterSettings settings(kTestPrinter, PRINTER_ALL_ACCESS);
-  const auto read = [&](auto* v) { return settings.ReadLegacy(L"v", v); };
-  EXPECT_FALSE(ReadBack(read, buffer_));
-  PutData(L"v", Number(5));
-  EXPECT_EQ(ReadBack(read, buffer_), Number(5));
-  PutData(L"v", Number(6));
-  EXPECT_EQ(ReadBack(read, buffer_), Number(5));
-  EXPECT_EQ(GetValue(HKEY_CURRENT_USER, L"Printers\\VORNIX", L"v"), Number(5));
-  EXPECT_EQ(settings.WriteLegacy(L"v", REG_DWORD, Number(7).bytes), SETTINGS_OK);
-  EXPECT_EQ(ReadBack(read, buffer_), Number(7));
-}
+using PrinterSettingsTest = SettingsTest;
 
 TEST_F(PrinterSettingsTest, NotOpen_BadArgument_Denied) {
   const PrinterSettings closed(L"no such printer", PRINTER_ALL_ACCESS);
@@ -141,6 +29,7 @@ TEST_F(PrinterSettingsTest, NotOpen_BadArgument_Denied) {
     EXPECT_EQ(LoadOptions(*settings, nullptr), expected);
   }
   EXPECT_EQ(StoreOptions(closed, PrinterOptions()), SETTINGS_NOT_OPEN);
+  EXPECT_EQ(SaveCustomPapers(L"no such printer", nullptr), SETTINGS_NOT_OPEN);
 
   const auto write = [&] { return open.WriteStore(L"v", REG_SZ, {}, SettingsStore::kUser); };
   const ImportPatch set(
@@ -158,29 +47,20 @@ TEST_F(PrinterSettingsTest, NotOpen_BadArgument_Denied) {
   EXPECT_EQ(open.Write(L"v", REG_SZ, {}, SettingsPlace::kPrinterData), SETTINGS_WRITE_FAILED);
 }
 
-TEST_F(PrinterSettingsTest, ProductStrings_EndInATerminator) {
-  const struct {
-    const char* what;
-    std::optional<StoredValue> flags, stored;
-    std::optional<std::wstring> expected;
-  } cases[] = {
-      {"terminated", Number(1), Terminated(L"https://x"), L"https://x"},
-      {"no terminator", Number(0x80000000), Text(std::wstring(L"ab")), L"ab"},
-      {"odd length", Number(1), Text(std::string("a\0b\0c", 5)), L"ab"},
-      {"1 byte", Number(1), Zeros(1), L""},
-      {"0 bytes", Number(1), Zeros(0), L""},
-      {"1 MiB", Number(1), Text(std::wstring(1 << 19, L'a')), std::wstring(1 << 19, L'a')},
-      {"absent", Number(1), {}, {}},
-      {"no flags", {}, Terminated(L"x"), {}},
-      {"flags 0", Number(0), Terminated(L"x"), {}},
-  };
-  for (const auto& c : cases) {
-    StartAfresh();
-    PutData(L"DriverFlags", c.flags);
-    PutData(L"url", c.stored);
-    const PrinterSettings settings(printer_.Get());
-    EXPECT_EQ(WideText(settings.Strings().slots[ProductStrings::kUrl]), c.expected) << c.what;
-    EXPECT_FALSE(settings.Strings().slots[ProductStrings::kProductName]) << c.what;
+TEST_F(PrinterSettingsTest, CustomPapers_UnwritableValue) {
+  static std::wstring unwritable;
+  static decltype(RegSetValueExW)* set;
+  const ImportPatch patch(
+      "RegSetValueExW",
+      +[](HKEY key, const wchar_t* name, DWORD zero, DWORD type, const BYTE* data, DWORD size)
+           WINAPI -> LSTATUS {
+        return name == unwritable ? ERROR_DISK_FULL : set(key, name, zero, type, data, size);
+      });
+  set = patch.Original<decltype(RegSetValueExW)>();
+  const CustomPapers paper(NewCustomPaper());
+  for (const wchar_t* name : {L"CustomPaperDim", L"PaperID", L"Custom Papers Count"}) {
+    unwritable = name;
+    EXPECT_EQ(SaveCustomPapers(kTestPrinter, paper.Get()), SETTINGS_SET_FAILED);
   }
 }
 
@@ -226,34 +106,6 @@ void OpenWithTwoMasks() {
 TEST_F(PrinterSettingsTest, AccessMask_OfTheFirstConstructionWins) {
   // In a process of its own, where no other printer was opened before.
   EXPECT_EXIT(OpenWithTwoMasks(), testing::ExitedWithCode(0), "");
-}
-
-TEST_F(PrinterSettingsTest, Options_LoadFromPrinterDataStoreToTheRegistry) {
-  PutData(L"Options", Number(0x80000001));
-  PutData(L"AboutString", Text(std::string("8-bit text")));
-  PutData(L"SaveFormats", Zeros(25));
-  const PrinterSettings settings(printer_.Get());
-  PrinterOptions options;
-  for (const auto& [count, expected] : {std::pair{0u, 0u}, {1u, 1u}, {3u, 2u}, {~0u, 2u}}) {
-    PutData(L"SaveFormatsCount", Number(count));
-    ASSERT_EQ(LoadOptions(settings, &options), SETTINGS_OK);
-    EXPECT_EQ(options.save_formats_count, expected);
-    EXPECT_EQ(static_cast<bool>(options.save_formats), expected != 0);
-  }
-  EXPECT_EQ(options.options, 0x80000001u);
-  EXPECT_STREQ(static_cast<const char*>(options.about_string.Get()), "8-bit text");
-  EXPECT_FALSE(options.about_icon);
-
-  ASSERT_EQ(StoreOptions(settings, options), SETTINGS_OK);
-  EXPECT_EQ(GetValue(HKEY_CURRENT_USER, kOwnKey, L"Options"), Number(0x80000001));
-  EXPECT_EQ(GetValue(HKEY_CURRENT_USER, kOwnKey, L"SaveFormatsCount"), Number(2));
-  EXPECT_EQ(GetValue(HKEY_CURRENT_USER, kOwnKey, L"SaveFormats"), Zeros(24));
-  EXPECT_FALSE(GetValue(HKEY_CURRENT_USER, kOwnKey, L"AboutIcon"));
-  // 8-bit, and 11 bytes with the terminator; Windows adds to a text what it takes for half a one.
-  const auto text = GetValue(HKEY_CURRENT_USER, kOwnKey, L"AboutString");
-  ASSERT_TRUE(text && text->bytes.size() >= 11);
-  EXPECT_STREQ(reinterpret_cast<const char*>(text->bytes.data()), "8-bit text");
-  EXPECT_EQ(text->type, DWORD{REG_SZ});
 }
 
 }  // namespace
