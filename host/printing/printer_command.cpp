@@ -31,8 +31,8 @@ std::string PaperLine(const std::string& name, int paper, Extent size, const cha
 void ListPapers(const Options& options, Console& console) {
   for (const PaperName& known : PaperNames()) {
     const DeviceMode mode = MakeDeviceMode(kPrinterName, {.paper = known.paper}, options.dpi);
-    console.Write(PaperLine(std::string(known.name), known.paper,
-                            ResolveSheet(mode).tenths.size, "standard"));
+    console.Write(PaperLine(std::string(known.name), known.paper, ResolveSheet(mode).tenths.size,
+                            "standard"));
   }
   for (const auto& [name, sheet] : StoredCustomPapers(kPrinterName)) {
     console.Write(PaperLine(name, sheet.paper, {sheet.width, sheet.height}, "custom"));

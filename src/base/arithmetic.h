@@ -8,7 +8,7 @@
 // produce an absurd result.
 namespace quillo {
 
-/// Sum of outside numbers, or nothing when it does not fit T.
+/// The sum, or nothing when it does not fit T.
 template <typename T>
 constexpr std::optional<T> CheckedAdd(T a, T b) {
   T sum{};
@@ -16,7 +16,7 @@ constexpr std::optional<T> CheckedAdd(T a, T b) {
   return sum;
 }
 
-/// Product of outside numbers, or nothing when it does not fit T.
+/// The product, or nothing when it does not fit T.
 template <typename T>
 constexpr std::optional<T> CheckedMultiply(T a, T b) {
   T product{};
@@ -29,7 +29,7 @@ constexpr bool RangeFits(size_t total, size_t offset, size_t size) {
   return offset <= total && size <= total - offset;
 }
 
-/// Truncates towards zero; values outside i32 (and NaN) give the nearest limit (and 0).
+/// Truncates towards zero; values outside i32 yield the nearest limit, NaN yields 0.
 constexpr int32_t TruncateToInt(float value) {
   if (!(value == value)) return 0;
   if (value >= 2147483648.0f) return INT32_MAX;

@@ -6,8 +6,8 @@
 #include <span>
 #include <type_traits>
 
-// Every target of this code is little-endian, as are its formats; the loads below only take care of
-// alignment and bounds.
+// Every target of this code is little-endian, as are its formats; the functions below only take
+// care of alignment and bounds.
 static_assert(__BYTE_ORDER__ == __ORDER_LITTLE_ENDIAN__);
 
 namespace quillo {
@@ -15,7 +15,7 @@ namespace quillo {
 using Bytes = std::span<const std::byte>;
 using MutableBytes = std::span<std::byte>;
 
-/// Reads a T at `offset`; the bytes that lie behind the end of `bytes` read as zero.
+/// Reads a T at `offset`; bytes beyond the end of `bytes` read as zero.
 template <typename T>
 T LoadOrZero(Bytes bytes, size_t offset = 0) {
   static_assert(std::is_trivially_copyable_v<T>);
@@ -27,7 +27,7 @@ T LoadOrZero(Bytes bytes, size_t offset = 0) {
   return value;
 }
 
-/// Writes a T at `offset`. The caller has made sure that it fits.
+/// Writes a T at `offset`, where it must fit.
 template <typename T>
 void Store(MutableBytes bytes, size_t offset, const T& value) {
   static_assert(std::is_trivially_copyable_v<T>);

@@ -4,5 +4,5 @@
 #include "base/windows.h"
 
 #include <wingdi.h>
-// winddi.h wants the three above it.
+// winddi.h needs what comes before it.
 #include <winddi.h>

@@ -4,7 +4,7 @@
 
 namespace quillo {
 
-/// Whether GDI has DIBs of so many bits per pixel.
+/// Whether GDI has DIBs of this many bits per pixel.
 constexpr bool IsDibDepth(uint32_t bits_per_pixel) {
   switch (bits_per_pixel) {
     case 1:

@@ -44,7 +44,7 @@ struct EnhMetafileTraits {
 };
 using EnhMetafile = Owner<EnhMetafileTraits>;
 
-/// A metafile DC. Dropping it drops the metafile too; Close() yields it.
+/// A metafile DC. Destroying it discards the metafile; Close() returns it.
 struct MetafileDcTraits {
   using Type = HDC;
   static constexpr Type kNull = nullptr;
@@ -53,11 +53,11 @@ struct MetafileDcTraits {
 class MetafileDc : public Owner<MetafileDcTraits> {
  public:
   using Owner::Owner;
-  /// Ends the drawing; the result is empty when GDI could not finish the metafile.
+  /// Ends the recording. Empty when GDI could not finish the metafile.
   [[nodiscard]] EnhMetafile Close() { return EnhMetafile(CloseEnhMetaFile(Detach())); }
 };
 
-/// Selects an object into a DC and puts the previous one back at the end of the scope.
+/// Selects an object into a DC and restores the previous one at the end of the scope.
 class SelectScope {
  public:
   SelectScope(HDC dc, HGDIOBJ object) : dc_(dc), previous_(SelectObject(dc, object)) {}

@@ -4,8 +4,8 @@
 
 namespace quillo {
 
-/// The driver's own module: written once at process attach, null before. Devices are refused while
-/// it is null; resources are looked for beside its file.
+/// The driver's own module, set at process attach. While it is null, devices are refused; the
+/// resource module lies in the same folder.
 inline HINSTANCE g_module_instance = nullptr;
 
 }  // namespace quillo

@@ -8,9 +8,9 @@ namespace quillo {
 
 /// Move-only owner of a platform resource.
 ///
-/// `Traits` says what is owned: `Type`, `kNull` (the value that owns nothing), `Release(Type)`, and
-/// optionally `IsNull(Type)` where more than one value means "nothing". The destructor and Reset
-/// keep the thread's last error, so that a cleanup never hides the reason of a failure.
+/// `Traits` has `Type`, `kNull` (the value that owns nothing), `Release(Type)`, and optionally
+/// `IsNull(Type)` where several values own nothing. The destructor and Reset preserve the thread's
+/// last error, so that cleaning up never hides the cause of a failure.
 template <typename Traits>
 class Owner {
  public:
@@ -30,10 +30,10 @@ class Owner {
   [[nodiscard]] Type Get() const { return value_; }
   explicit operator bool() const { return !IsNull(value_); }
 
-  /// Gives the resource up to the caller.
+  /// Hands the resource over to the caller.
   [[nodiscard]] Type Detach() { return std::exchange(value_, Traits::kNull); }
 
-  /// Releases what is held and takes `value`.
+  /// Releases the current resource and takes ownership of `value`.
   void Reset(Type value = Traits::kNull) {
     const Type old = std::exchange(value_, value);
     if (IsNull(old)) return;
@@ -42,7 +42,7 @@ class Owner {
     SetLastError(last_error);
   }
 
-  /// Releases what is held and gives the address for a function that fills it.
+  /// Releases the current resource; returns the address for a function that stores a new one.
   [[nodiscard]] Type* Receive() {
     Reset();
     return &value_;

@@ -60,17 +60,9 @@ class GlobalBlock : public Owner<GlobalBlockTraits> {
     if (block == nullptr) GlobalFree(handle);
     return GlobalBlock(block);
   }
-  /// Frees a block that was given up by Detach; null is none.
+  /// Frees a block that Detach returned, or null.
   static void Free(void* block) { const GlobalBlock owner(block); }
 };
-
-/// Memory that a system function allocated for LocalFree.
-struct LocalBlockTraits {
-  using Type = void*;
-  static constexpr Type kNull = nullptr;
-  static void Release(Type block) { LocalFree(block); }
-};
-using LocalBlock = Owner<LocalBlockTraits>;
 
 /// A block of some heap, by default zero-filled and from the process heap.
 class HeapBlock {
@@ -86,7 +78,7 @@ class HeapBlock {
     std::swap(block_, other.block_);
     return *this;
   }
-  /// Takes over a block of `heap`; null gives an empty owner.
+  /// Takes ownership of a block of `heap`, or of nothing when it is null.
   static HeapBlock Adopt(void* block, HANDLE heap = GetProcessHeap()) {
     HeapBlock owner;
     owner.heap_ = heap;

@@ -2,9 +2,10 @@
 
 #include <cstddef>
 
+// Strings in fixed buffers. CopyPadded is the way to copy into one.
 namespace quillo {
 
-/// The part of a path behind its last backslash; all of it when there is none.
+/// The part of a path after its last backslash; the whole path when there is none.
 template <typename Char>
 constexpr const Char* FileNamePart(const Char* path) {
   const Char* name = path;
@@ -23,8 +24,8 @@ constexpr void CopyPadded(Char* to, const Char* from, size_t count) {
   for (; i < count; ++i) to[i] = Char{};
 }
 
-/// Copies up to `count` characters, or to the terminator with it, then makes the last of `count`
-/// a terminator. Returns `to`.
+/// Copies up to `count` characters, or to the terminator and including it, then makes the last of
+/// `count` a terminator. Returns `to`. For other modules of the product that share these sources.
 constexpr wchar_t* CopyBounded(wchar_t* to, const wchar_t* from, size_t count) {
   if (count == 0) return to;
   for (size_t i = 0; i < count; ++i) {

@@ -3,8 +3,8 @@
 #include "base/ddi.h"
 
 // The device, surface, document and page callbacks of the driver's table, by their interface names.
-// (The drawing hooks are in capture/hooks.h.) Without a living device they fail with the last error
-// that FindDevice sets.
+// (The drawing hooks are in capture/hooks.h.) Without a living device they fail with last error
+// ERROR_INVALID_PARAMETER; other failures return FALSE or null and set none.
 namespace quillo {
 
 DHPDEV APIENTRY DrvEnablePDEV(DEVMODEW* mode, LPWSTR log_address, ULONG pattern_count,

@@ -6,7 +6,8 @@
 
 namespace quillo {
 
-/// What the engine may draw: a 24-bit colour raster printer of the device's resolution and sheet.
+/// The raster that the engine draws on: a 24-bit colour raster printer of the device's resolution
+/// and sheet.
 GDIINFO DescribeGraphics(const DEVICE_PDEV& device);
 
 /// The drawing capabilities, default fonts and palette of the device.

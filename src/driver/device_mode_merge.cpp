@@ -8,8 +8,8 @@ namespace quillo {
 
 namespace {
 
-constexpr short kLowestDpi = 50;
-constexpr short kHighestDpi = 1600;
+constexpr short kMinDpi = 50;
+constexpr short kMaxDpi = 1600;
 constexpr short kFallbackDpi = 96;
 
 void MergePaper(DeviceMode& mode, const DEVMODEW& caller) {
@@ -24,7 +24,7 @@ void MergePaper(DeviceMode& mode, const DEVMODEW& caller) {
   mode.pub.dmPaperLength = static_cast<short>(sheet.height);
 }
 
-short UsableDpi(short dpi) { return dpi >= kLowestDpi && dpi <= kHighestDpi ? dpi : kFallbackDpi; }
+short UsableDpi(short dpi) { return dpi >= kMinDpi && dpi <= kMaxDpi ? dpi : kFallbackDpi; }
 
 void MergeQuality(DEVMODEW& mode, const DEVMODEW& caller) {
   if (caller.dmPrintQuality >= 0 || caller.dmYResolution != 0) {

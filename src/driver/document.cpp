@@ -10,13 +10,13 @@ namespace quillo {
 BOOL APIENTRY DrvStartDoc(SURFOBJ* surface, LPWSTR /*document*/, DWORD job_id) noexcept {
   DEVICE_PDEV* device = FindDevice(surface);
   if (device == nullptr) return FALSE;
-  // A document that continues on a reset device keeps its job; after an end comes a new one.
+  // A document that continues on a reset device keeps its job; after DrvEndDoc a new one is opened.
   if ((device->flags & kDocumentOpen) == 0 || device->job_ended != 0) {
     device->job = OpenJob(device->printer, job_id);
     device->job_ended = 0;
   }
 
-  // A job that could not be opened shows itself in the page callbacks.
+  // When the job could not be opened, the page callbacks fail.
   const records::Point offset = {device->physical_offset.x, device->physical_offset.y};
   EmitRecordWhole(*device, records::REC_DEVMODE, &device->mode, sizeof device->mode);
   EmitRecordWhole(*device, records::REC_PAGEVALUE, &offset, sizeof offset);

@@ -12,7 +12,7 @@ namespace {
 
 template <typename Function>
 PFN AsPfn(Function* function) {
-  // By way of the one function type that stands for any.
+  // Through the generic function type, which compilers cast without a warning.
   return reinterpret_cast<PFN>(reinterpret_cast<void (*)()>(function));
 }
 
@@ -56,8 +56,7 @@ BOOL WINAPI DllMain(HINSTANCE instance, DWORD reason, LPVOID /*reserved*/) {
   return TRUE;
 }
 
-/// Fills as much of `data` as `size` bytes hold. Always TRUE, whatever the engine's version: a
-/// short buffer simply gets less.
+/// Fills as much of `data` as `size` bytes hold. Always TRUE, whatever the engine's version.
 BOOL APIENTRY DrvEnableDriver(ULONG /*engine_version*/, ULONG size, DRVENABLEDATA* data) {
   if (size >= sizeof(DRVENABLEDATA)) {
     data->pdrvfn = const_cast<DRVFN*>(quillo::kDriverFunctions);

@@ -18,7 +18,7 @@ bool IsSupported(uint32_t escape) {
          escape == kPrivateJobMark;
 }
 
-/// The printable size, then the left and top margins of the private settings; all device pixels.
+/// The printable size, then the left and top margins, in device pixels.
 struct DeviceUnits {
   int32_t width;
   int32_t height;
@@ -33,8 +33,10 @@ DeviceUnits DeviceUnitsOf(const DEVICE_PDEV& device) {
 
 }  // namespace
 
-/// Neither size is looked at: QUERYESCSUPPORT reads 4 bytes, GETDEVICEUNITS writes 16. An unknown
-/// escape and a missing buffer answer 0 without a last error.
+/// An unknown escape and a missing buffer return 0 without a last error.
+///
+/// Compatibility: the sizes are ignored; QUERYESCSUPPORT reads 4 bytes, GETDEVICEUNITS writes 16.
+/// Kept for callers that pass 0.
 ULONG APIENTRY DrvEscape(SURFOBJ* surface, ULONG escape, ULONG /*input_size*/, PVOID input,
                          ULONG /*output_size*/, PVOID output) noexcept {
   switch (escape) {

@@ -21,14 +21,14 @@ constexpr wchar_t kDimensions[] = L"CustomPaperDim";
 constexpr wchar_t kName[] = L"CustomName";
 constexpr wchar_t kNumber[] = L"PaperID";
 
-constexpr DWORD kMostStored = 4096;  // papers of one store; no further one is added
-constexpr DWORD kMostRead = 32768;   // more than documents have numbers for
+constexpr DWORD kMaxStored = 4096;  // papers that one store takes
+constexpr DWORD kMaxRead = 32768;   // more than there are paper numbers
 
 using SubkeyName = wchar_t[32];
 
 void NameSubkey(DWORD index, SubkeyName& name) { wsprintfW(name, L"Paper %d", index); }
 
-/// What "Paper N" counts as, for a name of just that form.
+/// The N of "Paper N"; nothing for a name of another form.
 std::optional<DWORD> IndexOf(const wchar_t* subkey) {
   const wchar_t* number = std::wcschr(subkey, L' ');
   if (number == nullptr) return std::nullopt;
@@ -107,8 +107,8 @@ bool WritePaper(HKEY key, const CustomPaper& paper) {
          WriteObject(key, kNumber, REG_BINARY, paper.number);
 }
 
-/// The papers of one store as they lie in the registry. The keys that are there count: users may
-/// write any count, and reading up to it could take hours.
+/// The papers of one store of the registry. Goes by the existing keys: a user can write any count,
+/// and trying every number below it could take hours.
 class StoredPapers {
  public:
   explicit StoredPapers(RegistryKey key) : key_(std::move(key)) {
@@ -119,7 +119,7 @@ class StoredPapers {
     is_listed_ = count_ == 0 || ListIndexes();
   }
 
-  /// False when memory or the registry failed: then there may be more than the indexes.
+  /// False when memory was short or the registry failed, so that the indexes are incomplete.
   bool IsListed() const { return is_listed_; }
   HKEY Key() const { return key_.Get(); }
   DWORD Count() const { return count_; }
@@ -137,7 +137,7 @@ class StoredPapers {
     return std::nullopt;
   }
 
-  /// The first number that no key below the count has, or the count.
+  /// The lowest index without a key below the count, or the count.
   DWORD FreeIndex() const {
     DWORD free = 0;
     for (const DWORD index : Indexes()) {
@@ -155,13 +155,13 @@ class StoredPapers {
       return false;
     }
     if (subkeys == 0) return true;
-    indexes_ = GlobalBlock::Allocate(std::min(subkeys, kMostRead) * sizeof(DWORD));
+    indexes_ = GlobalBlock::Allocate(std::min(subkeys, kMaxRead) * sizeof(DWORD));
     if (!indexes_) return false;
     auto* indexes = static_cast<DWORD*>(indexes_.Get());
-    for (DWORD i = 0; i < subkeys && found_ < kMostRead; ++i) {
+    for (DWORD i = 0; i < subkeys && found_ < kMaxRead; ++i) {
       SubkeyName name;
       DWORD length = ARRAYSIZE(name);
-      // A key with a longer name is no paper's.
+      // A key with a longer name holds no paper.
       if (RegEnumKeyExW(Key(), i, name, &length, nullptr, nullptr, nullptr, nullptr) !=
           ERROR_SUCCESS) {
         continue;
@@ -184,12 +184,12 @@ StoredPapers OpenStore(const PrinterSettings& settings, SettingsStore store) {
   return StoredPapers(settings.OpenStoreKey(store));
 }
 
-/// The papers of one store in the order of their subkeys; those that cannot be read are left out.
+/// The papers of one store in the order of their subkeys, without those that cannot be read.
 CustomPapers ReadStore(const PrinterSettings& settings, SettingsStore store) {
   const FsRedirectionOff redirection_off;
   const StoredPapers stored = OpenStore(settings, store);
   CustomPapers papers;
-  // Downwards, each to the front: the list ends up in index order.
+  // Downwards, each to the front, so that the list ends up in index order.
   for (const DWORD index : std::views::reverse(stored.Indexes())) {
     CustomPapers paper(NewCustomPaper());
     if (!paper || !ReadPaper(OpenPaper(stored.Key(), index).Get(), *paper.Get())) continue;
@@ -242,7 +242,8 @@ SettingsResult SaveCustomPapers(const wchar_t* printer, const CustomPaper* head)
   const RegistryKey key =
       settings.CreateStoreKey(IsAdministrator() ? SettingsStore::kMachine : SettingsStore::kUser);
   if (!key) return SETTINGS_KEY_FAILED;
-  // Subkeys of an earlier, longer list stay; the count alone says what is read.
+  // Compatibility: subkeys of an earlier, longer list stay; the count alone bounds what is read.
+  // Kept for stored settings that other modules of the product read by index.
   DWORD count = 0;
   for (const CustomPaper* paper = head; paper != nullptr; paper = paper->next) {
     const RegistryKey paper_key = CreatePaper(key.Get(), count);
@@ -261,7 +262,7 @@ SettingsResult AddCustomPaper(const wchar_t* printer, const CustomPaper& paper) 
   const FsRedirectionOff redirection_off;
   const bool machine = IsAdministrator();
   CustomPaper other;
-  // The machine's paper would hide the user's.
+  // The machine's paper takes precedence over the user's.
   if (!machine && FindInStore(settings, SettingsStore::kMachine, paper.number, other)) {
     return SETTINGS_WRITE_FAILED;
   }
@@ -270,7 +271,7 @@ SettingsResult AddCustomPaper(const wchar_t* printer, const CustomPaper& paper) 
   if (!stored.IsListed()) return SETTINGS_READ_FAILED;
   auto index = stored.IndexOfNumber(paper.number);
   if (!index) {
-    if (stored.Indexes().size() >= kMostStored) return SETTINGS_WRITE_FAILED;
+    if (stored.Indexes().size() >= kMaxStored) return SETTINGS_WRITE_FAILED;
     index = stored.FreeIndex();
   }
   const RegistryKey key = CreatePaper(stored.Key(), *index);

@@ -14,11 +14,11 @@ class LateLibrary {
  public:
   explicit LateLibrary(const wchar_t* name) : library_(LoadLibraryW(name)) {}
 
-  /// One of its functions, valid as long as this lives; null when it, or the library, is missing.
+  /// One of its functions, valid for as long as this lives; null when it or the library is missing.
   template <typename Function>
   [[nodiscard]] Function* Find(const char* name) const {
     if (!library_) return nullptr;
-    // By way of void*: the declared type of GetProcAddress's result is not that of the function.
+    // Through void*, because GetProcAddress declares another function type.
     return reinterpret_cast<Function*>(
         reinterpret_cast<void*>(GetProcAddress(library_.Get(), name)));
   }

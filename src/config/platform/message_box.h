@@ -2,11 +2,19 @@
 
 #include "base/windows.h"
 
-#include "base/system_owners.h"
+#include "base/owner.h"
 
-// Every message that the driver shows goes through ShowMessageBox.
+// Every message that the product shows goes through ShowMessageBox. A missing text shows as empty.
 
 namespace quillo {
+
+/// Memory that a system function allocated for LocalFree.
+struct LocalBlockTraits {
+  using Type = void*;
+  static constexpr Type kNull = nullptr;
+  static void Release(Type block) { LocalFree(block); }
+};
+using LocalBlock = Owner<LocalBlockTraits>;
 
 /// MessageBoxW without an owner window, and its result.
 int ShowMessageBox(const wchar_t* text, const wchar_t* caption, UINT style);
@@ -14,8 +22,10 @@ int ShowMessageBox(const wchar_t* text, const wchar_t* caption, UINT style);
 /// The system's text for an error code or HRESULT, in the user's language; empty when it has none.
 LocalBlock SystemMessage(DWORD code);
 
-/// A string of a module's string table, cut at 1023 characters; empty when there is none. Every
-/// call overwrites what the previous one returned, in the whole process: meant so.
+/// A string of a module's string table, cut at 1023 characters; empty when there is none.
+///
+/// Compatibility: all strings of the process share one buffer, so each call overwrites what the
+/// previous one returned. Kept for callers that hold on to the pointer.
 const wchar_t* ResourceString(HMODULE module, UINT id);
 
 /// Shows a text under a caption, both from a module's string table and cut at 511 characters.

@@ -6,8 +6,10 @@ namespace quillo {
 
 namespace {
 
-/// Whether `administrators` is among the groups of a token. What the token holds a group for does
-/// not count: a deny-only group is found as well, on purpose.
+/// Whether `administrators` is among the groups of a token.
+///
+/// Compatibility: attributes are ignored, so a deny-only group counts. Kept for the settings that
+/// such users have stored for the machine.
 bool HasGroup(const TOKEN_GROUPS& groups, PSID administrators, decltype(EqualSid)& equal) {
   for (DWORD i = 0; i < groups.GroupCount; ++i) {
     if (equal(groups.Groups[i].Sid, administrators)) return true;

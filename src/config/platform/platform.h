@@ -4,7 +4,8 @@
 
 #include <cstdint>
 
-// What differs between Windows versions and between 32-bit and 64-bit views.
+// What differs between Windows versions and between 32-bit and 64-bit views. Whatever cannot be
+// found out counts as absent (false).
 
 namespace quillo {
 
@@ -14,27 +15,26 @@ enum class PlatformKind : uint32_t {
   k9x = 2,
 };
 
-/// The kind that a GetVersion result tells.
+/// The kind that a GetVersion result stands for.
 PlatformKind PlatformKindOf(DWORD version);
 
 /// The kind of this system.
 PlatformKind Platform();
 
-/// Whether this is the NT family at version 6 or later.
+/// Whether this is the NT family at version 6 or later. For other modules of the product.
 bool IsNt6OrLater();
 
-/// Whether the user counts as an administrator, which decides where settings are kept. A token that
-/// holds the Administrators group for deny-only use counts, too: meant so.
+/// Whether the user counts as an administrator, which decides where settings are kept.
 bool IsAdministrator();
 
-/// Whether this process runs under WOW64.
+/// Whether this process runs under WOW64. For other modules of the product.
 bool IsWow64();
 
 /// Switches WOW64 file-system redirection off for this thread and saves its state. False where
-/// there is none to switch off.
+/// there is no redirection.
 bool DisableFsRedirection(void** saved_state);
 
-/// Restores what DisableFsRedirection saved.
+/// Restores the state that DisableFsRedirection saved.
 bool RevertFsRedirection(void* saved_state);
 
 /// Keeps WOW64 file-system redirection off for a scope.

@@ -8,8 +8,7 @@
 
 namespace quillo {
 
-/// What the spooler tells about a printer: a PRINTER_INFO structure of some level, and behind it
-/// what it points to.
+/// A PRINTER_INFO structure of some level with everything that it points to, from the spooler.
 template <typename Info>
 class PrinterInfo {
  public:
@@ -23,7 +22,7 @@ class PrinterInfo {
     block_ = std::move(block);
   }
 
-  /// Empty when the spooler does not tell, or memory is short.
+  /// Empty when the spooler refuses or memory is short.
   explicit operator bool() const { return static_cast<bool>(block_); }
   const Info* operator->() const { return static_cast<const Info*>(block_.Get()); }
 

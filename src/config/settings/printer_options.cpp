@@ -24,7 +24,8 @@ SettingsResult StoreNumber(const PrinterSettings& settings, const wchar_t* name,
                         SettingsPlace::kRegistry);
 }
 
-/// 8-bit text with its terminator, under a type whose strings are wide: meant so.
+/// Compatibility: 8-bit text with its terminator, under a type for wide strings. Kept for the
+/// client application, which reads it that way.
 SettingsResult StoreNarrowText(const PrinterSettings& settings, const wchar_t* name,
                                const GlobalBlock& text) {
   if (!text) return SETTINGS_OK;

@@ -8,13 +8,13 @@
 
 namespace quillo {
 
-/// One entry of "SaveFormats". The driver passes it on and does not look into it.
+/// One entry of "SaveFormats", which the driver passes on unread.
 struct SaveFormat {
   std::byte bytes[12];
 };
 static_assert(sizeof(SaveFormat) == 12);
 
-/// The options of a printer, for its client. Dropping it releases what it holds.
+/// The options of a printer, for its client application. Owns its blocks.
 struct PrinterOptions {
   uint32_t unused = 0;
   uint32_t options = 0;             // bits
@@ -24,14 +24,13 @@ struct PrinterOptions {
   GlobalBlock save_formats;         // SaveFormat[]; null when there are none
 };
 
-/// Reads the options from printer data, whatever `options` held before. A value that is missing
-/// stays 0 or null and is no error; a count that the stored entries do not bear out is cut to them.
-/// SETTINGS_NO_MEMORY when something could not be kept.
+/// Reads the options from printer data and replaces what `options` held. A missing value becomes 0
+/// or null and is no error; a count above the number of stored entries is cut to that.
+/// SETTINGS_NO_MEMORY when memory was too short for a value.
 SettingsResult LoadOptions(const PrinterSettings& settings, PrinterOptions* options);
 
-/// Writes the options to the user's registry; texts and entries only where they are not null. The
-/// texts are 8-bit under a type for wide ones, on purpose. The first failure, after all has been
-/// tried.
+/// Writes the options to the user's registry, texts and entries only where they are not null. Tries
+/// every value and returns the first failure.
 SettingsResult StoreOptions(const PrinterSettings& settings, const PrinterOptions& options);
 
 }  // namespace quillo

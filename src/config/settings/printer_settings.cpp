@@ -15,8 +15,10 @@ constexpr wchar_t kBuiltInProductKey[] =
     L"Software\\Wow6432Node\\Halvard Technologies, Inc.\\Quillo 6.0";
 constexpr wchar_t kLegacyKey[] = L"Printers\\VORNIX\\";
 
-/// The defaults that every printer is opened with: the access mask of the first caller stands for
-/// the whole process, on purpose.
+/// The defaults that every printer is opened with.
+///
+/// Compatibility: the access mask of the process's first caller serves all later ones. Kept for
+/// installed printers, whose security descriptors were set up for it.
 PRINTER_DEFAULTSW* OpenDefaults(DWORD access) {
   static PRINTER_DEFAULTSW defaults = {};
   static bool chosen = false;
@@ -94,8 +96,10 @@ RegistryKey PrinterSettings::CreateStoreKey(SettingsStore store) const {
   return CreateKey(RootOf(store), TextOf(OwnKeyPath(ProductKey())));
 }
 
-/// The key that Read uses: "RegistryKey" itself, without the printer's name, unlike what Write
-/// uses; on purpose.
+/// The key that Read uses.
+///
+/// Compatibility: "RegistryKey" itself, although Write appends the printer's name. Kept for
+/// settings that installers have stored there for all printers of a product.
 RegistryKey PrinterSettings::OpenGenericKey() const {
   const GlobalBlock registry_key = LoadPrinterString(printer_, L"RegistryKey");
   if (registry_key && TextOf(registry_key)[0] != L'\0') {

@@ -16,7 +16,7 @@ enum class SettingsPlace { kPrinterData, kRegistry };
 /// Which hive a printer's own key is in.
 enum class SettingsStore : uint32_t { kMachine = 0, kUser = 1 };
 
-/// The settings of one printer, made on the stack for one load or store.
+/// The settings of one printer, constructed for one load or store.
 ///
 /// Its own key in either hive is the product key, a backslash and the printer name; the product key
 /// is the printer's "RegistryKey" when it has non-zero "DriverFlags", else the built-in one. All
@@ -24,13 +24,14 @@ enum class SettingsStore : uint32_t { kMachine = 0, kUser = 1 };
 /// SETTINGS_BAD_ARGUMENT for a null name or output.
 class PrinterSettings {
  public:
-  /// Opens a printer. `printer_name` must outlive this. `access` counts in the first construction
-  /// of the process only: all later ones open with that mask, on purpose.
+  /// Opens a printer. `printer_name` must outlive this. All printers of the process are opened with
+  /// the `access` of the first.
   PrinterSettings(const wchar_t* printer_name, DWORD access);
 
-  /// Works on an open printer that stays the caller's.
+  /// Works on an open printer of the caller, who keeps it.
   explicit PrinterSettings(HANDLE printer);
 
+  /// Virtual for other modules of the product, which derive from this.
   virtual ~PrinterSettings() = default;
   PrinterSettings(const PrinterSettings&) = delete;
   PrinterSettings& operator=(const PrinterSettings&) = delete;
@@ -42,24 +43,24 @@ class PrinterSettings {
   [[nodiscard]] const void* InfoKey() const { return info_key_.Get(); }
   [[nodiscard]] DWORD InfoKeySize() const { return info_key_size_; }
 
-  /// From printer data, or from the user's registry: the key "RegistryKey" of the user's hive as it
-  /// stands, and where there is none the printer's own key under the built-in product key.
+  /// From printer data, or from the user's registry: the key that "RegistryKey" names, or where
+  /// that is missing the printer's own key under the built-in product key.
   SettingsResult Read(const wchar_t* name, ValueBuffer* value, SettingsPlace source) const;
 
-  /// To printer data, or to the user's registry: the printer's name below "RegistryKey" (unlike the
-  /// reading), and where that cannot be made the own key under the built-in product key.
+  /// To printer data, or to the user's registry: the printer's name below "RegistryKey" (unlike
+  /// Read), or where that cannot be created the own key under the built-in product key.
   SettingsResult Write(const wchar_t* name, DWORD type, Bytes data, SettingsPlace target) const;
 
   /// From and to the printer's own key in one hive.
   SettingsResult ReadStore(const wchar_t* name, ValueBuffer* value, SettingsStore store) const;
   SettingsResult WriteStore(const wchar_t* name, DWORD type, Bytes data, SettingsStore store) const;
 
-  /// From and to the older place that all printers of a user share. When its key is missing, the
-  /// value is first copied there from printer data.
+  /// From and to the older key that all printers of a user share, for other modules of the product.
+  /// While the key is missing, the value is first copied there from printer data.
   SettingsResult ReadLegacy(const wchar_t* name, ValueBuffer* value) const;
   SettingsResult WriteLegacy(const wchar_t* name, DWORD type, Bytes data) const;
 
-  /// The printer's own key in one hive; empty when it is missing, or cannot be made.
+  /// The printer's own key in one hive; empty when it is missing or cannot be created.
   [[nodiscard]] RegistryKey OpenStoreKey(SettingsStore store) const;
   [[nodiscard]] RegistryKey CreateStoreKey(SettingsStore store) const;
 

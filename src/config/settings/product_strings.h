@@ -9,7 +9,7 @@
 
 namespace quillo {
 
-/// The strings that a product's installer leaves in a printer's data.
+/// The strings that a product's installer stores in a printer's data.
 struct ProductStrings {
   enum Slot { kProductName, kRegistryKey, kRootDir, kHelpFile, kUrl };
 
@@ -27,8 +27,8 @@ DWORD ReadDriverFlags(HANDLE printer);
 /// missing one stays null), 0 when it does not, SETTINGS_BAD_ARGUMENT for a null argument.
 int32_t ReadProductStrings(HANDLE printer, ProductStrings* strings);
 
-/// Reads a printer's "InfoKey", bytes that the driver keeps and does not look into. A missing one
-/// is no error. SETTINGS_BAD_ARGUMENT for a null argument.
+/// Reads a printer's "InfoKey", bytes that the driver keeps unread. A missing one is no error.
+/// SETTINGS_BAD_ARGUMENT for a null argument.
 int32_t ReadInfoKey(HANDLE printer, GlobalBlock* data, DWORD* size);
 
 }  // namespace quillo

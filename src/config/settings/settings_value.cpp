@@ -10,8 +10,8 @@ constexpr size_t kTerminatorBytes = sizeof(wchar_t);
 
 BYTE* ByteBuffer(void* data) { return static_cast<BYTE*>(data); }
 
-/// What a system call that read a value tells. Asked for the size only, the spooler says that there
-/// is more, where the registry says that all is well.
+/// The result of a system call that read a value. Asked for the size only, the spooler reports more
+/// data where the registry reports success.
 SettingsResult ReadResult(LSTATUS status, const ValueBuffer& value) {
   if (value.data == nullptr && (status == ERROR_SUCCESS || status == ERROR_MORE_DATA)) {
     return SETTINGS_SIZE_ONLY;

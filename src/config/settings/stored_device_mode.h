@@ -7,17 +7,16 @@
 
 namespace quillo {
 
-/// Stores a printer's default device mode: for this user, and when that is an administrator for the
-/// whole machine first. The result is that of the user's store.
+/// Stores a printer's default device mode: for the machine when this user is an administrator, then
+/// for the user. Returns the result of the user's store.
 SettingsResult WriteDeviceData(const PrinterSettings& settings, const DeviceMode& mode);
 
-/// Reads a printer's stored default device mode as it stands: the user's, else the machine's, which
-/// is then kept as the user's, too. `type` and `size` of `value` tell what was read; its buffer
-/// takes sizeof(DeviceMode).
+/// Reads a printer's stored default device mode unchecked: the user's, else the machine's, which is
+/// then copied to the user's store. The buffer of `value` takes sizeof(DeviceMode).
 SettingsResult ReadDeviceData(const PrinterSettings& settings, ValueBuffer* value);
 
-/// The printer's stored default device mode: the settings' own, else the spooler's. False, with
-/// `mode` untouched, when that is missing or not of this driver's shape.
+/// The printer's default device mode: the stored one, else the spooler's. False, with `mode`
+/// untouched, when that is missing or not of this driver's shape.
 bool LoadStoredDeviceMode(HANDLE printer, DeviceMode& mode);
 
 }  // namespace quillo

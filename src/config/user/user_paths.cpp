@@ -12,7 +12,8 @@ namespace {
 constexpr wchar_t kSecurityLibrary[] = L"Advapi32.dll";
 static_assert(TOKEN_ALL_ACCESS == 0xF01FF);
 constexpr DWORD kTempFolderCharacters = MAX_PATH;
-// Half of what the buffer holds: meant so.
+// Compatibility: MAX_PATH bytes, not characters; longer values are ignored. Kept for the settings
+// of users whose files go elsewhere because of it.
 constexpr DWORD kTempFolderValueBytes = MAX_PATH;
 
 /// The token of the thread, or of the process when the thread impersonates nobody.
@@ -37,7 +38,7 @@ KernelHandle OpenToken(DWORD access, BOOL open_as_self) {
   return OpenCallersToken(access, open_as_self);
 }
 
-/// Reads a text value of the user's environment; false when it is missing, too long, empty or no
+/// Reads a text value of the user's environment; false when it is missing, too long, empty or not a
 /// text.
 bool ReadFolder(HKEY environment, const wchar_t* name, wchar_t (&folder)[kTempFolderCharacters]) {
   DWORD type = REG_NONE;

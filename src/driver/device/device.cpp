@@ -4,12 +4,12 @@ namespace quillo {
 
 namespace {
 
-/// Nothing is ever mapped below this address on Windows, so a small number is no record.
-constexpr uintptr_t kLowestAddress = 0x10000;
+/// Windows never maps anything below this address, so a smaller number is no record.
+constexpr uintptr_t kMinAddress = 0x10000;
 
 bool IsLiving(const DEVICE_PDEV* device) {
   const auto address = reinterpret_cast<uintptr_t>(device);
-  return address >= kLowestAddress && address % alignof(DEVICE_PDEV) == 0 &&
+  return address >= kMinAddress && address % alignof(DEVICE_PDEV) == 0 &&
          device->signature == kDeviceSignature && device->closing_signature == kDeviceSignature;
 }
 

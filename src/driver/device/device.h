@@ -14,7 +14,9 @@ struct CQloPrinter;
 inline constexpr uint32_t kDeviceSignature = 0x514C4F44;  // the bytes "DOLQ"
 
 enum DeviceFlags : uint32_t {
-  kDocumentOpen = 0x01,      // set by the first DrvStartDoc, never cleared
+  /// Set by the first DrvStartDoc. Compatibility: never cleared, so that a device reset after the
+  /// end of its document still hands over the document word. Kept for callers.
+  kDocumentOpen = 0x01,
   kDrawingRefused = 0x10,    // hooks return FALSE
   kDrawingDiscarded = 0x20,  // hooks return TRUE and record nothing
 };
@@ -46,7 +48,7 @@ struct DEVICE_PDEV {
   uint32_t brush_word;         // 0
   CQloPrinter* job;            // null before the first DrvStartDoc
   SIZEL surface_size;          // printable size in device pixels
-  uint32_t job_ended;          // 1 from DrvEndDoc to DrvStartDoc: `job` stays but lives no longer
+  uint32_t job_ended;          // 1 from DrvEndDoc to DrvStartDoc: `job` is dangling
   Sheet sheet;                 // of `mode`
 };
 
@@ -55,8 +57,8 @@ inline CQloPrinter* LivingJob(const DEVICE_PDEV& device) {
   return device.job_ended != 0 ? nullptr : device.job;
 }
 
-/// The record behind a handle; null, with last error ERROR_INVALID_PARAMETER, when it is not a
-/// living device.
+/// The record of a handle; null, with last error ERROR_INVALID_PARAMETER, when it is not a living
+/// device.
 DEVICE_PDEV* FindDevice(DHPDEV handle);
 
 /// The device that a surface belongs to; null, with the same last error, when it has none.
