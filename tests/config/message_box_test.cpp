@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 #include <string>
 
+#include "base/system_owners.h"
 #include "resources/string_ids.h"
 #include "support/built_file.h"
 #include "support/import_patch.h"

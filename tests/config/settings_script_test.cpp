@@ -13,6 +13,7 @@
 #include "config/settings/stored_device_mode.h"
 #include "config/settings_test.h"
 #include "config/user/user_paths.h"
+#include "support/holdings.h"
 #include "support/import_patch.h"
 #include "support/late_functions.h"
 
@@ -159,12 +160,13 @@ class SettingsScripts : public SettingsTest {
  protected:
   SettingsScripts() { get_printer = patch_.Original<decltype(GetPrinterW)>(); }
 
-  void RunScript(const std::filesystem::path& path) {
+  void RunScript(const std::string& name) {
+    std::ifstream script(std::filesystem::path(QUILLO_SOURCE_DIR) / "tests/corpus/settings" / name);
+    ASSERT_TRUE(script);
     bool afresh = true;
-    std::ifstream script(path);
     std::string text;
     for (int number = 1; std::getline(script, text); ++number) {
-      SCOPED_TRACE(path.filename().string() + ":" + std::to_string(number) + ": " + text);
+      SCOPED_TRACE(name + ":" + std::to_string(number) + ": " + text);
       if (text.empty()) afresh = true;
       if (text.empty() || text[0] == '#') continue;
       if (std::exchange(afresh, false)) {
@@ -321,6 +323,8 @@ class SettingsScripts : public SettingsTest {
       {"temp-folder",  // the result and the folder
        [this](auto&) {
          wchar_t folder[MAX_PATH] = L"x", spoolers[MAX_PATH];
+         DWORD session = 0;
+         EXPECT_TRUE(PrintingUserSession(session));
          out_ << UserTempFolder(folder, MAX_PATH);
          GetTempPathW(MAX_PATH, spoolers);
          if (folder[0] == L'\0') return;
@@ -330,11 +334,18 @@ class SettingsScripts : public SettingsTest {
 };
 
 TEST_F(SettingsScripts, Corpus) {
-  const auto folder = std::filesystem::path(QUILLO_SOURCE_DIR) / "tests/corpus/settings";
   for (const char* name : {"device_mode.txt", "papers.txt", "printer.txt", "temp_folder.txt"}) {
-    ASSERT_TRUE(std::filesystem::exists(folder / name));
-    RunScript(folder / name);
+    RunScript(name);
   }
+}
+
+TEST_F(SettingsScripts, FiftyRounds_LeaveNothing) {
+  RunScript("leaks.txt");
+  const auto after_one = Holdings::Now();
+  for (int i = 0; i < 50; ++i) RunScript("leaks.txt");
+  const auto after_all = Holdings::Now();
+  EXPECT_LT(after_all.heap_bytes, after_one.heap_bytes + 4096);
+  EXPECT_EQ(after_all.kernel_handles, after_one.kernel_handles);
 }
 
 }  // namespace

@@ -1,9 +1,6 @@
 #include "driver/capabilities.h"
 
 #include <gtest/gtest.h>
-#include <string_view>
-
-#include "config/papers/paper_geometry.h"
 
 namespace quillo {
 namespace {
@@ -14,52 +11,7 @@ DEVICE_PDEV Device(short paper, short dpi) {
   device.mode.pub.dmPaperSize = paper;
   device.mode.pub.dmPrintQuality = device.mode.pub.dmYResolution = dpi;
   device.resolution = {static_cast<uint32_t>(dpi), static_cast<uint32_t>(dpi)};
-  device.sheet = ResolveSheet(device.mode);
   return device;
-}
-
-/// Padding included: the driver clears the whole block.
-std::string_view BytesOf(const GDIINFO& info) {
-  return {reinterpret_cast<const char*>(&info), sizeof info};
-}
-
-TEST(DescribeGraphics, A4At600Dpi_WholeBlock) {
-  DEVICE_PDEV device = Device(DMPAPER_A4, 600);
-  device.resolution.y = 300;
-  device.physical_offset = {75, 150};
-  device.sheet.pixels.printable = {4000, 7000};
-  device.sheet.millimetres.printable = {200, 290};
-  const GDIINFO info = DescribeGraphics(device);
-
-  GDIINFO expected = {};
-  expected.ulVersion = 0x500;
-  expected.ulTechnology = 2;
-  expected.ulHorzSize = 200;
-  expected.ulVertSize = 290;
-  expected.ulHorzRes = 4000;
-  expected.ulVertRes = 7000;
-  expected.cBitsPixel = 24;
-  expected.cPlanes = 1;
-  expected.ulNumColors = 0xFFFFFFFF;
-  expected.ulLogPixelsX = 600;
-  expected.ulLogPixelsY = 300;
-  expected.flTextCaps = 0x1FFF;
-  expected.ulAspectX = expected.ulAspectY = 100;
-  expected.ulAspectXY = 141;
-  expected.xStyleStep = expected.yStyleStep = 1;
-  expected.denStyleStep = 3;
-  expected.ptlPhysOffset = {75, 150};
-  expected.szlPhysSize = {4960, 7015};
-  expected.ciDevice.Red = {6700, 3300, 0};
-  expected.ciDevice.Green = {2100, 7100, 0};
-  expected.ciDevice.Blue = {1400, 800, 0};
-  expected.ciDevice.AlignmentWhite = {3127, 3290, 0};
-  expected.ciDevice.RedGamma = expected.ciDevice.GreenGamma = expected.ciDevice.BlueGamma = 20000;
-  expected.ulPrimaryOrder = 4;
-  expected.ulHTPatternSize = 7;
-  expected.ulHTOutputFormat = 6;
-  expected.flHTFlags = 4;
-  EXPECT_EQ(BytesOf(info), BytesOf(expected));
 }
 
 TEST(DescribeGraphics, HalftoneCell_StepsAtEachLimit) {

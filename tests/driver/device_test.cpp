@@ -1,7 +1,6 @@
 #include "driver/device/device.h"
 
 #include <array>
-#include <cstdlib>
 #include <cstring>
 #include <gtest/gtest.h>
 #include <memory>
@@ -15,7 +14,6 @@
 #include "host/engine/services/surfaces.h"
 #include "job/job.h"
 #include "support/capture_fixture.h"
-#include "support/margins.h"
 
 extern "C" BOOL WINAPI DllMain(HINSTANCE instance, DWORD reason, LPVOID reserved);
 
@@ -76,28 +74,6 @@ TEST_F(Device, Patterns_NoneOffered) {
   EXPECT_EQ(FindDevice(device)->printer, reinterpret_cast<HANDLE>(uintptr_t{0x1234}));
   EXPECT_EQ(FindDevice(device)->remembered_colour, 0xFFFFFFu);
   quillo::DrvDisablePDEV(device);
-}
-
-TEST_F(Device, Margins_OffsetThePrintableAreaAndBecomeInches) {
-  DeviceMode mode;
-  BuildDefaultDeviceMode(mode, nullptr);
-  mode.pub.dmPrintQuality = mode.pub.dmYResolution = 300;
-  for (const auto& [left, width] : {std::pair{0.5f, 2550u - 150u}, {20.0f, 0u}}) {
-    test::SetMargins(mode, left, 0.25f);
-    mode.own.margin_unit = kMarginMillimetres;
-    GDIINFO caps = {};
-    const DHPDEV handle = quillo::DrvEnablePDEV(&mode.pub, nullptr, 0, nullptr, sizeof caps,
-                                                reinterpret_cast<ULONG*>(&caps), 0, nullptr,
-                                                nullptr, nullptr, nullptr);
-    const DEVICE_PDEV& device = *FindDevice(handle);
-    EXPECT_EQ(caps.ulHorzRes, width);
-    EXPECT_EQ(caps.ulVertRes, 3300u - 75u);
-    EXPECT_EQ(caps.szlPhysSize.cx, 2550);
-    EXPECT_EQ(caps.ptlPhysOffset.x, static_cast<LONG>(left * 300));
-    EXPECT_EQ(device.physical_offset.y, 75);
-    EXPECT_EQ(device.mode.own.margin_unit, kMarginInches);
-    quillo::DrvDisablePDEV(handle);
-  }
 }
 
 TEST_F(Device, EnableFailures_LeaveNothing) {
@@ -172,41 +148,6 @@ TEST_F(Device, ForeignHandle_RefusedWithLastError) {
   EXPECT_FALSE(quillo::DrvStartDoc(nullptr, nullptr, 1));
   EXPECT_TRUE(quillo::DrvEndDoc(nullptr, 0));
   quillo::DrvDisablePDEV(good);
-}
-
-TEST_F(Device, Surface_SizeStrideAndHooks) {
-  const struct {
-    short width, height;  // 0.1 mm
-    short dpi;
-    LONG pixels, stride;
-  } cases[] = {{2159, 2794, 100, 850, 2552}, {6, 100, 50, 1, 4}, {16, 100, 50, 3, 12}};
-  for (const auto& c : cases) {
-    SCOPED_TRACE(c.width);
-    DEVMODEW mode = {};
-    mode.dmFields = DM_PAPERSIZE | DM_PRINTQUALITY;
-    mode.dmPaperSize = DMPAPER_USER;
-    mode.dmPaperWidth = c.width;
-    mode.dmPaperLength = c.height;
-    mode.dmPrintQuality = mode.dmYResolution = c.dpi;
-    const DHPDEV device = Enable(&mode);
-    quillo::DrvCompletePDEV(device, engine_device_.Handle());
-    const HSURF handle = quillo::DrvEnableSurface(device);
-    ASSERT_NE(handle, nullptr);
-    const SURFOBJ* surface = host::FindSurface(handle);
-    ASSERT_NE(surface, nullptr);
-    EXPECT_EQ(surface->sizlBitmap.cx, c.pixels);
-    EXPECT_EQ(std::abs(surface->lDelta), c.stride);
-    EXPECT_EQ(surface->iBitmapFormat, static_cast<ULONG>(BMF_24BPP));
-    EXPECT_EQ(host::FindSurface(handle)->hooks, 0x105FBu);
-    EXPECT_EQ(FindDevice(device)->surface_size.cx, c.pixels);
-    EXPECT_EQ(FindDevice(device)->resolution.x, static_cast<uint32_t>(c.dpi));
-    EXPECT_EQ(FindDevice(device)->resolution.y, static_cast<uint32_t>(c.dpi));
-    quillo::DrvDisableSurface(device);
-    EXPECT_EQ(host::FindSurface(handle), nullptr);
-    EXPECT_EQ(FindDevice(device)->surface, nullptr);
-    quillo::DrvDisableSurface(device);
-    quillo::DrvDisablePDEV(device);
-  }
 }
 
 TEST_F(Device, SurfaceFailures_LeaveNothing) {
