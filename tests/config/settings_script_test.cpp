@@ -269,7 +269,10 @@ class SettingsScripts : public SettingsTest {
        }},
       {"save-mode",  // COPIES
        [this](auto& line) {
-         out_ << WriteDeviceData(PrinterSettings(printer_.Get()), Mode(Integral<short>(line)));
+         const PrinterSettings settings(printer_.Get());
+         out_ << WriteDeviceData(settings, Mode(Integral<short>(line)));
+         ValueBuffer query;
+         EXPECT_EQ(ReadDeviceData(settings, &query), SETTINGS_SIZE_ONLY);
        }},
       {"put-paper",  // HIVE INDEX PAPER; the count becomes INDEX + 1
        [](auto& line) {
