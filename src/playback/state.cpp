@@ -32,11 +32,6 @@ int32_t PlayPageValue(PlaybackContext& context, Bytes payload) {
   return 1;
 }
 
-int32_t PlaySaveDc(PlaybackContext& context, Bytes) {
-  SaveDC(context.page_dc);
-  return 1;
-}
-
 int32_t PlayRestoreDc(PlaybackContext& context, Bytes) {
   ReleaseDrawingObjects(context);
   RestoreDC(context.page_dc, -1);
@@ -52,20 +47,11 @@ int32_t PlaySetWorldTransform(PlaybackContext& context, Bytes payload) {
   return 1;
 }
 
-// The context's copy is meant to keep the transform last set: font look-up reads it.
+// Compatibility: the context's copy keeps the transform last set, and font look-up goes on reading
+// it; kept for pages.
 int32_t PlayResetWorldTransform(PlaybackContext& context, Bytes) {
   ModifyWorldTransform(context.page_dc, nullptr, MWT_IDENTITY);
   SetGraphicsMode(context.page_dc, GM_COMPATIBLE);
-  return 1;
-}
-
-int32_t PlaySetBkColor(PlaybackContext& context, Bytes payload) {
-  SetBkColor(context.page_dc, LoadOrZero<COLORREF>(payload));
-  return 1;
-}
-
-int32_t PlaySetBkMode(PlaybackContext& context, Bytes payload) {
-  SetBkMode(context.page_dc, LoadOrZero<int32_t>(payload));
   return 1;
 }
 
@@ -74,19 +60,9 @@ int32_t PlaySetMiterLimit(PlaybackContext& context, Bytes payload) {
   return 1;
 }
 
-int32_t PlaySetPolyFillMode(PlaybackContext& context, Bytes payload) {
-  SetPolyFillMode(context.page_dc, LoadOrZero<int32_t>(payload));
-  return 1;
-}
-
 int32_t PlaySetBrushOrg(PlaybackContext& context, Bytes payload) {
   const auto origin = LoadOrZero<Point>(payload);
   SetBrushOrgEx(context.page_dc, origin.x, origin.y, nullptr);
-  return 1;
-}
-
-int32_t PlaySetRop2(PlaybackContext& context, Bytes payload) {
-  SetROP2(context.page_dc, LoadOrZero<int32_t>(payload));
   return 1;
 }
 

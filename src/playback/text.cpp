@@ -93,16 +93,6 @@ int32_t PlayExtTextOut(PlaybackContext& context, Bytes payload) {
   return 1;
 }
 
-int32_t PlaySetTextColor(PlaybackContext& context, Bytes payload) {
-  SetTextColor(context.page_dc, LoadOrZero<COLORREF>(payload));
-  return 1;
-}
-
-int32_t PlaySetTextAlign(PlaybackContext& context, Bytes payload) {
-  SetTextAlign(context.page_dc, LoadOrZero<uint32_t>(payload));
-  return 1;
-}
-
 int32_t PlayTextRun(PlaybackContext& context, Bytes payload) {
   context.run_list.Append(LoadOrZero<TextRunPayload>(payload).glyph_count);
   return 1;

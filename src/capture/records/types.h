@@ -8,11 +8,11 @@
 namespace quillo::records {
 
 enum RecordType : uint32_t {
-#define QUILLO_ENUMERATOR(name, type, size, needs, action) name = type,
+#define QUILLO_ENUMERATOR(name, type, size, rule) name = type,
   QUILLO_RECORD_LIST(QUILLO_ENUMERATOR)
 #undef QUILLO_ENUMERATOR
 
-  // Kept in the stream, never played.
+  // Written into the stream, never played.
   REC_ESCAPEMARK = 0x10000008,
   REC_RAWDATA = 0x1001FFFF,
 };
@@ -33,7 +33,7 @@ struct RecordInfo {
 };
 
 inline constexpr RecordInfo kRecordInfos[] = {
-#define QUILLO_INFO(name, type, size, needs, action) {name, #name, size, needs},
+#define QUILLO_INFO(name, type, size, rule) {name, #name, size, rule},
     QUILLO_RECORD_LIST(QUILLO_INFO)
 #undef QUILLO_INFO
 };
@@ -49,15 +49,17 @@ constexpr const RecordInfo* FindRecordInfo(uint32_t type) {
   return nullptr;
 }
 
-/// Whether the list stands in strictly rising type order inside the played range.
-constexpr bool RecordListIsOrdered() {
+/// Whether the list is in strictly ascending order of type and within the played range, and every
+/// record that needs a payload says how much.
+constexpr bool RecordListIsSound() {
   uint32_t last = kFirstPlayedType - 1;
   for (const RecordInfo& info : kRecordInfos) {
     if (info.type <= last || info.type > kLastPlayedType) return false;
+    if ((info.rule == kNeedsPayload) != (info.payload_size != 0)) return false;
     last = info.type;
   }
   return true;
 }
-static_assert(RecordListIsOrdered());
+static_assert(RecordListIsSound());
 
 }  // namespace quillo::records
