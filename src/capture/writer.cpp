@@ -5,7 +5,7 @@
 #include "base/arithmetic.h"
 #include "base/system_owners.h"
 #include "capture/records/framing.h"
-#include "job/job.h"
+#include "job/record_sink.h"
 
 namespace quillo {
 

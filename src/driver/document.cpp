@@ -3,6 +3,7 @@
 #include "capture/writer.h"
 #include "driver/callbacks.h"
 #include "driver/device/device.h"
+#include "job/document_end.h"
 #include "job/job.h"
 
 namespace quillo {

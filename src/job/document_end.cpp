@@ -1,7 +1,8 @@
+#include "job/document_end.h"
+
 #include "base/system_owners.h"
 #include "config/user/user_paths.h"
 #include "job/compound_file.h"
-#include "job/job.h"
 #include "job/job_path.h"
 #include "job/notifications.h"
 #include "job/page.h"

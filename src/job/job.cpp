@@ -22,10 +22,6 @@ constexpr SIZE_T kInitialHeapBytes = 8192;
 constexpr wchar_t kFontFolderName[] = L"QLOFNT500";
 constexpr wchar_t kResourceModule[] = L"QXRES06X.DLL";
 
-HRESULT AnnounceFont(void* job, const wchar_t* path) {
-  return NotifyEmbeddedFont(*static_cast<const CQloPrinter*>(job), path);
-}
-
 void MakeFontFolder(CQloPrinter& job) {
   wchar_t folder[MAX_PATH];
   if (UserTempFolder(folder, MAX_PATH) == 0) return;
@@ -83,17 +79,19 @@ void DestroyJob(CQloPrinter* job) {
 
 }  // namespace
 
+void JobEvents::JobFailed() { job_.state |= kJobFailed; }
+
+HRESULT JobEvents::FontEmbedded(const wchar_t* path) { return NotifyEmbeddedFont(job_, path); }
+
 CQloPrinter::CQloPrinter(HANDLE private_heap, HANDLE job_printer, DWORD id)
     : printer(job_printer),
       job_id(id),
       playback(JobLink{.printer = job_printer,
                        .heap = private_heap,
-                       .state_flags = &state,
                        .device_settings = nullptr,
                        .bitmap_limits = kDefaultBitmapLimits,
                        .font_directory = font_folder,
-                       .announce_font = AnnounceFont,
-                       .job = this}),
+                       .events = &events}),
       heap(private_heap),
       record_buffer(private_heap) {}
 

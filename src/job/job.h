@@ -19,7 +19,20 @@ enum JobState : uint32_t {
   kDocumentEnded = 0x2,
   kPageFilePending = 0x8,
   kClientNotConnected = 0x10,
-  kJobFailed = kJobFailedBit,
+  kJobFailed = 0x10000000,  // no further page begins
+};
+
+struct CQloPrinter;
+
+/// Takes what playback reports to its job.
+class JobEvents final : public PlaybackEvents {
+ public:
+  explicit JobEvents(CQloPrinter& job) : job_(job) {}
+  void JobFailed() override;
+  HRESULT FontEmbedded(const wchar_t* path) override;
+
+ private:
+  CQloPrinter& job_;
 };
 
 /// One print job, from DrvStartDoc to DrvEndDoc: the record sink, the playback context
@@ -48,14 +61,11 @@ struct CQloPrinter {
   wchar_t page_path[MAX_PATH] = {};    // file of the current page; empty = none
   ComPtr<IQuilloPage> page_object;     // the client's, for the current page
   Library resources;                   // QXRES06X.dll; empty when absent
+  JobEvents events{*this};             // of playback
 };
 
 /// Opens the job of a document. Null when memory is short; then nothing stays allocated.
 CQloPrinter* OpenJob(HANDLE printer, DWORD job_id);
-
-/// The record sink: takes a piece of the stream and plays every record that it completes. Always 1;
-/// `written` (may be null) gets `size`. A null job takes nothing.
-int32_t WriteJob(CQloPrinter* job, const void* bytes, uint32_t size, uint32_t* written);
 
 /// Begins a page. False for a null, foreign, invalid or failed job, when the client cannot be
 /// reached at the retry, and when the page metafile cannot be created.
@@ -63,9 +73,6 @@ bool StartPage(CQloPrinter* job);
 
 /// Empties the record buffer, finishes the page and delivers it. True when the metafile was closed.
 bool SendPage(CQloPrinter* job);
-
-/// Writes the job files and tells the client that the document ended.
-void EndDocument(CQloPrinter* job);
 
 /// Sets the job-end event, closes an open page and destroys the job.
 void SignalEndAndDestroy(CQloPrinter* job);

@@ -14,21 +14,26 @@
 
 namespace quillo {
 
-/// In the job's state flags: the job has failed, no further page begins.
-inline constexpr uint32_t kJobFailedBit = 0x10000000;
+/// What playback reports to the job that it plays for.
+struct PlaybackEvents {
+  /// The page cannot be completed: the job has failed, no further page begins.
+  virtual void JobFailed() = 0;
+  /// An embedded font file is ready. S_OK when the client took it, and when none is connected.
+  virtual HRESULT FontEmbedded(const wchar_t* path) = 0;
 
-/// What playback reads and sets of the job that its context is embedded in. All pointers are the
-/// job's and outlive the context.
+ protected:
+  ~PlaybackEvents() = default;
+};
+
+/// What playback uses of the job that its context is embedded in. All pointers are the job's and
+/// outlive the context.
 struct JobLink {
   HANDLE printer;               // opens a printer DC for mask bitmaps
   HANDLE heap;                  // the job's private heap
-  uint32_t* state_flags;        // playback sets kJobFailedBit
   DeviceMode* device_settings;  // written by REC_DEVMODE; may be null
   BitmapLimits bitmap_limits;
   const wchar_t* font_directory;  // where embedded fonts go; empty = nothing is embedded
-  /// Announces an embedded font file to the client; S_OK as well when no client is connected.
-  HRESULT (*announce_font)(void* job, const wchar_t* path);
-  void* job;  // for announce_font
+  PlaybackEvents* events;
 };
 
 /// One entry of the seen-font list. The key is a LOGFONTW whose height went through the world

@@ -97,7 +97,7 @@ bool EmbedFont(const PlaybackContext& context, const LOGFONTW& font) {
   Path path;
   if (!content || !MakePath(directory, face, path)) return false;
   if (!WriteFontFile(path, content.Get(), size)) return false;
-  if (FAILED(context.job.announce_font(context.job.job, path))) DeleteFileW(path);
+  if (FAILED(context.job.events->FontEmbedded(path))) DeleteFileW(path);
   return true;
 }
 

@@ -106,7 +106,7 @@ int32_t PlaySetDibitsToDevice(PlaybackContext& context, Bytes payload) {
 int32_t PlayPageBitmap(PlaybackContext& context, Bytes payload) {
   const bool drawn =
       context.page_dc != nullptr && PaintPage(context.page_dc, context.band_header, payload);
-  if (!drawn) *context.job.state_flags |= kJobFailedBit;
+  if (!drawn) context.job.events->JobFailed();
   return drawn;
 }
 

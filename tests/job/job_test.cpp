@@ -8,6 +8,8 @@
 #include "host/printer/printer_setup.h"
 #include "host/printer/sheet.h"
 #include "host/printer/spool_job.h"
+#include "job/document_end.h"
+#include "job/record_sink.h"
 #include "support/import_patch.h"
 #include "support/margins.h"
 #include "support/recording_client.h"

@@ -244,7 +244,7 @@ TEST(PageBitmap, BandHeaderAndBits_FillThePage) {
   // Bottom row first: blue below red.
   EXPECT_EQ(page.Play(REC_PAGEBITMAP, PayloadOf(0x000000FFu, 0x00FF0000u)), 1);
   EXPECT_EQ(imaging::SetDisplayMode(0, 0), mode);
-  EXPECT_EQ(page.StateFlags(), 0u);
+  EXPECT_FALSE(page.job_failed);
 
   const int width = GetDeviceCaps(page.context.page_dc, HORZRES);
   const int height = GetDeviceCaps(page.context.page_dc, VERTRES);
@@ -270,7 +270,7 @@ TEST(PageBitmap, NotDrawn_JobFailed) {
     if (!c.with_page) page.context.page_dc = nullptr;
     page.Play(REC_DIBHEADER, c.header);
     EXPECT_EQ(page.Play(REC_PAGEBITMAP, c.bits), 0);
-    EXPECT_EQ(page.StateFlags(), kJobFailedBit);
+    EXPECT_TRUE(page.job_failed);
   }
 }
 

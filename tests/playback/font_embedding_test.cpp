@@ -26,13 +26,11 @@ class FontEmbeddingTest : public testing::Test {
   FontEmbeddingTest() {
     std::filesystem::create_directories(folder_);
     page_.context.job.font_directory = folder_text_.c_str();
-    page_.context.job.announce_font = [](void* self, const wchar_t* path) {
-      auto* test = static_cast<FontEmbeddingTest*>(self);
+    page_.on_font = [this](const wchar_t* path) {
       EXPECT_TRUE(std::filesystem::exists(path)) << "announced before it was written";
-      test->announced_.emplace_back(path);
-      return test->answer_;
+      announced_.emplace_back(path);
+      return answer_;
     };
-    page_.context.job.job = this;
   }
   ~FontEmbeddingTest() override { std::filesystem::remove_all(folder_); }
 

@@ -29,12 +29,10 @@ Page::Page(size_t heap_limit)
       dc_(CreateEnhMetaFileW(nullptr, nullptr, nullptr, nullptr)),
       context({.printer = nullptr,
                .heap = heap_,
-               .state_flags = &state_flags_,
                .device_settings = &settings,
                .bitmap_limits = kDefaultBitmapLimits,
                .font_directory = L"",
-               .announce_font = nullptr,
-               .job = nullptr}) {
+               .events = this}) {
   context.page_dc = dc_.Get();
 }
 

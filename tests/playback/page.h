@@ -38,7 +38,7 @@ Payload PayloadOf(const Parts&... parts) {
 }
 
 /// A playback context of its own that draws on a metafile in memory.
-class Page {
+class Page : private PlaybackEvents {
  public:
   /// `heap_limit`: bytes of the job's heap; 0 = as many as there are.
   explicit Page(size_t heap_limit = 0);
@@ -56,14 +56,17 @@ class Page {
   EmfRecords Records();
 
  private:
+  void JobFailed() override { job_failed = true; }
+  HRESULT FontEmbedded(const wchar_t* path) override { return on_font(path); }
+
   HANDLE heap_;
-  uint32_t state_flags_ = 0;
   MetafileDc dc_;
 
  public:
   DeviceMode settings = {};
   PlaybackContext context;
-  [[nodiscard]] uint32_t StateFlags() const { return state_flags_; }
+  bool job_failed = false;
+  std::function<HRESULT(const wchar_t* path)> on_font = [](const wchar_t*) { return S_OK; };
 };
 
 }  // namespace quillo::test

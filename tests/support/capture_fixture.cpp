@@ -2,6 +2,7 @@
 
 #include "capture/records/framing.h"
 #include "capture/records/types.h"
+#include "job/record_sink.h"
 #include "support/record_dump.h"
 
 namespace quillo::test {

@@ -1,8 +1,9 @@
+#include "job/record_sink.h"
+
 #include <algorithm>
 
 #include "capture/records/framing.h"
 #include "capture/records/types.h"
-#include "job/job.h"
 #include "playback/dispatcher.h"
 
 namespace quillo {
