@@ -16,17 +16,18 @@ class CBuffer {
   CBuffer& operator=(const CBuffer&) = delete;
   ~CBuffer();
 
-  /// Makes room for `size` more bytes. 1, or 0 when memory is short or the buffer would pass 4 GiB;
-  /// content and capacity then stay as they are.
+  /// Makes room for `size` more bytes. 1; 0, and nothing changed, when memory is short or the
+  /// buffer would exceed 4 GiB.
   int32_t Reserve(uint32_t size);
 
-  /// Copies `size` bytes to the end. `size`, or 0 when the room could not be made.
+  /// Copies `size` bytes to the end. `size`, or 0 when there is no room.
   uint32_t Append(const void* bytes, uint32_t size);
 
-  /// Forgets content and read position; keeps the storage.
+  /// Discards content and read position; keeps the storage.
   void Reset();
 
   /// Writes everything since the last reset to a new file. The bytes written; 0 on failure.
+  /// For whoever has to look at a job's stream: the driver itself does not call it.
   uint32_t WriteToFile(const wchar_t* path) const;
 
   /// The bytes not yet parsed; valid until the next Append.
@@ -37,6 +38,7 @@ class CBuffer {
   /// Marks `size` unread bytes as parsed.
   void Consume(uint32_t size) { read_position_ += size; }
 
+  /// Bytes of storage; for tests.
   [[nodiscard]] uint32_t Capacity() const { return capacity_; }
 
  private:

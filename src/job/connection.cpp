@@ -7,7 +7,7 @@ namespace quillo {
 
 namespace {
 
-/// The client writes the stream under exactly this name.
+/// Compatibility: misspelt, because this is the name under which clients write it.
 constexpr wchar_t kConnectionStream[] = L"IQuilloConnectionPiont";
 
 bool FileExists(const wchar_t* path) { return GetFileAttributesW(path) != INVALID_FILE_ATTRIBUTES; }

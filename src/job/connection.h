@@ -7,8 +7,8 @@
 
 namespace quillo {
 
-/// Takes up the callback interface that the client left, marshalled, in the connection file of the
-/// job. The file is read once and deleted whatever happened. The failing HRESULT when there is no
+/// Unmarshals the callback interface that the client left in the connection file of the job. The
+/// file is read once and deleted, even when it cannot be read. The failing HRESULT when there is no
 /// client; `client` is then empty.
 HRESULT OpenConnection(DWORD job_id, ComPtr<IQuilloClient>& client);
 

@@ -12,6 +12,7 @@ constexpr int kInterfaceVersion = 5;
 }  // namespace
 
 void SignalJobEnd(DWORD job_id) {
+  // Compatibility: the blank before "version" is part of the name that clients wait for.
   wchar_t name[64];
   wsprintfW(name, L"Global\\VORNIXQUILLO5_JOB_END%d version%d", static_cast<int>(job_id),
             kInterfaceVersion);

@@ -4,8 +4,8 @@
 
 namespace quillo {
 
-/// Tells every process that waits on the job, in any session, that its output is complete. The
-/// event lives on only where somebody else holds it.
+/// Signals to every process that waits on the job, in any session, that its output is complete. The
+/// driver keeps no handle: the event lives on only where a waiter holds it.
 void SignalJobEnd(DWORD job_id);
 
 }  // namespace quillo

@@ -32,8 +32,8 @@ void MakeFontFolder(CQloPrinter& job) {
   CreateDirectoryW(job.font_folder, nullptr);
 }
 
-/// The job's own copy of the settings: the printer's stored ones until REC_DEVMODE brings the
-/// device's.
+/// Allocates the job's own copy of the settings and reads the printer's stored ones into it: a job
+/// has settings as soon as it is open, although REC_DEVMODE usually replaces them at once.
 bool ReadDeviceSettings(CQloPrinter& job) {
   job.device_settings =
       static_cast<DeviceMode*>(HeapAlloc(job.heap, HEAP_ZERO_MEMORY, sizeof(DeviceMode)));
@@ -55,7 +55,7 @@ Library LoadResources() {
   return Library(LoadLibraryW(path));
 }
 
-/// Gives back what the job holds, in the order that its parts need, and ends it with its heap.
+/// Releases what the job holds, each part before what it depends on; the heap goes last.
 void DestroyJob(CQloPrinter* job) {
   ClosePageMetafile(*job);
   DropPageFile(*job);
@@ -110,7 +110,7 @@ CQloPrinter* OpenJob(HANDLE printer, DWORD job_id) {
   MakeFontFolder(*job);
   if (FAILED(OpenConnection(job_id, job->client))) job->state |= kClientNotConnected;
   if (!ReadDeviceSettings(*job)) {
-    // The client has heard nothing of this job yet: it is let go without a word.
+    // The client has not heard of this job yet, so it gets no job-end notification either.
     job->client.Reset();
     DestroyJob(job);
     return nullptr;
@@ -124,7 +124,7 @@ bool StartPage(CQloPrinter* job) {
   if (job == nullptr || job->signature != kJobSignature) return false;
   if ((job->state & (kJobValid | kJobFailed)) != kJobValid) return false;
   if ((job->state & kClientNotConnected) != 0) {
-    // One more try; the page after a failed one goes on without a client.
+    // Retried once: when it fails, the next page goes ahead without a client.
     job->state &= ~kClientNotConnected;
     if (FAILED(OpenConnection(job->job_id, job->client))) return false;
     NotifyJobStart(*job);
@@ -145,7 +145,8 @@ bool SendPage(CQloPrinter* job) {
 
 void SignalEndAndDestroy(CQloPrinter* job) {
   if (job == nullptr) return;
-  // The event comes before the last metafile is closed and before the client hears of the end.
+  // Compatibility: the event is set before the last metafile is closed and before the client hears
+  // of the job's end; clients wait in this order.
   SignalJobEnd(job->job_id);
   DestroyJob(job);
 }

@@ -6,7 +6,7 @@ namespace quillo {
 
 namespace {
 
-/// What NotifyError carries: a page metafile could not be created or closed.
+/// The code of NotifyError: a page metafile could not be created or closed.
 constexpr LONG kPageError = -295;
 
 LONG IdOf(const CQloPrinter& job) { return static_cast<LONG>(job.job_id); }
@@ -15,7 +15,7 @@ LONG IdOf(const CQloPrinter& job) { return static_cast<LONG>(job.job_id); }
 HeapBlock ReadJobInfo(const CQloPrinter& job) {
   DWORD needed = 0;
   GetJobW(job.printer, job.job_id, 1, nullptr, 0, &needed);
-  // The job can change between the two calls: one more try with the size that it then asks for.
+  // The job can grow between the two calls; retry once with the size then asked for.
   for (int attempt = 0; attempt < 2 && needed != 0; ++attempt) {
     const DWORD size = needed;
     HeapBlock info(size);
@@ -26,7 +26,6 @@ HeapBlock ReadJobInfo(const CQloPrinter& job) {
   return {};
 }
 
-/// Whether the client can be told anything.
 bool ClientConnected(const CQloPrinter& job) {
   return (job.state & kClientNotConnected) == 0 && job.client;
 }

@@ -22,14 +22,14 @@ constexpr LONG kPageFileKind = 1;
 constexpr LONG kPageMode = 3;
 
 /// Makes a new, empty file in the user's TEMP folder. The path is empty on failure.
-void TakePageFile(CQloPrinter& job) {
+void CreatePageFile(CQloPrinter& job) {
   wchar_t folder[MAX_PATH];
   job.page_path[0] = L'\0';
   if (UserTempFolder(folder, MAX_PATH) == 0) return;
   if (GetTempFileNameW(folder, kPageFilePrefix, 0, job.page_path) == 0) job.page_path[0] = L'\0';
 }
 
-/// Tells the page object about the page; the first failing call ends it.
+/// Describes the page to its object; stops at the first call that fails.
 void DescribePage(IQuilloPage& page, const wchar_t* path, LONG dpi, const Extent& sheet) {
   const Bstr file(SysAllocString(path));
   if (!file) return;
@@ -41,12 +41,12 @@ void DescribePage(IQuilloPage& page, const wchar_t* path, LONG dpi, const Extent
   page.SetMode(kPageMode);
 }
 
-/// A metafile on the job's own printer; when that gives no DC, GDI takes the display in its place.
+/// A metafile on the job's own printer; GDI takes the display when there is no DC for the printer.
 /// `sheet` in tenths of a millimetre.
 MetafileDc CreatePageMetafile(const CQloPrinter& job, const Extent& sheet) {
   if (job.page_path[0] == L'\0') return MetafileDc();
   const CreatedDc reference = CreatePrinterDc(job.printer, &job.device_settings->pub);
-  // Frames count in hundredths of a millimetre.
+  // In hundredths of a millimetre.
   const RECT frame = {0, 0, sheet.width * 10, sheet.height * 10};
   return MetafileDc(CreateEnhMetaFileW(reference.Get(), job.page_path, &frame, kDescription));
 }
@@ -54,10 +54,10 @@ MetafileDc CreatePageMetafile(const CQloPrinter& job, const Extent& sheet) {
 }  // namespace
 
 bool BeginPage(CQloPrinter& job) {
-  // A page that was begun and never sent gives way to the new one.
+  // A page that was begun and never sent is dropped.
   ClosePageMetafile(job);
   DropPageFile(job);
-  TakePageFile(job);
+  CreatePageFile(job);
   job.page_object = OpenClientPage(job);
 
   DeviceMode& settings = *job.device_settings;
@@ -76,7 +76,7 @@ bool BeginPage(CQloPrinter& job) {
   }
   job.playback.page_dc = metafile.Detach();
 
-  // Drawing in coordinates of the printable area lands at its place on the sheet.
+  // Records use coordinates of the printable area; the page is the whole sheet.
   const Margins& margins = sheet.pixels.margins;
   SetViewportOrgEx(job.playback.page_dc, margins.left, margins.top, nullptr);
   job.state |= kPageFilePending;

@@ -5,7 +5,7 @@
 namespace quillo {
 
 /// Opens the metafile of a new page and describes the page to the client. False when the metafile
-/// could not be created; the client is then told, and nothing of the page remains.
+/// could not be created; the client then hears of the error, and nothing of the page remains.
 bool BeginPage(CQloPrinter& job);
 
 /// Ends drawing and closes the metafile; its file stays. False without an open page, and when GDI
@@ -15,7 +15,7 @@ bool ClosePageMetafile(CQloPrinter& job);
 /// Closes the metafile, delivers it to the client and deletes its file. True when it was closed.
 bool FinishPage(CQloPrinter& job);
 
-/// Deletes the page's file, delivered or not, and forgets what is kept of the page.
+/// Deletes the page's file, delivered or not, and clears what the job holds of the page.
 void DropPageFile(CQloPrinter& job);
 
 }  // namespace quillo

@@ -17,22 +17,22 @@ void Play(CQloPrinter& job, uint32_t type, Bytes payload) {
   if ((type & kPlayed) == kPlayed) DispatchRecord(job.playback, type, payload);
 }
 
-/// Plays every whole record; an incomplete one stays until a later piece completes it.
+/// Plays every whole record; an incomplete one stays buffered until a later piece completes it.
 void PlayWholeRecords(CQloPrinter& job) {
   CBuffer& buffer = job.record_buffer;
   while (const auto frame = records::NextFrame(buffer.Unread())) {
     Play(job, frame->type, frame->payload);
     buffer.Consume(static_cast<uint32_t>(frame->size));
   }
-  // No record lives longer than its dispatch: a page's memory is that of its largest record.
+  // A record is dropped once it was dispatched: a page takes the memory of its largest record.
   if (buffer.Unread().empty()) buffer.Reset();
 }
 
-/// Drops the record that `piece`, for which there is no memory, belongs to: what is buffered of it,
-/// the piece, and what is still to come. The records behind it are played as ever.
+/// Drops the record to which `piece`, for which there is no memory, belongs: what is buffered of
+/// it, the piece, and what is still to come. Later records are played as usual.
 void DropRecord(CQloPrinter& job, Bytes piece) {
   const Bytes begun = job.record_buffer.Unread();
-  // Every header comes whole, alone or in front of its payload.
+  // A header is never split; it comes alone or followed by its payload.
   const auto header = LoadOrZero<RecordHeader>(begun.empty() ? piece : begun);
   const uint64_t size = sizeof(header) + uint64_t{header.payload_size};
   const uint64_t come = begun.size() + piece.size();
@@ -46,12 +46,12 @@ void Take(CQloPrinter& job, Bytes piece) {
   if (begun.size() == sizeof(RecordHeader)) {
     const auto header = LoadOrZero<RecordHeader>(begun);
     if (header.payload_size == piece.size()) {
-      // Most payloads come in one piece. It is played where it lies: pictures are not copied again.
+      // Most payloads come in one piece, which is played in place: pictures are not copied again.
       buffer.Reset();
       Play(job, header.type, piece);
       return;
     }
-    // Room for the whole payload: a large one is not moved from block to block while it comes.
+    // Room for the whole payload, so that a large one is not reallocated piece by piece.
     buffer.Reserve(header.payload_size);
   }
   if (buffer.Append(piece.data(), static_cast<uint32_t>(piece.size())) == piece.size()) {

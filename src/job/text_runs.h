@@ -10,8 +10,8 @@
 namespace quillo {
 
 /// Hands the glyph counts of the page's text runs to the page object's property "TextRuns", as a
-/// one-dimensional array of VT_I4. A page object without the property is not given it; when it
-/// refuses the array, a message box tells why.
+/// one-dimensional array of VT_I4. Does nothing when the object lacks the property; when it
+/// refuses the array, a message box shows why.
 void HandOverTextRuns(IDispatch& page, const HeapList<uint32_t>& run_list);
 
 }  // namespace quillo

@@ -30,8 +30,8 @@ int32_t PlayBitBlt(PlaybackContext& context, Bytes payload) {
                 record.rop);
 }
 
-// Always copies, whatever raster operation the captured call had; that is meant. Colour adjustment
-// and stretch mode stay set on the page DC.
+// Compatibility: always copies, whatever raster operation the captured call had, and leaves colour
+// adjustment and stretch mode set on the page DC; kept for pages.
 int32_t PlayStretchBlt(PlaybackContext& context, Bytes payload) {
   const auto record = LoadOrZero<StretchBltPayload>(payload);
   SourceBitmap source;

@@ -10,10 +10,10 @@
 namespace quillo {
 namespace {
 
-/// Makes the names of embedded files unique; shared by all jobs of the process.
+/// Number for the names of embedded files; shared by all jobs of the process.
 uint32_t g_font_file_counter = 0;
 
-constexpr size_t kFaceCharacters = LF_FACESIZE + 1;  // with a terminator, also behind a full field
+constexpr size_t kFaceCharacters = LF_FACESIZE + 1;  // a terminator also after a full field
 constexpr size_t kPathCharacters = MAX_PATH + 64;    // directory, face name and counter
 
 using Face = wchar_t[kFaceCharacters];
@@ -26,7 +26,7 @@ bool MarksTemporaryFont(const Face& face) {
   return std::wcsstr(lower, L".tmp") != nullptr;
 }
 
-/// Whether the part of a file name in front of its first dot names a device.
+/// Whether the part of a file name before its first dot or blank names a device.
 bool NamesDevice(const wchar_t* name) {
   const size_t length = std::wcscspn(name, L". ");
   const auto is = [&](const wchar_t* device, size_t device_length) {
@@ -48,8 +48,9 @@ bool CanNameFile(const wchar_t* name) {
   return std::wcsstr(name, L"..") == nullptr && !NamesDevice(name);
 }
 
-/// A path for the font's file. Where a file has the plain name, a number goes behind it; what has
-/// that name in turn is overwritten.
+/// A path for the font's file.
+/// Compatibility: where a file already has the plain name, a number is appended, and a file of that
+/// name is overwritten: there is only one attempt at a free name; kept for clients.
 bool MakePath(const wchar_t* directory, const wchar_t* face, Path& path) {
   if (FAILED(StringCchPrintfW(path, kPathCharacters, L"%s\\%s", directory, face))) return false;
   if (GetFileAttributesW(path) == INVALID_FILE_ATTRIBUTES) return true;
@@ -58,7 +59,8 @@ bool MakePath(const wchar_t* directory, const wchar_t* face, Path& path) {
                                     static_cast<int>(g_font_file_counter++)));
 }
 
-/// The whole file of the font selected in `dc`; `size` gets its bytes. Empty on failure.
+/// The whole file of the font selected in `dc`; `size` receives its length in bytes. Empty on
+/// failure.
 HeapBlock ReadFontFile(HDC dc, DWORD& size) {
   size = GetFontData(dc, 0, 0, nullptr, 0);
   if (size == 0 || size == GDI_ERROR) return {};
@@ -67,7 +69,7 @@ HeapBlock ReadFontFile(HDC dc, DWORD& size) {
   return content;
 }
 
-/// False, and no file at `path`, when it cannot be written whole.
+/// False, and no file at `path`, when it cannot be written completely.
 bool WriteFontFile(const wchar_t* path, const void* content, DWORD size) {
   KernelHandle file(
       CreateFileW(path, GENERIC_ALL, 0, nullptr, CREATE_ALWAYS, FILE_ATTRIBUTE_TEMPORARY, nullptr));

@@ -8,7 +8,7 @@
 
 namespace quillo {
 
-/// Singly linked list of plain values on a heap that outlives it. Clear() gives the memory back.
+/// Singly linked list of plain values on a heap that outlives it. Clear() frees the memory.
 template <typename T>
 class HeapList {
  public:

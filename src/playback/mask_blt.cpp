@@ -12,8 +12,9 @@ namespace {
 
 using namespace records;
 
-// The mask as a bitmap of the job's printer. The colours that it carries are meant to be overruled
-// by black and white.
+// The mask as a bitmap of the job's printer.
+// Compatibility: black and white replace the two colours that the mask carries, and MaskBlt gets
+// the ROP4 of the record unchanged; kept for pages.
 Bitmap CreateMask(const JobLink& job, Bytes payload, uint32_t offset) {
   auto dib = LocatePackedDib(payload, offset);
   if (!dib || dib->info.header.bit_count != 1) return Bitmap();

@@ -10,6 +10,7 @@
 #include "imaging/dib/convert_dib.h"
 #include "imaging/painting/display_mode.h"
 #include "imaging/painting/paint.h"
+#include "imaging/painting/paint_method.h"
 #include "playback/actions.h"
 #include "playback/rectangles.h"
 
@@ -18,6 +19,11 @@ namespace quillo {
 namespace {
 
 using namespace records;
+
+// Display mode of page bitmaps: two flags that no painter of this kernel reads, and the display
+// table as it is.
+constexpr uint32_t kPageModeFlags = 0x01 | 0x20;
+constexpr uint32_t kPageModeMask = kPageModeFlags | imaging::kModeResetTable;
 
 // While it lives, a bitmap's own palette is the one of the DC.
 class PaintPaletteScope {
@@ -56,7 +62,7 @@ class DisplayModeScope {
   uint32_t previous_;
 };
 
-// Lets GDI convert a DIB of any depth into a 24-bit bitmap of the kernel.
+// Converts a DIB of any depth into a 24-bit bitmap of the kernel, through GDI.
 bool ConvertByGdi(const PackedDib& dib, imaging::BitmapHandle* bitmap) {
   const auto width = static_cast<uint32_t>(dib.info.header.width);
   const auto height = static_cast<uint32_t>(std::abs(int64_t{dib.info.header.height}));
@@ -79,7 +85,7 @@ bool PaintPage(HDC page_dc, Bytes header, Bytes bits) {
     return false;
   }
   const PaintPaletteScope palette(page_dc, *bitmap.Get());
-  const DisplayModeScope mode(0x25, 0x21);
+  const DisplayModeScope mode(kPageModeMask, kPageModeFlags);
   return imaging::Paint(page_dc, bitmap.Get(), nullptr, nullptr, &page, nullptr, SRCCOPY) ==
          imaging::kSuccess;
 }

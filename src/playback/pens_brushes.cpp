@@ -23,8 +23,8 @@ bool HoldsPattern(const CreateBrushPayload& record, Bytes payload) {
 }
 
 // A copy of a brush record's pattern that GDI can read without leaving it; empty when memory is
-// short or the pattern is no bitmap (one that did not pack is all zeros). GDI finds the bits by the
-// colour count: above 8 bits it has to name the one entry that stands in front of them.
+// short or the pattern is not a bitmap (one that did not pack is all zeros). GDI finds the bits by
+// the colour count, which above 8 bits per pixel has to state the one entry that precedes them.
 HeapBlock CopyPattern(HANDLE heap, Bytes pattern) {
   auto dib = LocatePackedDib(pattern, 0);
   if (!dib) return HeapBlock();
@@ -37,7 +37,7 @@ HeapBlock CopyPattern(HANDLE heap, Bytes pattern) {
 }
 
 // Fills an empty block from a brush record that holds its pattern. Without a copy of the pattern
-// the block gets a null one; a style that no capture writes stands alone.
+// the block gets a null one; a style that no capture writes gets neither hatch nor pattern.
 void CopyBrush(HANDLE heap, Bytes payload, LOGBRUSH& block) {
   const auto record = LoadOrZero<CreateBrushPayload>(payload);
   block.lbStyle = record.style;
@@ -50,7 +50,7 @@ void CopyBrush(HANDLE heap, Bytes payload, LOGBRUSH& block) {
   }
 }
 
-// Frees a pattern copy and zeroes the block. The style alone tells whether there is a copy.
+// Frees a pattern copy and zeroes the block. Only the style shows whether there is a copy.
 void FreeBrush(HANDLE heap, LOGBRUSH& block) {
   if (block.lbStyle == BS_DIBPATTERNPT && block.lbHatch != 0) {
     HeapFree(heap, 0, reinterpret_cast<void*>(block.lbHatch));
@@ -58,8 +58,9 @@ void FreeBrush(HANDLE heap, LOGBRUSH& block) {
   block = {};
 }
 
-// Keeps a brush for the pens to come. The pending flag is meant never to be cleared again: from the
-// first such brush on, every extended pen of the job takes the stored one.
+// Keeps a brush for later pens.
+// Compatibility: the pending flag is never cleared, so that from the first such brush on every
+// extended pen of the job takes the stored one; kept for pages.
 void KeepPenBrush(PlaybackContext& context, Bytes payload) {
   if (context.pen_brush_pending != 0) FreeBrush(context.job.heap, context.pen_brush);
   CopyBrush(context.job.heap, payload, context.pen_brush);
@@ -87,10 +88,10 @@ UINT ForceSolidBrush(ExtCreatePenPayload& record, LOGBRUSH& brush) {
   return saved_style;
 }
 
-// The restore after a pen is inverted, and is meant to be: a style that was saved is not put back,
-// while a brush whose style stayed gets the "nothing saved" mark as its style. So a wide geometric
-// pen spoils the stored brush (its pattern copy then lives as long as the heap), and a thin pen
-// leaves it solid.
+// Compatibility: the restore after a pen is inverted. A style that was saved is not put back, while
+// a brush whose style stayed gets the "nothing saved" mark as its style. So a wide geometric pen
+// spoils the stored brush (its pattern copy then lives as long as the heap), and a thin pen leaves
+// it solid; kept for pages.
 void RestoreBrushStyleInverted(UINT saved_style, LOGBRUSH& brush) {
   if (saved_style == kNoSavedStyle) brush.lbStyle = saved_style;
 }
@@ -115,7 +116,7 @@ int32_t PlayExtCreatePen(PlaybackContext& context, Bytes payload) {
   LOGBRUSH& brush = context.pen_brush_pending != 0 ? context.pen_brush : black;
   const UINT saved_style = ForceSolidBrush(record, brush);
 
-  // Without memory for the entries GDI gets none, and their count all the same.
+  // When memory is short, GDI gets the count without the entries.
   HeapBlock entries;
   if (record.count != 0) entries = HeapBlock(entry_bytes, context.job.heap, 0);
   if (entries) std::memcpy(entries.Get(), payload.data() + kPenEntriesOffset, entry_bytes);

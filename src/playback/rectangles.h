@@ -5,7 +5,7 @@
 #include "base/arithmetic.h"
 #include "capture/records/payloads.h"
 
-// Sides of outside rectangles, which may be empty, mirrored or absurd.
+// Sides of rectangles from outside, which may be empty, mirrored or absurd.
 namespace quillo {
 
 constexpr int32_t Width(const records::Rect& r) { return WrappingSubtract(r.right, r.left); }

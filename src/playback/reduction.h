@@ -22,9 +22,10 @@ struct ReductionScale {
   bool operator==(const ReductionScale&) const = default;
 };
 
-/// The scale that brings a bitmap (sides of at least 1) to the limits. The ratios of limit and side
-/// are meant to be truncated to whole numbers before they are compared: a side over its limit has
-/// ratio 0, and when both are, the width decides, so that the height may stay above its limit.
+/// The scale that brings a bitmap (sides of at least 1) to the limits.
+/// Compatibility: the ratios of limit and side are truncated to whole numbers before they are
+/// compared. A side over its limit has ratio 0, and when both are over, the width decides, so that
+/// the height may stay above its limit; kept for pages.
 constexpr ReductionScale FindReduction(int32_t width, int32_t height, BitmapLimits limits) {
   if (width <= limits.width && height <= limits.height) return {};
   const int32_t ratio_x = limits.width / width;

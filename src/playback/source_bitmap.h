@@ -16,7 +16,7 @@ class SourceBitmap {
   /// cannot be converted.
   bool Load(Bytes payload, uint32_t offset);
 
-  /// Brings the bitmap to the limits. False when that fails; the bitmap is then of no use.
+  /// Brings the bitmap to the limits. False when that fails; the bitmap is then unusable.
   bool Reduce(BitmapLimits limits);
 
   /// The DC to blit from, or null. Valid as long as this object.

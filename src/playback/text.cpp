@@ -15,9 +15,9 @@ namespace {
 
 using namespace records;
 
-/// The height under which a font is remembered: it goes through the scale of the last transform,
-/// and the transform's horizontal offset is added to it. The offset is meant to count, although it
-/// is no part of a height.
+/// The height under which a font is remembered: scaled by the last transform.
+/// Compatibility: the transform's horizontal offset is added to it; kept for clients, which read
+/// these keys.
 LONG HeightOfKey(LONG height, const XFORM& transform) {
   return TruncateToInt(static_cast<float>(height) * transform.eM11 + transform.eDx);
 }
@@ -42,12 +42,12 @@ bool HoldsNonAscii(Bytes units) {
   return false;
 }
 
-/// The characters of a run of glyph indexes, cleared where the page's font gives none. Empty when
-/// memory is short.
+/// The characters of a run of glyph indexes; all zero when the page's font cannot be read. Empty
+/// when memory is short.
 HeapBlock TranslateRun(const PlaybackContext& context, Bytes glyphs, uint32_t count) {
   HeapBlock text(glyphs.size(), context.job.heap);
   if (!text) return text;
-  // Translated in place: the record's indexes may stand at an odd address.
+  // Translated in the copy: the record's indexes may begin at an odd address.
   std::memcpy(text.Get(), glyphs.data(), glyphs.size());
   auto* units = text.As<uint16_t>();
   if (TranslateGlyphs(context.glyph_translator.get(), context.page_dc, count, units, units) == 0) {
