@@ -1,5 +1,6 @@
 #include "job/job.h"
 
+#include <filesystem>
 #include <gtest/gtest.h>
 #include <optional>
 
@@ -10,31 +11,27 @@
 #include "host/printer/spool_job.h"
 #include "job/document_end.h"
 #include "job/record_sink.h"
-#include "support/import_patch.h"
+#include "support/line.h"
 #include "support/margins.h"
 #include "support/recording_client.h"
+#include "support/watch.h"
 
 namespace quillo {
 namespace {
 
+using Json = nlohmann::ordered_json;
 using test::Line;
-using test::RecordingClient;
 
-bool Exists(const std::wstring& path) {
-  return GetFileAttributesW(path.c_str()) != INVALID_FILE_ATTRIBUTES;
-}
+bool Exists(const std::filesystem::path& path) { return std::filesystem::exists(path); }
+std::filesystem::path PathOf(const Json& call) { return call["path"].get<std::string>(); }
 
 /// Files in the TEMP folder that pages and jobs make.
 int LeftFiles() {
   int count = 0;
-  for (const wchar_t* pattern : {L"\\VXP*.tmp", L"\\*.fpt", L"\\*.stg"}) {
-    WIN32_FIND_DATAW found;
-    const HANDLE search = FindFirstFileW((test::TempFolder() + pattern).c_str(), &found);
-    if (search == INVALID_HANDLE_VALUE) continue;
-    do {
-      ++count;
-    } while (FindNextFileW(search, &found));
-    FindClose(search);
+  for (const auto& entry : std::filesystem::directory_iterator(test::TempFolder())) {
+    const std::wstring name = entry.path().filename();
+    count += (name.starts_with(L"VXP") && name.ends_with(L".tmp")) || name.ends_with(L".fpt") ||
+             name.ends_with(L".stg");
   }
   return count;
 }
@@ -54,18 +51,22 @@ class Job : public testing::Test {
   void TearDown() override {
     EXPECT_EQ(LeftFiles(), files_before_);
     EXPECT_EQ(GetProcessHeaps(0, nullptr), heaps_before_);
-    EXPECT_EQ(client_.LivingPages(), 0);
+    EXPECT_EQ(client_.CountLeaks(), 0);
     CoUninitialize();
     // No job is left in the apartment: another kind may be entered.
     EXPECT_EQ(CoInitializeEx(nullptr, COINIT_APARTMENTTHREADED), S_OK);
     CoUninitialize();
   }
 
+  void Connect(host::ClientFault fault = host::ClientFault::kNone) {
+    client_.LeaveConnection(spool_job_->Id(), false, fault);
+    client_.calls.clear();
+  }
+
   CQloPrinter* Open() {
     CQloPrinter* job = OpenJob(spool_job_->Printer(), spool_job_->Id());
     EXPECT_NE(job, nullptr);
-    const host::Sheet sheet{.paper = DMPAPER_A4};
-    const DeviceMode mode = host::MakeDeviceMode(host::kPrinterName, sheet, kDpi);
+    const DeviceMode mode = host::MakeDeviceMode(host::kPrinterName, {.paper = DMPAPER_A4}, kDpi);
     Send(job, records::REC_DEVMODE, &mode, sizeof mode);
     return job;
   }
@@ -76,27 +77,20 @@ class Job : public testing::Test {
     WriteJob(job, header, sizeof header, nullptr);
     WriteJob(job, payload, size, nullptr);
   }
+  static void SendPageValue(CQloPrinter* job, records::Point offset) {
+    Send(job, records::REC_PAGEVALUE, &offset, sizeof offset);
+  }
 
-  void Close(CQloPrinter* job) {
+  static void Close(CQloPrinter* job) {
     EndDocument(job);
     SignalEndAndDestroy(job);
   }
 
-  std::string Named(const char* call) { return Line(call, " VORNIX Quillo 6/", spool_job_->Id()); }
-
-  std::vector<std::string> PageCalls(int page) {
-    return {"GetPageObject",
-            Named("NotifyPageStart") + Line(" page ", page),
-            "  file kind 1",
-            "  x dpi 300",
-            "  y dpi 300",
-            "  width 2100",
-            "  height 2970",
-            "  mode 3",
-            Named("NotifyPage") + Line(" page ", page)};
+  std::string Call(const char* method, const std::string& rest = {}) {
+    return Line(method, " VORNIX Quillo 6 ", spool_job_->Id(), rest);
   }
 
-  RecordingClient client_;
+  test::RecordingClient client_;
   std::optional<host::SpoolJob> spool_job_;
   int files_before_ = 0;
   DWORD heaps_before_ = 0;
@@ -105,51 +99,46 @@ class Job : public testing::Test {
 TEST_F(Job, ClientConnected_HearsEveryStepInOrder) {
   for (const int pages : {0, 1, 3}) {
     SCOPED_TRACE(pages);
-    client_.LeaveConnection(spool_job_->Id());
-    RecordingClient& client = client_;
-    client.calls.clear();
-    // A new page object counts on from the last job's.
-    static int page_number = 0;
-
+    Connect();
     CQloPrinter* job = Open();
     EXPECT_FALSE(Exists(test::ConnectionPath(spool_job_->Id())));
-    std::vector<std::string> expected = {Named("NotifyJobStart") + " A document"};
-    for (int page = 0; page < pages; ++page) {
+    std::vector<std::string> expected = {Call("NotifyJobStart", " A document")};
+    for (int page = 1; page <= pages; ++page) {
       EXPECT_TRUE(StartPage(job));
       EXPECT_TRUE(SendPage(job));
-      const auto calls = PageCalls(++page_number);
-      expected.insert(expected.end(), calls.begin(), calls.end());
+      expected.push_back(Line("GetPageObject ", page));
+      expected.push_back(Call("NotifyPageStart", Line(' ', page)));
+      expected.push_back(Call("NotifyPage", Line(' ', page, " 1 2100.0 2970.0 3 300 300 []")));
     }
     Close(job);
-    expected.push_back(Named("NotifyFontsFile") + " 0");
-    expected.push_back(Named("NotifyDocumentEnd"));
-    expected.push_back(Named("NotifyJobEnd"));
-    EXPECT_EQ(client.calls, expected);
+    expected.push_back(Call("NotifyFontsFile", " 0 []"));
+    expected.push_back(Call("NotifyDocumentEnd"));
+    expected.push_back(Call("NotifyJobEnd"));
+    EXPECT_EQ(client_.calls, expected);
   }
 }
 
-const DEVMODEW* reference_settings = nullptr;
-HDC WINAPI WatchCreateDc(LPCWSTR, LPCWSTR printer, LPCWSTR, const DEVMODEW* settings) {
-  EXPECT_EQ(std::wstring(printer), host::kPrinterName);
-  reference_settings = settings;
-  return nullptr;
-}
-
-TEST_F(Job, PageFile_StandsDuringNotifyPageOnly) {
-  const test::ImportPatch watch("CreateDCW", WatchCreateDc);
-  client_.LeaveConnection(spool_job_->Id());
-  std::wstring page_file;
+TEST_F(Job, PageFile_ExistsDuringNotifyPageOnly) {
+  const DEVMODEW* reference = nullptr;
+  const WATCH(CreateDCW) watch([&](auto, LPCWSTR printer, auto, const DEVMODEW* settings) -> HDC {
+    EXPECT_EQ(std::wstring(printer), host::kPrinterName);
+    reference = settings;
+    return nullptr;  // the page is made nonetheless
+  });
+  Connect();
+  std::filesystem::path page_file;
   ENHMETAHEADER header = {};
-  client_.on_page_file = [&](const wchar_t* path) {
-    page_file = path;
-    const HENHMETAFILE metafile = GetEnhMetaFileW(path);
+  client_.on_call = [&](const Json& call) {
+    if (call["method"] != "NotifyPage") return;
+    page_file = PathOf(call["page_object"]);
+    const HENHMETAFILE metafile = GetEnhMetaFileW(page_file.c_str());
     EXPECT_NE(GetEnhMetaFileHeader(metafile, sizeof header, &header), 0u);
     DeleteEnhMetaFile(metafile);
   };
   CQloPrinter* job = Open();
   test::SetMargins(*job->device_settings, 0.5f, 0.25f);
   ASSERT_TRUE(StartPage(job));
-  EXPECT_EQ(reference_settings, &job->device_settings->pub);
+  EXPECT_EQ(reference, &job->device_settings->pub);
   POINT origin = {};
   GetViewportOrgEx(job->playback.page_dc, &origin);
   EXPECT_EQ(origin.x, 150);
@@ -159,7 +148,7 @@ TEST_F(Job, PageFile_StandsDuringNotifyPageOnly) {
   EXPECT_TRUE(SendPage(job));
   Close(job);
 
-  EXPECT_EQ(page_file.find(test::TempFolder() + L"\\VXP"), 0u);
+  EXPECT_TRUE(page_file.wstring().starts_with(test::TempFolder() + L"\\VXP"));
   EXPECT_FALSE(Exists(page_file));
   EXPECT_EQ(header.rclFrame.right, 21000);
   EXPECT_EQ(header.rclFrame.bottom, 29700);
@@ -167,49 +156,40 @@ TEST_F(Job, PageFile_StandsDuringNotifyPageOnly) {
   EXPECT_EQ(header.nDescription, 21u);
 }
 
-std::wstring made_folder;
-BOOL WINAPI WatchCreateDirectory(LPCWSTR path, SECURITY_ATTRIBUTES*) {
-  made_folder = path;
-  return TRUE;
-}
-
-TEST_F(Job, FontsFile_ReadableDuringTheCallAndGoneAfter) {
-  const test::ImportPatch watch("CreateDirectoryW", WatchCreateDirectory);
-  client_.LeaveConnection(spool_job_->Id());
-  std::wstring fonts_file;
-  LOGFONTW fonts[3] = {};
-  ULONG fonts_size = 0;
-  client_.on_fonts_file = [&](const wchar_t* path) {
-    fonts_file = path;
-    ComPtr<IStorage> storage;
-    ASSERT_EQ(StgOpenStorage(path, nullptr, STGM_READ | STGM_SHARE_EXCLUSIVE, nullptr, 0,
-                             storage.Receive()),
-              S_OK);
-    ComPtr<IStream> stream;
-    ASSERT_EQ(storage->OpenStream(L"FONTS OPTIONS", nullptr, STGM_READ | STGM_SHARE_EXCLUSIVE, 0,
-                                  stream.Receive()),
-              S_OK);
-    stream->Read(fonts, sizeof fonts, &fonts_size);
+TEST_F(Job, FontsFile_ReadDuringTheCallAndGoneAfter) {
+  std::wstring folder;
+  const WATCH(CreateDirectoryW)
+      watch([&folder](LPCWSTR path, auto) { return folder = path, TRUE; });
+  Connect();
+  std::filesystem::path fonts_file;
+  client_.on_call = [&](const Json& call) {
+    if (call["method"] == "NotifyFontsFile") fonts_file = PathOf(call);
   };
   CQloPrinter* job = Open();
-  EXPECT_EQ(made_folder, test::TempFolder() + L"\\QLOFNT500");
-  EXPECT_EQ(job->font_folder, made_folder);
+  EXPECT_EQ(folder, test::TempFolder() + L"\\QLOFNT500");
+  EXPECT_EQ(job->font_folder, folder);
   for (const LONG height : {-10, -20, -10}) {
     LOGFONTW font = {};
     font.lfHeight = height;
     lstrcpyW(font.lfFaceName, height == -20 ? L"Liberation Sans" : L"Liberation Mono");
     Send(job, records::REC_CREATEFONT, &font, sizeof font);
   }
+  client_.calls.clear();
   Close(job);
   EXPECT_EQ(fonts_file, test::TempFolder() + L"\\" + std::to_wstring(spool_job_->Id()) + L".fpt");
   EXPECT_FALSE(Exists(fonts_file));
-  EXPECT_EQ(fonts_size, 2 * sizeof(LOGFONTW));
-  EXPECT_STREQ(fonts[0].lfFaceName, L"Liberation Mono");
-  EXPECT_STREQ(fonts[1].lfFaceName, L"Liberation Sans");
+  EXPECT_EQ(client_.calls.front(),
+            Call("NotifyFontsFile",
+                 R"( 0 [{"face":"Liberation Mono","height":0,"weight":0,"italic":false},)"
+                 R"({"face":"Liberation Sans","height":0,"weight":0,"italic":false}])"));
 }
 
 TEST_F(Job, NoClient_FirstPageRefusedThenUnconnected) {
+  // A connection file that cannot be read counts as none, and goes.
+  const std::wstring path = test::ConnectionPath(spool_job_->Id());
+  KernelHandle(CreateFileW(path.c_str(), GENERIC_WRITE, 0, nullptr, CREATE_ALWAYS, 0, nullptr));
   CQloPrinter* job = Open();
+  EXPECT_FALSE(Exists(path));
   EXPECT_FALSE(StartPage(job));
   EXPECT_TRUE(StartPage(job));
   EXPECT_TRUE(SendPage(job));
@@ -220,137 +200,94 @@ TEST_F(Job, NoClient_FirstPageRefusedThenUnconnected) {
 
 TEST_F(Job, ClientAppearsAtAPage_ConnectedFromThere) {
   CQloPrinter* job = Open();
-  client_.LeaveConnection(spool_job_->Id(), true);
+  client_.LeaveConnection(spool_job_->Id(), /*in_session_folder=*/true);
   EXPECT_TRUE(StartPage(job));
   EXPECT_FALSE(Exists(test::ConnectionPath(spool_job_->Id(), true)));
   EXPECT_TRUE(SendPage(job));
   Close(job);
   ASSERT_FALSE(client_.calls.empty());
-  EXPECT_EQ(client_.calls.front(), Named("NotifyJobStart") + " A document");
-  EXPECT_EQ(client_.calls.back(), Named("NotifyJobEnd"));
+  EXPECT_EQ(client_.calls.front(), Call("NotifyJobStart", " A document"));
+  EXPECT_EQ(client_.calls.back(), Call("NotifyJobEnd"));
 }
 
 TEST_F(Job, ClientFailsEveryCall_PagesGoOn) {
-  client_.LeaveConnection(spool_job_->Id());
-  client_.answer = E_FAIL;
+  Connect(host::ClientFault::kFailing);
   CQloPrinter* job = Open();
   for (int page = 0; page < 2; ++page) {
     EXPECT_TRUE(StartPage(job));
     EXPECT_TRUE(SendPage(job));
   }
   Close(job);
-  const std::vector<std::string> expected = {Named("NotifyJobStart") + " A document",
-                                             "GetPageObject",
-                                             Named("NotifyPage") + " no page",
-                                             "GetPageObject",
-                                             Named("NotifyPage") + " no page",
-                                             Named("NotifyFontsFile") + " 0",
-                                             Named("NotifyDocumentEnd"),
-                                             Named("NotifyJobEnd")};
+  const std::vector<std::string> expected = {Call("NotifyJobStart", " A document"),
+                                             "GetPageObject 1",
+                                             Call("NotifyPage", " 0"),
+                                             "GetPageObject 1",
+                                             Call("NotifyPage", " 0"),
+                                             Call("NotifyFontsFile", " 0 []"),
+                                             Call("NotifyDocumentEnd"),
+                                             Call("NotifyJobEnd")};
   EXPECT_EQ(client_.calls, expected);
 }
 
-TEST_F(Job, ConnectionFileOfRubbish_DeletedAndUnconnected) {
-  const std::wstring path = test::ConnectionPath(spool_job_->Id());
-  {
-    const KernelHandle file(
-        CreateFileW(path.c_str(), GENERIC_WRITE, 0, nullptr, CREATE_ALWAYS, 0, nullptr));
-  }
-  CQloPrinter* job = Open();
-  EXPECT_FALSE(Exists(path));
-  EXPECT_NE(job->state & kClientNotConnected, 0u);
-  Close(job);
-}
-
-int message_boxes = 0;
-UINT message_box_style = 0;
-std::wstring message_box_caption;
-
-int WINAPI CountMessageBox(HWND, LPCWSTR, LPCWSTR caption, UINT style) {
-  ++message_boxes;
-  message_box_caption = caption;
-  message_box_style = style;
-  return IDOK;
-}
-
-int destroyed_arrays = 0;
-
-HRESULT WINAPI CountSafeArrayDestroy(SAFEARRAY* array) {
-  ++destroyed_arrays;
-  SafeArrayDestroyData(array);
-  return SafeArrayDestroyDescriptor(array);
-}
-
 TEST_F(Job, TextRuns_HandedOverByNameAndEmptied) {
-  const test::ImportPatch watch("MessageBoxW", CountMessageBox);
-  const test::ImportPatch count("SafeArrayDestroy", CountSafeArrayDestroy);
-  const struct {
-    bool known;
-    HRESULT answer;
-    int boxes;
-  } cases[] = {{false, S_OK, 0}, {true, S_OK, 0}, {true, E_FAIL, 1}};
-  for (const auto& c : cases) {
-    SCOPED_TRACE(testing::Message() << c.known << ", " << c.answer);
-    message_boxes = destroyed_arrays = 0;
-    client_.text_runs.clear();
-    client_.has_text_runs = c.known;
-    client_.text_runs_answer = c.answer;
-    client_.LeaveConnection(spool_job_->Id());
+  enum { kUnknown, kTaken, kRefused };
+  for (const int property : {kUnknown, kTaken, kRefused}) {
+    SCOPED_TRACE(property);
+    WATCH(MessageBoxW)
+    boxes([](auto, auto, LPCWSTR caption, UINT style) -> int {
+      EXPECT_STREQ(caption, L"Error");
+      EXPECT_EQ(style, static_cast<UINT>(MB_SETFOREGROUND));
+      return IDOK;
+    });
+    WATCH(SafeArrayDestroy) arrays([&](SAFEARRAY* array) { return arrays.CallOriginal(array); });
+    // The client's page objects take only arrays of one dimension.
+    const WATCH(SafeArrayGetDim) dimensions(property == kRefused ? 2u : 1u);
+    Connect(property == kUnknown ? host::ClientFault::kWithoutTextRuns : host::ClientFault::kNone);
     CQloPrinter* job = Open();
     for (int page = 0; page < 2; ++page) {
       ASSERT_TRUE(StartPage(job));
-      for (uint32_t glyphs = 1; page == 0 && glyphs <= 3; ++glyphs) {
-        records::TextRunPayload run = {};
-        run.glyph_count = glyphs * 10;
+      for (uint32_t glyphs = 10; page == 0 && glyphs <= 30; glyphs += 10) {
+        const records::TextRunPayload run = {
+            .reference = {}, .zero_1 = {}, .glyph_count = glyphs, .zero_2 = {}};
         Send(job, records::REC_TEXTRUN, &run, sizeof run);
       }
       EXPECT_TRUE(SendPage(job));
+      EXPECT_TRUE(
+          client_.calls.back().ends_with(page == 0 && property == kTaken ? " [10,20,30]" : " []"));
     }
     Close(job);
-    const std::vector<std::vector<int>> expected = {{10, 20, 30}, {}};
-    EXPECT_EQ(client_.text_runs, c.known ? expected : std::vector<std::vector<int>>());
-    EXPECT_EQ(destroyed_arrays, c.known ? 2 : 0);
-    EXPECT_EQ(message_boxes, c.boxes * 2);
-    if (c.boxes > 0) {
-      EXPECT_EQ(message_box_caption, L"Error");
-      EXPECT_EQ(message_box_style, static_cast<UINT>(MB_SETFOREGROUND));
-    }
+    EXPECT_EQ(arrays.calls.size(), property == kUnknown ? 0u : 2u);
+    EXPECT_EQ(boxes.calls.size(), property == kRefused ? 2u : 0u);
   }
 }
 
-UINT WINAPI NoTempFile(LPCWSTR, LPCWSTR, UINT, LPWSTR) { return 0; }
-HDC WINAPI NoMetafile(HDC, LPCWSTR, const RECT*, LPCWSTR) { return nullptr; }
-HENHMETAFILE WINAPI FailClosing(HDC dc) {
-  // What was selected is released while the metafile still records.
-  EXPECT_EQ(GetCurrentObject(dc, OBJ_PEN), GetStockObject(BLACK_PEN));
-  static const auto close = reinterpret_cast<decltype(&CloseEnhMetaFile)>(
-      reinterpret_cast<void*>(GetProcAddress(GetModuleHandleW(L"gdi32"), "CloseEnhMetaFile")));
-  DeleteEnhMetaFile(close(dc));
-  return nullptr;
-}
-
 TEST_F(Job, PageCannotBeMadeOrClosed_JobFailsAndLeavesNoFile) {
-  const struct {
-    test::ImportPatch (*fail)();
-    bool begun;
-  } cases[] = {
-      {[] { return test::ImportPatch("GetTempFileNameW", NoTempFile); }, false},
-      {[] { return test::ImportPatch("CreateEnhMetaFileW", NoMetafile); }, false},
-      {[] { return test::ImportPatch("CloseEnhMetaFile", FailClosing); }, true},
-  };
-  for (const auto& c : cases) {
-    SCOPED_TRACE(&c - cases);
-    client_.LeaveConnection(spool_job_->Id());
+  for (const int failure : {0, 1, 2}) {
+    SCOPED_TRACE(failure);
+    const bool begun = failure == 2;
+    Connect();
     CQloPrinter* job = Open();
     {
-      const test::ImportPatch failure = c.fail();
-      EXPECT_EQ(StartPage(job), c.begun);
+      std::optional<WATCH(GetTempFileNameW)> no_file;
+      std::optional<WATCH(CreateEnhMetaFileW)> no_metafile;
+      std::optional<WATCH(CloseEnhMetaFile)> no_closing;
+      if (failure == 0) no_file.emplace(0u);
+      if (failure == 1) no_metafile.emplace(nullptr);
+      if (failure == 2) {
+        no_closing.emplace([&](HDC dc) -> HENHMETAFILE {
+          // What was selected is released while the metafile still records.
+          EXPECT_EQ(GetCurrentObject(dc, OBJ_PEN), GetStockObject(BLACK_PEN));
+          DeleteEnhMetaFile(no_closing->CallOriginal(dc));
+          return nullptr;
+        });
+      }
+      EXPECT_EQ(StartPage(job), begun);
       const records::CreatePenPayload pen = {PS_SOLID, 3, 0, 0x123456};
-      if (c.begun) Send(job, records::REC_CREATEPEN, &pen, sizeof pen);
-      EXPECT_FALSE(c.begun && SendPage(job));
+      if (begun) Send(job, records::REC_CREATEPEN, &pen, sizeof pen);
+      EXPECT_FALSE(begun && SendPage(job));
     }
     EXPECT_NE(job->state & kJobFailed, 0u);
-    EXPECT_EQ(client_.calls.back(), Named("NotifyError") + " -295");
+    EXPECT_EQ(client_.calls.back(), Call("NotifyError", " -295"));
     EXPECT_EQ(LeftFiles(), files_before_);
     const size_t calls = client_.calls.size();
     EXPECT_FALSE(StartPage(job));
@@ -359,24 +296,14 @@ TEST_F(Job, PageCannotBeMadeOrClosed_JobFailsAndLeavesNoFile) {
   }
 }
 
-TEST_F(Job, PrinterGone_PageMadeAllTheSame) {
-  client_.LeaveConnection(spool_job_->Id());
-  CQloPrinter* job = Open();
-  job->printer = nullptr;
-  EXPECT_TRUE(StartPage(job));
-  EXPECT_TRUE(SendPage(job));
-  EXPECT_EQ(client_.calls.back().find(Named("NotifyPage")), 0u);
-  Close(job);
-}
-
 TEST_F(Job, PagesNeverSent_ClosedAndDroppedByTheNextAndAtTheEnd) {
-  client_.LeaveConnection(spool_job_->Id());
+  Connect();
   CQloPrinter* job = Open();
+  job->printer = nullptr;  // the display takes its place
   ASSERT_TRUE(StartPage(job));
   ASSERT_TRUE(StartPage(job));
   Close(job);
-  for (const std::string& call : client_.calls)
-    EXPECT_EQ(call.find("NotifyPage "), std::string::npos);
+  for (const std::string& call : client_.calls) EXPECT_FALSE(call.starts_with("NotifyPage "));
 }
 
 TEST_F(Job, PiecesOfARecord_PlayedOnceWhole) {
@@ -396,14 +323,11 @@ TEST_F(Job, PiecesOfARecord_PlayedOnceWhole) {
   // A record cut off by the end of its page is dropped; the next page's are not taken for its rest.
   WriteJob(job, header, sizeof header, nullptr);
   SendPage(job);
-  const records::Point next = {56, 78};
   Send(job, records::REC_ESCAPEMARK);
-  Send(job, records::REC_PAGEVALUE, &next, sizeof next);
+  SendPageValue(job, {56, 78});
   EXPECT_EQ(job->playback.page_value.x, 56);
   Close(job);
 }
-
-void* WINAPI NoGrowth(HANDLE, DWORD, void*, SIZE_T) { return nullptr; }
 
 TEST_F(Job, RecordTooLongForMemory_LosesNoOther) {
   CQloPrinter* job = Open();
@@ -412,7 +336,7 @@ TEST_F(Job, RecordTooLongForMemory_LosesNoOther) {
   for (const bool rest_comes : {true, false}) {
     WriteJob(job, header, sizeof header, nullptr);
     {
-      const test::ImportPatch no_memory("HeapReAlloc", NoGrowth);
+      const WATCH(HeapReAlloc) no_memory(nullptr);
       WriteJob(job, piece.data(), 5000, nullptr);
     }
     if (rest_comes) {
@@ -420,9 +344,8 @@ TEST_F(Job, RecordTooLongForMemory_LosesNoOther) {
     } else {
       SendPage(job);
     }
-    const records::Point offset = {12, rest_comes ? 34 : 56};
-    Send(job, records::REC_PAGEVALUE, &offset, sizeof offset);
-    EXPECT_EQ(job->playback.page_value.y, offset.y);
+    SendPageValue(job, {12, rest_comes ? 34 : 56});
+    EXPECT_EQ(job->playback.page_value.y, rest_comes ? 34 : 56);
   }
   Close(job);
 }
@@ -431,17 +354,14 @@ TEST_F(Job, End_SignalsTheEventAWaiterHolds) {
   const std::wstring name =
       L"Global\\VORNIXQUILLO5_JOB_END" + std::to_wstring(spool_job_->Id()) + L" version5";
   const KernelHandle waiter(CreateEventW(nullptr, TRUE, FALSE, name.c_str()));
-  const auto signalled = [&waiter] {
-    return WaitForSingleObject(waiter.Get(), 0) == WAIT_OBJECT_0;
+  Connect();
+  std::map<std::string, bool> signalled;  // during the calls
+  client_.on_call = [&](const Json& call) {
+    signalled[call["method"]] = WaitForSingleObject(waiter.Get(), 0) == WAIT_OBJECT_0;
   };
-  client_.LeaveConnection(spool_job_->Id());
-  bool ended = false;
-  client_.on_job_end = [&] { ended = signalled(); };  // before the client hears of the end
-  CQloPrinter* job = Open();
-  EndDocument(job);
-  EXPECT_FALSE(signalled());
-  SignalEndAndDestroy(job);
-  EXPECT_TRUE(ended);
+  Close(Open());
+  EXPECT_FALSE(signalled["NotifyDocumentEnd"]);
+  EXPECT_TRUE(signalled["NotifyJobEnd"]);
 }
 
 }  // namespace

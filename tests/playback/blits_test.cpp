@@ -9,7 +9,7 @@
 #include "playback/picture.h"
 #include "support/canvas.h"
 #include "support/holdings.h"
-#include "support/import_patch.h"
+#include "support/watch.h"
 
 // How records reach GDI; pictures on their way from hook to page are in round_trip_test.cpp.
 namespace quillo::test {
@@ -97,32 +97,6 @@ TEST(AlphaBlend, AlphaOfThePixels_Blended) {
   EXPECT_EQ(canvas.Pixel(2, 0), 0x00FF00u);
 }
 
-// What a stretch or blend asks GDI for.
-struct {
-  std::vector<int> numbers;  // destination and source as left, top, width, height; bitmap's size
-  DWORD rop;
-  COLORADJUSTMENT adjustment;
-} asked;
-
-BOOL WINAPI WatchStretchBlt(HDC, int x, int y, int width, int height, HDC source, int from_x,
-                            int from_y, int from_width, int from_height, DWORD rop) {
-  BITMAP bitmap = {};
-  GetObjectW(GetCurrentObject(source, OBJ_BITMAP), sizeof bitmap, &bitmap);
-  asked.numbers = {x,      y,          width,       height,         from_x,
-                   from_y, from_width, from_height, bitmap.bmWidth, bitmap.bmHeight};
-  asked.rop = rop;
-  return 7;
-}
-BOOL WINAPI WatchAlphaBlend(HDC dc, int x, int y, int width, int height, HDC source, int from_x,
-                            int from_y, int from_width, int from_height, BLENDFUNCTION) {
-  return WatchStretchBlt(dc, x, y, width, height, source, from_x, from_y, from_width, from_height,
-                         0);
-}
-BOOL WINAPI WatchAdjustment(HDC, const COLORADJUSTMENT* adjustment) {
-  asked.adjustment = *adjustment;
-  return TRUE;
-}
-
 TEST(Blits, SourceAboveTheLimits_ReducedWithItsRectangle) {
   const struct {
     int32_t width, height;
@@ -135,8 +109,18 @@ TEST(Blits, SourceAboveTheLimits_ReducedWithItsRectangle) {
       {5000, 3000, {0, 0, 5000, 3000}, {10, 20, 5, 3, 0, 0, 2000, 1200, 2000, 1200}},
       {2000, 2000, {1, 2, 1001, 1002}, {10, 20, 5, 3, 1, 2, 1000, 1000, 2000, 2000}},
   };
-  const ImportPatch stretch("StretchBlt", WatchStretchBlt);
-  const ImportPatch blend("AlphaBlend", WatchAlphaBlend);
+  // Destination and source as left, top, width, height; the bitmap's size.
+  std::vector<int> asked;
+  const auto note = [&asked](auto, int x, int y, int width, int height, HDC source, int from_x,
+                             int from_y, int from_width, int from_height, auto) {
+    BITMAP bitmap = {};
+    GetObjectW(GetCurrentObject(source, OBJ_BITMAP), sizeof bitmap, &bitmap);
+    asked = {x,      y,          width,       height,         from_x,
+             from_y, from_width, from_height, bitmap.bmWidth, bitmap.bmHeight};
+    return 7;
+  };
+  const WATCH(StretchBlt) stretch(note);
+  const WATCH(AlphaBlend) blend(note);
   for (const auto& c : kCases) {
     const Payload dib = Picture{.bit_count = 1, .width = c.width, .height = c.height}.Packed();
     Page page;
@@ -144,26 +128,28 @@ TEST(Blits, SourceAboveTheLimits_ReducedWithItsRectangle) {
     for (const auto& [type, record] :
          {std::pair{REC_STRETCHBLT, PayloadOf(kAt, c.from, 0u, Payload(24), 4u, 68u, dib)},
           {REC_ALPHABLEND, PayloadOf(kAt, c.from, 0x01FF0000u, 40u, dib)}}) {
-      asked = {};
+      asked.clear();
       EXPECT_EQ(page.Play(type, record), 7);
-      EXPECT_EQ(asked.numbers, c.expected);
+      EXPECT_EQ(asked, c.expected);
     }
   }
 }
 
 TEST(StretchBlt, AdjustmentModeAndOperation) {
-  const ImportPatch adjust("SetColorAdjustment", WatchAdjustment);
-  const ImportPatch stretch("StretchBlt", WatchStretchBlt);
-  COLORADJUSTMENT adjustment = {};
-  adjustment.caContrast = 33;
   for (const uint32_t flag : {0u, 1u, 2u, 3u}) {
-    asked = {};
+    const WATCH(StretchBlt) stretch(TRUE);
+    const WATCH(SetColorAdjustment) adjust([](auto, const COLORADJUSTMENT* adjustment) {
+      EXPECT_EQ(adjustment->caContrast, 33);
+      return TRUE;
+    });
+    COLORADJUSTMENT adjustment = {};
+    adjustment.caContrast = 33;
     Page page;
     page.Play(REC_STRETCHBLT,
               PayloadOf(kAt, kWhole, flag, adjustment, uint32_t{HALFTONE}, 68u, kPicture));
-    EXPECT_EQ(asked.adjustment.caContrast, (flag & 1) != 0 ? 33 : 0);
+    EXPECT_EQ(adjust.calls.size(), flag & 1);
     EXPECT_EQ(GetStretchBltMode(page.context.page_dc), HALFTONE);
-    EXPECT_EQ(asked.rop, static_cast<DWORD>(SRCCOPY));
+    EXPECT_EQ(std::get<DWORD>(stretch.calls.at(0)), static_cast<DWORD>(SRCCOPY));
   }
 }
 
@@ -176,34 +162,6 @@ BOOL WINAPI FakeGetPrinter(HANDLE printer, DWORD level, BYTE* info, DWORD size, 
   *reinterpret_cast<PRINTER_INFO_4W*>(info) = {name, nullptr, 0};
   return TRUE;
 }
-const DEVMODEW* asked_settings;
-HDC WINAPI FakeCreateDc(const WCHAR* driver, const WCHAR* device, const WCHAR*,
-                        const DEVMODEW* settings) {
-  EXPECT_EQ(driver, nullptr);
-  EXPECT_STREQ(device, L"A printer");
-  asked_settings = settings;
-  return CreateCompatibleDC(nullptr);
-}
-HDC WINAPI NoDc(const WCHAR*, const WCHAR*, const WCHAR*, const DEVMODEW*) { return nullptr; }
-
-struct {
-  std::vector<DWORD> colours_and_bits;
-  std::vector<int> origins;  // of the source and of the mask
-  DWORD rop4;
-} asked_mask;
-HBITMAP WINAPI WatchCreateDIBitmap(HDC, const BITMAPINFOHEADER*, DWORD, const void* bits,
-                                   const BITMAPINFO* info, UINT) {
-  const auto* colours = reinterpret_cast<const DWORD*>(info->bmiColors);
-  asked_mask.colours_and_bits = {colours[0], colours[1], *static_cast<const DWORD*>(bits)};
-  return CreateBitmap(8, 1, 1, 1, nullptr);
-}
-BOOL WINAPI WatchMaskBlt(HDC, int, int, int, int, HDC, int from_x, int from_y, HBITMAP, int x,
-                         int y, DWORD rop4) {
-  asked_mask.origins = {from_x, from_y, x, y};
-  asked_mask.rop4 = rop4;
-  return TRUE;
-}
-
 Payload MaskBltRecord(const Payload& source, const Payload& mask) {
   const auto mask_offset = static_cast<uint32_t>(44 + source.size());
   return PayloadOf(kAt, 1, 2, 3, 4, 0xAACC1234u, mask_offset, 44u, source, mask);
@@ -216,24 +174,36 @@ TEST(MaskBlt, BlackAndWhiteMask_MadeOnThePrinter) {
   Page page;
   EXPECT_EQ(page.Play(REC_MASKBLT, MaskBltRecord(kPicture, mask)), 0);  // no printer
 
-  const ImportPatch printer("GetPrinterW", FakeGetPrinter);
+  const WATCH(GetPrinterW) printer(FakeGetPrinter);
   page.context.job.printer = kPrinter;
   {
-    const ImportPatch dc("CreateDCW", NoDc);
+    const WATCH(CreateDCW) dc(nullptr);
     EXPECT_EQ(page.Play(REC_MASKBLT, MaskBltRecord(kPicture, mask)), 0);
   }
-  const ImportPatch dc("CreateDCW", FakeCreateDc);
+  const WATCH(CreateDCW) dc([](auto, const WCHAR* device, auto, auto) {
+    EXPECT_STREQ(device, L"A printer");
+    return CreateCompatibleDC(nullptr);
+  });
   EXPECT_EQ(page.Play(REC_MASKBLT, MaskBltRecord(zeros, mask)), 0);
   EXPECT_EQ(page.Play(REC_MASKBLT, MaskBltRecord(kPicture, zeros)), 0);
   EXPECT_EQ(page.Play(REC_MASKBLT, MaskBltRecord(kPicture, kPicture)), 0);  // no mask
 
-  const ImportPatch create("CreateDIBitmap", WatchCreateDIBitmap);
-  const ImportPatch mask_blt("MaskBlt", WatchMaskBlt);
+  const WATCH(CreateDIBitmap)
+      create([](auto, auto, auto, const void* bits, const BITMAPINFO* info, auto) {
+        const auto* colours = reinterpret_cast<const DWORD*>(info->bmiColors);
+        EXPECT_EQ(colours[0], 0u);
+        EXPECT_EQ(colours[1], 0xFFFFFFFFu);
+        EXPECT_EQ(*static_cast<const DWORD*>(bits), 0xA5u);
+        return CreateBitmap(8, 1, 1, 1, nullptr);
+      });
+  const WATCH(MaskBlt) mask_blt(TRUE);
   EXPECT_EQ(page.Play(REC_MASKBLT, MaskBltRecord(kPicture, mask)), 1);
-  EXPECT_EQ(asked_settings, &page.settings.pub);
-  EXPECT_EQ(asked_mask.colours_and_bits, (std::vector<DWORD>{0, 0xFFFFFFFF, 0xA5}));
-  EXPECT_EQ(asked_mask.origins, (std::vector<int>{1, 2, 3, 4}));
-  EXPECT_EQ(asked_mask.rop4, 0xAACC1234u);
+  EXPECT_EQ(std::get<const DEVMODEW*>(dc.calls.back()), &page.settings.pub);
+  const auto& [to, x, y, width, height, from, from_x, from_y, bitmap, mask_x, mask_y, rop4] =
+      mask_blt.calls.at(0);
+  EXPECT_EQ((std::vector{x, y, width, height, from_x, from_y, mask_x, mask_y}),
+            (std::vector{10, 20, 5, 3, 1, 2, 3, 4}));
+  EXPECT_EQ(rop4, 0xAACC1234u);
   EXPECT_TRUE(page.Records().empty());
 }
 

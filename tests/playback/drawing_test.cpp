@@ -2,7 +2,7 @@
 
 #include "capture/records/types.h"
 #include "playback/page.h"
-#include "support/import_patch.h"
+#include "support/watch.h"
 
 namespace quillo::test {
 namespace {
@@ -82,34 +82,21 @@ TEST(Drawing, Points_AtAnyAddressButNoMoreThanThereAre) {
 }
 
 // Calls that this Wine's metafiles do not record, or whose null arguments do not show there.
-struct {
-  FLOAT miter_limit;
-  POINT brush_origin;
-  HBRUSH fill_brush;
-} asked;
-
-BOOL WINAPI WatchMiterLimit(HDC, FLOAT limit, FLOAT*) { return asked.miter_limit = limit, TRUE; }
-BOOL WINAPI WatchBrushOrigin(HDC, int x, int y, POINT*) {
-  return asked.brush_origin = {x, y}, TRUE;
-}
-int WINAPI WatchFillRect(HDC, const RECT*, HBRUSH brush) { return asked.fill_brush = brush, 0; }
-
 TEST(Drawing, UnrecordedState_CallsMade) {
-  const ImportPatch miter("SetMiterLimit", WatchMiterLimit);
-  const ImportPatch origin("SetBrushOrgEx", WatchBrushOrigin);
-  const ImportPatch fill("FillRect", WatchFillRect);
-  asked = {0, {}, reinterpret_cast<HBRUSH>(1)};
+  const WATCH(SetMiterLimit) miter(TRUE);
+  const WATCH(SetBrushOrgEx) origin(TRUE);
+  const WATCH(FillRect) fill(0);
   Page page;
+  const HDC dc = page.context.page_dc;
   EXPECT_EQ(page.Play(REC_SETMITERLIMIT, PayloadOf(2.5f)), 1);
   EXPECT_EQ(page.Play(REC_SETBRUSHORG, PayloadOf(-7, 8)), 1);
   EXPECT_EQ(page.Play(REC_FILLRECT, PayloadOf(0, 0, 1, 1)), 1);
-  EXPECT_EQ(asked.miter_limit, 2.5f);
-  EXPECT_EQ(asked.brush_origin.x, -7);
-  EXPECT_EQ(asked.brush_origin.y, 8);
-  EXPECT_EQ(asked.fill_brush, nullptr);
   page.Play(REC_CREATEBRUSH, PayloadOf(0u, 0x0000FFu, 0u, 0u, 0u, uint8_t{0}));
   page.Play(REC_FILLRECT, PayloadOf(0, 0, 1, 1));
-  EXPECT_EQ(asked.fill_brush, page.context.current_brush);
+  EXPECT_EQ(miter.calls.at(0), std::make_tuple(dc, 2.5f, nullptr));
+  EXPECT_EQ(origin.calls.at(0), std::make_tuple(dc, -7, 8, nullptr));
+  EXPECT_EQ(std::get<HBRUSH>(fill.calls.at(0)), nullptr);
+  EXPECT_EQ(std::get<HBRUSH>(fill.calls.at(1)), page.context.current_brush);
 }
 
 // When this fails, metafiles have learnt to keep these, and the watching above can go.

@@ -8,8 +8,8 @@
 #include "capture/records/types.h"
 #include "playback/page.h"
 #include "support/holdings.h"
-#include "support/import_patch.h"
 #include "support/renamed_font.h"
+#include "support/watch.h"
 
 namespace quillo::test {
 namespace {
@@ -110,29 +110,27 @@ TEST_F(FontEmbeddingTest, FaceName_MustMarkATemporaryFontAndNameAFile) {
 
 TEST_F(FontEmbeddingTest, AnyStepThatFails_LeavesNoFileAndNoObject) {
   const uintptr_t before = LiveGdiObjects();
-  static int calls;
-  const auto fails_with = [&](const char* function, auto* stand_in) {
-    const ImportPatch patch(function, stand_in);
-    calls = 0;
-    EXPECT_FALSE(EmbedFont(page_.context, FontNamed(L"Abc.TMP"))) << function;
-    EXPECT_TRUE(announced_.empty() && std::filesystem::is_empty(folder_)) << function;
+  const auto embed = [this](const char* failing) {
+    EXPECT_FALSE(EmbedFont(page_.context, FontNamed(L"Abc.TMP"))) << failing;
+    EXPECT_TRUE(announced_.empty() && std::filesystem::is_empty(folder_)) << failing;
   };
-  using FontData = DWORD WINAPI(HDC, DWORD, DWORD, void*, DWORD);
-  fails_with(
-      "GetDC", +[](HWND) WINAPI -> HDC { return nullptr; });
-  fails_with(
-      "CreateFontIndirectW", +[](const LOGFONTW*) WINAPI -> HFONT { return nullptr; });
-  fails_with(
-      "SelectObject", +[](HDC, HGDIOBJ) WINAPI -> HGDIOBJ { return nullptr; });
-  fails_with("GetFontData", static_cast<FontData*>([](auto...) -> DWORD { return 0; }));
-  fails_with("GetFontData", static_cast<FontData*>([](auto...) -> DWORD { return GDI_ERROR; }));
-  fails_with(
-      "GetFontData", +[](HDC, DWORD, DWORD, void*, DWORD) WINAPI -> DWORD {
-        return calls++ == 0 ? 100 : GDI_ERROR;  // the size is known, the content cannot be had
-      });
-  fails_with("WriteFile", static_cast<decltype(&WriteFile)>([](auto...) { return FALSE; }));
-  fails_with("CreateFileW", static_cast<decltype(&CreateFileW)>(
-                                [](auto...) -> HANDLE { return INVALID_HANDLE_VALUE; }));
+#define FAIL_WITH(function, answer)      \
+  do {                                   \
+    const WATCH(function) watch(answer); \
+    embed(#function);                    \
+  } while (false)
+  FAIL_WITH(GetDC, nullptr);
+  FAIL_WITH(CreateFontIndirectW, nullptr);
+  FAIL_WITH(SelectObject, nullptr);
+  FAIL_WITH(GetFontData, 0u);
+  FAIL_WITH(GetFontData, GDI_ERROR);
+  // The size is known, the content cannot be read.
+  FAIL_WITH(GetFontData, ([](auto, auto, auto, void* out, auto) -> DWORD {
+              return out == nullptr ? 100 : GDI_ERROR;
+            }));
+  FAIL_WITH(WriteFile, FALSE);
+  FAIL_WITH(CreateFileW, INVALID_HANDLE_VALUE);
+#undef FAIL_WITH
   EXPECT_LE(LiveGdiObjects(), before);  // the system may let go of a DC of its own
 }
 

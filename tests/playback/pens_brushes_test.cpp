@@ -5,7 +5,7 @@
 #include "playback/picture.h"
 #include "support/canvas.h"
 #include "support/holdings.h"
-#include "support/import_patch.h"
+#include "support/watch.h"
 
 namespace quillo::test {
 namespace {
@@ -64,9 +64,6 @@ TEST(PensAndBrushes, EachKind_SelectedReplacedAndDeleted) {
   }
 }
 
-HPEN WINAPI NoPen(const LOGPEN*) { return nullptr; }
-HBRUSH WINAPI NoBrush(const LOGBRUSH*) { return nullptr; }
-
 // What playback asks GDI for: this Wine's metafiles drop a pen's brush and dashes.
 struct {
   DWORD style;
@@ -76,8 +73,7 @@ struct {
   std::vector<DWORD> entries;
 } asked;
 
-HPEN WINAPI WatchExtCreatePen(DWORD style, DWORD width, const LOGBRUSH* brush, DWORD count,
-                              const DWORD* entries) {
+HPEN NotePen(DWORD style, DWORD width, const LOGBRUSH* brush, DWORD count, const DWORD* entries) {
   asked = {style, width, *brush, count, {}};
   if (entries != nullptr) asked.entries.assign(entries, entries + count);
   return nullptr;
@@ -87,9 +83,9 @@ TEST(PensAndBrushes, FailedCreation_OldObjectGoneAndNoneCurrent) {
   Page page;
   for (const ObjectCase& c : kObjectCases) {
     for (const ObjectCase& old : kObjectCases) page.Play(old.type, old.payload);
-    const ImportPatch pen("CreatePenIndirect", NoPen);
-    const ImportPatch extended_pen("ExtCreatePen", WatchExtCreatePen);
-    const ImportPatch brush("CreateBrushIndirect", NoBrush);
+    const WATCH(CreatePenIndirect) pen(nullptr);
+    const WATCH(ExtCreatePen) extended_pen(nullptr);
+    const WATCH(CreateBrushIndirect) brush(nullptr);
     EXPECT_EQ(page.Play(c.type, c.payload), 1);
     const bool is_brush = c.type == REC_CREATEBRUSH;
     EXPECT_EQ(page.context.current_pen == nullptr, !is_brush);
@@ -100,7 +96,7 @@ TEST(PensAndBrushes, FailedCreation_OldObjectGoneAndNoneCurrent) {
 }
 
 TEST(ExtendedPen, StyleEntries_PassedOnWhereThereAreSoMany) {
-  const ImportPatch patch("ExtCreatePen", WatchExtCreatePen);
+  const WATCH(ExtCreatePen) watch(NotePen);
   Page page(/*heap_limit=*/0x10000);
   constexpr uint32_t kStyle = PS_GEOMETRIC | PS_USERSTYLE | PS_ENDCAP_FLAT;
   page.Play(REC_EXTCREATEPEN, PayloadOf(kStyle, 4u, 2u, kEntries, 0u));
@@ -132,7 +128,7 @@ TEST(PenBrush, EachPen_BrushForGdiAndInvertedRestore) {
       {PS_GEOMETRIC, 1, BS_SOLID, BS_SOLID},
       {PS_COSMETIC | PS_ALTERNATE, 5, BS_SOLID, BS_SOLID},
   };
-  const ImportPatch patch("ExtCreatePen", WatchExtCreatePen);
+  const WATCH(ExtCreatePen) watch(NotePen);
   for (const auto& c : kCases) {
     SCOPED_TRACE(c.style);
     Page page;
@@ -146,7 +142,7 @@ TEST(PenBrush, EachPen_BrushForGdiAndInvertedRestore) {
 }
 
 TEST(PenBrush, PendingForEver) {
-  const ImportPatch patch("ExtCreatePen", WatchExtCreatePen);
+  const WATCH(ExtCreatePen) watch(NotePen);
   Page page;
   page.Play(REC_CREATEBRUSH, kHatchedPenBrush);
   EXPECT_EQ(page.context.current_brush, nullptr);

@@ -4,6 +4,7 @@
 
 #include "capture/records/types.h"
 #include "playback/page.h"
+#include "support/watch.h"
 
 namespace quillo::test {
 namespace {
@@ -33,26 +34,32 @@ Payload TextPayload(const std::wstring& text, UINT options = 0) {
   return TextPayload(text, options, static_cast<uint32_t>(text.size()));
 }
 
-/// Records without what Wine leaves unwritten: the names behind the LOGFONTW of a created font.
-EmfRecords Comparable(EmfRecords records) {
-  for (auto& record : records) {
-    if (record[0] == EMR_EXTCREATEFONTINDIRECTW) record.resize(3 + sizeof(LOGFONTW) / 4);
-  }
-  return records;
-}
+struct TextCall {
+  HDC dc;
+  std::vector<LONG> place;  // reference point and rectangle
+  UINT options;
+  std::wstring text;
+  bool operator==(const TextCall&) const = default;
+};
 
-EmfRecords RecordsOf(Page& page) { return Comparable(page.Records()); }
+/// Notes what text playback asks GDI for.
+class TextWatch {
+ public:
+  std::vector<TextCall> calls;
 
-/// What a page records that draws `text` in `font`, and `more` before it.
-EmfRecords Drawn(
-    const LOGFONTW& font, const std::wstring& text, UINT options,
-    const std::function<void(HDC)>& more = [](HDC) {}) {
-  return Comparable(RecordDirect([&](HDC dc) {
-    const Font created(CreateFontIndirectW(&font));
-    const SelectScope selected(dc, created.Get());
-    more(dc);
-    ExtTextOutW(dc, 10, 20, options, &kRect, text.data(), static_cast<UINT>(text.size()), nullptr);
-  }));
+ private:
+  WATCH(ExtTextOutW)
+  watch_{[this](HDC dc, int x, int y, UINT options, const RECT* r, const wchar_t* text, UINT count,
+                const INT* spacing) {
+    EXPECT_EQ(spacing, nullptr);
+    calls.push_back(
+        {dc, {x, y, r->left, r->top, r->right, r->bottom}, options, std::wstring(text, count)});
+    return TRUE;
+  }};
+};
+
+TextCall CallOf(const Page& page, const std::wstring& text) {
+  return {page.context.page_dc, {10, 20, 1, 2, 300, 400}, ETO_OPAQUE, text};
 }
 
 TEST(PlayText, FontAndState_EqualTheGdiCalls) {
@@ -60,26 +67,31 @@ TEST(PlayText, FontAndState_EqualTheGdiCalls) {
   font.lfWidth = 700;
   font.lfItalic = 1;
   font.lfStrikeOut = 16;
+  TextWatch watch;
   Page page;
-  PlayFont(page, L"Liberation Mono");  // gives way to the next one
-  page.Play(REC_CREATEFONT, PayloadOf(font));
-  page.Play(REC_SETTEXTALIGN, Payload(1, std::byte{30}));  // missing bytes are zero
-  page.Play(REC_SETTEXTCOLOR, PayloadOf(uint32_t{0x123456}));
-  EXPECT_EQ(page.Play(REC_EXTTEXTOUT, TextPayload(L"Some text", ETO_OPAQUE)), 1);
-
-  EmfRecords expected = RecordDirect([](HDC dc) {
-    const LOGFONTW first = FontNamed(L"Liberation Mono", -100);
-    const Font created(CreateFontIndirectW(&first));
-    const SelectScope selected(dc, created.Get());
-  });
+  const HDC dc = page.context.page_dc;
+  PlayFont(page, L"Liberation Mono");  // the next one replaces it
+  const HGDIOBJ replaced = page.context.current_font;
+  const HGDIOBJ previous = page.context.previous_font;
+  {
+    WATCH(DeleteObject) deleted([&](HGDIOBJ object) { return deleted.CallOriginal(object); });
+    page.Play(REC_CREATEFONT, PayloadOf(font));
+    EXPECT_EQ(deleted.calls.at(0), std::tuple(replaced));
+  }
+  EXPECT_EQ(page.context.previous_font, previous);
+  EXPECT_EQ(GetCurrentObject(dc, OBJ_FONT), page.context.current_font);
+  LOGFONTW created = {};
+  GetObjectW(page.context.current_font, sizeof created, &created);
   font.lfHeight = -2048;
   font.lfWidth = 0;
-  const EmfRecords rest = Drawn(font, L"Some text", ETO_OPAQUE, [](HDC dc) {
-    SetTextAlign(dc, 30);
-    SetTextColor(dc, 0x123456);
-  });
-  expected.insert(expected.end(), rest.begin(), rest.end());
-  EXPECT_EQ(RecordsOf(page), Comparable(expected));
+  EXPECT_EQ(PayloadOf(created), PayloadOf(font));
+
+  page.Play(REC_SETTEXTALIGN, Payload(1, std::byte{30}));  // missing bytes are zero
+  page.Play(REC_SETTEXTCOLOR, PayloadOf(uint32_t{0x123456}));
+  EXPECT_EQ(GetTextAlign(dc), 30u);
+  EXPECT_EQ(GetTextColor(dc), 0x123456u);
+  EXPECT_EQ(page.Play(REC_EXTTEXTOUT, TextPayload(L"Some text", ETO_OPAQUE)), 1);
+  EXPECT_EQ(watch.calls, std::vector{CallOf(page, L"Some text")});
 }
 
 TEST(PlayText, GlyphIndexes_GoOutAsCharacters) {
@@ -94,18 +106,19 @@ TEST(PlayText, GlyphIndexes_GoOutAsCharacters) {
       {L"DejaVu Sans", L",PSRUWV", std::wstring(7, L'\0')},
   };
   for (const auto& c : cases) {
+    TextWatch watch;
     Page page;
     PlayFont(page, c.face);
-    // Records stand at any address.
+    // Records begin at any address.
     Payload bytes = TextPayload(c.glyphs, ETO_GLYPH_INDEX | ETO_OPAQUE);
     bytes.insert(bytes.begin(), std::byte{});
     EXPECT_EQ(DispatchRecord(page.context, REC_EXTTEXTOUT, Bytes(bytes).subspan(1)), 1);
-    EXPECT_EQ(RecordsOf(page), Drawn(FontNamed(c.face, -100), c.text, ETO_OPAQUE)) << &c - cases;
+    EXPECT_EQ(watch.calls, std::vector{CallOf(page, c.text)}) << &c - cases;
   }
   Page scarce(/*heap_limit=*/64 * 1024);
   EXPECT_EQ(scarce.Play(REC_EXTTEXTOUT, TextPayload(std::wstring(100'000, L'$'), ETO_GLYPH_INDEX)),
             1);
-  EXPECT_TRUE(RecordsOf(scarce).empty());
+  EXPECT_TRUE(scarce.Records().empty());
 }
 
 TEST(PlayText, CountBeyondThePayload_IsIgnored) {
@@ -117,7 +130,7 @@ TEST(PlayText, CountBeyondThePayload_IsIgnored) {
   for (const uint32_t count : {5u, 0x80000000u, 0xFFFFFFFFu}) {
     EXPECT_EQ(page.Play(REC_EXTTEXTOUT, TextPayload(L"abc", ETO_GLYPH_INDEX, count)), 0) << count;
   }
-  EXPECT_TRUE(RecordsOf(page).empty());
+  EXPECT_TRUE(page.Records().empty());
 }
 
 TEST(PlayText, NonAscii_IsSeenInCharactersAndStays) {

@@ -11,6 +11,7 @@
 #include "host/printer/spool_job.h"
 #include "support/built_file.h"
 #include "support/holdings.h"
+#include "support/line.h"
 #include "support/recording_client.h"
 
 // Whole documents through the shipped driver: the engine of the print host on one side, a client on
@@ -34,6 +35,7 @@ class Document : public testing::Test {
   }
   void TearDown() override {
     driver_.reset();
+    EXPECT_EQ(client_.CountLeaks(), 0);
     CoUninitialize();
   }
 
@@ -86,9 +88,11 @@ TEST_F(Document, TwoHundredPages_HoldNoMoreThanTwo) {
 TEST_F(Document, DocumentAfterDocument_EachItsOwnJobAndNoneBetween) {
   const auto session = Start();
   const host::SpoolJob second(host::kPrinterName, L"Another");
-  client_.LeaveConnection(second.Id());
   for (const DWORD id : {spool_job_->Id(), second.Id()}) {
-    if (id == second.Id()) session->StartDocument(L"Another", id);
+    if (id == second.Id()) {
+      client_.LeaveConnection(id);
+      session->StartDocument(L"Another", id);
+    }
     client_.calls.clear();
     for (int page = 0; page < 2; ++page) {
       session->StartPage(mode_.pub);
@@ -96,10 +100,10 @@ TEST_F(Document, DocumentAfterDocument_EachItsOwnJobAndNoneBetween) {
     }
     session->EndDocument();
     const auto delivered = std::ranges::count_if(client_.calls, [id](const std::string& call) {
-      return call.starts_with(test::Line("NotifyPage VORNIX Quillo 6/", id));
+      return call.starts_with(test::Line("NotifyPage VORNIX Quillo 6 ", id, ' '));
     });
     EXPECT_EQ(delivered, 2);
-    EXPECT_EQ(client_.calls.back(), test::Line("NotifyJobEnd VORNIX Quillo 6/", id));
+    EXPECT_EQ(client_.calls.back(), test::Line("NotifyJobEnd VORNIX Quillo 6 ", id));
 
     client_.calls.clear();
     SURFOBJ* surface = session->Device().Surface();

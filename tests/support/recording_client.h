@@ -3,45 +3,41 @@
 #include "base/windows.h"
 
 #include <functional>
+#include <nlohmann/json.hpp>
 #include <string>
 #include <vector>
 
-#include "support/line.h"
+#include "base/com_owners.h"
+#include "host/client/client_fault.h"
+#include "interface/quillo.h"
 
 namespace quillo::test {
 
-/// A client application inside the test's own process: notes every call that a job makes as one
-/// line, and answers as it is told.
+/// The print host's client inside the test's own process, where it copies nothing.
 class RecordingClient {
  public:
-  RecordingClient();
-  ~RecordingClient();
-  RecordingClient(const RecordingClient&) = delete;
-  RecordingClient& operator=(const RecordingClient&) = delete;
+  /// Leaves the connection file of a job in the user's TEMP folder, for a new client object.
+  /// `in_session_folder`: in the folder of the user's session.
+  void LeaveConnection(DWORD job_id, bool in_session_folder = false,
+                       host::ClientFault fault = host::ClientFault::kNone);
 
-  /// Leaves the connection file of a job in the user's TEMP folder. `in_session_folder`: in the
-  /// folder of the user's session.
-  void LeaveConnection(DWORD job_id, bool in_session_folder = false);
-
+  /// The calls one a line: the method and its arguments but for paths. A page's description follows
+  /// its NotifyPage: kind, width, height, mode, dpi across and down, text runs.
   std::vector<std::string> calls;
-  HRESULT answer = S_OK;            // of every call
-  bool has_text_runs = false;       // whether pages know the property
-  HRESULT text_runs_answer = S_OK;  // of putting it
-  std::vector<std::vector<int>> text_runs;
-  std::function<void(const wchar_t* path)> on_fonts_file;
-  std::function<void(const wchar_t* path)> on_page_file;  // during NotifyPage
-  std::function<void()> on_job_end;
-  std::function<HRESULT(const wchar_t* path)> on_embedded_font;
+  std::function<void(const nlohmann::ordered_json& call)> on_call;  // during the call
 
-  /// COM objects of this client that are still referenced, the client's own aside.
-  [[nodiscard]] int LivingPages() const { return living_pages_; }
+  /// Releases its objects; the number of those that somebody else still holds. (LeaveConnection
+  /// does so for the connection before.)
+  int CountLeaks();
 
  private:
   class Client;
-  class Page;
 
-  Client* client_;
-  int living_pages_ = 0;
+  void Note(const nlohmann::ordered_json& call);
+
+  ComPtr<IQuilloClient> client_;  // of the last connection
+  ComPtr<IQuilloPage> page_;      // that it handed out last
+  int leaks_ = 0;
 };
 
 /// Where a job's connection file lies.
