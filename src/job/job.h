@@ -16,7 +16,7 @@ inline constexpr uint32_t kJobSignature = 0x44525347;  // the bytes "GSRD"
 
 enum JobState : uint32_t {
   kJobValid = 0x1,
-  kDocumentEnded = 0x2,
+  kDocumentEnded = 0x2,  // for whoever debugs a job: nothing reads it
   kPageFilePending = 0x8,
   kClientNotConnected = 0x10,
   kJobFailed = 0x10000000,  // no further page begins
@@ -45,7 +45,7 @@ struct CQloPrinter {
   HANDLE printer;
   uint32_t job_id;
   uint32_t state = kJobValid;  // JobState
-  uint32_t record_count = 0;   // writes into the sink
+  uint32_t record_count = 0;   // writes into the sink; this and the next two are for debugging
   uint32_t pages_started = 0;
   uint32_t pages_sent = 0;
   DeviceMode* device_settings = nullptr;  // on the private heap; overwritten by each REC_DEVMODE
