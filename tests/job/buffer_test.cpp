@@ -1,6 +1,7 @@
 #include "job/buffer.h"
 
 #include <cstring>
+#include <filesystem>
 #include <gtest/gtest.h>
 #include <vector>
 
@@ -11,49 +12,40 @@ class Buffer : public testing::Test {
  protected:
   ~Buffer() override { HeapDestroy(heap_); }
 
-  static std::vector<std::byte> Counting(size_t size) {
-    std::vector<std::byte> bytes(size);
-    for (size_t i = 0; i < size; ++i) bytes[i] = static_cast<std::byte>(i * 7);
-    return bytes;
-  }
-
   // A heap of fixed size, so that a growth can fail.
   HANDLE heap_ = HeapCreate(0, 0x10000, 0x40000);
+  const std::vector<char> bytes_ = [] {
+    std::vector<char> bytes(3000);
+    for (size_t i = 0; i < bytes.size(); ++i) bytes[i] = static_cast<char>(i * 7);
+    return bytes;
+  }();
 };
 
 TEST_F(Buffer, Growth_DoublesItsStep) {
+  // Steps of 2048, 4096 (less than the old capacity and the new bytes) and 8192.
+  const struct {
+    uint32_t size, capacity;
+  } appends[] = {{10, 2048}, {2038, 2048}, {3000, 5048}, {1, 8192}};
   CBuffer buffer(heap_);
-  EXPECT_EQ(buffer.Append("0123456789", 10), 10u);
-  EXPECT_EQ(buffer.Capacity(), 2048u);
-  buffer.Append(Counting(2038).data(), 2038);
-  EXPECT_EQ(buffer.Capacity(), 2048u);
-  // Step 4096; old capacity and the new bytes together are more.
-  buffer.Append(Counting(3000).data(), 3000);
-  EXPECT_EQ(buffer.Capacity(), 5048u);
-  // Step 8192; now the step is more.
-  buffer.Append("x", 1);
-  EXPECT_EQ(buffer.Capacity(), 8192u);
+  for (const auto& append : appends) {
+    EXPECT_EQ(buffer.Append(bytes_.data(), append.size), append.size);
+    EXPECT_EQ(buffer.Capacity(), append.capacity);
+  }
 }
 
 TEST_F(Buffer, FailedGrowth_KeepsContentAndCapacity) {
   CBuffer buffer(heap_);
-  const auto bytes = Counting(3000);
-  ASSERT_EQ(buffer.Append(bytes.data(), 3000), 3000u);
+  ASSERT_EQ(buffer.Append(bytes_.data(), 3000), 3000u);
   const uint32_t capacity = buffer.Capacity();
   EXPECT_EQ(buffer.Reserve(0x100000), 0);
   EXPECT_EQ(buffer.Reserve(0xFFFFFFFF), 0);
   EXPECT_EQ(buffer.Capacity(), capacity);
   ASSERT_EQ(buffer.Unread().size(), 3000u);
-  EXPECT_EQ(std::memcmp(buffer.Unread().data(), bytes.data(), 3000), 0);
+  EXPECT_EQ(std::memcmp(buffer.Unread().data(), bytes_.data(), 3000), 0);
   EXPECT_EQ(buffer.Append("tail", 4), 4u);
 }
 
 TEST_F(Buffer, Reset_WritesOnlyWhatCameSince) {
-  wchar_t folder[MAX_PATH];
-  wchar_t path[MAX_PATH];
-  ASSERT_NE(GetTempPathW(MAX_PATH, folder), 0u);
-  ASSERT_NE(GetTempFileNameW(folder, L"buf", 0, path), 0u);
-
   CBuffer buffer(heap_);
   buffer.Append("before", 6);
   buffer.Consume(3);
@@ -61,13 +53,11 @@ TEST_F(Buffer, Reset_WritesOnlyWhatCameSince) {
   buffer.Reset();
   EXPECT_TRUE(buffer.Unread().empty());
   buffer.Append("after", 5);
-  EXPECT_EQ(buffer.WriteToFile(path), 5u);
+  const auto path = std::filesystem::temp_directory_path() / "buffer test";
+  EXPECT_EQ(buffer.WriteToFile(path.c_str()), 5u);
   EXPECT_EQ(buffer.WriteToFile(L"Z:\\no\\such\\folder\\file"), 0u);
-
-  WIN32_FILE_ATTRIBUTE_DATA attributes = {};
-  ASSERT_TRUE(GetFileAttributesExW(path, GetFileExInfoStandard, &attributes));
-  EXPECT_EQ(attributes.nFileSizeLow, 5u);
-  DeleteFileW(path);
+  EXPECT_EQ(std::filesystem::file_size(path), 5u);
+  std::filesystem::remove(path);
 }
 
 }  // namespace

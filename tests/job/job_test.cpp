@@ -45,6 +45,10 @@ class Job : public testing::Test {
     ASSERT_TRUE(SUCCEEDED(CoInitializeEx(nullptr, COINIT_MULTITHREADED)));
     host::EnsurePrinter(host::kPrinterName, kDpi, {});
     spool_job_.emplace(host::kPrinterName, L"A document");
+    // What a run that broke off left would be taken for this job's client.
+    for (const bool in_session_folder : {false, true}) {
+      DeleteFileW(test::ConnectionPath(spool_job_->Id(), in_session_folder).c_str());
+    }
     files_before_ = LeftFiles();
     heaps_before_ = GetProcessHeaps(0, nullptr);
   }

@@ -1,6 +1,5 @@
 #include "playback/font_embedding.h"
 
-#include <cwchar>
 #include <filesystem>
 #include <gtest/gtest.h>
 #include <string>
@@ -13,13 +12,6 @@
 
 namespace quillo::test {
 namespace {
-
-LOGFONTW FontNamed(const wchar_t* face, LONG height = 100) {
-  LOGFONTW font = {};
-  font.lfHeight = height;
-  std::wcsncpy(font.lfFaceName, face, LF_FACESIZE);
-  return font;
-}
 
 class FontEmbeddingTest : public testing::Test {
  protected:

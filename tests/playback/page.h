@@ -3,6 +3,7 @@
 #include "base/windows.h"
 
 #include <cstring>
+#include <cwchar>
 #include <functional>
 #include <vector>
 
@@ -29,12 +30,20 @@ void AppendPart(Payload& payload, const T& value) {
   std::memcpy(payload.data() + payload.size() - size, bytes, size);
 }
 
-/// The bytes of values one behind the other.
+/// The bytes of the values, one after the other.
 template <typename... Parts>
 Payload PayloadOf(const Parts&... parts) {
   Payload payload;
   (AppendPart(payload, parts), ...);
   return payload;
+}
+
+/// The font of this name.
+inline LOGFONTW FontNamed(const wchar_t* face, LONG height = 100) {
+  LOGFONTW font = {};
+  font.lfHeight = height;
+  std::wcsncpy(font.lfFaceName, face, LF_FACESIZE);
+  return font;
 }
 
 /// A playback context of its own that draws on a metafile in memory.
@@ -52,7 +61,7 @@ class Page : private PlaybackEvents {
 
   /// Ends the page as the job does.
   EnhMetafile Close();
-  /// Ends the page and tells what is on it.
+  /// Ends the page and returns what is on it.
   EmfRecords Records();
 
  private:

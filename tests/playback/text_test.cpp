@@ -1,4 +1,3 @@
-#include <cwchar>
 #include <gtest/gtest.h>
 #include <string>
 
@@ -12,13 +11,6 @@ namespace {
 using namespace records;
 
 constexpr RECT kRect = {1, 2, 300, 400};
-
-LOGFONTW FontNamed(const wchar_t* face, LONG height) {
-  LOGFONTW font = {};
-  font.lfHeight = height;
-  std::wcscpy(font.lfFaceName, face);
-  return font;
-}
 
 void PlayFont(Page& page, const wchar_t* face, LONG height = 100) {
   EXPECT_EQ(page.Play(REC_CREATEFONT, PayloadOf(FontNamed(face, height))), 1);

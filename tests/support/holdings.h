@@ -11,8 +11,8 @@
 
 namespace quillo::test {
 
-/// Tells how many GDI objects the process has, but for a constant: freed ones are given out again
-/// before others, so that the highest number among many fresh ones grows with each that leaks.
+/// The number of GDI objects of the process but for a constant: freed handles are used again before
+/// others, so that the highest among many new ones grows with each leak.
 inline uintptr_t LiveGdiObjects() {
   std::vector<Pen> fresh;
   uintptr_t highest = 0;
