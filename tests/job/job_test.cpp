@@ -191,7 +191,7 @@ TEST_F(Job, FontsFile_ReadDuringTheCallAndGoneAfter) {
 TEST_F(Job, NoClient_FirstPageRefusedThenUnconnected) {
   // A connection file that cannot be read counts as none, and goes.
   const std::wstring path = test::ConnectionPath(spool_job_->Id());
-  KernelHandle(CreateFileW(path.c_str(), GENERIC_WRITE, 0, nullptr, CREATE_ALWAYS, 0, nullptr));
+  CloseHandle(CreateFileW(path.c_str(), GENERIC_WRITE, 0, nullptr, CREATE_ALWAYS, 0, nullptr));
   CQloPrinter* job = Open();
   EXPECT_FALSE(Exists(path));
   EXPECT_FALSE(StartPage(job));
