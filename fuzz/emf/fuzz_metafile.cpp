@@ -23,13 +23,13 @@ void TryBitmap(const Record& record, size_t at) {
   const auto info_size = reader.Read<uint32_t>();
   const auto bits_offset = reader.Read<uint32_t>();
   const auto bits_size = reader.Read<uint32_t>();
-  const auto colors = static_cast<DibColors>(reader.Read<uint32_t>());
+  const auto colours = static_cast<DibColors>(reader.Read<uint32_t>());
   const auto rows = reader.Read<uint32_t>();
   const Bytes info = reader.Slice(info_offset, info_size);
   const Bytes bits = reader.Slice(bits_offset, bits_size);
   if (!reader.ok()) return;
   std::string what;
-  const auto dib = ParseDib(info, bits, colors, rows, {0x112233, 0x445566}, what);
+  const auto dib = ParseDib(info, bits, colours, rows, {0x112233, 0x445566}, what);
   if (!dib == what.empty()) __builtin_trap();  // a refusal says why
   if (!dib || dib->coding != Dib::Coding::kPlain) return;
   // What a caller relies on: each row lies in the bits.

@@ -23,9 +23,9 @@ Box Box::Inset(double distance) const {
 
 Arc ArcBetween(const Box& box, PointL start, PointL end, bool clockwise) {
   const auto angle = [&box](PointL point) {
-    // A direction on the screen, made the ellipse's parameter by stretching the box to a square.
-    const double x = (point.x - box.CenterX()) * box.Height();
-    const double y = (point.y - box.CenterY()) * box.Width();
+    // Stretching the box to a square turns the direction into the ellipse's parameter.
+    const double x = (point.x - box.CentreX()) * box.Height();
+    const double y = (point.y - box.CentreY()) * box.Width();
     return std::atan2(y, x);
   };
   const double from = angle(start);
@@ -42,12 +42,12 @@ std::vector<PointD> ArcCurves(const Box& box, const Arc& arc) {
   const double a = box.Width() / 2;
   const double b = box.Height() / 2;
   const auto at = [&](double x, double y) {
-    return PointD{box.CenterX() + a * x, box.CenterY() + b * y};
+    return PointD{box.CentreX() + a * x, box.CentreY() + b * y};
   };
   const int pieces =
       std::max(1, static_cast<int>(std::ceil(std::fabs(arc.sweep) / (pi / 2) - 1e-9)));
   const double step = arc.sweep / pieces;
-  // The distance of the control points that touches a circle's arc in its middle.
+  // The distance of the control points with which the curve meets the arc in its middle.
   const double k = 4.0 / 3 * std::tan(step / 4);
 
   std::vector<PointD> points;

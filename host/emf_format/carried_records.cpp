@@ -10,7 +10,7 @@ namespace quillo::host::emf {
 
 namespace {
 
-/// No driver writes comments; the mark only keeps those of others apart.
+// Distinguishes these comments from those of others. (The driver itself writes none.)
 constexpr char kMark[16] = {'Q', 'u', 'i', 'l', 'l', 'o', ' ', 'r',
                             'e', 'c', 'o', 'r', 'd', ' ', '1', '\0'};
 
@@ -23,12 +23,12 @@ constexpr size_t kPenIndex = 8;      // the object index of either kind of pen
 constexpr size_t kFileSize = 48;     // in the header: bytes of the file
 constexpr size_t kRecordCount = 52;  // in the header
 
-/// The record at `offset`; empty when it is cut off or too short for its type.
+/// The record at `offset`; empty when it is truncated or too short for its type.
 MutableBytes RecordAt(MutableBytes metafile, size_t offset) {
   const size_t size = LoadOrZero<uint32_t>(metafile, offset + kSize);
   if (!RangeFits(metafile.size(), offset, size)) return {};
   const MutableBytes record = metafile.subspan(offset, size);
-  const bool whole = size % 4 == 0 && size >= LeastRecordBytes(LoadOrZero<uint32_t>(record));
+  const bool whole = size % 4 == 0 && size >= MinRecordBytes(LoadOrZero<uint32_t>(record));
   return whole ? record : MutableBytes();
 }
 

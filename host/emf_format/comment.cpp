@@ -21,7 +21,7 @@ constexpr uint16_t kDrawDriverString = 0x4036;
 constexpr uint16_t kStrokeFillPath = 0x4037;
 constexpr uint16_t kLast = 0x403A;
 
-constexpr uint16_t kDual = 1;  // flag of the header: the file can be drawn without EMF+, too
+constexpr uint16_t kDual = 1;  // flag of the header: the file can also be drawn without EMF+
 
 constexpr bool EmfPlusDraws(uint16_t type) {
   return (type >= kFirstDrawing && type <= kLastDrawing) || type == kDrawDriverString ||
@@ -47,7 +47,7 @@ constexpr TypeRange kDrawingTypes[] = {{kEmrPOLYBEZIER, kEmrPOLYPOLYGON},
                                        {kEmrGRADIENTFILL, kEmrGRADIENTFILL}};
 
 bool Draws(uint32_t type, Bytes record) {
-  // EMF+ writers leave the drawing's bounds as a blit that changes nothing.
+  // EMF+ writers add a blit that changes nothing, for its bounds.
   constexpr size_t kRop = 40;
   constexpr uint32_t kNoOperation = 0x00AA0029;
   if (type == kEmrBITBLT && LoadOrZero<uint32_t>(record, kRop) == kNoOperation) return false;

@@ -6,17 +6,17 @@ namespace quillo::host::emf {
 
 namespace {
 
-constexpr double kMillimetersPerInch = 25.4;
+constexpr double kMillimetresPerInch = 25.4;
 
-/// The frame is given in millimetres of the reference device; its pixels need not be square.
+/// Sizes are compared in millimetres, as pixels of the reference device need not be square.
 struct Physical {
   double width;   // mm
   double height;  // mm
 };
 
-Physical SizeInMillimeters(const MetafileHeader& header, const FrameRect& frame) {
-  return {frame.width * header.millimeters.x / header.device.x,
-          frame.height * header.millimeters.y / header.device.y};
+Physical SizeInMillimetres(const MetafileHeader& header, const FrameRect& frame) {
+  return {frame.width * header.millimetres.x / header.device.x,
+          frame.height * header.millimetres.y / header.device.y};
 }
 
 Transform MapFrame(const FrameRect& frame, double width, double height, PointD corner) {
@@ -30,8 +30,8 @@ Transform MapFrame(const FrameRect& frame, double width, double height, PointD c
 FrameRect FrameOf(const MetafileHeader& header) {
   const RectL& frame = header.frame;
   if (frame.right > frame.left && frame.bottom > frame.top) {
-    const double x = header.device.x / (header.millimeters.x * 100.0);
-    const double y = header.device.y / (header.millimeters.y * 100.0);
+    const double x = header.device.x / (header.millimetres.x * 100.0);
+    const double y = header.device.y / (header.millimetres.y * 100.0);
     return {frame.left * x, frame.top * y, (double{1} * frame.right - frame.left) * x,
             (double{1} * frame.bottom - frame.top) * y};
   }
@@ -45,7 +45,7 @@ FrameRect FrameOf(const MetafileHeader& header) {
 
 Transform FitFrame(const MetafileHeader& header, SizeL page) {
   const FrameRect frame = FrameOf(header);
-  const Physical size = SizeInMillimeters(header, frame);
+  const Physical size = SizeInMillimetres(header, frame);
   const double scale = std::min(page.x / size.width, page.y / size.height);
   const double width = size.width * scale;
   const double height = size.height * scale;
@@ -54,8 +54,8 @@ Transform FitFrame(const MetafileHeader& header, SizeL page) {
 
 Transform ActualSize(const MetafileHeader& header, uint32_t dpi) {
   const FrameRect frame = FrameOf(header);
-  const Physical size = SizeInMillimeters(header, frame);
-  const double scale = dpi / kMillimetersPerInch;
+  const Physical size = SizeInMillimetres(header, frame);
+  const double scale = dpi / kMillimetresPerInch;
   return MapFrame(frame, size.width * scale, size.height * scale, {});
 }
 

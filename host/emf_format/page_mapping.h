@@ -8,8 +8,8 @@
 
 namespace quillo::host::emf {
 
-/// The picture's frame in pixels of the reference device. Where the header's frame is empty, the
-/// drawing's bounds stand in, and for an empty drawing the whole device.
+/// The picture's frame in pixels of the reference device. If the header's frame is empty, it is the
+/// drawing's bounds; for an empty drawing, the whole device.
 struct FrameRect {
   double left = 0;
   double top = 0;
@@ -18,12 +18,11 @@ struct FrameRect {
 };
 FrameRect FrameOf(const MetafileHeader& header);
 
-/// From pixels of the reference device to pixels of a page: the frame as large as the printable
-/// area
-/// (`page`, device pixels) allows with its proportions, in the middle of the page.
+/// From pixels of the reference device to pixels of a page: scales the frame to the printable area
+/// (`page`, device pixels), keeping its proportions, and centres it.
 Transform FitFrame(const MetafileHeader& header, SizeL page);
 
-/// The same at the size that the frame has on its reference device; its corner is the page's.
+/// The same at the frame's size on its reference device, in the page's top left corner.
 Transform ActualSize(const MetafileHeader& header, uint32_t dpi);
 
 }  // namespace quillo::host::emf

@@ -8,7 +8,7 @@ namespace quillo::host::emf {
 
 namespace {
 
-// Mapping modes with the numbers of SetMapMode.
+// Mapping modes by the numbers of SetMapMode.
 enum MapMode : uint32_t {
   kText = 1,
   kLoMetric,
@@ -24,7 +24,7 @@ int32_t Clamp(double value) {
   return static_cast<int32_t>(std::clamp(value, -2147483647.0, 2147483647.0));
 }
 
-/// extent · multiply / divide, never 0: GDI keeps the sign and at least one unit.
+/// side · multiply / divide, but never 0: like GDI, keeps the sign and at least one unit.
 int32_t ScaleSide(int32_t side, int32_t multiply, int32_t divide) {
   const int64_t scaled = int64_t{side} * multiply / divide;
   if (scaled != 0) return Clamp(static_cast<double>(scaled));
@@ -33,8 +33,8 @@ int32_t ScaleSide(int32_t side, int32_t multiply, int32_t divide) {
 
 }  // namespace
 
-PageTransform::PageTransform(SizeL device_pixels, SizeL device_millimeters)
-    : device_pixels_(device_pixels), device_millimeters_(device_millimeters) {}
+PageTransform::PageTransform(SizeL device_pixels, SizeL device_millimetres)
+    : device_pixels_(device_pixels), device_millimetres_(device_millimetres) {}
 
 bool PageTransform::ExtentsAreFree() const { return mode_ == kIsotropic || mode_ == kAnisotropic; }
 
@@ -60,7 +60,7 @@ bool PageTransform::SetMapMode(uint32_t mode) {
       SetPhysical(1440 / 25.4);
       break;
     case kAnisotropic:
-      break;  // keeps the extents of the mode before
+      break;  // keeps the previous mode's extents
     default:
       return false;
   }
@@ -69,9 +69,9 @@ bool PageTransform::SetMapMode(uint32_t mode) {
 }
 
 /// Units of a physical size, y upwards.
-void PageTransform::SetPhysical(double units_per_millimeter) {
-  window_extent_ = {Clamp(std::round(device_millimeters_.x * units_per_millimeter)),
-                    Clamp(std::round(device_millimeters_.y * units_per_millimeter))};
+void PageTransform::SetPhysical(double units_per_millimetre) {
+  window_extent_ = {Clamp(std::round(device_millimetres_.x * units_per_millimetre)),
+                    Clamp(std::round(device_millimetres_.y * units_per_millimetre))};
   window_extent_.x = std::max(window_extent_.x, 1);
   window_extent_.y = std::max(window_extent_.y, 1);
   viewport_extent_ = {device_pixels_.x, -device_pixels_.y};
@@ -111,16 +111,16 @@ bool PageTransform::ScaleViewportExtent(PointL multiply, PointL divide) {
   return true;
 }
 
-/// MM_ISOTROPIC: the viewport's longer side, in physical size per window unit, is cut to the other.
+/// MM_ISOTROPIC: shortens the side of the viewport whose units are physically larger.
 void PageTransform::KeepProportions() {
   if (mode_ != kIsotropic) return;
-  const auto unit = [](double viewport, double window, double millimeters, double pixels) {
-    return std::fabs(viewport * millimeters / (pixels * window));
+  const auto unit = [](double viewport, double window, double millimetres, double pixels) {
+    return std::fabs(viewport * millimetres / (pixels * window));
   };
   const double x =
-      unit(viewport_extent_.x, window_extent_.x, device_millimeters_.x, device_pixels_.x);
+      unit(viewport_extent_.x, window_extent_.x, device_millimetres_.x, device_pixels_.x);
   const double y =
-      unit(viewport_extent_.y, window_extent_.y, device_millimeters_.y, device_pixels_.y);
+      unit(viewport_extent_.y, window_extent_.y, device_millimetres_.y, device_pixels_.y);
   const auto cut = [](int32_t side, double ratio) {
     const int32_t rounded = Clamp(std::floor(side * ratio + 0.5));
     return rounded != 0 ? rounded : (side < 0 ? -1 : 1);

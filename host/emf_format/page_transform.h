@@ -12,7 +12,7 @@ namespace quillo::host::emf {
 class PageTransform {
  public:
   /// The reference device's size, for the modes with a physical unit. Both sides above 0.
-  PageTransform(SizeL device_pixels, SizeL device_millimeters);
+  PageTransform(SizeL device_pixels, SizeL device_millimetres);
 
   /// MM_TEXT (1) to MM_ANISOTROPIC (8); false, and nothing changed, for other numbers.
   bool SetMapMode(uint32_t mode);
@@ -20,8 +20,8 @@ class PageTransform {
   void SetWindowOrigin(PointL origin) { window_origin_ = origin; }
   void SetViewportOrigin(PointL origin) { viewport_origin_ = origin; }
 
-  // Extents only change in MM_ISOTROPIC and MM_ANISOTROPIC, as in GDI; the calls do nothing in
-  // other modes. False when a side, or a divisor, is 0: then nothing changes either.
+  // As in GDI, extents change in MM_ISOTROPIC and MM_ANISOTROPIC only; in other modes the calls do
+  // nothing. False, and nothing changed, when a side or a divisor is 0.
   bool SetWindowExtent(SizeL extent);
   bool SetViewportExtent(SizeL extent);
   bool ScaleWindowExtent(PointL multiply, PointL divide);
@@ -31,11 +31,11 @@ class PageTransform {
 
  private:
   bool ExtentsAreFree() const;
-  void SetPhysical(double units_per_millimeter);
+  void SetPhysical(double units_per_millimetre);
   void KeepProportions();
 
   SizeL device_pixels_;
-  SizeL device_millimeters_;
+  SizeL device_millimetres_;
   uint32_t mode_ = 1;
   PointL window_origin_;
   PointL viewport_origin_;

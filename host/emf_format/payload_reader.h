@@ -15,7 +15,7 @@ namespace quillo::host::emf {
 /// its last read and before it draws.
 class PayloadReader {
  public:
-  /// `record` is the whole record; reading starts behind its type and size.
+  /// `record` is the whole record; reading starts after its type and size.
   explicit PayloadReader(Bytes record) : record_(record), at_(8), ok_(record.size() >= 8) {}
 
   template <typename T>
@@ -24,7 +24,7 @@ class PayloadReader {
     return LoadOrZero<T>(Take(sizeof(T)));
   }
 
-  /// `count` elements of T. Memory is reserved only when the record really holds them.
+  /// `count` elements of T. Reserves memory only if the record holds that many.
   template <typename T>
   std::vector<T> ReadArray(size_t count) {
     std::vector<T> values;
@@ -40,8 +40,8 @@ class PayloadReader {
 
   void Skip(size_t bytes) { Take(bytes); }
 
-  /// `size` bytes at `offset` from the record's start (records point at their bitmaps and strings
-  /// in this way); fails like a read. Does not move the reading place.
+  /// `size` bytes at `offset` from the record's start (records locate their bitmaps and strings
+  /// like this); fails like a read. Does not move the position.
   Bytes Slice(size_t offset, size_t size) {
     if (!ok_ || !RangeFits(record_.size(), offset, size)) {
       ok_ = false;

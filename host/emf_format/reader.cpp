@@ -23,7 +23,7 @@ struct Kind {
   const char* name;
 };
 
-// What people hand over by mistake.
+// What users pass by mistake.
 constexpr Kind kOtherKinds[] = {
     {"%PDF", 4, "a PDF document"},
     {"\x89PNG", 4, "a PNG picture"},
@@ -90,9 +90,9 @@ void MetafileReader::ReadHeader() {
   const auto description_offset = reader.Read<uint32_t>();
   reader.Skip(4);  // palette entries
   header_.device = reader.Read<SizeL>();
-  header_.millimeters = reader.Read<SizeL>();
-  if (header_.device.x <= 0 || header_.device.y <= 0 || header_.millimeters.x <= 0 ||
-      header_.millimeters.y <= 0) {
+  header_.millimetres = reader.Read<SizeL>();
+  if (header_.device.x <= 0 || header_.device.y <= 0 || header_.millimetres.x <= 0 ||
+      header_.millimetres.y <= 0) {
     throw UnreadableMetafile(
         "is damaged: record 1 (EMR_HEADER) gives a reference device of no size");
   }
@@ -132,7 +132,7 @@ void MetafileReader::RefuseEmfPlusOnly() {
 
 std::optional<Record> MetafileReader::Next() {
   while (const auto record = Step()) {
-    const size_t least = LeastRecordBytes(record->type);
+    const size_t least = MinRecordBytes(record->type);
     if (record->bytes.size() >= least) return record;
     Report(*record, "holds " + std::to_string(record->bytes.size()) + " bytes, needs " +
                         std::to_string(least));
@@ -198,7 +198,7 @@ void MetafileReader::Remark(const Record& record, std::string what) {
 
 void MetafileReader::Keep(const Record& record, std::string what, bool harmless) {
   ++fault_count_;
-  if (faults_.size() < kMostFaults) {
+  if (faults_.size() < kMaxFaults) {
     faults_.push_back({record.index, RecordName(record.type), std::move(what), harmless});
   }
 }

@@ -1,6 +1,5 @@
-// Every record type of an enhanced metafile, once: number, name and the bytes that a record of this
-// type holds at least, its 8 bytes of type and size included. (No include guard: define
-// QUILLO_EMF_RECORD(number, name, least_bytes) and include.)
+// Every record type of an enhanced metafile, once: number, name and smallest size in bytes with its
+// type and size. (No include guard: define QUILLO_EMF_RECORD(number, name, min_bytes) and include.)
 
 QUILLO_EMF_RECORD(1, HEADER, 88)
 QUILLO_EMF_RECORD(2, POLYBEZIER, 28)

@@ -7,11 +7,11 @@ namespace {
 struct TypeInfo {
   uint32_t number;
   const char* name;
-  size_t least_bytes;
+  size_t min_bytes;
 };
 
 constexpr TypeInfo kTypes[] = {
-#define QUILLO_EMF_RECORD(number, name, least_bytes) {number, "EMR_" #name, least_bytes},
+#define QUILLO_EMF_RECORD(number, name, min_bytes) {number, "EMR_" #name, min_bytes},
 #include "host/emf_format/record_list.h"
 #undef QUILLO_EMF_RECORD
 };
@@ -34,14 +34,16 @@ const TypeInfo* FindType(uint32_t type) {
 
 }  // namespace
 
+bool IsRecordType(uint32_t number) { return FindType(number) != nullptr; }
+
 std::string RecordName(uint32_t type) {
   const TypeInfo* info = FindType(type);
   return info != nullptr ? info->name : "record type " + std::to_string(type);
 }
 
-size_t LeastRecordBytes(uint32_t type) {
+size_t MinRecordBytes(uint32_t type) {
   const TypeInfo* info = FindType(type);
-  return info != nullptr ? info->least_bytes : 8;
+  return info != nullptr ? info->min_bytes : 8;
 }
 
 }  // namespace quillo::host::emf

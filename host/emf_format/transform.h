@@ -7,7 +7,7 @@
 
 namespace quillo::host::emf {
 
-/// An affine map of row vectors, as GDI writes it: x' = x·m11 + y·m21 + dx, y' = x·m12 + y·m22 +
+/// An affine map of row vectors, in GDI's convention: x' = x·m11 + y·m21 + dx, y' = x·m12 + y·m22 +
 /// dy.
 struct Transform {
   double m11 = 1;
@@ -22,7 +22,7 @@ struct Transform {
   PointD Apply(double x, double y) const {
     return {x * m11 + y * m21 + dx, x * m12 + y * m22 + dy};
   }
-  /// The same without the shift: for distances.
+  /// Without the translation: for distances.
   PointD ApplyVector(double x, double y) const { return {x * m11 + y * m21, x * m12 + y * m22}; }
 
   /// This map first, then `next`.
@@ -33,11 +33,11 @@ struct Transform {
   }
 
   double Determinant() const { return m11 * m22 - m12 * m21; }
-  /// By what the map enlarges a length on average.
+  /// The mean factor of lengths.
   double Scale() const { return std::sqrt(std::fabs(Determinant())); }
   bool KeepsAxes() const { return m12 == 0 && m21 == 0; }
 
-  /// Whether the map is made of numbers and has an inverse; GDI takes no other.
+  /// Whether the map is finite and has an inverse; GDI accepts no other.
   bool Usable() const {
     for (const double value : {m11, m12, m21, m22, dx, dy}) {
       if (!std::isfinite(value)) return false;

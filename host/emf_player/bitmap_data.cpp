@@ -10,12 +10,12 @@ namespace quillo::host::emf {
 
 namespace {
 
-/// Counts what a picture makes on the page beyond the bytes that the record brought; false when the
+/// Counts what a picture adds to the page beyond its `coded` bytes in the record; false when the
 /// file has asked for too much.
-bool SpendOnDecoding(Playback& dc, const BitmapSource& bitmap, size_t brought) {
-  constexpr double kPageBytesPerPixel = 3, kBytesPerPoint = 8;
+bool SpendOnDecoding(EmfPlayer& player, const BitmapSource& bitmap, size_t coded) {
+  constexpr double kPageBytesPerPixel = 3;
   const double made = kPageBytesPerPixel * bitmap.width * bitmap.height;
-  return dc.Spend(std::max(0.0, made - static_cast<double>(brought)) / kBytesPerPoint);
+  return player.Spend(std::max(0.0, made - static_cast<double>(coded)) / kBytesPerPoint);
 }
 
 }  // namespace
@@ -29,26 +29,26 @@ DibPlace ReadDibPlace(PayloadReader& record) {
   return place;
 }
 
-std::shared_ptr<const BitmapSource> ReadBitmap(Playback& dc, PayloadReader& record,
-                                               const DibPlace& place, uint32_t colors,
+std::shared_ptr<const BitmapSource> ReadBitmap(EmfPlayer& player, PayloadReader& record,
+                                               const DibPlace& place, uint32_t colours,
                                                uint32_t rows) {
   const Bytes info = record.Slice(place.info_offset, place.info_size);
   const Bytes bits = record.Slice(place.bits_offset, place.bits_size);
   if (!record.ok()) return nullptr;
   std::string what;
-  const auto dib =
-      ParseDib(info, bits, static_cast<DibColors>(colors), rows, dc.state().palette->colors, what);
+  const auto dib = ParseDib(info, bits, static_cast<DibColors>(colours), rows,
+                            player.state().palette->colours, what);
   if (!dib) {
-    dc.Fault(std::move(what));
+    player.Fault(std::move(what));
     return nullptr;
   }
   try {
     auto bitmap = std::make_shared<const BitmapSource>(SourceOf(*dib));
     const bool decoded = dib->coding != Dib::Coding::kPlain;
-    if (decoded && !SpendOnDecoding(dc, *bitmap, bits.size())) return nullptr;
+    if (decoded && !SpendOnDecoding(player, *bitmap, bits.size())) return nullptr;
     return bitmap;
   } catch (const UnreadablePicture& refused) {
-    dc.Fault(std::string("its picture ") + refused.what());
+    player.Fault(std::string("its picture ") + refused.what());
     return nullptr;
   }
 }

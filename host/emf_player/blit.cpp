@@ -9,7 +9,7 @@ namespace quillo::host::emf {
 
 namespace {
 
-constexpr uint8_t kNothing = 0xAA;  // leaves the destination as it is
+constexpr uint8_t kNoOperation = 0xAA;  // leaves the destination as it is
 
 /// Top left, top right and bottom left corner of a mapped rectangle.
 std::array<POINTFIX, 3> MapCorners(const Transform& map, const Area& area) {
@@ -48,41 +48,41 @@ RECTL MapArea(const Transform& map, const Area& area) {
   return {ToPixel(a.x), ToPixel(a.y), ToPixel(b.x), ToPixel(b.y)};
 }
 
-void DrawBlit(Playback& dc, Blit blit) {
-  if (blit.rop == kNothing) return;
+void DrawBlit(EmfPlayer& player, Blit blit) {
+  if (blit.rop == kNoOperation) return;
   BrushDescription brush;
   const BrushDescription* used_brush =
-      dc.DescribeBrush(*dc.state().brush, brush) ? &brush : nullptr;
-  const DrawState drawing = dc.Drawing();
+      player.DescribeBrush(*player.state().brush, brush) ? &brush : nullptr;
+  const DrawState drawing = player.Drawing();
   if (blit.bitmap == nullptr) {
     if (blit.map.KeepsAxes()) {
       const Area& area = blit.target;
       const RECTL target =
           ToPixelRect(blit.map, area.x, area.y, area.x + area.width, area.y + area.height);
-      dc.canvas().BitBlt(target, blit.rop, used_brush, nullptr, {}, drawing);
+      player.canvas().BitBlt(target, blit.rop, used_brush, nullptr, {}, drawing);
       return;
     }
-    // A turned rectangle is the box around it, clipped to it.
+    // A rotated rectangle is its bounding box, clipped to it.
     const RectL logical = {ToPixel(blit.target.x), ToPixel(blit.target.y),
                            ToPixel(blit.target.x + blit.target.width),
                            ToPixel(blit.target.y + blit.target.height)};
     DrawState inside = drawing;
     inside.clip = inside.clip.Combined(MapRectangle(logical, blit.map), RGN_AND);
-    dc.canvas().BitBlt(inside.clip.Bounds(), blit.rop, used_brush, nullptr, {}, inside);
+    player.canvas().BitBlt(inside.clip.Bounds(), blit.rop, used_brush, nullptr, {}, inside);
     return;
   }
   const RECTL source = OrderSource(blit.source, blit.target);
   if (!blit.map.KeepsAxes()) {
     if (blit.rop != kSourceCopy) {
-      dc.NotCarried();
+      player.NotCarried();
       return;
     }
-    dc.canvas().PlgBlt(MapCorners(blit.map, blit.target), *blit.bitmap, source, nullptr, {},
-                       dc.state().stretch_mode, drawing);
+    player.canvas().PlgBlt(MapCorners(blit.map, blit.target), *blit.bitmap, source, nullptr, {},
+                           player.state().stretch_mode, drawing);
     return;
   }
-  dc.canvas().StretchBlt(MapArea(blit.map, blit.target), *blit.bitmap, source, blit.rop, used_brush,
-                         dc.state().stretch_mode, drawing);
+  player.canvas().StretchBlt(MapArea(blit.map, blit.target), *blit.bitmap, source, blit.rop,
+                             used_brush, player.state().stretch_mode, drawing);
 }
 
 }  // namespace quillo::host::emf

@@ -7,11 +7,11 @@
 
 #include "host/emf_format/payload_reader.h"
 #include "host/emf_format/transform.h"
-#include "host/emf_player/playback.h"
+#include "host/emf_player/emf_player.h"
 #include "host/engine/drawing.h"
 #include "host/engine/raster_operation.h"
 
-// What the records that draw bitmaps have in common.
+// What the records that draw bitmaps share.
 namespace quillo::host::emf {
 
 /// The ternary operation of a raster operation code.
@@ -24,22 +24,22 @@ struct Area {
 
 Area ReadArea(PayloadReader& record);
 
-/// The source's part of a blit, in pixels of the bitmap, always the right way round; what was
-/// mirrored there is mirrored in `target` instead.
+/// The source rectangle in pixels of the bitmap, without mirroring: where it was mirrored, `target`
+/// is mirrored instead.
 RECTL OrderSource(Area source, Area& target);
 
-/// A logical rectangle as page pixels; mirrored where the map or the area mirrors.
+/// A logical rectangle in page pixels, mirrored where the map or the area mirrors.
 RECTL MapArea(const Transform& map, const Area& area);
 
-/// A blit whose parts have been read.
+/// A blit whose fields have been read.
 struct Blit {
   Area target;    // logical units
   Transform map;  // from there to the page
   uint8_t rop = kSourceCopy;
-  std::shared_ptr<const BitmapSource> bitmap;  // null: none is used
-  Area source;                                 // pixels of the bitmap
+  std::shared_ptr<const BitmapSource> bitmap{};  // null: the operation uses none
+  Area source{};                                 // pixels of the bitmap
 };
 
-void DrawBlit(Playback& dc, Blit blit);
+void DrawBlit(EmfPlayer& player, Blit blit);
 
 }  // namespace quillo::host::emf

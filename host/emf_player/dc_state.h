@@ -4,6 +4,7 @@
 
 #include <cstdint>
 #include <memory>
+#include <vector>
 
 #include "host/emf_format/geometry.h"
 #include "host/emf_format/page_transform.h"
@@ -13,8 +14,7 @@
 
 namespace quillo::host::emf {
 
-/// What SaveDC saves: the settings that records leave for the records behind them, as the DC begins
-/// with them.
+/// What SaveDC saves: the settings that records make for later ones, with their initial values.
 struct DcState {
   explicit DcState(const PageTransform& first_page);
 
@@ -29,11 +29,11 @@ struct DcState {
   uint32_t text_align = TA_LEFT | TA_TOP | TA_NOUPDATECP;
   uint32_t arc_direction = AD_COUNTERCLOCKWISE;
   float miter_limit = 10;
-  COLORREF text_color = RGB(0, 0, 0);
-  COLORREF background_color = RGB(255, 255, 255);
+  COLORREF text_colour = RGB(0, 0, 0);
+  COLORREF background_colour = RGB(255, 255, 255);
   PointL brush_origin;       // pixels of the reference device
-  int32_t break_extra = 0;   // SetTextJustification: logical units to spread
-  uint32_t break_count = 0;  // over so many spaces
+  int32_t break_extra = 0;   // SetTextJustification: logical units to distribute
+  uint32_t break_count = 0;  // over this many spaces
 
   Shared<PenObject> pen;      // never null
   Shared<BrushObject> brush;  // never null
@@ -41,7 +41,21 @@ struct DcState {
   Shared<PaletteObject> palette;
 
   ClipShape clip;  // page pixels
-  ClipShape meta;  // page pixels; what drawing touches is the intersection of the two
+  ClipShape meta;  // page pixels; drawing touches the intersection of the two
+};
+
+/// The states that SaveDC has put aside.
+class SavedStates {
+ public:
+  /// False when too many states are saved already.
+  bool Save(const DcState& state);
+  /// Moves a saved state into `state` and drops those saved after it. `level` as for RestoreDC:
+  /// negative counts from the last save, positive from the first. False when there is no such
+  /// state.
+  bool Restore(int32_t level, DcState& state);
+
+ private:
+  std::vector<DcState> saved_;
 };
 
 }  // namespace quillo::host::emf

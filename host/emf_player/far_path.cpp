@@ -9,19 +9,19 @@ namespace quillo::host::emf {
 
 namespace {
 
-// In pixels from the page's corner; the largest sheets at the finest resolution stay well below.
+// Pixels from the page's corner; far more than the largest sheet at the finest resolution.
 constexpr FIX kReach = 1 << 16;
 constexpr FIX kFarthest = kReach << 4;
 
-/// Narrows [from, to] of a line's parameter to where start + t·step is at most `most`.
-bool Narrow(double start, double step, double most, double& from, double& to) {
-  if (step == 0) return start <= most;
-  const double t = (most - start) / step;
+/// Narrows the range [from, to] of t to where start + t·step is at most `limit`.
+bool Narrow(double start, double step, double limit, double& from, double& to) {
+  if (step == 0) return start <= limit;
+  const double t = (limit - start) / step;
   (step > 0 ? to : from) = step > 0 ? std::min(to, t) : std::max(from, t);
   return from <= to;
 }
 
-/// Cuts a line to the near space; false when nothing of it is there.
+/// Cuts a line to the near space; false when none of it is there.
 bool CutLine(POINTFIX& a, POINTFIX& b) {
   const double dx = double{1} * b.x - a.x, dy = double{1} * b.y - a.y;
   double from = 0, to = 1;

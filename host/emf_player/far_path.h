@@ -4,16 +4,16 @@
 
 namespace quillo::host::emf {
 
-// Paths that lead far out of every sheet cost time and memory wherever their rows are counted. What
-// of them comes near a sheet is drawn instead.
+// Paths that lead far beyond every sheet cost time and memory for each of their rows. Only their
+// part near the sheet is drawn.
 
-/// Whether the path leaves the space around the page that is worth drawing in.
+/// Whether the path leaves the space around the page that can matter.
 bool LeadsFar(const Path& path);
 
-/// What is near of the path's inside, by either rule; curves flattened.
+/// The near part of the path's inside, under either fill rule; curves flattened.
 Path NearInside(const Path& path);
 
-/// What is near of the path's line; curves flattened, figures open where they were cut.
+/// The near part of the path's line; curves flattened, figures open where they were cut.
 Path NearLine(const Path& path);
 
 }  // namespace quillo::host::emf

@@ -8,15 +8,15 @@ namespace {
 
 constexpr uint32_t kStockBit = 0x80000000;
 
-Object StockBrush(BrushObject::Kind kind, COLORREF color) {
-  return std::make_shared<const BrushObject>(BrushObject{.kind = kind, .color = color});
+Object StockBrush(BrushObject::Kind kind, COLORREF colour) {
+  return std::make_shared<const BrushObject>(BrushObject{.kind = kind, .colour = colour});
 }
 
-Object StockPen(uint32_t style, COLORREF color) {
-  return std::make_shared<const PenObject>(PenObject{.style = style, .brush = {.color = color}});
+Object StockPen(uint32_t style, COLORREF colour) {
+  return std::make_shared<const PenObject>(PenObject{.style = style, .brush = {.colour = colour}});
 }
 
-/// `face` is the name behind which Windows keeps the stock font.
+/// `face`: the outline font closest to the stock font.
 Object StockFont(const wchar_t* face, LONG height, LONG weight, BYTE pitch_and_family) {
   FontObject object;
   object.font.lfHeight = height;
@@ -35,7 +35,7 @@ bool ObjectTable::Set(uint32_t index, Object object) {
 }
 
 bool ObjectTable::Delete(uint32_t index) {
-  if ((index & kStockBit) != 0) return true;  // GDI takes the call and keeps the object
+  if ((index & kStockBit) != 0) return true;  // GDI accepts the call and keeps the object
   return objects_.erase(index) != 0;
 }
 

@@ -13,9 +13,9 @@
 namespace quillo::host::emf {
 
 /// 0x00BBGGRR to 0x00RRGGBB.
-inline uint32_t ToRgb(COLORREF color) { return SwapBytes(uint32_t{color}) >> 8; }
+inline uint32_t ToRgb(COLORREF colour) { return SwapBytes(uint32_t{colour}) >> 8; }
 
-/// A brush as a record creates it. Colours may still be palette indexes.
+/// A brush as a record creates it. Its colours may be palette indexes.
 struct BrushObject {
   enum class Kind {
     kNull,
@@ -26,7 +26,7 @@ struct BrushObject {
   };
 
   Kind kind = Kind::kSolid;
-  COLORREF color = 0;
+  COLORREF colour = 0;
   uint32_t hatch = 0;                             // HS_HORIZONTAL to HS_DIAGCROSS
   std::shared_ptr<const BitmapSource> pattern{};  // not null for the two kinds with a bitmap
 };
@@ -48,10 +48,10 @@ struct FontObject {
 
 /// Colours 0x00RRGGBB.
 struct PaletteObject {
-  std::vector<uint32_t> colors;
+  std::vector<uint32_t> colours;
 };
 
-/// Takes a place in the handle table, is never drawn with (colour spaces).
+/// Occupies an index of the table without being drawn with (colour spaces).
 struct OtherObject {};
 
 template <typename T>

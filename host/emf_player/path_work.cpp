@@ -21,15 +21,15 @@ double Crossings(const Path& path) {
   return rows;
 }
 
-std::vector<Path> SplitLine(Path path, double most) {
+std::vector<Path> SplitLine(Path path, double max) {
   std::vector<Path> parts(1);
-  if (Crossings(path) <= most) {
+  if (Crossings(path) <= max) {
     parts[0] = std::move(path);
     return parts;
   }
   double rows = 0;
   const auto go_on = [&](POINTFIX from, POINTFIX to) {
-    if (rows > most) {
+    if (rows > max) {
       parts.emplace_back();
       parts.back().MoveTo(from);
       rows = 0;

@@ -6,12 +6,12 @@
 
 namespace quillo::host::emf {
 
-/// Rows of pixels that the edges of a path cross: what working out its inside costs. Curves count
-/// as their control points.
+/// How many rows of pixels the edges of a path cross: the cost of computing its inside. A curve
+/// counts as the polygon of its control points.
 double Crossings(const Path& path);
 
-/// The path in parts of about `most` crossings each; a line that has more is cut at its corners, so
-/// that it ends and begins there. The path itself where it has no more.
-std::vector<Path> SplitLine(Path path, double most);
+/// The path in parts of about `max` crossings each: figures that have more are cut at their
+/// corners, where the parts then have ends. A path with no more than that comes back whole.
+std::vector<Path> SplitLine(Path path, double max);
 
 }  // namespace quillo::host::emf

@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "base/gdi_owners.h"
+#include "host/emf_player/logical_pen.h"
 #include "host/emf_player/rounding.h"
 
 namespace quillo::host::emf {
@@ -16,10 +17,10 @@ namespace {
 constexpr size_t kHeaderBytes = 32;  // RGNDATAHEADER
 
 // Rectangles in bands, as GDI writes them, make a region of as many rectangles; others can make one
-// of their number squared.
-constexpr size_t kMostUnordered = 2000;
+// of the square of their number.
+constexpr size_t kMaxUnordered = 2000;
 
-/// Whether the rectangles stand in bands from top to bottom, and in a band from left to right.
+/// Whether the rectangles come in bands from top to bottom, and from left to right in each band.
 bool InBands(std::span<const RectL> rects) {
   for (size_t i = 1; i < rects.size(); ++i) {
     const RectL& a = rects[i - 1];
@@ -30,8 +31,7 @@ bool InBands(std::span<const RectL> rects) {
   return true;
 }
 
-/// The union of the mapped rectangles; halves are joined with each other, so that few long regions
-/// are built rather than many.
+/// The union of the mapped rectangles. Joins halves, so that few large regions are built.
 Region Union(std::span<const RectL> rects, const Transform& to_page) {
   if (rects.size() == 1) {
     const RECTL rect =
@@ -48,15 +48,15 @@ Region Union(std::span<const RectL> rects, const Transform& to_page) {
 }
 
 void AddRectangle(Path& path, const RectL& rect, const Transform& to_page) {
-  const PointD corners[] = {to_page.Apply(rect.left, rect.top), to_page.Apply(rect.right, rect.top),
-                            to_page.Apply(rect.right, rect.bottom),
-                            to_page.Apply(rect.left, rect.bottom)};
-  path.MoveTo(corners[0].x, corners[0].y);
-  for (size_t i = 1; i < 4; ++i) path.LineTo(corners[i].x, corners[i].y);
-  path.CloseFigure();
+  LogicalPen pen(path, to_page);
+  pen.MoveTo(PointL{rect.left, rect.top});
+  pen.LineTo(PointL{rect.right, rect.top});
+  pen.LineTo(PointL{rect.right, rect.bottom});
+  pen.LineTo(PointL{rect.left, rect.bottom});
+  pen.CloseFigure();
 }
 
-RectL Around(std::span<const RectL> rects) {
+RectL BoundsOf(std::span<const RectL> rects) {
   RectL all = rects[0];
   for (const RectL& rect : rects) {
     all = {std::min(all.left, rect.left), std::min(all.top, rect.top),
@@ -94,10 +94,10 @@ std::optional<ClipShape> ReadRegion(PayloadReader& record, size_t size, const Tr
       rects, [](const RectL& rect) { return rect.left >= rect.right || rect.top >= rect.bottom; });
   if (rects.empty()) return ClipShape(RECTL{});
   if (rects.size() == 1) return MapRectangle(rects[0], to_page);
-  if (rects.size() > kMostUnordered && !InBands(rects)) {
+  if (rects.size() > kMaxUnordered && !InBands(rects)) {
     what = "a region of " + std::to_string(rects.size()) +
            " rectangles in no order; its bounds are taken";
-    return MapRectangle(Around(rects), to_page);
+    return MapRectangle(BoundsOf(rects), to_page);
   }
   if (to_page.KeepsAxes()) return ClipShape::OfRegion(Union(rects, to_page).Get());
   Path path;

@@ -9,14 +9,14 @@
 
 namespace quillo::host::emf {
 
-/// The whole pixel position nearest to `value`, kept within what 28.4 fixed point can hold.
+/// The nearest whole pixel, clamped to the range of 28.4 fixed point.
 inline LONG ToPixel(double value) {
   constexpr double kFarthest = (1 << 27) - 1;
   if (!(std::fabs(value) <= kFarthest)) return static_cast<LONG>(std::copysign(kFarthest, value));
   return static_cast<LONG>(std::floor(value + 0.5));
 }
 
-/// A rectangle of a map that keeps axes, in whole pixels and the right way round.
+/// A mapped rectangle in whole pixels, without mirroring. The map keeps axes.
 inline RECTL ToPixelRect(const Transform& map, double left, double top, double right,
                          double bottom) {
   const PointD a = map.Apply(left, top);

@@ -11,7 +11,7 @@ namespace {
 
 double ToDouble(FIXED number) { return number.value + number.fract / 65536.0; }
 
-/// Puts outlines of font units, y upwards, where a glyph stands.
+/// Maps outlines in font units, y upwards, to the place of a glyph.
 class GlyphPen {
  public:
   GlyphPen(Path& path, const XFORML& map, const quillo::host::PointD& origin)
@@ -37,7 +37,7 @@ class GlyphPen {
   const quillo::host::PointD origin_;
 };
 
-/// One contour as GetGlyphOutline gives it with GGO_BEZIER: lines and cubic curves.
+/// One contour in the format of GGO_BEZIER: lines and cubic curves.
 void DrawContour(Bytes contour, GlyphPen& pen) {
   pen.MoveTo(LoadOrZero<POINTFX>(contour, offsetof(TTPOLYGONHEADER, pfxStart)));
   size_t at = sizeof(TTPOLYGONHEADER);

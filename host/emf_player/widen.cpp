@@ -11,7 +11,7 @@ namespace quillo::host::emf {
 
 namespace {
 
-// GDI widens paths of whole units; ours are sixteenths of a pixel.
+// GDI widens paths in whole units; these are sixteenths of a pixel.
 constexpr double kUnitsPerPixel = 16;
 
 DWORD Units(double pixels) {
@@ -53,7 +53,7 @@ void Draw(HDC dc, const Figure& figure) {
   if (figure.closed) ::CloseFigure(dc);
 }
 
-/// The path that `dc` holds, its units taken for sixteenths.
+/// The path of `dc`, its units read as sixteenths.
 Path ReadPath(HDC dc) {
   Path path;
   const int count = GetPath(dc, nullptr, nullptr, 0);
@@ -68,7 +68,7 @@ Path ReadPath(HDC dc) {
         path.MoveTo(at(i));
         break;
       case PT_BEZIERTO:
-        path.BezierTo(at(i), at(i + 1), at(i + 2));  // GDI gives them in threes
+        path.BezierTo(at(i), at(i + 1), at(i + 2));  // always in threes
         i += 2;
         break;
       default:

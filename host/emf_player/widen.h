@@ -5,8 +5,8 @@
 
 namespace quillo::host::emf {
 
-/// The outline of the line that `pen` draws along `path`, to be filled in winding mode. Throws
-/// std::bad_alloc when GDI has no memory for it.
+/// The outline of what `pen` draws along `path`, to be filled in winding mode. Throws
+/// std::bad_alloc when GDI is out of memory.
 Path Widened(const Path& path, const PenDescription& pen);
 
 }  // namespace quillo::host::emf

@@ -9,7 +9,7 @@
 namespace quillo::host {
 namespace {
 
-/// Whether a unit can make its surroundings run from right to left: Hebrew to the end of the Arabic
+/// Whether a unit can cause text to run from right to left: Hebrew to the end of the Arabic
 /// blocks, the presentation forms, the marks and embeddings, and surrogates.
 bool MayRunLeftwards(wchar_t unit) {
   return (unit >= 0x0590 && unit < 0x0900) || (unit >= 0x200F && unit <= 0x202E) ||
@@ -41,7 +41,7 @@ std::vector<size_t> VisualOrder(const std::wstring& text, bool right_to_left) {
   const SCRIPT_CONTROL control{};
   SCRIPT_STATE state{};
   state.uBidiLevel = right_to_left ? 1 : 0;
-  // No text has more items than units; one more tells where the last one ends.
+  // No text has more items than units; one more marks the end of the last one.
   std::vector<SCRIPT_ITEM> items(text.size() + 2);
   int count = 0;
   if (FAILED(ScriptItemize(text.c_str(), static_cast<int>(text.size()),

@@ -14,8 +14,8 @@ bool IsLeftwardLetter(wchar_t unit);
 bool BeginsLeftwards(std::wstring_view text);
 
 /// The index of the UTF-16 unit at each place of a line, from the left, by the bidirectional
-/// algorithm of Uniscribe. `right_to_left` is the reading order of the whole line. Empty when every
-/// unit stands at its own place. The units of a surrogate pair stay in order.
+/// algorithm of Uniscribe. `right_to_left` is the reading order of the whole line. Empty when the
+/// order is that of the text. The units of a surrogate pair stay in order.
 std::vector<size_t> VisualOrder(const std::wstring& text, bool right_to_left);
 
 }  // namespace quillo::host

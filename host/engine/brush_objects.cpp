@@ -22,7 +22,7 @@ BitmapSource HatchPicture(const BrushDescription& brush) {
   picture.width = picture.height = 8;
   picture.bits_per_pixel = 1;
   picture.top_down = true;
-  picture.palette = {SwapRedBlue(brush.background), SwapRedBlue(brush.color)};
+  picture.palette = {SwapRedBlue(brush.background), SwapRedBlue(brush.colour)};
   picture.bits.resize(8 * picture.Stride());
   for (size_t y = 0; y < 8; ++y) {
     picture.bits[y * picture.Stride()] = std::byte{kHatches[brush.hatch][y]};
@@ -32,17 +32,17 @@ BitmapSource HatchPicture(const BrushDescription& brush) {
 
 }  // namespace
 
-BrushObjects::BrushObjects(const BrushDescription& brush, PFN_DrvRealizeBrush realize,
+BrushObjects::BrushObjects(const BrushDescription& brush, PFN_DrvRealizeBrush realise,
                            SURFOBJ& target) {
   const bool hatched = brush.kind == BrushDescription::Kind::kHatched && brush.hatch < HS_DDI_MAX;
   const bool patterned = brush.kind == BrushDescription::Kind::kPattern && brush.pattern != nullptr;
   if (!hatched && !patterned) {
-    brush_.emplace(SwapRedBlue(brush.color & 0xFFFFFF));
+    brush_.emplace(SwapRedBlue(brush.colour & 0xFFFFFF));
     return;
   }
   if (hatched) hatch_ = HatchPicture(brush);
   pattern_.emplace(hatched ? hatch_ : *brush.pattern);
-  brush_.emplace(BrushObject::Pattern{.realize = realize,
+  brush_.emplace(BrushObject::Pattern{.realise = realise,
                                       .target = &target,
                                       .pattern = pattern_->Source(),
                                       .mask = hatched ? pattern_->Source() : nullptr,

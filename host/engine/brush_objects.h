@@ -10,15 +10,15 @@
 
 namespace quillo::host {
 
-/// The objects behind one brush for the length of one call.
+/// The engine's objects for one brush during one call.
 class BrushObjects {
  public:
-  /// `realize` may be null; `target` is the surface that the brush is for.
-  BrushObjects(const BrushDescription& brush, PFN_DrvRealizeBrush realize, SURFOBJ& target);
+  /// `realise` may be null; `target` is the surface that the brush is for.
+  BrushObjects(const BrushDescription& brush, PFN_DrvRealizeBrush realise, SURFOBJ& target);
 
   BRUSHOBJ* Brush() { return &*brush_; }
   /// How often the driver was asked to realise the brush.
-  unsigned Realizations() const { return brush_->Realizations(); }
+  unsigned Realisations() const { return brush_->Realisations(); }
 
  private:
   BitmapSource hatch_;

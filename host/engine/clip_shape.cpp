@@ -10,8 +10,8 @@
 namespace quillo::host {
 namespace {
 
-/// Half the extent of "everything", in pixels: more than any sheet at the finest resolution, and
-/// few enough rows for regions to stay cheap.
+/// Half the extent of "everything", in pixels: more than any sheet at the finest resolution, but
+/// few enough rows to keep regions cheap.
 constexpr LONG kFarthest = 1 << 16;
 constexpr RECTL kEverything{-kFarthest, -kFarthest, kFarthest, kFarthest};
 
@@ -41,7 +41,7 @@ struct ClipShape::State {
   bool empty = false;
   bool rectangle = false;
   bool unbounded = false;
-  /// Polygons whose alternate filling is the region, where they are better known than from it.
+  /// Polygons whose alternate fill is the region, if they are known more exactly than by it.
   std::optional<std::vector<Polygon>> exact;
   mutable std::optional<Path> outline;  // made on demand
 };
@@ -66,7 +66,7 @@ ClipShape ClipShape::OfRegion(HRGN region) {
 ClipShape ClipShape::OfPath(const Path& path, FillMode mode) {
   std::vector<Polygon> polygons = ClipPolygons(ToPolygons(path), ToFix(kEverything));
   auto state = std::make_shared<State>(FillPolygons(polygons, mode));
-  // An outline is read by the alternate rule; a winding path that overlaps itself says more.
+  // Outlines are filled by the alternate rule; for a winding path that may be a different region.
   const bool alternate =
       mode == FillMode::kAlternate ||
       EqualRgn(state->region.Get(), FillPolygons(polygons, FillMode::kAlternate).Get());

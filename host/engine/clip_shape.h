@@ -10,10 +10,10 @@
 namespace quillo::host {
 
 /// The pixels that drawing may touch: everything, a rectangle, or any region. A value: copies are
-/// cheap and share what they hold, so that a DC state can be saved and restored.
+/// cheap and share their contents, so that a DC state can be saved and restored.
 ///
-/// Where the shape is one path, its exact outline is kept beside the region, and stays while the
-/// shape is only cut by rectangles.
+/// If the shape is a single path, its exact outline is kept as well, for as long as it is only
+/// intersected with rectangles.
 class ClipShape {
  public:
   ClipShape();  // everything
@@ -28,7 +28,7 @@ class ClipShape {
   ClipShape Combined(const ClipShape& other, int mode) const;
   ClipShape Offset(LONG dx, LONG dy) const;
 
-  /// Whether both share what they hold; equal shapes made apart are not known to be the same.
+  /// Whether both share their contents. Equal shapes that were made independently do not.
   bool SameAs(const ClipShape& other) const { return state_ == other.state_; }
   bool Unbounded() const;
   bool Empty() const;
@@ -36,11 +36,11 @@ class ClipShape {
   RECTL Bounds() const;
   /// Whether the shape is its bounding rectangle.
   bool IsRectangle() const;
-  /// How many rectangles its region holds: what combining and outlining it costs.
+  /// How many rectangles its region has: the cost of combining and outlining it.
   size_t RectangleCount() const;
   bool Contains(const RECTL& rect) const;
   bool Intersects(const RECTL& rect) const;
-  /// The region behind the shape, in device pixels; owned by the shape.
+  /// The region of the shape, in device pixels; owned by the shape.
   HRGN Handle() const;
   /// Closed figures whose alternate fill is the shape; made at the first call and kept.
   const Path& Outline() const;

@@ -46,7 +46,7 @@ std::wstring Compose(std::wstring_view text) {
     end = ClusterEnd(text, at);
     const std::wstring_view cluster = text.substr(at, end - at);
     const int count = static_cast<int>(cluster.size());
-    // Single characters stay what they are, even if others are preferred to them.
+    // Single characters stay, even if Unicode prefers others to them.
     std::wstring whole(count > 1 ? 3 * cluster.size() : 0, L'\0');
     const int size = count == 1 ? 0
                                 : NormalizeString(NormalizationC, cluster.data(), count,

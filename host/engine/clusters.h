@@ -9,13 +9,13 @@ namespace quillo::host {
 /// Whether the two units at `at` of a text are one character above U+FFFF.
 bool IsPair(std::wstring_view text, size_t at);
 
-/// The character at `at`: that of a pair, or the unit.
+/// The character at `at`: that of the surrogate pair, or the unit itself.
 char32_t CharacterAt(std::wstring_view text, size_t at);
 
 /// Appends a character as one unit or two.
 void AppendCharacter(std::wstring& text, char32_t character);
 
-/// Whether a unit is a control character, of the bidirectional algorithm too, a joiner or a
+/// Whether a unit is a control character (also of the bidirectional algorithm), a joiner or a
 /// variation selector.
 bool ShowsNothing(wchar_t unit);
 

@@ -32,14 +32,14 @@ struct BrushDescription {
   enum class Kind { kSolid, kHatched, kPattern };
 
   Kind kind = Kind::kSolid;
-  COLORREF color = RGB(0, 0, 0);                // solid colour, or colour of the hatch lines
+  COLORREF colour = RGB(0, 0, 0);               // solid colour, or colour of the hatch lines
   COLORREF background = RGB(255, 255, 255);     // between the lines of a hatch
   ULONG hatch = HS_HORIZONTAL;                  // HS_HORIZONTAL to HS_DIAGCROSS
-  std::shared_ptr<const BitmapSource> pattern;  // a monochrome one brings its two colours along
+  std::shared_ptr<const BitmapSource> pattern;  // a monochrome one has its two colours
 
-  static BrushDescription Solid(COLORREF color) {
+  static BrushDescription Solid(COLORREF colour) {
     BrushDescription brush;
-    brush.color = color;
+    brush.colour = colour;
     return brush;
   }
 };
@@ -60,12 +60,12 @@ struct PenDescription {
 /// Dashes and gaps of a cosmetic pen of style PS_SOLID to PS_DASHDOTDOT, in style units.
 std::vector<float> CosmeticStyle(DWORD pen_style);
 
-/// What of a DC applies to each drawing call.
+/// The state of a DC that applies to each drawing call.
 struct DrawState {
   ClipShape clip;                 // device pixels
   POINTL brush_origin{0, 0};      // device pixels
   uint8_t rop2 = R2_COPYPEN;      // R2_BLACK to R2_WHITE
-  bool opaque_background = true;  // background mode; false: what hatches and masks leave out stays
+  bool opaque_background = true;  // background mode; false: gaps of hatches stay
 };
 
 }  // namespace quillo::host

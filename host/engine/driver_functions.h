@@ -7,10 +7,10 @@
 
 namespace quillo::host {
 
-/// A call that the driver refused, or could not be made at all.
+/// A call that the driver refused, or that could not be made at all.
 class DriverFailure : public std::runtime_error {
  public:
-  /// `call` names the function, `last_error` is Windows' error code at its return (0: none given).
+  /// `call` names the function, `last_error` is the thread's error code afterwards (0: none).
   DriverFailure(const std::string& call, DWORD last_error);
   const std::string& Call() const { return call_; }
   DWORD LastError() const { return last_error_; }
@@ -20,7 +20,7 @@ class DriverFailure : public std::runtime_error {
   DWORD last_error_;
 };
 
-/// Every DDI function that this engine can ask for: function, whether a driver must have it.
+/// Every DDI function that this engine uses: its name, and whether a driver must have it.
 // clang-format off
 #define QUILLO_DDI_FUNCTIONS(X) \
   X(EnablePDEV, true)           \
@@ -53,7 +53,7 @@ struct DriverFunctions {
   QUILLO_DDI_FUNCTIONS(QUILLO_MEMBER)
 #undef QUILLO_MEMBER
 
-  /// Sorts a driver's table by index; entries that this engine never asks for are left out.
+  /// Sorts a driver's table by index; ignores entries that this engine never uses.
   /// Throws DriverFailure when a function that every driver must have is missing.
   static DriverFunctions FromTable(const DRVENABLEDATA& table);
 };

@@ -10,15 +10,15 @@
 namespace quillo::host {
 namespace {
 
-/// A printing process has nobody before a screen: a box would wait for ever.
-int WINAPI TellWithoutABox(HWND, LPCWSTR text, LPCWSTR caption, UINT) {
+/// Nobody watches the screen of a printing process, so a box would wait forever.
+int WINAPI WriteToErrorStream(HWND, LPCWSTR text, LPCWSTR caption, UINT) {
   std::fwprintf(stderr, L"the driver says: %ls: %ls\n", caption, text);
   return IDOK;
 }
 
-/// What stands in for an import of the driver; null for those of the system itself.
+/// The replacement for an import of the driver; null if the system's own is used.
 void* FindService(std::string_view name) {
-  if (name == "MessageBoxW") return reinterpret_cast<void*>(&TellWithoutABox);
+  if (name == "MessageBoxW") return reinterpret_cast<void*>(&WriteToErrorStream);
   for (const EngineService& service : EngineServices()) {
     if (name == service.name) return service.address;
   }
@@ -40,8 +40,8 @@ void WriteEntry(void** entry, void* address) {
   VirtualProtect(entry, sizeof *entry, protection, &protection);
 }
 
-/// Points every engine service that the module imports by name, and GDI's calls where its recorder
-/// drops records, to this process's own.
+/// Binds the engine services that the module imports by name, and GDI's functions where its
+/// recorder drops records, to those of this process.
 void BindServices(HMODULE module) {
   auto* base = reinterpret_cast<std::byte*>(module);
   const auto* dos = reinterpret_cast<const IMAGE_DOS_HEADER*>(base);

@@ -11,9 +11,9 @@ namespace quillo::host {
 
 /// A printer graphics driver DLL, loaded and enabled.
 ///
-/// The module's imports of engine services are bound to this process's own services before the
-/// first call into it, since the platform's are missing under Wine; so are its imports of GDI where
-/// they record less than Windows' (see page_records.h).
+/// Before the first call into the module, its imports of engine services are bound to those of this
+/// process, as Wine has none; so are its imports of GDI that record less than on Windows (see
+/// page_records.h).
 class DriverModule {
  public:
   /// Loads the DLL and enables the driver. Throws DriverFailure.

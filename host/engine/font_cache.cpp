@@ -10,10 +10,10 @@ namespace quillo::host {
 namespace {
 
 // Each open font holds a font handle and two DCs.
-constexpr size_t kMostOpen = 200;
+constexpr size_t kMaxOpen = 200;
 
-// Sizes beyond this, in logical units, would only strain the rasteriser.
-constexpr LONG kLargest = 1 << 20;
+// Larger sizes, in logical units, would only strain the rasteriser.
+constexpr LONG kMaxSize = 1 << 20;
 
 constexpr BYTE kFamilyBits = 0xF0;
 constexpr wchar_t kLetter = L'A';
@@ -28,14 +28,14 @@ bool IsSame(const std::wstring& a, const wchar_t* b) {
 
 FontCache::Font FontCache::Find(const LOGFONTW& font) {
   LOGFONTW bounded = font;
-  bounded.lfHeight = std::clamp(font.lfHeight, -kLargest, kLargest);
-  bounded.lfWidth = std::clamp(font.lfWidth, -kLargest, kLargest);
+  bounded.lfHeight = std::clamp(font.lfHeight, -kMaxSize, kMaxSize);
+  bounded.lfWidth = std::clamp(font.lfWidth, -kMaxSize, kMaxSize);
   const size_t name = wcsnlen(font.lfFaceName, LF_FACESIZE - 1);
   std::fill(bounded.lfFaceName + name, bounded.lfFaceName + LF_FACESIZE, L'\0');
 
   const std::string key(reinterpret_cast<const char*>(&bounded), sizeof(bounded));
   if (const auto found = fonts_.find(key); found != fonts_.end()) return found->second;
-  if (fonts_.size() >= kMostOpen) fonts_.clear();  // lines being drawn keep theirs
+  if (fonts_.size() >= kMaxOpen) fonts_.clear();  // lines that are being drawn keep theirs
   Font opened = Open(bounded, nullptr);
   if (opened != nullptr && opened->Substituted() && !opened->Map().invertible) {
     opened = Substitute(bounded, std::move(opened));
@@ -72,7 +72,7 @@ FontCache::Font FontCache::Open(const LOGFONTW& font, const wchar_t* face) {
 const std::vector<FontCache::Face>& FontCache::Faces() {
   if (!faces_.empty()) return faces_;
   const auto take = [](const LOGFONTW* font, const TEXTMETRICW*, DWORD type, LPARAM list) {
-    // A face that begins with @ is another one for vertical lines.
+    // A face that begins with @ is a variant for vertical lines.
     if ((type & TRUETYPE_FONTTYPE) != 0 && font->lfFaceName[0] != L'@' &&
         font->lfCharSet != SYMBOL_CHARSET) {
       reinterpret_cast<std::vector<Face>*>(list)->push_back(
@@ -92,16 +92,16 @@ const std::vector<FontCache::Face>& FontCache::Faces() {
   return faces_;
 }
 
-/// The font of a face at some size, to ask for its characters; null when it cannot be opened.
+/// The font of a face at some size, to look up its characters; null if it cannot be opened.
 const TextFont* FontCache::Sample(size_t face) {
   if (!samples_[face]) samples_[face] = Open(LOGFONTW{}, faces_[face].name.c_str());
   return samples_[face]->get();
 }
 
-/// The substitute for a missing font in the place of `found`: of its pitch and family, if there are
-/// such ones. `found` where no installed font is any better.
+/// A better substitute for a missing font than `found`: an invertible one, preferably of the same
+/// pitch and family. `found` if there is none.
 FontCache::Font FontCache::Substitute(const LOGFONTW& wanted, Font found) {
-  // The common ones of each kind come before those that only come early in the alphabet.
+  // Common fonts of each kind are preferred to those that merely come first in the alphabet.
   constexpr const wchar_t* kCommon[] = {L"Liberation Sans", L"Liberation Serif",
                                         L"Liberation Mono"};
   const BYTE kind = (wanted.lfPitchAndFamily & kFamilyBits) != FF_DONTCARE
@@ -125,7 +125,7 @@ FontCache::Font FontCache::Substitute(const LOGFONTW& wanted, Font found) {
   return found;
 }
 
-/// A font like `font` of the first face that has all of these characters; null when none has.
+/// Like `font`, but of the first face that has all of these characters; null if there is none.
 FontCache::Font FontCache::Fallback(const TextFont& font, std::wstring_view cluster) {
   const bool fixed = HasFixedPitch(font.Metrics().jWinPitchAndFamily);
   const auto [known, is_new] = known_[fixed].try_emplace(std::wstring(cluster));

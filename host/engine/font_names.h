@@ -7,10 +7,10 @@
 
 namespace quillo::host {
 
-/// Names that the font file behind the font of `dc` gives itself. The platform may go by another
-/// name where it lets one font stand in for another.
+/// The names in the file of the font that is selected in `dc`. The platform may use another name
+/// where it substitutes one font for another.
 struct FileNames {
-  std::wstring family;              // in English where the font has that; may be empty
+  std::wstring family;              // in English if the font has that; may be empty
   std::vector<std::wstring> every;  // family and full names, in each of their languages
 };
 

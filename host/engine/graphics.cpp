@@ -9,7 +9,7 @@
 namespace quillo::host {
 namespace {
 
-/// The pixels that a path can touch with `reach` pixels to each side; never empty.
+/// The pixels within `reach` pixels of a path; never empty.
 RECTL PixelBounds(const Path& path, double reach) {
   const RECTFX bounds = path.Bounds();
   const auto low = [&](FIX value) { return static_cast<LONG>(std::floor(value / 16.0 - reach)); };
@@ -24,8 +24,8 @@ MIX MixOf(const DrawState& state) {
   return static_cast<MIX>((state.opaque_background ? state.rop2 : R2_NOP) << 8 | state.rop2);
 }
 
-/// The farthest that a pen can reach for its drawing to matter, in pixels.
-constexpr double kFarthestReach = 1 << 20;
+/// Limits the reach of pens, in pixels: what is farther away cannot matter.
+constexpr double kMaxReach = 1 << 20;
 
 }  // namespace
 
@@ -33,13 +33,14 @@ Graphics::Graphics(const DriverFunctions& driver, const DEVINFO& device_info, Su
     : driver_(driver),
       capabilities_(device_info.flGraphicsCaps),
       surface_(surface),
-      last_clip_on_surface_(RECTL{0, 0, surface.sizlBitmap.cx, surface.sizlBitmap.cy}) {}
+      last_clip_on_surface_(RECTL{0, 0, surface.sizlBitmap.cx, surface.sizlBitmap.cy}),
+      budget_(surface.sizlBitmap) {}
 
 Graphics::~Graphics() = default;
 
 SIZEL Graphics::Size() const { return surface_.sizlBitmap; }
 
-void Graphics::CountRealizations(unsigned count) {
+void Graphics::CountRealisations(unsigned count) {
   if (count != 0) calls_.made["DrvRealizeBrush"] += count;
 }
 
@@ -53,7 +54,7 @@ std::optional<ClipObject> Graphics::ClipFor(const RECTL& bounds, const ClipShape
   if (!shape.Intersects(bounds)) return std::nullopt;
   if (shape.Contains(bounds)) return ClipObject(DC_TRIVIAL, bounds);
   if (shape.IsRectangle()) return ClipObject(DC_RECT, shape.Bounds());
-  // What lies beyond the drawing need not be told; often little is left, or only a rectangle.
+  // The driver need not see the clip outside of the drawing; often only a rectangle remains.
   const ClipShape part = shape.Combined(ClipShape(bounds), RGN_AND);
   if (part.IsRectangle()) return ClipObject(DC_RECT, part.Bounds());
   return ClipObject(part.Bounds(), RunsOf(part.Outline()));
@@ -79,7 +80,7 @@ std::vector<PathRun> Graphics::RunsOf(const Path& path) const {
 
 void Graphics::Stroke(const Path& path, const PenDescription& pen, const DrawState& state) {
   if (path.Empty() || state.rop2 == R2_NOP) return;
-  auto clip = ClipFor(PixelBounds(path, std::min(Reach(pen), kFarthestReach)), state.clip);
+  auto clip = ClipFor(PixelBounds(path, std::min(Reach(pen), kMaxReach)), state.clip);
   if (!clip) return;
 
   PathObject outline(RunsOf(path));
@@ -90,7 +91,7 @@ void Graphics::Stroke(const Path& path, const PenDescription& pen, const DrawSta
             stroke.Transform(), brush.Brush(), &origin, stroke.Attributes(), MixOf(state))) {
     Refused("DrvStrokePath");
   }
-  CountRealizations(brush.Realizations());
+  CountRealisations(brush.Realisations());
 }
 
 void Graphics::Fill(const Path& path, const BrushDescription& brush, FillMode mode,
@@ -106,13 +107,13 @@ void Graphics::Fill(const Path& path, const BrushDescription& brush, FillMode mo
             fill.Brush(), &origin, MixOf(state), static_cast<FLONG>(mode))) {
     Refused("DrvFillPath");
   }
-  CountRealizations(fill.Realizations());
+  CountRealisations(fill.Realisations());
 }
 
 void Graphics::StrokeAndFill(const Path& path, const PenDescription& pen,
                              const BrushDescription& brush, FillMode mode, const DrawState& state) {
   if (path.Empty() || state.rop2 == R2_NOP) return;
-  auto clip = ClipFor(PixelBounds(path, std::min(Reach(pen), kFarthestReach)), state.clip);
+  auto clip = ClipFor(PixelBounds(path, std::min(Reach(pen), kMaxReach)), state.clip);
   if (!clip) return;
 
   bool drawn;
@@ -125,7 +126,7 @@ void Graphics::StrokeAndFill(const Path& path, const PenDescription& pen,
     drawn = Hook("DrvStrokeAndFillPath", driver_.StrokeAndFillPath, HOOK_STROKEANDFILLPATH,
                  &surface_, &outline, &*clip, stroke.Transform(), line.Brush(), stroke.Attributes(),
                  fill.Brush(), &origin, MixOf(state), static_cast<FLONG>(mode));
-    CountRealizations(line.Realizations() + fill.Realizations());
+    CountRealisations(line.Realisations() + fill.Realisations());
   }
   if (drawn) return;
   Fill(path, brush, mode, state);
@@ -158,7 +159,7 @@ void Graphics::Paint(const ClipShape& area, const BrushDescription& brush, const
   const ClipShape shape = whole.Combined(area, RGN_AND).Combined(state.clip, RGN_AND);
   if (shape.Empty()) return;
 
-  // The clip itself is what is painted, so that even a rectangle is none to leave out.
+  // The clip itself is painted, so even a rectangle is never trivial.
   ClipObject clip = shape.IsRectangle() ? ClipObject(DC_RECT, shape.Bounds())
                                         : ClipObject(shape.Bounds(), RunsOf(shape.Outline()));
   BrushObjects paint(brush, driver_.RealizeBrush, surface_);
@@ -167,7 +168,7 @@ void Graphics::Paint(const ClipShape& area, const BrushDescription& brush, const
             MixOf(state))) {
     Refused("DrvPaint");
   }
-  CountRealizations(paint.Realizations());
+  CountRealisations(paint.Realisations());
 }
 
 }  // namespace quillo::host

@@ -15,6 +15,7 @@
 #include "host/engine/drawing.h"
 #include "host/engine/driver_functions.h"
 #include "host/engine/path.h"
+#include "host/engine/picture_budget.h"
 #include "host/engine/services/clips.h"
 #include "host/engine/services/surfaces.h"
 #include "host/engine/text.h"
@@ -25,19 +26,19 @@ namespace quillo::host {
 /// Calls of one page by the name of the DDI function.
 struct DdiCalls {
   std::map<std::string, uint64_t> made;     // every call
-  std::map<std::string, uint64_t> refused;  // calls that answered FALSE and had no fallback left:
+  std::map<std::string, uint64_t> refused;  // calls that returned FALSE and had no fallback left:
                                             // their drawing is not on the page
-  std::map<std::string, uint64_t> unmade;   // calls that would take more pictures of the engine's
-                                            // making than one page may have: likewise
-  std::vector<bool> glyph_texts;            // of each text call that drew: whether its text came as
+  std::map<std::string, uint64_t> unmade;   // calls that the page's budget of pictures did not
+                                            // allow: likewise
+  std::vector<bool> glyph_texts;            // of each successful text call: whether its text was
                                             // glyph indexes
 };
 
 /// The drawing engine of one page: what GDI does between an application's call and the driver.
 ///
-/// Everything is in device space. Calls whose drawing lies outside the clip or the surface are
-/// dropped, as GDI drops them. Only hooks that the table has and the surface asks for are called;
-/// when one answers FALSE, the engine falls back as Windows does.
+/// Everything is in device space. Like GDI, drops calls whose drawing lies outside the clip or the
+/// surface. Calls only hooks that the table has and the surface asks for; when one returns FALSE,
+/// falls back as Windows does.
 class Graphics {
  public:
   /// `surface` must have been associated with a device of `driver`, and outlive this object.
@@ -48,9 +49,9 @@ class Graphics {
   void Fill(const Path& path, const BrushDescription& brush, FillMode mode, const DrawState& state);
   void StrokeAndFill(const Path& path, const PenDescription& pen, const BrushDescription& brush,
                      FillMode mode, const DrawState& state);
-  /// One line. A solid cosmetic pen goes to DrvLineTo first, any other is a path.
+  /// One line. With a solid cosmetic pen it goes to DrvLineTo first, otherwise it is a path.
   void Line(POINTFIX from, POINTFIX to, const PenDescription& pen, const DrawState& state);
-  /// Paints the pixels of `area` that the clip leaves (FillRgn, PaintRgn, InvertRgn, FrameRgn).
+  /// Paints the pixels of `area` inside the clip (FillRgn, PaintRgn, InvertRgn, FrameRgn).
   void Paint(const ClipShape& area, const BrushDescription& brush, const DrawState& state);
 
   /// The blits. `source_origin` and source rectangles are in pixels of the source, rows from the
@@ -62,8 +63,8 @@ class Graphics {
   void StretchBlt(const RECTL& target, const BitmapSource& source, const RECTL& source_rect,
                   uint8_t rop3, const BrushDescription* brush, ULONG stretch_mode,
                   const DrawState& state);
-  /// Draws a whole picture that is not run-length coded. One with a palette keeps its few bits a
-  /// pixel on the page at any size: the copy of an unstretched one would have 24.
+  /// Draws a whole picture that is not run-length coded. A picture with a palette always goes to
+  /// DrvStretchBlt, which keeps its depth on the page: DrvCopyBits would store 24 bits a pixel.
   void DrawPicture(const RECTL& target, const BitmapSource& picture);
   /// Two operations on one rectangle: where the mask (1 bit a pixel, as large as the source
   /// rectangle from `mask_origin` on) is set the low byte of `rop4`, elsewhere the high one.
@@ -71,8 +72,8 @@ class Graphics {
                const BitmapSource& source, const RECTL& source_rect, const BitmapSource& mask,
                POINTL mask_origin, const DrawState& state);
   /// Copies a source rectangle into a parallelogram: its top left, top right and bottom left
-  /// corner. A mask that is given (1 bit a pixel, as large as the source rectangle from
-  /// `mask_origin` on) leaves out the pixels where it is clear.
+  /// corner. With a mask (1 bit a pixel, as large as the source rectangle from `mask_origin` on)
+  /// only the pixels where it is set are drawn.
   void PlgBlt(const std::array<POINTFIX, 3>& target, const BitmapSource& source,
               const RECTL& source_rect, const BitmapSource* mask, POINTL mask_origin,
               ULONG stretch_mode, const DrawState& state);
@@ -83,17 +84,17 @@ class Graphics {
   void TransparentBlt(const RECTL& target, const BitmapSource& source, const RECTL& source_rect,
                       uint32_t key, const DrawState& state);
   /// Vertices in device pixels; `mesh` holds their numbers, two for each rectangle
-  /// (GRADIENT_FILL_RECT_H, _V) or three for each triangle (GRADIENT_FILL_TRIANGLE). Meshes with a
-  /// number that has no vertex are left out.
+  /// (GRADIENT_FILL_RECT_H, _V) or three for each triangle (GRADIENT_FILL_TRIANGLE). Skips shapes
+  /// with the number of no vertex.
   void GradientFill(std::span<const TRIVERTEX> vertices, std::span<const ULONG> mesh, ULONG mode,
                     const DrawState& state);
 
-  /// Draws what is held back: stretches that combine their source with what is there wait for the
-  /// next drawing, as a mask and its picture come one after the other and are drawn as one. To be
-  /// called when the page is complete.
+  /// Draws what is held back: stretches that combine their source with the page wait for the next
+  /// drawing, as a mask and its picture come one after the other and are drawn as one. To be called
+  /// when the page is complete.
   void Finish();
 
-  /// Draws a line of text; see text.h. Gives the length of the line in logical units.
+  /// Draws a line of text; see text.h. Returns the length of the line in logical units.
   double Text(const TextDescription& text, const DrawState& state);
 
   /// Size in device pixels.
@@ -109,12 +110,12 @@ class Graphics {
     uint8_t rop3;
     DrawState state;
 
-    /// Whether the other one draws the same place.
+    /// Whether the other one draws in the same place.
     bool SamePlace(const HeldStretch& other) const;
   };
 
-  /// Calls a hook when the table has it and the surface asks for it; FALSE otherwise. A `hook` of 0
-  /// needs no asking for.
+  /// Calls a hook if the table has it and the surface asks for it (`hook` 0: always). Returns its
+  /// result, or false.
   template <typename Function, typename... Arguments>
   bool Hook(const char* name, Function function, FLONG hook, Arguments... arguments) {
     if (function == nullptr || (surface_.hooks & hook) != hook) return false;
@@ -122,23 +123,21 @@ class Graphics {
     ++calls_.made[name];
     return function(arguments...) != 0;
   }
-  /// Counts a picture of so many bytes that a call is broken down into. False when the page has had
-  /// too many of them: the call `name` then counts as unmade.
+  /// Counts a picture of so many bytes that the call `name` is broken down into. False, and the
+  /// call is unmade, when that exceeds the page's budget.
   bool MayMake(const char* name, double bytes);
-  /// Whether MayMake would let a picture of so many bytes be made.
-  bool CanMake(double bytes) const;
   void Hold(HeldStretch stretch);
   void Refused(const char* name) { ++calls_.refused[name]; }
-  void CountRealizations(unsigned count);
+  void CountRealisations(unsigned count);
 
-  /// The part of `bounds` that the clip and the surface can leave, as a rectangle around it.
+  /// The part of `bounds` inside the surface and the bounds of the clip.
   RECTL Visible(const RECTL& bounds, const ClipShape& clip);
-  /// DrvBitBlt on an area whose pixels all have a source pixel, and a mask pixel where there is
-  /// one.
+  /// DrvBitBlt on an area each of whose pixels has a source pixel, and a mask pixel if there is a
+  /// mask.
   void RasterOperation(const RECTL& area, ROP4 rop4, const BrushDescription* brush,
                        const BitmapSource* source, POINTL source_origin, const BitmapSource* mask,
                        POINTL mask_origin, const DrawState& state);
-  /// RasterOperation with what of a stretched picture falls on `area`.
+  /// RasterOperation with the part of a stretched picture that falls on `area`.
   void CombineStretched(const BitmapSource& source, const RECTL& source_rect, const RECTL& target,
                         const RECTL& area, uint8_t rop3, const BrushDescription* brush,
                         const DrawState& state);
@@ -151,7 +150,7 @@ class Graphics {
              const DrawState& state);
   void FillTriangle(const TRIVERTEX (&corners)[3], const DrawState& state);
 
-  /// Fills a quadrangle given in device pixels, whatever the binary operation.
+  /// Fills a quadrangle of device pixels with R2_COPYPEN.
   void FillPolygon(const PointD (&corners)[4], const BrushDescription& brush,
                    const DrawState& state);
   /// `accelerators` are SO_*; an opaque rectangle is painted together with the glyphs.
@@ -159,20 +158,20 @@ class Graphics {
                   FLONG accelerators, const RECTL& cell, const std::optional<RECTL>& opaque,
                   const DrawState& state);
 
-  /// The clip of a call that draws within `bounds`; nothing when no pixel of them is left.
+  /// The clip for a call that draws within `bounds`; nothing when it leaves no pixel of them.
   std::optional<ClipObject> ClipFor(const RECTL& bounds, const ClipShape& clip);
-  /// Runs of a path as this driver takes them: with its curves, or flattened.
+  /// The runs of a path: with its curves if this driver accepts them, otherwise flattened.
   std::vector<PathRun> RunsOf(const Path& path) const;
 
   const DriverFunctions& driver_;
   const FLONG capabilities_;  // GCAPS_*
   Surface& surface_;
-  // The last clip cut to the surface, since calls in a row mostly have the same.
+  // The last clip, and its part on the surface: successive calls mostly have the same.
   ClipShape last_clip_;
   ClipShape last_clip_on_surface_;
-  std::set<std::shared_ptr<const TextFont>> known_fonts_;  // the driver was asked about them
-  std::vector<HeldStretch> held_;                          // all of one place
-  double made_bytes_ = 0;  // of pictures that calls were broken down into
+  std::set<std::shared_ptr<const TextFont>> known_fonts_;  // the driver has been asked about these
+  std::vector<HeldStretch> held_;                          // all in one place
+  PictureBudget budget_;
   DdiCalls calls_;
 };
 

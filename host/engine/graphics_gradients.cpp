@@ -1,45 +1,46 @@
 #include <algorithm>
 #include <cmath>
 
+#include "host/engine/blit_areas.h"
 #include "host/engine/graphics.h"
 #include "host/engine/raster.h"
 #include "host/engine/raster_operation.h"
 
-// Gradients, which no driver of this kind hooks: pictures of them are drawn instead.
+// Gradients, which no driver of this kind hooks: they are drawn as pictures.
 namespace quillo::host {
 namespace {
 
-/// More colours than this never lie between two colours of 8 bits a channel.
-constexpr LONG kMostSteps = 1024;
+/// There are never more colours than this between two colours of 8 bits a channel.
+constexpr LONG kMaxSteps = 1024;
 
-struct Color {
+struct Colour {
   double red, green, blue;
 };
 
 /// The channels of a vertex, 0 to 255.
-Color ColorOf(const TRIVERTEX& vertex) {
+Colour ColourOf(const TRIVERTEX& vertex) {
   return {vertex.Red / 256.0, vertex.Green / 256.0, vertex.Blue / 256.0};
 }
 
-uint32_t Pack(const Color& color) {
+uint32_t Pack(const Colour& colour) {
   const auto byte = [](double value) {
     return static_cast<uint32_t>(std::clamp(value, 0.0, 255.0));
   };
-  return byte(color.red) << 16 | byte(color.green) << 8 | byte(color.blue);
+  return byte(colour.red) << 16 | byte(colour.green) << 8 | byte(colour.blue);
 }
 
-/// How many colours of 8 bits a channel lie on the way from one corner to another.
+/// How many colours of 8 bits a channel there are between the corners.
 LONG TonesBetween(const TRIVERTEX (&corners)[3]) {
   const auto spread = [&](COLOR16 TRIVERTEX::*channel) {
-    const auto [least, most] =
+    const auto [min, max] =
         std::minmax({corners[0].*channel, corners[1].*channel, corners[2].*channel});
-    return (most >> 8) - (least >> 8) + 1;
+    return (max >> 8) - (min >> 8) + 1;
   };
   return std::max({spread(&TRIVERTEX::Red), spread(&TRIVERTEX::Green), spread(&TRIVERTEX::Blue)});
 }
 
 /// a * wa + b * wb + c * wc
-Color Mix(const Color& a, double wa, const Color& b, double wb, const Color& c, double wc) {
+Colour Mix(const Colour& a, double wa, const Colour& b, double wb, const Colour& c, double wc) {
   return {a.red * wa + b.red * wb + c.red * wc, a.green * wa + b.green * wb + c.green * wc,
           a.blue * wa + b.blue * wb + c.blue * wc};
 }
@@ -58,10 +59,10 @@ void Graphics::FillTriangle(const TRIVERTEX (&corners)[3], const DrawState& stat
   DrawState inside = state;
   inside.clip = state.clip.Combined(ClipShape::OfPath(outline, FillMode::kAlternate), RGN_AND);
   const RECTL area = Visible(inside.clip.Bounds(), inside.clip);
-  if (determinant == 0 || area.left >= area.right || area.top >= area.bottom) return;
+  if (determinant == 0 || IsEmpty(area)) return;
 
-  // The colours go on beyond the edges, which the clip draws; no more of them are needed than eight
-  // bits can tell apart.
+  // The colours continue beyond the edges, which the clip cuts. The picture needs no more pixels
+  // than there are distinct colours of eight bits.
   const LONG width = area.right - area.left, height = area.bottom - area.top;
   const LONG tones = TonesBetween(corners);
   const SIZEL size = {std::min(width, tones), std::min(height, tones)};
@@ -73,11 +74,11 @@ void Graphics::FillTriangle(const TRIVERTEX (&corners)[3], const DrawState& stat
       const double dy = area.top + (y + 0.5) * height / picture.height - a.y;
       const double wb = (dx * (c.y - a.y) - dy * (c.x - a.x)) / determinant;
       const double wc = (dy * (b.x - a.x) - dx * (b.y - a.y)) / determinant;
-      SetPixel(picture, x, y, Pack(Mix(ColorOf(a), 1 - wb - wc, ColorOf(b), wb, ColorOf(c), wc)));
+      SetPixel(picture, x, y,
+               Pack(Mix(ColourOf(a), 1 - wb - wc, ColourOf(b), wb, ColourOf(c), wc)));
     }
   }
-  StretchBlt(area, picture, {0, 0, picture.width, picture.height}, kSourceCopy, nullptr,
-             COLORONCOLOR, inside);
+  StretchBlt(area, picture, WholeOf(picture), kSourceCopy, nullptr, COLORONCOLOR, inside);
 }
 
 void Graphics::GradientFill(std::span<const TRIVERTEX> vertices, std::span<const ULONG> mesh,
@@ -97,16 +98,16 @@ void Graphics::GradientFill(std::span<const TRIVERTEX> vertices, std::span<const
     const TRIVERTEX &first = vertices[numbers[0]], &last = vertices[numbers[1]];
     const bool across = mode == GRADIENT_FILL_RECT_H;
     const LONG length = across ? std::abs(last.x - first.x) : std::abs(last.y - first.y);
-    const LONG steps = std::min(length, kMostSteps);
+    const LONG steps = std::min(length, kMaxSteps);
     if (steps == 0) continue;
     BitmapSource picture = across ? MakeArgb(steps, 1) : MakeArgb(1, steps);
     for (LONG step = 0; step < steps; ++step) {
       const double t = static_cast<double>(step) / steps;
       SetPixel(picture, across ? step : 0, across ? 0 : step,
-               Pack(Mix(ColorOf(first), 1 - t, ColorOf(last), t, {}, 0)));
+               Pack(Mix(ColourOf(first), 1 - t, ColourOf(last), t, {}, 0)));
     }
-    StretchBlt({first.x, first.y, last.x, last.y}, picture, {0, 0, picture.width, picture.height},
-               kSourceCopy, nullptr, COLORONCOLOR, state);
+    StretchBlt({first.x, first.y, last.x, last.y}, picture, WholeOf(picture), kSourceCopy, nullptr,
+               COLORONCOLOR, state);
   }
 }
 

@@ -13,7 +13,7 @@ namespace {
 
 LONG Round(double value) { return static_cast<LONG>(std::lround(value)); }
 
-/// The rectangle around points, in whole pixels.
+/// The bounding rectangle of points, in whole pixels.
 RECTL Around(std::initializer_list<PointD> points) {
   double left = 1e9, top = 1e9, right = -1e9, bottom = -1e9;
   for (const PointD& p : points) {
@@ -30,7 +30,7 @@ bool Contains(const RECTL& outer, const RECTL& inner) {
          outer.bottom >= inner.bottom;
 }
 
-/// What the placing says about the line, for drivers to take short cuts by.
+/// Properties of the placement that let drivers take short cuts (SO_*).
 FLONG Accelerators(const TextDescription& text, const TextLayout& layout) {
   FLONG accelerators = text.glyph_indexes ? SO_GLYPHINDEX_TEXTOUT : 0;
   if (layout.Natural()) accelerators |= SO_FLAG_DEFAULT_PLACEMENT;
@@ -57,9 +57,9 @@ double Graphics::Text(const TextDescription& text, const DrawState& state) {
                             corner(layout.start, -font.Descent())};
   const RECTL cell = Around({corners[0], corners[1], corners[2], corners[3]});
 
-  // Where a driver draws glyph by glyph, each comes with the whole opaque rectangle and wipes out
-  // those before it. So the rectangle goes along only with a line that is drawn at once, upright;
-  // it goes before any other line, and so does a second one.
+  // A driver that draws glyph by glyph repeats the opaque rectangle with each of them, which erases
+  // the previous ones. So the rectangle is only passed along with a line that is drawn at once,
+  // upright; for any other line, and if there are two rectangles, it is drawn before the text.
   const FLONG accelerators = Accelerators(text, layout);
   const bool at_once = (accelerators & (SO_FLAG_DEFAULT_PLACEMENT | SO_HORIZONTAL | SO_REVERSED)) ==
                            (SO_FLAG_DEFAULT_PLACEMENT | SO_HORIZONTAL) &&
@@ -80,18 +80,18 @@ double Graphics::Text(const TextDescription& text, const DrawState& state) {
   if (text.text.empty()) return 0;
 
   for (const GlyphRun& run : layout.runs) {
-    // A hint on the direction would have the driver take the halves of a pair apart.
+    // With a hint on the direction the driver would separate the halves of a pair.
     const FLONG placing = run.pair ? 0 : accelerators & ~FLONG{SO_FLAG_DEFAULT_PLACEMENT};
     DrawGlyphs(text, layout, run, placing | (run.natural ? SO_FLAG_DEFAULT_PLACEMENT : 0), cell,
                along, state);
   }
 
-  // This kind of driver draws no bars by itself.
-  const BrushDescription ink = BrushDescription::Solid(text.color);
+  // This kind of driver does not draw bars itself.
+  const BrushDescription ink = BrushDescription::Solid(text.colour);
   const auto draw_bar = [&](const TextFont::Bar& bar) {
     // At least a pixel thick; the position is that of the bar's upper edge.
-    const double least = 1 / std::max(std::hypot(layout.up.x, layout.up.y), 1e-6);
-    const double bottom = bar.position - std::max<double>(bar.thickness, least);
+    const double min_thickness = 1 / std::max(std::hypot(layout.up.x, layout.up.y), 1e-6);
+    const double bottom = bar.position - std::max<double>(bar.thickness, min_thickness);
     const PointD outline[] = {layout.Above(layout.start, bar.position),
                               layout.Above(layout.end, bar.position),
                               layout.Above(layout.end, bottom), layout.Above(layout.start, bottom)};
@@ -117,7 +117,7 @@ void Graphics::DrawGlyphs(const TextDescription& text, const TextLayout& layout,
                           const GlyphRun& run, FLONG accelerators, const RECTL& cell,
                           const std::optional<RECTL>& opaque, const DrawState& state) {
   const TextFont& font = *run.font;
-  // Glyphs may reach out of their cells, and stand beside them.
+  // Glyphs may extend beyond their cells, and may be placed outside of the line's.
   const double em = text.font->Metrics().fwdUnitsPerEm;
   const LONG reach = Round(std::min(em * (std::hypot(layout.up.x, layout.up.y)), 1e6)) + 1;
   RECTL bounds{cell.left - reach, cell.top - reach, cell.right + reach, cell.bottom + reach};
@@ -146,16 +146,16 @@ void Graphics::DrawGlyphs(const TextDescription& text, const TextLayout& layout,
   if (glyphs.empty()) return;
   const size_t batch = glyphs.size() > kGlyphsAtHand ? kGlyphsAtHand : 0;
   StringObject string(std::move(glyphs), std::move(units), accelerators, cell, batch);
-  FontObject realized(font.Metrics(), font.Names(), run.font_to_device, font.FontType());
-  BrushObjects ink(BrushDescription::Solid(text.color), driver_.RealizeBrush, surface_);
+  FontObject realised(font.Metrics(), font.Names(), run.font_to_device, font.FontType());
+  BrushObjects ink(BrushDescription::Solid(text.colour), driver_.RealizeBrush, surface_);
   BrushObjects background(BrushDescription::Solid(text.background), driver_.RealizeBrush, surface_);
   if (known_fonts_.insert(text.fonts.empty() ? text.font : text.fonts[run.first]).second &&
       driver_.GetGlyphMode != nullptr) {
     ++calls_.made["DrvGetGlyphMode"];
-    driver_.GetGlyphMode(surface_.dhpdev, &realized);
+    driver_.GetGlyphMode(surface_.dhpdev, &realised);
   }
   POINTL origin = state.brush_origin;
-  if (!Hook("DrvTextOut", driver_.TextOut, HOOK_TEXTOUT, &surface_, &string, &realized, &*clip,
+  if (!Hook("DrvTextOut", driver_.TextOut, HOOK_TEXTOUT, &surface_, &string, &realised, &*clip,
             nullptr, opaque ? &opaque_area : nullptr, ink.Brush(),
             opaque ? background.Brush() : nullptr, &origin,
             static_cast<MIX>(R2_COPYPEN << 8 | R2_COPYPEN))) {

@@ -23,7 +23,7 @@ namespace fs = std::filesystem;
 
 // -- Records -----------------------------------------------------------------------------------
 
-/// A record of double words.
+/// A record from its double words; fills in the size.
 std::vector<std::byte> MakeRecord(const std::vector<uint32_t>& words) {
   const Bytes bytes = std::as_bytes(std::span(words));
   std::vector<std::byte> record(bytes.begin(), bytes.end());
@@ -37,16 +37,16 @@ struct Pattern {
   Bytes bits;
 };
 
-/// The pattern of a pen's brush; nothing for coded bits, palette indexes and senseless sizes.
+/// The pattern of a pen's brush; nothing for coded bits, palette indexes and invalid sizes.
 std::optional<Pattern> FindPattern(const LOGBRUSH& brush) {
   const auto* dib = reinterpret_cast<const std::byte*>(brush.lbHatch);
   if (dib == nullptr || LOWORD(brush.lbColor) != DIB_RGB_COLORS) return std::nullopt;
   BITMAPINFOHEADER header;
   std::memcpy(&header, dib, sizeof header);
-  constexpr LONG kMostSide = 1 << 14;
+  constexpr LONG kMaxSide = 1 << 14;
   const int64_t height = std::abs(int64_t{header.biHeight});
-  if (header.biSize != sizeof header || header.biWidth < 1 || header.biWidth > kMostSide ||
-      height < 1 || height > kMostSide || header.biBitCount > 32 || header.biClrUsed > 256 ||
+  if (header.biSize != sizeof header || header.biWidth < 1 || header.biWidth > kMaxSide ||
+      height < 1 || height > kMaxSide || header.biBitCount > 32 || header.biClrUsed > 256 ||
       (header.biCompression != BI_RGB && header.biCompression != BI_BITFIELDS)) {
     return std::nullopt;
   }
@@ -58,7 +58,7 @@ std::optional<Pattern> FindPattern(const LOGBRUSH& brush) {
   return Pattern{{dib, info_size}, {dib + info_size, stride * static_cast<size_t>(height)}};
 }
 
-/// The record of an extended pen, without its object index; empty for brushes that it cannot hold.
+/// The record of an extended pen, without its object index; empty if it cannot hold the brush.
 std::vector<std::byte> MakePenRecord(DWORD style, DWORD width, const LOGBRUSH& brush, DWORD count,
                                      const DWORD* entries) {
   Pattern pattern;
@@ -88,7 +88,7 @@ std::vector<std::byte> MakePenRecord(DWORD style, DWORD width, const LOGBRUSH& b
 
 // -- Pages -------------------------------------------------------------------------------------
 
-/// The metafiles in files that are being recorded, all threads.
+/// The metafiles in files that are being recorded, on all threads.
 class OpenPages {
  public:
   void Add(HDC dc, const wchar_t* path) {
@@ -96,7 +96,7 @@ class OpenPages {
     pages_[dc] = {path, false};
   }
 
-  /// Puts a record into a page's metafile as a comment; on any other DC nothing happens.
+  /// Puts a record into a page's metafile as a comment; does nothing for any other DC.
   void Carry(HDC dc, const std::vector<std::byte>& record) {
     const std::scoped_lock lock(mutex_);
     const auto page = pages_.find(dc);
@@ -128,8 +128,8 @@ OpenPages& Pages() {
   return pages;
 }
 
-/// Unpacks the records that a closed page file carries. The file changes as a whole or, when that
-/// fails, not at all.
+/// Unpacks the records that a closed page file carries. The file is replaced as a whole or, when
+/// that fails, left alone.
 bool UnpackFile(const fs::path& path) {
   std::vector<std::byte> content(fs::file_size(path));
   const auto bytes = reinterpret_cast<char*>(content.data());
@@ -149,7 +149,7 @@ bool UnpackFile(const fs::path& path) {
   return false;
 }
 
-/// Does what may lack memory or a file; the page then stays as GDI recorded it.
+/// Runs `work`. If it runs out of memory or a file fails, the page stays as GDI recorded it.
 template <typename Work>
 void Try(const Work& work) noexcept {
   try {
@@ -160,8 +160,8 @@ void Try(const Work& work) noexcept {
 
 // -- The calls ---------------------------------------------------------------------------------
 
-/// The extended pen that this thread made last, until it is selected: the recorder writes a pen
-/// when it first meets it in a DC.
+/// The extended pen that this thread created last, until it is selected: the recorder writes a pen
+/// when it is first selected into a DC.
 thread_local struct {
   HGDIOBJ pen = nullptr;
   std::vector<std::byte> record;
@@ -178,7 +178,7 @@ HENHMETAFILE WINAPI ClosePage(HDC dc) {
   Try([&] { path = Pages().Remove(dc); });
   HENHMETAFILE metafile = CloseEnhMetaFile(dc);
   if (metafile == nullptr || !path) return metafile;
-  DeleteEnhMetaFile(metafile);  // which holds the file open
+  DeleteEnhMetaFile(metafile);  // it holds the file open
   bool complete = false;
   Try([&] { complete = UnpackFile(*path); });
   if (!complete) {
@@ -208,7 +208,7 @@ HGDIOBJ WINAPI Select(HDC dc, HGDIOBJ object) {
   return SelectObject(dc, object);
 }
 
-/// The format documents an integer, and spooled pages of Windows have one.
+/// The record has an integer, as documented and as in spooled pages of Windows.
 BOOL WINAPI LimitMiters(HDC dc, FLOAT limit, FLOAT* old) {
   const BOOL done = SetMiterLimit(dc, limit, old);
   if (done && limit >= 1) {
@@ -229,7 +229,7 @@ BOOL WINAPI MoveBrushOrigin(HDC dc, int x, int y, POINT* old) {
   return done;
 }
 
-/// GDI's answer does not count: a recorder without the record refuses the call too.
+/// GDI's result is ignored: a recorder without the record also fails the call.
 BOOL WINAPI AdjustColours(HDC dc, const COLORADJUSTMENT* adjustment) {
   const BOOL done = SetColorAdjustment(dc, adjustment);
   if (adjustment == nullptr || adjustment->caSize != sizeof *adjustment) return done;
@@ -246,7 +246,7 @@ constexpr DWORD kAnyRecord = 0;
 
 struct RecordingCall {
   std::string_view name;
-  DWORD record;  // without which it is needed
+  DWORD record;  // it is needed where this one is dropped
   void* address;
 };
 

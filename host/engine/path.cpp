@@ -9,8 +9,8 @@ namespace {
 /// Largest distance of a chord from its curve, in 28.4 units: 1/8 pixel, less the 1/32 pixel that
 /// rounding the chord's ends to the format can add.
 constexpr double kFlatness = 1.5;
-/// No curve that fits the format needs more chords.
-constexpr double kMostChords = 4096;
+/// More than any curve within the format needs.
+constexpr double kMaxChords = 4096;
 
 double Distance(double x, double y) { return std::hypot(x, y); }
 
@@ -23,7 +23,7 @@ int ChordCount(const POINTFIX p[4]) {
   };
   const double bend = std::max(second_difference(0), second_difference(1));
   return static_cast<int>(
-      std::clamp(std::ceil(std::sqrt(6.0 / 8.0 * bend / kFlatness)), 1.0, kMostChords));
+      std::clamp(std::ceil(std::sqrt(6.0 / 8.0 * bend / kFlatness)), 1.0, kMaxChords));
 }
 
 void AppendChords(const POINTFIX p[4], Path& flat) {
@@ -41,10 +41,10 @@ void AppendChords(const POINTFIX p[4], Path& flat) {
 }  // namespace
 
 FIX ToFix(double pixels) {
-  // One pixel of margin keeps rounding and widening by the driver inside the format.
-  constexpr double kMost = INT32_MAX - 16;
+  // A margin of one pixel keeps the driver's rounding and widening inside the format.
+  constexpr double kMax = INT32_MAX - 16;
   if (std::isnan(pixels)) return 0;
-  return static_cast<FIX>(std::lround(std::clamp(pixels * 16, -kMost, kMost)));
+  return static_cast<FIX>(std::lround(std::clamp(pixels * 16, -kMax, kMax)));
 }
 
 POINTFIX ToPointFix(double x, double y) { return {ToFix(x), ToFix(y)}; }

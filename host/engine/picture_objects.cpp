@@ -6,9 +6,9 @@
 namespace quillo::host {
 namespace {
 
-/// Whether drivers read the pixels right without knowing the masks.
-bool HasUsualMasks(const BitmapSource& picture) {
-  return MasksOf(picture) == (picture.bits_per_pixel == 16 ? kUsual16 : kUsual32);
+/// Whether drivers read the pixels correctly without knowing the masks.
+bool HasDefaultMasks(const BitmapSource& picture) {
+  return MasksOf(picture) == (picture.bits_per_pixel == 16 ? kDefault16 : kDefault32);
 }
 
 ULONG FormatOf(const BitmapSource& picture) {
@@ -36,7 +36,7 @@ PictureObjects::PictureObjects(const BitmapSource& picture) {
   size_t byte_count = picture.Stride() * static_cast<size_t>(picture.height);
   if (picture.run_length) {
     byte_count = picture.bits.size();
-  } else if (picture.bits_per_pixel > 8 && !HasUsualMasks(picture)) {
+  } else if (picture.bits_per_pixel > 8 && !HasDefaultMasks(picture)) {
     converted_ = CopyArgb(picture, {0, 0, picture.width, picture.height}, false, false, {});
     used = &converted_;
     byte_count = converted_.bits.size();
@@ -45,7 +45,7 @@ PictureObjects::PictureObjects(const BitmapSource& picture) {
     converted_.bits.resize(byte_count);
     used = &converted_;
   }
-  // The public structure has no const; drivers read a source and never write it.
+  // The public structure has no const; drivers only read a source.
   surface_.emplace(SIZEL{used->width, used->height}, FormatOf(*used), used->top_down,
                    const_cast<std::byte*>(used->bits.data()), static_cast<ULONG>(byte_count),
                    static_cast<LONG>(used->Stride()));

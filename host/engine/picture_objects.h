@@ -5,18 +5,18 @@
 #include <optional>
 
 #include "host/engine/drawing.h"
-#include "host/engine/services/colors.h"
+#include "host/engine/services/colours.h"
 #include "host/engine/services/surfaces.h"
 
 namespace quillo::host {
 
-/// A picture as a driver gets it: a surface and the translation of its colours to the page's.
+/// A picture as a driver sees it: a surface and the translation of its colours to the page's.
 ///
-/// Drivers take the channels of 16- and 32-bit surfaces to lie as in 5-5-5 and 8-8-8; a picture
-/// with other masks is converted first, so that no colour is lost. Bits that are missing are zero.
+/// Drivers assume 5-5-5 and 8-8-8 for the channels of 16- and 32-bit surfaces; a picture with other
+/// masks is converted first, so that no colour is lost. Missing bits are zero.
 class PictureObjects {
  public:
-  /// `picture` must outlive this object; its bits are used in place where they can be.
+  /// `picture` must outlive this object; its bits are used in place where possible.
   explicit PictureObjects(const BitmapSource& picture);
 
   SURFOBJ* Source() { return &*surface_; }

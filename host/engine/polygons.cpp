@@ -68,7 +68,7 @@ std::vector<Polygon> ClipPolygons(const std::vector<Polygon>& polygons, const RE
   std::vector<Polygon> clipped;
   for (Polygon polygon : polygons) {
     for (const Side& side : sides) polygon = ClipToSide(polygon, side);
-    // A corner on a side is its crossing, too.
+    // A corner on a side is also its crossing with it.
     polygon.erase(std::unique(polygon.begin(), polygon.end(), SamePoint), polygon.end());
     if (polygon.size() > 1 && SamePoint(polygon.front(), polygon.back())) polygon.pop_back();
     if (polygon.size() >= 3) clipped.push_back(std::move(polygon));

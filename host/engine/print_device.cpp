@@ -5,7 +5,7 @@ namespace quillo::host {
 PrintDevice::PrintDevice(const DriverFunctions& driver, const PrinterPort& port,
                          const DEVMODEW* mode)
     : driver_(driver) {
-  // The DDI knows no const; a driver reads these.
+  // The DDI has no const; drivers only read these.
   const auto text = [](const std::wstring& s) { return const_cast<LPWSTR>(s.c_str()); };
   HSURF patterns[HS_DDI_MAX] = {};
   SetLastError(ERROR_SUCCESS);

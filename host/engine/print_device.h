@@ -9,15 +9,15 @@
 
 namespace quillo::host {
 
-/// The printer behind a device, as the spooler hands it to the driver.
+/// The printer of a device, as the spooler passes it to the driver.
 struct PrinterPort {
   HANDLE printer = nullptr;  // from OpenPrinter; the caller keeps it open
   std::wstring device_name;  // name of the printer
   std::wstring log_address;  // name of the port
 };
 
-/// One enabled device with its surface: a DC on the printer. Made by DrvEnablePDEV, DrvCompletePDEV
-/// and DrvEnableSurface, undone in the opposite order.
+/// One enabled device with its surface: a DC on the printer. Created by DrvEnablePDEV,
+/// DrvCompletePDEV and DrvEnableSurface, destroyed in the reverse order.
 class PrintDevice {
  public:
   /// Enables and completes the device; no surface yet. `mode` may be null (the driver's default).
@@ -27,7 +27,7 @@ class PrintDevice {
   PrintDevice(const PrintDevice&) = delete;
   PrintDevice& operator=(const PrintDevice&) = delete;
 
-  /// Throws DriverFailure; the device is then without a surface.
+  /// Throws DriverFailure; the device then has no surface.
   void EnableSurface();
 
   DHPDEV Handle() const { return engine_device_.dhpdev; }

@@ -62,7 +62,7 @@ void PrintSession::Reset(const DEVMODEW& mode) {
   if (driver_.ResetPDEV == nullptr || !driver_.ResetPDEV(device_->Handle(), next->Handle())) {
     throw DriverFailure("DrvResetPDEV", GetLastError());
   }
-  device_ = std::move(next);  // the old surface and device go here
+  device_ = std::move(next);  // destroys the old device and its surface
   mode_ = CopyOf(mode);
   device_->EnableSurface();
   SetLastError(ERROR_SUCCESS);

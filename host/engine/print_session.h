@@ -14,8 +14,8 @@ namespace quillo::host {
 
 /// One document on a printer, page after page, each on its own sheet.
 ///
-/// Every failure throws DriverFailure and leaves the session able to be destroyed: an open document
-/// is then ended with ED_ABORTDOC, and the device is torn down.
+/// Every failure throws DriverFailure. The session can then be destroyed, which ends an open
+/// document with ED_ABORTDOC and destroys the device.
 class PrintSession {
  public:
   /// Enables the device for the first page. `driver` and the printer must outlive the session.
@@ -25,13 +25,13 @@ class PrintSession {
   PrintSession& operator=(const PrintSession&) = delete;
 
   void StartDocument(const std::wstring& name, DWORD job_id);
-  /// Opens a page on the sheet of `mode`: when that is another device mode than the last page's, a
-  /// new device takes the document over (DrvResetPDEV). The result lives until SendPage.
+  /// Opens a page on the sheet of `mode`. If that differs from the previous page's device mode, a
+  /// new device takes over the document (DrvResetPDEV). The result lives until SendPage.
   Graphics& StartPage(const DEVMODEW& mode);
   void SendPage();
   void EndDocument();
 
-  /// The device in force; its capabilities give the printable size and the resolution.
+  /// The current device; its capabilities have the printable size and the resolution.
   const PrintDevice& Device() const { return *device_; }
 
  private:

@@ -36,12 +36,12 @@ uint32_t PixelReader::Raw(LONG x, LONG y) const {
   return byte >> (8 - bits - bit % 8) & ((1u << bits) - 1);
 }
 
-uint32_t PixelReader::Color(LONG x, LONG y) const {
+uint32_t PixelReader::Colour(LONG x, LONG y) const {
   const uint32_t raw = Raw(x, y);
   if (picture_.bits_per_pixel <= 8) {
     return raw < picture_.palette.size() ? picture_.palette[raw] & 0xFFFFFF : 0;
   }
-  return ColorOf(raw, MasksOf(picture_));
+  return ColourOf(raw, MasksOf(picture_));
 }
 
 BitmapSource MakeArgb(LONG width, LONG height) {
@@ -61,10 +61,10 @@ BitmapSource CopyArgb(const BitmapSource& picture, const RECTL& rect, bool mirro
   BitmapSource copy = MakeArgb(width, height);
   for (LONG y = 0; y < height; ++y) {
     for (LONG x = 0; x < width; ++x) {
-      uint32_t color = pixels.Color(rect.left + (mirror_x ? width - 1 - x : x),
-                                    rect.top + (mirror_y ? height - 1 - y : y));
-      if (key) color = (color & ~kOpaque) == *key ? 0 : color | kOpaque;
-      SetPixel(copy, x, y, color);
+      uint32_t colour = pixels.Colour(rect.left + (mirror_x ? width - 1 - x : x),
+                                      rect.top + (mirror_y ? height - 1 - y : y));
+      if (key) colour = (colour & ~kOpaque) == *key ? 0 : colour | kOpaque;
+      SetPixel(copy, x, y, colour);
     }
   }
   return copy;
@@ -99,8 +99,8 @@ BitmapSource StretchPart(const BitmapSource& source, const RECTL& rect, const RE
         const size_t shift = 8 - stretched.bits_per_pixel - bit % 8;
         row[bit / 8] |= static_cast<std::byte>(pixels.Raw(columns[x], from_y) << shift);
       } else {
-        const uint32_t color = pixels.Color(columns[x], from_y);
-        std::memcpy(row + x * 3, &color, 3);
+        const uint32_t colour = pixels.Colour(columns[x], from_y);
+        std::memcpy(row + x * 3, &colour, 3);
       }
     }
   }
@@ -114,7 +114,7 @@ BitmapSource Transpose(const BitmapSource& picture, const RECTL& rect) {
   for (LONG y = 0; y < height; ++y) {
     for (LONG x = 0; x < width; ++x) {
       if (!pixels.Holds(rect.left + y, rect.top + x)) continue;
-      SetPixel(transposed, x, y, pixels.Color(rect.left + y, rect.top + x));
+      SetPixel(transposed, x, y, pixels.Colour(rect.left + y, rect.top + x));
     }
   }
   return transposed;
@@ -148,7 +148,7 @@ ExpandedRuns ExpandRuns(const BitmapSource& picture) {
   const auto next = [&] { return LoadOrZero<uint8_t>(picture.bits, at++); };
   while (!ended && at < picture.bits.size() && y < picture.height) {
     const uint8_t count = next(), value = next();
-    if (count != 0) {  // one colour, or two by turns, repeated
+    if (count != 0) {  // one colour repeated, or two alternating
       for (int i = 0; i < count; ++i) {
         put(!nibbles ? value : i % 2 == 0 ? value >> 4 : value & 0x0F);
       }
@@ -160,7 +160,7 @@ ExpandedRuns ExpandRuns(const BitmapSource& picture) {
     } else if (value == 2) {  // a step to the right and up
       x = std::min<LONG>(picture.width, x + next());
       y += next();
-    } else {  // pixels as they are, in whole 16-bit words
+    } else {  // literal pixels, in whole 16-bit words
       const size_t start = at;
       for (int i = 0; i < value; ++i) {
         if (!nibbles) {
@@ -175,7 +175,7 @@ ExpandedRuns ExpandRuns(const BitmapSource& picture) {
       at = start + (bytes + 1) / 2 * 2;
     }
   }
-  // Some writers leave the end of the last row and of the picture away.
+  // Some writers omit the end of the last row and of the picture.
   const bool complete =
       ended || y >= picture.height || (y == picture.height - 1 && x >= picture.width);
   result.is_cut = !complete || at > picture.bits.size() + 1;

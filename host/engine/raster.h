@@ -19,10 +19,10 @@ class PixelReader {
   bool Holds(LONG x, LONG y) const {
     return x >= 0 && y >= 0 && x < picture_.width && y < picture_.height;
   }
-  /// The pixel as it stands: a palette index, or the channels where the picture has them.
+  /// The stored pixel: a palette index, or the channels in the picture's own order.
   uint32_t Raw(LONG x, LONG y) const;
   /// 0x00RRGGBB; 32-bit pixels keep their highest byte.
-  uint32_t Color(LONG x, LONG y) const;
+  uint32_t Colour(LONG x, LONG y) const;
 
  private:
   const BitmapSource& picture_;
@@ -33,10 +33,10 @@ inline constexpr double kArgbBytes = 4;  // of each pixel of MakeArgb's pictures
 /// A black, fully transparent picture of 32 bits a pixel, top-down.
 BitmapSource MakeArgb(LONG width, LONG height);
 
-inline void SetPixel(BitmapSource& argb, LONG x, LONG y, uint32_t color) {
+inline void SetPixel(BitmapSource& argb, LONG x, LONG y, uint32_t colour) {
   std::memcpy(
       argb.bits.data() + static_cast<size_t>(y) * argb.Stride() + static_cast<size_t>(x) * 4,
-      &color, sizeof color);
+      &colour, sizeof colour);
 }
 
 inline constexpr uint32_t kOpaque = 0xFF000000;

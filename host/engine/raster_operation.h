@@ -8,6 +8,9 @@ namespace quillo::host {
 inline constexpr uint8_t kSourceCopy = 0xCC;
 inline constexpr uint8_t kPatternCopy = 0xF0;
 
+/// The quaternary operation of the same result with and without a mask.
+constexpr uint16_t SameOperation(uint8_t rop3) { return static_cast<uint16_t>(rop3 << 8 | rop3); }
+
 /// Whether the result of an operation depends on its source or its brush.
 constexpr bool UsesSource(uint8_t rop3) { return ((rop3 >> 2 ^ rop3) & 0x33) != 0; }
 constexpr bool UsesBrush(uint8_t rop3) { return ((rop3 >> 4 ^ rop3) & 0x0F) != 0; }

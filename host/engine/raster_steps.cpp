@@ -26,9 +26,9 @@ std::optional<BitmapSource> JoinSteps(std::span<const RasterStep> steps, SIZEL s
     for (LONG x = 0; x < size.cx; ++x) {
       uint32_t of_black = kBlack, of_white = kWhite;
       for (size_t i = 0; i < steps.size(); ++i) {
-        const uint32_t color = pixels[i].Color(steps[i].corner.x + x, steps[i].corner.y + y);
-        of_black = Combine(steps[i].rop3, color, of_black);
-        of_white = Combine(steps[i].rop3, color, of_white);
+        const uint32_t colour = pixels[i].Colour(steps[i].corner.x + x, steps[i].corner.y + y);
+        of_black = Combine(steps[i].rop3, colour, of_black);
+        of_white = Combine(steps[i].rop3, colour, of_white);
       }
       of_black &= kWhite;
       of_white &= kWhite;

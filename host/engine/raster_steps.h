@@ -17,12 +17,12 @@ struct RasterStep {
   uint8_t rop3;
 };
 
-/// The picture of this size that, laid over any destination, makes the same of it as all steps one
-/// after the other: 32 bits a pixel, transparent where the destination stays. Nothing when a pixel
-/// would have to mix with its destination.
+/// A picture of this size that, blended over any destination, has the same effect as all steps in
+/// sequence: 32 bits a pixel, transparent where the destination stays. Nothing if a pixel would
+/// have to mix with its destination.
 ///
-/// A mask and the picture that shows through it are such steps: SRCAND with black where the picture
-/// is, SRCPAINT with black around it.
+/// A mask and the picture that shows through it are typical steps: SRCAND with black where the
+/// picture is, SRCPAINT with black around it.
 std::optional<BitmapSource> JoinSteps(std::span<const RasterStep> steps, SIZEL size);
 
 }  // namespace quillo::host

@@ -43,7 +43,7 @@ class CornerFinder {
 
  private:
   std::vector<LONG> edges_above_;
-  std::map<LONG, size_t> open_;  // vertical edges that go on downwards, with their upper corner
+  std::map<LONG, size_t> open_;  // vertical edges that continue downwards, by their upper corner
   std::vector<Corner> corners_;
 };
 
@@ -76,8 +76,8 @@ double Area(const Polygon& polygon) {
   return area / 2;
 }
 
-/// Drops points that lie less than a pixel beside the line between kept ones (Douglas and Peucker's
-/// algorithm, over the two halves of the closed polygon).
+/// Drops points less than a pixel from the line between kept ones (Douglas and Peucker's algorithm,
+/// on the two halves of the closed polygon).
 Polygon StraightenSteps(const Polygon& polygon) {
   constexpr double kTolerance = 0.99 * 16;
   constexpr size_t kWorthwhile = 8;
@@ -110,7 +110,7 @@ Polygon StraightenSteps(const Polygon& polygon) {
   for (size_t i = 0; i < polygon.size(); ++i) {
     if (kept[i]) straightened.push_back(polygon[i]);
   }
-  // Shapes about as thin as the tolerance would lose their body: those stay as they are.
+  // Shapes about as thin as the tolerance would lose their area: those stay as they are.
   const double before = std::abs(Area(polygon)), after = std::abs(Area(straightened));
   return straightened.size() >= 3 && std::abs(after - before) < before / 8 ? straightened : polygon;
 }

@@ -25,8 +25,7 @@ class StrokeObjects {
   LINEATTRS attributes_{};
 };
 
-/// How far a pen can draw beside its path, in device pixels: half its width, and what joins and
-/// caps add.
+/// How far from its path a pen can draw, in device pixels: half its width, plus joins and caps.
 double Reach(const PenDescription& pen);
 
 }  // namespace quillo::host

@@ -12,8 +12,8 @@ constexpr char32_t kFirst = 0x20, kLast = 0xFF;
 constexpr char32_t kPrivate = 0xF000;  // the same codes as fonts of symbols map them
 constexpr char32_t kNone = 0xFFFD;
 
-/// Sixteen codes a line, from kFirst on. Of Symbol: Adobe's encoding; of Wingdings: the characters
-/// that Unicode took from it.
+// Sixteen codes a line, from kFirst on: for Symbol Adobe's encoding, for Wingdings the characters
+// that Unicode adopted from it.
 // clang-format off
 constexpr char32_t kSymbol[] =
     U" !∀#∃%&∋()∗+,−./"

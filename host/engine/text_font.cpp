@@ -13,8 +13,7 @@
 namespace quillo::host {
 namespace {
 
-/// Outline metrics of the font that is selected, with the names behind them; empty for a font
-/// without outlines.
+/// Outline metrics of the selected font, followed by the names; empty for a font without outlines.
 std::vector<std::byte> OutlineMetrics(HDC dc) {
   std::vector<std::byte> block(GetOutlineTextMetricsW(dc, 0, nullptr));
   if (!block.empty()) {
@@ -53,7 +52,7 @@ TextFont::TextFont(const LOGFONTW& font, const wchar_t* face)
     upright.lfHeight = height;
     Font opened(CreateFontIndirectW(&upright));
     if (!dc_ || !opened || SelectObject(dc_.Get(), opened.Get()) == nullptr) throw std::bad_alloc();
-    font_ = std::move(opened);  // the one before is no longer selected
+    font_ = std::move(opened);  // the previous one is no longer selected
     std::vector<std::byte> block = OutlineMetrics(dc_.Get());
     if (block.empty()) throw std::bad_alloc();
     return block;
@@ -62,7 +61,7 @@ TextFont::TextFont(const LOGFONTW& font, const wchar_t* face)
     return *reinterpret_cast<const OUTLINETEXTMETRICW*>(block.data());
   };
 
-  // First as wanted, for the units of the design, then at that many pixels.
+  // First as wanted, to find out the design units, then at that many pixels.
   std::vector<std::byte> block = open(font.lfHeight);
   const TEXTMETRICW as_wanted = metrics_of(block).otmTextMetrics;
   block = open(-static_cast<LONG>(metrics_of(block).otmEMSquare));
@@ -114,11 +113,11 @@ void TextFont::Measure(const OUTLINETEXTMETRICW& metrics) {
 
   metrics_.lItalicAngle = metrics.otmItalicAngle;
   metrics_.jWinCharSet = text.tmCharSet;
-  // In a TEXTMETRIC the lowest bit says that the pitch varies; here it says that it is fixed.
+  // In a TEXTMETRIC the lowest bit means variable pitch; here it means fixed pitch.
   metrics_.jWinPitchAndFamily =
       static_cast<BYTE>((text.tmPitchAndFamily & 0xF0) |
                         (text.tmPitchAndFamily & TMPF_FIXED_PITCH ? VARIABLE_PITCH : FIXED_PITCH));
-  // A weight that the platform adds counts, since the page's font is chosen by it.
+  // The page's font is chosen by the weight, including one that the platform simulates.
   metrics_.usWinWeight = static_cast<USHORT>(text.tmWeight);
   metrics_.flInfo = FM_INFO_TECH_TRUETYPE | FM_INFO_ARB_XFORMS | FM_INFO_RETURNS_OUTLINES |
                     FM_INFO_1BPP | FM_INFO_4BPP | FM_INFO_RIGHT_HANDED;
@@ -171,14 +170,14 @@ bool TextFont::Has(std::wstring_view text) const {
   return true;
 }
 
-int TextFont::Look(std::map<USHORT, int>& advances, HDC dc, USHORT glyph) const {
+int TextFont::LookUp(std::map<USHORT, int>& advances, HDC dc, USHORT glyph) const {
   const auto [entry, is_new] = advances.try_emplace(glyph, 0);
-  // For a glyph that the font lacks, the platform may answer with anything.
+  // For a glyph that the font lacks, the platform may return anything.
   if (is_new && glyph < glyph_count_) GetCharWidthI(dc, glyph, 1, nullptr, &entry->second);
   return entry->second;
 }
 
-int TextFont::AdvanceOf(USHORT glyph) const { return Look(advances_, dc_.Get(), glyph); }
+int TextFont::AdvanceOf(USHORT glyph) const { return LookUp(advances_, dc_.Get(), glyph); }
 
 double TextFont::AdvanceUnder(const XFORML& font_to_device, USHORT glyph) const {
   const XFORML& m = font_to_device;
@@ -188,7 +187,7 @@ double TextFont::AdvanceUnder(const XFORML& font_to_device, USHORT glyph) const 
     transform_ = wanted;
     transformed_advances_.clear();
   }
-  return std::round(Look(transformed_advances_, transformed_dc_.Get(), glyph) *
+  return std::round(LookUp(transformed_advances_, transformed_dc_.Get(), glyph) *
                     std::hypot(m.eM11, m.eM12));
 }
 

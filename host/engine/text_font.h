@@ -13,19 +13,19 @@
 
 namespace quillo::host {
 
-/// An installed font as an application selected it, opened at one pixel for each unit of its
-/// design, so that every measure is in font units.
+/// An installed font that an application has selected, opened at one pixel per design unit, so that
+/// every measure is in font units.
 class TextFont {
  public:
-  /// The outline font that the platform gives for `font`, or the nearest one that it has; with
-  /// `face`, that for another face in its place. Throws std::bad_alloc when there is none at all.
+  /// The outline font that the platform chooses for `font`, or for `face` in its place. Throws
+  /// std::bad_alloc when there is none at all.
   explicit TextFont(const LOGFONTW& font, const wchar_t* face = nullptr);
 
   const LOGFONTW& Wanted() const { return wanted_; }
-  /// Family name of the font that is really used, from its file. (Names() are those that the
-  /// platform goes by, which are the wanted ones where it replaces a font by another.)
+  /// Family name of the font that is actually used, from its file. (Names() are those that the
+  /// platform uses, which are the wanted ones where it replaces one font by another.)
   const std::wstring& Family() const { return family_; }
-  /// Whether another family than the wanted one is used.
+  /// Whether the family is not the wanted one.
   bool Substituted() const { return substituted_; }
 
   /// Logical units for each font unit, along the line and across it.
@@ -43,13 +43,13 @@ class TextFont {
 
   /// The glyph of a character; 0 when the font has none.
   USHORT GlyphOf(char32_t character) const;
-  /// Whether it has a glyph for each character of a UTF-16 text; those that show nothing need none.
+  /// Whether it has a glyph for each character of a UTF-16 text, invisible ones aside.
   bool Has(std::wstring_view text) const;
   const CharacterMap& Map() const { return map_; }
   /// Advance of a glyph in font units; 0 when the font has no such glyph.
   int AdvanceOf(USHORT glyph) const;
-  /// The advance in device pixels that the platform gives it by itself where this transform is set,
-  /// as on a page: whole ones, and under a turned transform sometimes quite others.
+  /// The advance in whole device pixels that the platform uses for it under this transform, as on a
+  /// page. Under a rotation it can differ a lot from AdvanceOf.
   double AdvanceUnder(const XFORML& font_to_device, USHORT glyph) const;
 
   /// A DC with the font selected, a pixel for each font unit.
@@ -60,12 +60,12 @@ class TextFont {
   FLONG FontType() const { return font_type_; }  // FO_*
 
  private:
-  int Look(std::map<USHORT, int>& advances, HDC dc, USHORT glyph) const;
+  int LookUp(std::map<USHORT, int>& advances, HDC dc, USHORT glyph) const;
   void Measure(const OUTLINETEXTMETRICW& metrics);
 
   LOGFONTW wanted_;
   Font font_;
-  CreatedDc dc_;  // has font_ selected, so that it goes first
+  CreatedDc dc_;  // has font_ selected, so it must be destroyed first
   FontNames names_;
   CharacterMap map_;
   std::wstring family_;
@@ -76,7 +76,7 @@ class TextFont {
   Bar underline_{}, strike_out_{};
   IFIMETRICS metrics_{};
   FLONG font_type_ = FO_TYPE_TRUETYPE;
-  mutable std::map<char32_t, USHORT> glyphs_;  // looked up before
+  mutable std::map<char32_t, USHORT> glyphs_;  // looked up so far
   mutable std::map<USHORT, int> advances_;
   CreatedDc transformed_dc_;  // has font_ selected too, and this transform set
   mutable std::array<float, 4> transform_{1, 0, 0, 1};

@@ -13,7 +13,7 @@
 namespace quillo::host {
 namespace {
 
-/// A direction turned counterclockwise by tenths of a degree, in a space with y downwards.
+/// A counterclockwise rotation by tenths of a degree, in a space with y downwards.
 struct Turn {
   explicit Turn(LONG tenths_of_degree)
       : tenths(tenths_of_degree),
@@ -59,7 +59,7 @@ double BaselineBelow(UINT align, const TextFont& font) {
   }
 }
 
-/// A line on its way from the text to the page.
+/// Lays out one line.
 class LineLayout {
  public:
   explicit LineLayout(const TextDescription& text)
@@ -128,7 +128,7 @@ class LineLayout {
     for (size_t place = 0; place < order_.size(); ++place) place_of_[order_[place]] = place;
   }
 
-  /// Puts the units along the line and above it, in logical units.
+  /// Places the units along the line and above it, in logical units.
   void Place() {
     places_.resize(text_.text.size());
     PointD at{0, 0};
@@ -152,7 +152,7 @@ class LineLayout {
     if (i < text_.dx.size()) return text_.dx[i];
     if (!text_.glyph_indexes && layout_.glyphs[i] == kNoGlyph) return 0;
     const bool space = !text_.glyph_indexes && text_.text[i] == L' ';
-    return OwnAdvanceOf(i) + text_.character_extra + (space ? text_.break_extra : 0);
+    return OwnAdvanceOf(i) + (space ? text_.break_extra : 0);
   }
 
   void CutIntoRuns() {
@@ -170,7 +170,7 @@ class LineLayout {
   bool CutsBefore(size_t i) const {
     const GlyphRun& run = layout_.runs.back();
     if (run.pair || run.font != &FontOf(i)) return true;
-    // What comes after a blank that fills up a cell is natural again.
+    // After a widened blank the text is natural again.
     const bool filled = std::abs(AdvanceOf(i - 1) - OwnAdvanceOf(i - 1)) * pixels_ > 0.5;
     if (!text_.fonts.empty() && text_.text[i - 1] == L' ' && filled) return true;
     if (order_as_read_) return false;
@@ -183,8 +183,8 @@ class LineLayout {
     return PlaceOf(run.first + run.count - 1) < PlaceOf(run.first);
   }
 
-  /// What stands at the ends of a run from right to left and is no letter of it, such as a full
-  /// stop, gets runs of its own: a reader who starts at the left would put it at the other end.
+  /// Separates characters other than letters, such as a full stop, from the ends of runs from right
+  /// to left: a reader that starts from the left would put them at the other end.
   void CutEndsOff() {
     std::vector<GlyphRun> runs;
     const auto add = [&](const GlyphRun& run, size_t first, size_t end) {
@@ -210,8 +210,8 @@ class LineLayout {
     layout_.runs = std::move(runs);
   }
 
-  /// The units of a run from its first place on, counted from the run's first one; empty: as they
-  /// are in the text. Nothing when others stand between them.
+  /// The units of a run in the order of their places, counted from the run's first unit; empty: as
+  /// in the text. Nothing when there are other units between them.
   std::optional<std::vector<size_t>> OrderWithin(const GlyphRun& run) const {
     std::vector<size_t> units(run.count);
     std::iota(units.begin(), units.end(), size_t{0});
@@ -229,12 +229,12 @@ class LineLayout {
         VisualOrder(text_.text.substr(run.first, run.count), false) != *order) {
       return false;
     }
-    double natural = 0;  // where the page's font leads by itself, pixels
+    double natural = 0;  // position by the advances of the page's font, pixels
     double start = 0;
     for (size_t place = 0; place < run.count; ++place) {
       const size_t i = run.first + (order->empty() ? place : (*order)[place]);
       if (place == 0) start = places_[i].x;
-      // A driver gets whole pixels, so that half a one is no difference.
+      // A driver gets whole pixels, so half a pixel makes no difference.
       if (std::abs((places_[i].x - start) * pixels_ - natural) > 0.5) return false;
       if (layout_.glyphs[i] == kNoGlyph) return false;
       natural += run.font->AdvanceUnder(run.font_to_device, layout_.glyphs[i]);
@@ -269,10 +269,10 @@ class LineLayout {
 
   const TextDescription& text_;
   const Turn line_, glyph_;
-  double pixels_;                 // for each logical unit along the line
+  double pixels_;                 // per logical unit along the line
   std::vector<size_t> order_;     // the unit at each place; empty: as in the text
   std::vector<size_t> place_of_;  // of each unit; empty likewise
-  bool order_as_read_ = true;     // a reader who starts at the left orders the line so by itself
+  bool order_as_read_ = true;     // as a reader orders it that starts from the left
   std::vector<PointD> places_;    // of each unit
   TextLayout layout_;
 };

@@ -12,32 +12,32 @@ struct PointD {
   double x, y;
 };
 
-/// Strings of more glyphs give their positions out in batches, as the glyph cache of a real engine
-/// makes them.
+/// Longer strings return their positions in batches, like those from the glyph cache of a real
+/// engine.
 inline constexpr size_t kGlyphsAtHand = 256;
 
-/// Neighbours of a line that are drawn by one call: of one font, and a surrogate pair by itself, so
-/// that its halves stay together.
+/// Consecutive units of a line that are drawn by one call: of one font; a surrogate pair is a run
+/// of its own, so that its halves stay together.
 struct GlyphRun {
   size_t first, count;      // units of the text
   const TextFont* font;     // not null; kept by the line
   XFORML font_to_device{};  // font units, y downwards, to device pixels; no offset
   bool pair = false;        // its second unit has no glyph
-  bool natural = true;      // every glyph stands where the page's font puts it by itself
+  bool natural = true;      // every glyph is where the page's font places it by default
 };
 
 /// A line of text, laid out in device space.
 ///
-/// The glyphs come in the order of the text, so that it can be read from the page. Only in a
-/// natural run they come in the order of their places: it is drawn as a whole from its first place,
-/// and its reader puts the units in their places by itself.
+/// The glyphs are in the order of the text, so that it can be read from the page. Only in a natural
+/// run they are in the order of their places: it is drawn as a whole from its first place, and its
+/// reader reorders the units.
 struct TextLayout {
   std::vector<USHORT> glyphs;   // of each unit
   std::vector<PointD> origins;  // of each glyph, on its baseline
   std::vector<GlyphRun> runs;   // one after the other in the text
   double length = 0;            // of the line, logical units
   PointD start{}, end{};        // of the baseline
-  PointD up{};                  // across the line, for each font unit above the baseline
+  PointD up{};                  // across the line, per font unit above the baseline
   bool straight = true;         // no glyph leaves the line
 
   /// Whether the line is drawn as a whole.

@@ -3,7 +3,7 @@
 #include "host/base/text.h"
 #include "host/emf_format/page_mapping.h"
 #include "host/emf_format/record_types.h"
-#include "host/emf_player/player.h"
+#include "host/emf_player/emf_player.h"
 
 namespace quillo::host {
 
@@ -22,7 +22,7 @@ class MetafileInput : public PrintInput {
     const emf::Transform to_page =
         setup.fit ? emf::FitFrame(reader_.header(), {size.cx, size.cy})
                   : emf::ActualSize(reader_.header(), static_cast<uint32_t>(setup.dpi));
-    emf::PlayResult played = emf::PlayMetafile(reader_, to_page, canvas, {setup.glyph_order});
+    emf::PlayResult played = emf::EmfPlayer(reader_, to_page, canvas, {setup.glyph_order}).Play();
 
     DrawResult result;
     result.not_carried = std::move(played.not_carried);

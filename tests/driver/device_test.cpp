@@ -9,7 +9,7 @@
 #include "base/module_instance.h"
 #include "capture/hooks.h"
 #include "driver/callbacks.h"
-#include "host/engine/services/colors.h"
+#include "host/engine/services/colours.h"
 #include "host/engine/services/guard.h"
 #include "host/engine/services/surfaces.h"
 #include "job/job.h"

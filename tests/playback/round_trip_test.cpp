@@ -6,7 +6,7 @@
 #include "capture/hooks.h"
 #include "driver/device/device.h"
 #include "host/engine/services/clips.h"
-#include "host/engine/services/colors.h"
+#include "host/engine/services/colours.h"
 #include "host/engine/services/surfaces.h"
 #include "playback/picture.h"
 #include "support/canvas.h"

@@ -3,7 +3,7 @@
 #include <optional>
 
 #include "host/emf/metafile_script.h"
-#include "host/emf_player/player.h"
+#include "host/emf_player/emf_player.h"
 #include "host/engine/driver_module.h"
 #include "host/engine/print_session.h"
 #include "host/printer/printer_setup.h"
@@ -65,7 +65,7 @@ void DrawScripts(host::Graphics& page) {
   }();
   for (const host::emf::ScriptCase& c : kCases) {
     host::emf::MetafileReader reader(c.metafile);
-    PlayMetafile(reader, c.to_page, page);
+    host::emf::EmfPlayer(reader, c.to_page, page).Play();
   }
 }
 

@@ -4,24 +4,24 @@
 
 namespace quillo::host {
 
-BrushObject::BrushObject(ULONG device_color) : BRUSHOBJ{} { iSolidColor = device_color; }
+BrushObject::BrushObject(ULONG device_colour) : BRUSHOBJ{} { iSolidColor = device_colour; }
 
 BrushObject::BrushObject(const Pattern& pattern) : BRUSHOBJ{}, pattern_(pattern) {
   iSolidColor = kNotSolid;
 }
 
 void* BrushObject::Allocate(ULONG bytes) {
-  realization_.assign(bytes, std::byte{});
-  pvRbrush = realization_.data();
+  realisation_.assign(bytes, std::byte{});
+  pvRbrush = realisation_.data();
   return pvRbrush;
 }
 
-void* BrushObject::Realization() {
-  if (pvRbrush != nullptr || pattern_.realize == nullptr) return pvRbrush;
-  ++realizations_;
-  if (!pattern_.realize(this, pattern_.target, pattern_.pattern, pattern_.mask, pattern_.xlate,
+void* BrushObject::Realisation() {
+  if (pvRbrush != nullptr || pattern_.realise == nullptr) return pvRbrush;
+  ++realisations_;
+  if (!pattern_.realise(this, pattern_.target, pattern_.pattern, pattern_.mask, pattern_.xlate,
                         pattern_.hatch)) {
-    realization_.clear();
+    realisation_.clear();
     pvRbrush = nullptr;
   }
   return pvRbrush;
@@ -39,6 +39,6 @@ extern "C" PVOID APIENTRY BRUSHOBJ_pvAllocRbrush(BRUSHOBJ* pbo, ULONG cj) {
 
 extern "C" PVOID APIENTRY BRUSHOBJ_pvGetRbrush(BRUSHOBJ* pbo) {
   return Service<PVOID>("BRUSHOBJ_pvGetRbrush", nullptr, [&]() -> PVOID {
-    return pbo == nullptr ? nullptr : static_cast<BrushObject*>(pbo)->Realization();
+    return pbo == nullptr ? nullptr : static_cast<BrushObject*>(pbo)->Realisation();
   });
 }

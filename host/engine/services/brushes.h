@@ -13,10 +13,10 @@ inline constexpr ULONG kNotSolid = 0xFFFFFFFF;
 /// A brush with the public BRUSHOBJ in front.
 class BrushObject : public BRUSHOBJ {
  public:
-  /// What DrvRealizeBrush is given when the driver first asks for its own form of the brush. The
-  /// objects must outlive the brush; `realize` null: the driver realises no brushes.
+  /// The arguments of DrvRealizeBrush when the driver first asks for its realisation. The objects
+  /// must outlive the brush; `realise` null: the driver realises no brushes.
   struct Pattern {
-    PFN_DrvRealizeBrush realize = nullptr;
+    PFN_DrvRealizeBrush realise = nullptr;
     SURFOBJ* target = nullptr;
     SURFOBJ* pattern = nullptr;
     SURFOBJ* mask = nullptr;
@@ -25,23 +25,23 @@ class BrushObject : public BRUSHOBJ {
   };
 
   /// A solid brush of a device colour.
-  explicit BrushObject(ULONG device_color);
+  explicit BrushObject(ULONG device_colour);
   /// A brush that is realised on demand.
   explicit BrushObject(const Pattern& pattern);
   BrushObject(const BrushObject&) = delete;
   BrushObject& operator=(const BrushObject&) = delete;
 
-  /// Memory for the driver's form, zeroed; replaces what was there.
+  /// Zeroed memory for the driver's realisation; replaces the previous one.
   void* Allocate(ULONG bytes);
-  /// The driver's form, made at the first call; null when it cannot be made.
-  void* Realization();
-  /// Calls of `realize` so far.
-  unsigned Realizations() const { return realizations_; }
+  /// The driver's realisation, made at the first call; null when that fails.
+  void* Realisation();
+  /// How often `realise` has been called.
+  unsigned Realisations() const { return realisations_; }
 
  private:
   Pattern pattern_;
-  std::vector<std::byte> realization_;
-  unsigned realizations_ = 0;
+  std::vector<std::byte> realisation_;
+  unsigned realisations_ = 0;
 };
 
 }  // namespace quillo::host

@@ -7,7 +7,7 @@
 namespace quillo::host {
 namespace {
 
-/// Appends a terminated string and gives its offset in the block.
+/// Appends a terminated string and returns its offset in the block.
 PTRDIFF AppendName(std::vector<std::byte>& block, const std::wstring& name) {
   const size_t offset = block.size();
   const size_t bytes = (name.size() + 1) * sizeof(wchar_t);

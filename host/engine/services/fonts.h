@@ -10,7 +10,7 @@
 
 namespace quillo::host {
 
-/// Names of a font, as they follow its IFIMETRICS.
+/// The names of a font, which follow its IFIMETRICS.
 struct FontNames {
   std::wstring family;
   std::wstring style;
@@ -20,8 +20,8 @@ struct FontNames {
 /// A realised font with the public FONTOBJ in front.
 class FontObject : public FONTOBJ {
  public:
-  /// `transform` takes font units (y upwards) to device pixels. The offsets and sizes inside
-  /// `metrics` are filled here from `names`.
+  /// `transform` maps font units (y upwards) to device pixels. Fills in the offsets and sizes
+  /// inside `metrics` from `names`.
   FontObject(const IFIMETRICS& metrics, const FontNames& names, const XFORML& transform,
              FLONG font_type = FO_TYPE_TRUETYPE);
   FontObject(const FontObject&) = delete;

@@ -7,14 +7,14 @@
 
 namespace quillo::host {
 
-/// Objects of one kind behind opaque handles. A handle is never given out twice.
+/// Objects of one kind by opaque handles. No handle is ever reused.
 template <typename Handle, typename Object>
 class HandleTable {
  public:
   Handle Add(std::unique_ptr<Object> object) {
     const uintptr_t key = next_;
     objects_.emplace(key, std::move(object));
-    next_ += 4;  // as Windows' handles, whose low bits are free
+    next_ += 4;  // like Windows' handles, whose low bits are free
     return reinterpret_cast<Handle>(key);
   }
   /// Null for a handle that is not in the table.

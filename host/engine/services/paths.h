@@ -7,13 +7,13 @@
 
 namespace quillo::host {
 
-/// One run of a path, as PATHOBJ_bEnum gives it out.
+/// One run of a path, as PATHOBJ_bEnum returns it.
 struct PathRun {
   FLONG flags = 0;  // PD_*
   std::vector<POINTFIX> points;
 };
 
-/// A path with the public PATHOBJ in front. The runs are given out as they are, well formed or not.
+/// A path with the public PATHOBJ in front. The runs are returned as they are, well formed or not.
 class PathObject : public PATHOBJ {
  public:
   explicit PathObject(std::vector<PathRun> runs);
@@ -21,9 +21,10 @@ class PathObject : public PATHOBJ {
   const std::vector<PathRun>& Runs() const { return runs_; }
 
   void RestartEnumeration() { next_ = 0; }
-  /// Gives the next run; false when it is the last one. Without any run the data is empty.
+  /// Returns the next run in `data`; false when it is the last one. Without any run the data is
+  /// empty.
   bool Enumerate(PATHDATA& data);
-  /// The rectangle around all points; zeros without any.
+  /// The bounding rectangle of all points; zeros without any.
   RECTFX Bounds() const;
 
  private:
@@ -31,7 +32,7 @@ class PathObject : public PATHOBJ {
   size_t next_ = 0;  // run of the next enumeration step
 };
 
-/// Paths that a driver got from the engine and has not deleted.
+/// How many paths a driver got from the engine and has not deleted.
 size_t LivePathCount();
 
 /// A path that is the driver's to delete (EngDeletePath).

@@ -33,7 +33,7 @@ extern "C" VOID APIENTRY STROBJ_vEnumStart(STROBJ* pstro) {
   static_cast<StringObject*>(pstro)->RestartEnumeration();
 }
 
-/// TRUE: more follow; FALSE: these were the last; DDI_ERROR: nothing was given.
+/// TRUE: more follow; FALSE: these were the last; DDI_ERROR: failed.
 extern "C" WINBOOL APIENTRY STROBJ_bEnum(STROBJ* pstro, ULONG* pc, PGLYPHPOS* ppgpos) {
   if (TakeFailure("STROBJ_bEnum")) return static_cast<WINBOOL>(DDI_ERROR);
   return static_cast<StringObject*>(pstro)->Enumerate(*pc, *ppgpos) ? TRUE : FALSE;

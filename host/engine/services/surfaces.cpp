@@ -22,10 +22,10 @@ HandleTable<HSURF, Surface>& Surfaces() {
 }
 
 /// Writes `count` pixels of `bits` bits each, starting with pixel `first` of the row.
-void FillRow(std::byte* row, LONG first, LONG count, ULONG bits, ULONG color) {
+void FillRow(std::byte* row, LONG first, LONG count, ULONG bits, ULONG colour) {
   if (bits >= 8) {
     const size_t bytes = bits / 8;
-    for (LONG i = 0; i < count; ++i) std::memcpy(row + (first + i) * bytes, &color, bytes);
+    for (LONG i = 0; i < count; ++i) std::memcpy(row + (first + i) * bytes, &colour, bytes);
     return;
   }
   const ULONG mask = (1u << bits) - 1;
@@ -34,7 +34,7 @@ void FillRow(std::byte* row, LONG first, LONG count, ULONG bits, ULONG color) {
     const ULONG shift = 8 - bits - bit % 8;
     std::byte& byte = row[bit / 8];
     byte = (byte & ~static_cast<std::byte>(mask << shift)) |
-           static_cast<std::byte>((color & mask) << shift);
+           static_cast<std::byte>((colour & mask) << shift);
   }
 }
 

@@ -7,7 +7,7 @@
 
 namespace quillo::host {
 
-/// Bits of one pixel of a BMF_* format; 0 for a format that has no such number.
+/// Bits of one pixel of a BMF_* format; 0 for a format without a fixed number.
 ULONG BitsPerPixel(ULONG format);
 /// Bytes of one row padded to 32-bit words; 0 when that does not fit a LONG.
 LONG RowBytes(LONG width, ULONG bits_per_pixel);
@@ -21,26 +21,25 @@ class EngineDevice {
   EngineDevice& operator=(const EngineDevice&) = delete;
 
   HDEV Handle() { return reinterpret_cast<HDEV>(this); }
-  /// Null for a handle that is no device's.
+  /// Null for a handle of no device.
   static EngineDevice* Find(HDEV handle);
 
-  DHPDEV dhpdev = nullptr;  // the driver's own handle, once DrvEnablePDEV has given it
+  DHPDEV dhpdev = nullptr;  // the driver's own handle, after DrvEnablePDEV
 };
 
 /// A bitmap that the engine manages, with the public SURFOBJ in front.
 class Surface : public SURFOBJ {
  public:
-  /// A surface over `bits`, which must outlive it. `row_bytes` is the distance of two rows.
+  /// A surface over `bits`, which must outlive it. `row_bytes` is the distance between rows.
   Surface(SIZEL size, ULONG format, bool top_down, void* bits, ULONG byte_count, LONG row_bytes);
   Surface(const Surface&) = delete;
   Surface& operator=(const Surface&) = delete;
 
-  /// A zeroed surface with bits of its own, which take no memory before they are touched.
-  /// Null when `size`, `format` or `row_bytes` (0: the smallest) make no bitmap, or memory is
-  /// short.
+  /// A zeroed surface with bits of its own, which take no memory until they are touched. Null when
+  /// `size`, `format` or `row_bytes` (0: the smallest) are invalid, or out of memory.
   static std::unique_ptr<Surface> Allocate(SIZEL size, ULONG format, bool top_down, LONG row_bytes);
 
-  FLONG hooks = 0;  // HOOK_* of the drawing calls that the device takes over
+  FLONG hooks = 0;  // HOOK_* of the drawing calls that the device handles
 
  private:
   struct PagesDeleter {
@@ -49,10 +48,10 @@ class Surface : public SURFOBJ {
   std::unique_ptr<void, PagesDeleter> pages_;  // bits of its own
 };
 
-/// The surface behind a handle from EngCreateBitmap; null for any other handle.
+/// The surface of a handle from EngCreateBitmap; null for any other handle.
 Surface* FindSurface(HSURF handle);
 
-/// Surfaces that a driver has made and not deleted.
+/// How many surfaces a driver has created and not deleted.
 size_t LiveSurfaceCount();
 
 }  // namespace quillo::host

@@ -14,20 +14,20 @@ std::vector<std::byte> Pack(const std::vector<uint32_t>& words) {
 
 /// A BITMAPINFOHEADER, and what follows it.
 std::vector<std::byte> Info(int32_t width, int32_t height, uint32_t depth, uint32_t compression,
-                            uint32_t colors_used = 0, const std::vector<uint32_t>& after = {}) {
+                            uint32_t colours_used = 0, const std::vector<uint32_t>& after = {}) {
   const auto columns = static_cast<uint32_t>(width), rows = static_cast<uint32_t>(height);
   std::vector<uint32_t> words = {40, columns, rows, 1 | depth << 16, compression,
-                                 0,  0,       0,    colors_used,     0};
+                                 0,  0,       0,    colours_used,    0};
   words.insert(words.end(), after.begin(), after.end());
   return Pack(words);
 }
 
 std::optional<Dib> Parse(const std::vector<std::byte>& info, size_t bit_bytes,
-                         DibColors colors = DibColors::kRgb, uint32_t rows = 0) {
+                         DibColors colours = DibColors::kRgb, uint32_t rows = 0) {
   static const std::vector<uint32_t> kPalette = {0x0A0A0A, 0x0B0B0B, 0x0C0C0C};
   static const std::vector<std::byte> kBits(1 << 16);
   std::string what;
-  auto dib = ParseDib(info, Bytes(kBits).first(bit_bytes), colors, rows, kPalette, what);
+  auto dib = ParseDib(info, Bytes(kBits).first(bit_bytes), colours, rows, kPalette, what);
   EXPECT_NE(dib.has_value(), !what.empty());
   return dib;
 }
@@ -69,7 +69,7 @@ TEST(Dib, Bits_MustHoldEveryRow) {
 TEST(Dib, ColourTable_IsReadAsFarAsItGoes) {
   using Colors = std::vector<uint32_t>;
   const struct {
-    DibColors colors;
+    DibColors colours;
     uint32_t depth, used;
     Colors table;
     Colors palette;
@@ -82,7 +82,7 @@ TEST(Dib, ColourTable_IsReadAsFarAsItGoes) {
       {DibColors::kNone, 8, 0, {}, {0x0A0A0A, 0x0B0B0B, 0x0C0C0C}},
   };
   for (const auto& c : cases) {
-    const auto dib = Parse(Info(1, 1, c.depth, 0, c.used, c.table), 4, c.colors);
+    const auto dib = Parse(Info(1, 1, c.depth, 0, c.used, c.table), 4, c.colours);
     ASSERT_TRUE(dib);
     EXPECT_EQ(dib->palette, c.palette);
   }

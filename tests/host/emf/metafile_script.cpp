@@ -8,6 +8,7 @@
 #include <sstream>
 
 #include "host/emf/metafile_builder.h"
+#include "host/emf_format/carried_records.h"
 
 namespace quillo::host::emf {
 namespace {
@@ -91,13 +92,20 @@ std::vector<ScriptCase> ReadScript(const std::filesystem::path& path) {
   std::vector<ScriptCase> cases;
   std::map<std::string, Tokens> names;
   std::optional<MetafileBuilder> metafile;
+  std::vector<std::pair<uint32_t, uint32_t>> patches;
+  const auto finish = [&] {
+    if (!metafile) return;
+    cases.back().metafile = metafile->Finish();
+    for (const auto& [offset, value] : patches) {
+      Store(MutableBytes(cases.back().metafile), offset, value);
+    }
+    patches.clear();
+    metafile.reset();
+  };
   int number = 0;
   for (std::string line; std::getline(file, line);) {
     ++number;
-    if (line.empty() && metafile) {
-      cases.back().metafile = metafile->Finish();
-      metafile.reset();
-    }
+    if (line.empty()) finish();
     const Tokens tokens = Split(line, names);
     if (tokens.empty() || line[0] == '#') continue;
     if (tokens.size() > 1 && tokens[1] == "=") {
@@ -106,23 +114,40 @@ std::vector<ScriptCase> ReadScript(const std::filesystem::path& path) {
     }
     if (!metafile) {
       metafile.emplace();
-      cases.push_back({path.filename().string() + ":" + std::to_string(number), {}, {}, {}});
+      cases.emplace_back().place = path.filename().string() + ":" + std::to_string(number);
     }
-    if (line[0] == '>' || line[0] == '!' || line[0] == '-') {
-      cases.back().expected += line + "\n";
+    ScriptCase& current = cases.back();
+    if (std::string_view(">!~-").find(line[0]) != std::string_view::npos) {
+      current.expected += line + "\n";
     } else if (tokens[0] == "page") {
       std::istringstream numbers(line.substr(4));
-      Transform& map = cases.back().to_page;
+      Transform& map = current.to_page;
       numbers >> map.m11 >> map.m12 >> map.m21 >> map.m22 >> map.dx >> map.dy;
     } else if (tokens[0] == "millimetres") {
       constexpr size_t kMillimetres = 80;  // of the reference device, in the header
       metafile->Patch(kMillimetres, Number(tokens[1]));
       metafile->Patch(kMillimetres + 4, Number(tokens[2]));
+    } else if (tokens[0] == "patch") {
+      patches.emplace_back(Number(tokens[1]), Number(tokens[2]));
+    } else if (tokens[0] == "refuse") {
+      current.refusing = tokens[1];
+    } else if (tokens[0] == "flat") {
+      current.curves = false;
+    } else if (tokens[0] == "carry") {
+      MetafileBuilder carried;
+      const size_t start =
+          carried.Add(TypeOf(tokens[1]), Fields({tokens.begin() + 1, tokens.end()}));
+      constexpr size_t kEndBytes = 20;
+      const auto bytes = carried.Finish();
+      const auto data = CarryRecord(Bytes(bytes).subspan(start, bytes.size() - start - kEndBytes));
+      std::vector<uint32_t> payload(1 + data.size() / 4, static_cast<uint32_t>(data.size()));
+      std::memcpy(&payload[1], data.data(), data.size());
+      metafile->Add(kEmrGDICOMMENT, payload);
     } else {
       metafile->Add(TypeOf(tokens[0]), Fields(tokens));
     }
   }
-  if (metafile) cases.back().metafile = metafile->Finish();
+  finish();
   return cases;
 }
 

@@ -9,28 +9,33 @@
 
 namespace quillo::host::emf {
 
-/// A metafile as text, and what has to become of it.
+/// A metafile as text, and its expected outcome.
 struct ScriptCase {
   std::string place;  // "lines.txt:12"
   std::vector<std::byte> metafile;
   Transform to_page;
-  std::string expected;  // lines that begin with '>', '!' or '-'
+  std::string refusing;  // the driver's function that fails
+  bool curves = true;    // whether the driver takes curves
+  std::string expected;  // lines that begin with '>', '!', '~' or '-'
 };
 
-/// The cases of a script; empty lines stand between them. A line is a record or one of these:
+/// The cases of a script, separated by empty lines. A line is a record or one of these:
 ///
 ///     # a comment
-///     $name = ...        $name stands for all this in the lines below
+///     $name = ...        $name is replaced by this in the lines below
 ///     page a b c d x y   the transform to the page
 ///     millimetres x y    the size of the reference device, 1000 by 500 pixels
-///     > ...              a call of the driver that is expected
-///     ! ...              a fault that is expected
-///     - ...              a record that is expected not to be carried
+///     patch offset value a word of the finished file
+///     refuse name        the driver's function fails
+///     flat               the driver takes no curves
+///     carry RECORD       a comment that carries the record (see carried_records.h)
+///     > ...              an expected call of the driver, or the records that are read
+///     ! ...  ~ ...       an expected fault; a harmless one, when only reading
+///     - ...              a record that must not be carried
 ///
 /// A record is its name without EMR_, or a number, and its fields: 7 -7 0x7F of 32 bits, 1.5 a
-/// float, 3;-4 two numbers of 16 bits, 'ab' UTF-16 and "ab" bytes, both filled up to 32 bits, ...24
-/// zeros up to 24 words of fields. `name:` is no field but marks a place, @name is its offset in
-/// the record.
+/// float, 3;-4 two numbers of 16 bits, 'ab' UTF-16 and "ab" bytes, both padded to 32 bits, ...24
+/// zeros up to 24 words of fields. `name:` marks a place, and @name is its offset in the record.
 std::vector<ScriptCase> ReadScript(const std::filesystem::path& path);
 
 }  // namespace quillo::host::emf

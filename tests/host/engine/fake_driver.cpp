@@ -5,6 +5,7 @@
 #include <iomanip>
 #include <span>
 
+#include "host/engine/services/brushes.h"
 #include "host/engine/services/surfaces.h"
 #include "support/line.h"
 
@@ -22,17 +23,26 @@ struct Device {
 };
 
 /// Notes a call; false when the driver is to refuse it.
-bool Note(const std::string& name, const std::string& details = "") {
-  fake->calls.push_back(details.empty() ? name : name + " " + details);
+template <typename... Details>
+bool Note(const std::string& name, const Details&... details) {
+  const std::string text = Line("", details...);
+  fake->calls.push_back(text.empty() ? name : name + " " + text);
   if (name == fake->refusing) SetLastError(ERROR_GEN_FAILURE);
   return name != fake->refusing;
 }
 
-std::string NumberOf(DHPDEV device) {
-  return std::to_string(reinterpret_cast<Device*>(device)->number);
+std::string Hex(ULONG number) { return Line(std::hex, number); }
+
+std::string Colours(const XLATEOBJ* translation) {
+  std::string text;
+  for (const ULONG colour : std::span(translation->pulXlate, translation->cEntries)) {
+    text += " " + Hex(colour);
+  }
+  return text;
 }
 
-std::string NumberOf(SURFOBJ* surface) { return NumberOf(surface->dhpdev); }
+int NumberOf(DHPDEV device) { return reinterpret_cast<Device*>(device)->number; }
+int NumberOf(SURFOBJ* surface) { return NumberOf(surface->dhpdev); }
 
 std::string Describe(const POINTL& p) { return Line(p.x, ",", p.y); }
 
@@ -46,7 +56,7 @@ std::string Describe(PATHOBJ* path) {
   PATHOBJ_vEnumStart(path);
   for (bool more = true; more;) {
     more = PATHOBJ_bEnum(path, &data) != FALSE;
-    text += Line(" [", std::hex, data.flags, ":");
+    text += " [" + Hex(data.flags) + ":";
     for (const POINTFIX& p : std::span(data.pptfx, data.count)) {
       text += Line(" ", p.x / 16.0, ",", p.y / 16.0);
     }
@@ -55,8 +65,7 @@ std::string Describe(PATHOBJ* path) {
   return text;
 }
 
-// What is usual is left out of a call's text: a clip that leaves the whole page, R2_COPYPEN for
-// both mixes, an origin of 0.
+// Defaults are omitted: a clip of the whole page, R2_COPYPEN for both mixes, an origin of 0.
 
 std::string Describe(CLIPOBJ* clip) {
   const RECTL page{0, 0, fake->size.cx, fake->size.cy};
@@ -83,12 +92,11 @@ std::string DescribeOrigin(const POINTL* origin) {
 }
 
 std::string Describe(BRUSHOBJ* brush) {
-  if (brush->iSolidColor != 0xFFFFFFFF) return Line("solid ", std::hex, brush->iSolidColor);
-  const auto* realized = static_cast<const char*>(BRUSHOBJ_pvGetRbrush(brush));
-  return realized != nullptr ? realized : "unrealized";
+  if (brush->iSolidColor != kNotSolid) return "solid " + Hex(brush->iSolidColor);
+  return static_cast<const char*>(BRUSHOBJ_pvGetRbrush(brush));
 }
 
-/// A pen: a thin one, or a wide one with what makes it unlike a round one.
+/// A pen, thin or wide; joins and caps unless they are round.
 std::string Describe(const LINEATTRS& line, XFORMOBJ* transform, BRUSHOBJ* brush) {
   const bool wide = (line.fl & LA_GEOMETRIC) != 0;
   XFORML matrix{};
@@ -109,7 +117,7 @@ DHPDEV APIENTRY EnablePDEV(DEVMODEW* mode, LPWSTR, ULONG, HSURF*, ULONG, GDIINFO
                            ULONG, DEVINFO* info, HDEV, LPWSTR, HANDLE) {
   static int count = 0;
   if (fake->calls.empty()) count = 0;
-  if (!Note("EnablePDEV", std::to_string(mode->dmPaperSize))) return nullptr;
+  if (!Note("EnablePDEV", mode->dmPaperSize)) return nullptr;
   info->flGraphicsCaps = fake->graphics_caps;
   capabilities->ulHorzRes = static_cast<ULONG>(fake->size.cx);
   return reinterpret_cast<DHPDEV>(new Device{++count, nullptr, nullptr});
@@ -121,7 +129,7 @@ void APIENTRY CompletePDEV(DHPDEV device, HDEV engine_device) {
 }
 
 WINBOOL APIENTRY ResetPDEV(DHPDEV from, DHPDEV to) {
-  return Note("ResetPDEV", NumberOf(from) + " " + NumberOf(to));
+  return Note("ResetPDEV", NumberOf(from), " ", NumberOf(to));
 }
 
 void APIENTRY DisablePDEV(DHPDEV device) {
@@ -144,8 +152,7 @@ void APIENTRY DisableSurface(DHPDEV handle) {
 }
 
 WINBOOL APIENTRY StartDoc(SURFOBJ* surface, LPWSTR name, DWORD job) {
-  return Note("StartDoc",
-              NumberOf(surface) + (name == nullptr ? " -" : " name") + " " + std::to_string(job));
+  return Note("StartDoc", NumberOf(surface), name == nullptr ? " - " : " name ", job);
 }
 
 WINBOOL APIENTRY StartPage(SURFOBJ* surface) { return Note("StartPage", NumberOf(surface)); }
@@ -153,17 +160,14 @@ WINBOOL APIENTRY StartPage(SURFOBJ* surface) { return Note("StartPage", NumberOf
 WINBOOL APIENTRY SendPage(SURFOBJ* surface) { return Note("SendPage", NumberOf(surface)); }
 
 WINBOOL APIENTRY EndDoc(SURFOBJ* surface, FLONG flags) {
-  return Note("EndDoc", NumberOf(surface) + (flags & ED_ABORTDOC ? " abort" : ""));
+  return Note("EndDoc", NumberOf(surface), flags & ED_ABORTDOC ? " abort" : "");
 }
 
 WINBOOL APIENTRY RealizeBrush(BRUSHOBJ* brush, SURFOBJ*, SURFOBJ* pattern, SURFOBJ*,
                               XLATEOBJ* xlate, ULONG hatch) {
   if (!Note("RealizeBrush")) return FALSE;
-  std::string text =
-      Line("hatch ", hatch, " ", pattern->sizlBitmap.cx, "x", pattern->sizlBitmap.cy);
-  for (const ULONG color : std::span(xlate->pulXlate, xlate->cEntries)) {
-    text += Line(" ", std::hex, color);
-  }
+  const std::string text = Line("hatch ", hatch, " ", pattern->sizlBitmap.cx, "x",
+                                pattern->sizlBitmap.cy, Colours(xlate));
   void* block = BRUSHOBJ_pvAllocRbrush(brush, static_cast<ULONG>(text.size() + 1));
   brush->pvRbrush =
       std::char_traits<char>::copy(static_cast<char*>(block), text.c_str(), text.size());
@@ -172,35 +176,32 @@ WINBOOL APIENTRY RealizeBrush(BRUSHOBJ* brush, SURFOBJ*, SURFOBJ* pattern, SURFO
 
 WINBOOL APIENTRY StrokePath(SURFOBJ*, PATHOBJ* path, CLIPOBJ* clip, XFORMOBJ* transform,
                             BRUSHOBJ* brush, POINTL* origin, LINEATTRS* line, MIX mix) {
-  return Note("StrokePath", Line(Describe(*line, transform, brush), ",", Describe(path),
-                                 DescribeMix(mix), DescribeOrigin(origin), Describe(clip)));
+  return Note("StrokePath", Describe(*line, transform, brush), ",", Describe(path),
+              DescribeMix(mix), DescribeOrigin(origin), Describe(clip));
 }
 
 WINBOOL APIENTRY FillPath(SURFOBJ*, PATHOBJ* path, CLIPOBJ* clip, BRUSHOBJ* brush, POINTL* origin,
                           MIX mix, FLONG mode) {
-  return Note("FillPath",
-              Line(Describe(brush), mode == FP_WINDINGMODE ? " winding" : "", ",", Describe(path),
-                   DescribeMix(mix), DescribeOrigin(origin), Describe(clip)));
+  return Note("FillPath", Describe(brush), mode == FP_WINDINGMODE ? " winding" : "", ",",
+              Describe(path), DescribeMix(mix), DescribeOrigin(origin), Describe(clip));
 }
 
 WINBOOL APIENTRY StrokeAndFillPath(SURFOBJ*, PATHOBJ* path, CLIPOBJ* clip, XFORMOBJ* transform,
                                    BRUSHOBJ* stroke, LINEATTRS* line, BRUSHOBJ* fill,
                                    POINTL* origin, MIX mix, FLONG mode) {
-  return Note("StrokeAndFillPath",
-              Line(Describe(*line, transform, stroke), ", ", Describe(fill),
-                   mode == FP_WINDINGMODE ? " winding" : "", ",", Describe(path), DescribeMix(mix),
-                   DescribeOrigin(origin), Describe(clip)));
+  return Note("StrokeAndFillPath", Describe(*line, transform, stroke), ", ", Describe(fill),
+              mode == FP_WINDINGMODE ? " winding" : "", ",", Describe(path), DescribeMix(mix),
+              DescribeOrigin(origin), Describe(clip));
 }
 
 WINBOOL APIENTRY LineTo(SURFOBJ*, CLIPOBJ* clip, BRUSHOBJ* brush, LONG x1, LONG y1, LONG x2,
                         LONG y2, RECTL*, MIX mix) {
-  return Note("LineTo", Line(Describe(brush), ", ", Describe(RECTL{x1, y1, x2, y2}),
-                             DescribeMix(mix), Describe(clip)));
+  return Note("LineTo", Describe(brush), ", ", Describe(RECTL{x1, y1, x2, y2}), DescribeMix(mix),
+              Describe(clip));
 }
 
 WINBOOL APIENTRY Paint(SURFOBJ*, CLIPOBJ* clip, BRUSHOBJ* brush, POINTL* origin, MIX mix) {
-  return Note("Paint",
-              Line(Describe(brush), DescribeMix(mix), DescribeOrigin(origin), Describe(clip)));
+  return Note("Paint", Describe(brush), DescribeMix(mix), DescribeOrigin(origin), Describe(clip));
 }
 
 /// Size, depth and, of small pictures, all pixels as the driver would copy them.
@@ -210,11 +211,7 @@ std::string Describe(SURFOBJ* surface, XLATEOBJ* translation) {
   std::string text = Line(width, "x", height, "x", depth);
   if (surface->iBitmapFormat > BMF_32BPP) return text + " rle";
   if (translation != nullptr && translation->cEntries > 0 && translation->cEntries <= 4) {
-    text += " {";
-    for (const ULONG color : std::span(translation->pulXlate, translation->cEntries)) {
-      text += Line(" ", std::hex, color);
-    }
-    text += " }";
+    text += " {" + Colours(translation) + " }";
   }
   if (surface->cjBits > 64) return text;
   for (LONG y = 0; y < height; ++y) {
@@ -230,7 +227,7 @@ std::string Describe(SURFOBJ* surface, XLATEOBJ* translation) {
 WINBOOL APIENTRY BitBlt(SURFOBJ*, SURFOBJ* source, SURFOBJ* mask, CLIPOBJ* clip,
                         XLATEOBJ* translation, RECTL* target, POINTL* source_origin,
                         POINTL* mask_origin, BRUSHOBJ* brush, POINTL* brush_origin, ROP4 rop4) {
-  std::string text = Line(Describe(*target), " rop ", std::hex, rop4);
+  std::string text = Describe(*target) + " rop " + Hex(rop4);
   if (brush != nullptr) text += ", " + Describe(brush) + DescribeOrigin(brush_origin);
   if (source != nullptr) {
     text += ", from " + Describe(*source_origin) + " of " + Describe(source, translation);
@@ -243,23 +240,23 @@ WINBOOL APIENTRY BitBlt(SURFOBJ*, SURFOBJ* source, SURFOBJ* mask, CLIPOBJ* clip,
 
 WINBOOL APIENTRY CopyBits(SURFOBJ*, SURFOBJ* source, CLIPOBJ* clip, XLATEOBJ* translation,
                           RECTL* target, POINTL* origin) {
-  return Note("CopyBits", Line(Describe(*target), " from ", Describe(*origin), " of ",
-                               Describe(source, translation), Describe(clip)));
+  return Note("CopyBits", Describe(*target), " from ", Describe(*origin), " of ",
+              Describe(source, translation), Describe(clip));
 }
 
 WINBOOL APIENTRY StretchBlt(SURFOBJ*, SURFOBJ* source, SURFOBJ*, CLIPOBJ* clip,
                             XLATEOBJ* translation, COLORADJUSTMENT*, POINTL*, RECTL* target,
                             RECTL* rect, POINTL*, ULONG mode) {
-  return Note("StretchBlt", Line(Describe(*target), " from ", Describe(*rect), " of ",
-                                 Describe(source, translation), ", mode ", mode, Describe(clip)));
+  return Note("StretchBlt", Describe(*target), " from ", Describe(*rect), " of ",
+              Describe(source, translation), ", mode ", mode, Describe(clip));
 }
 
 WINBOOL APIENTRY AlphaBlend(SURFOBJ*, SURFOBJ* source, CLIPOBJ* clip, XLATEOBJ* translation,
                             RECTL* target, RECTL* rect, BLENDOBJ* blend) {
   const BLENDFUNCTION& how = blend->BlendFunction;
-  return Note("AlphaBlend", Line(Describe(*target), " from ", Describe(*rect), " of ",
-                                 Describe(source, translation), ", ", int{how.SourceConstantAlpha},
-                                 "/", int{how.AlphaFormat}, Describe(clip)));
+  return Note("AlphaBlend", Describe(*target), " from ", Describe(*rect), " of ",
+              Describe(source, translation), ", ", int{how.SourceConstantAlpha}, "/",
+              int{how.AlphaFormat}, Describe(clip));
 }
 
 ULONG APIENTRY GetGlyphMode(DHPDEV, FONTOBJ*) { return Note("GetGlyphMode") ? FO_GLYPHBITS : 0; }
@@ -268,9 +265,9 @@ WINBOOL APIENTRY TextOut(SURFOBJ*, STROBJ* string, FONTOBJ* font, CLIPOBJ* clip,
                          RECTL* opaque, BRUSHOBJ* ink, BRUSHOBJ*, POINTL*, MIX) {
   std::string text;
   for (const wchar_t unit : std::wstring(string->pwszOrg, string->cGlyphs)) {
-    text += unit < 128 ? std::string(1, static_cast<char>(unit)) : Line("\\", std::hex, int{unit});
+    text += unit < 128 ? std::string(1, static_cast<char>(unit)) : "\\" + Hex(unit);
   }
-  text += Line(" accel ", std::hex, string->flAccel) + ", " + Describe(ink);
+  text += " accel " + Hex(string->flAccel) + ", " + Describe(ink);
   if (opaque != nullptr) text += ", opaque " + Describe(*opaque);
   ULONG count = 0;
   GLYPHPOS* glyphs = nullptr;

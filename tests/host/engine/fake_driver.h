@@ -9,16 +9,16 @@
 
 namespace quillo::host {
 
-/// A driver that writes down what it is asked for.
+/// A driver that notes its calls.
 struct FakeDriver {
   FakeDriver();
   ~FakeDriver();
 
   DriverFunctions functions;
   std::vector<std::string> calls;  // one line each
-  std::string refusing;            // the function that answers FALSE or null
+  std::string refusing;            // the function that returns FALSE or null
   FLONG graphics_caps = 0;
-  FLONG hooks = 0x105FB;  // of the surfaces that it enables
+  FLONG hooks = 0x105FB;  // of its surfaces
   SIZEL size{100, 80};
 };
 

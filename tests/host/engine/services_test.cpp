@@ -79,7 +79,7 @@ TEST(XformObject, Apply_MapsEachModeAndRoundsToNearest) {
   }
 }
 
-WINBOOL APIENTRY RealizeWithIndex(BRUSHOBJ* brush, SURFOBJ*, SURFOBJ*, SURFOBJ*, XLATEOBJ*,
+WINBOOL APIENTRY RealiseWithIndex(BRUSHOBJ* brush, SURFOBJ*, SURFOBJ*, SURFOBJ*, XLATEOBJ*,
                                   ULONG hatch) {
   auto* block = static_cast<ULONG*>(BRUSHOBJ_pvAllocRbrush(brush, sizeof(ULONG)));
   if (block == nullptr) return FALSE;
@@ -87,17 +87,17 @@ WINBOOL APIENTRY RealizeWithIndex(BRUSHOBJ* brush, SURFOBJ*, SURFOBJ*, SURFOBJ*,
   return hatch != HS_CROSS;
 }
 
-TEST(BrushObject, Realization_IsMadeOnce) {
-  BrushObject brush({.realize = RealizeWithIndex, .hatch = HS_VERTICAL});
+TEST(BrushObject, Realisation_IsMadeOnce) {
+  BrushObject brush({.realise = RealiseWithIndex, .hatch = HS_VERTICAL});
   EXPECT_EQ(brush.iSolidColor, kNotSolid);
   auto* block = static_cast<ULONG*>(BRUSHOBJ_pvGetRbrush(&brush));
   ASSERT_NE(block, nullptr);
   EXPECT_EQ(*block, ULONG{HS_VERTICAL});
   EXPECT_EQ(BRUSHOBJ_pvGetRbrush(&brush), block);
 
-  BrushObject refused({.realize = RealizeWithIndex, .hatch = HS_CROSS});
+  BrushObject refused({.realise = RealiseWithIndex, .hatch = HS_CROSS});
   EXPECT_EQ(BRUSHOBJ_pvGetRbrush(&refused), nullptr);
-  BrushObject short_of_memory({.realize = RealizeWithIndex, .hatch = HS_VERTICAL});
+  BrushObject short_of_memory({.realise = RealiseWithIndex, .hatch = HS_VERTICAL});
   FailNextCall("BRUSHOBJ_pvAllocRbrush");
   EXPECT_EQ(BRUSHOBJ_pvGetRbrush(&short_of_memory), nullptr);
   BrushObject solid(0x123456);

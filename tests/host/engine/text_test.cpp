@@ -33,15 +33,6 @@ class TextTest : public GraphicsTest {
   }
 };
 
-TEST_F(TextTest, ExtraWidth_GoesWithTheFontsOwnAdvances) {
-  TextDescription line = Line(L"A b");
-  line.character_extra = 1;
-  line.break_extra = 5;
-  EXPECT_EQ(Page().Text(line, Transparent()), LayOut(line).length);
-  EXPECT_EQ(driver_.calls.back(),
-            "TextOut A b accel 2, solid 0, at 50,40 57,40 69,40, em 10 0 0 10");
-}
-
 TEST_F(TextTest, RightToLeft_PutsUnitsInTheirPlaces) {
   // Units in text order; a driver gets the places of a natural line from the left.
   const std::wstring hebrew = L"a\x05D0\x05D1";
@@ -55,7 +46,7 @@ TEST_F(TextTest, RightToLeft_PutsUnitsInTheirPlaces) {
   layout = LayOut(line);
   EXPECT_FALSE(layout.Natural());
   EXPECT_EQ(layout.origins[0].x, 50);
-  EXPECT_EQ(layout.origins[1].x, 68);  // behind the third unit
+  EXPECT_EQ(layout.origins[1].x, 68);  // after the third unit
   EXPECT_EQ(layout.origins[2].x, 58);
   line.right_to_left = true;
   EXPECT_EQ(LayOut(line).origins[0].x, 69);

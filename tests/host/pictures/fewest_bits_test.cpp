@@ -23,7 +23,7 @@ TEST(WithFewestBits, Pixels_KeepTheirColours) {
     EXPECT_TRUE(std::ranges::is_sorted(packed.palette)) << test.colours;
     const PixelReader before(picture), after(packed);
     for (LONG i = 0; i < 37 * 11; ++i) {
-      ASSERT_EQ(after.Color(i % 37, i / 37), before.Color(i % 37, i / 37)) << test.colours;
+      ASSERT_EQ(after.Colour(i % 37, i / 37), before.Colour(i % 37, i / 37)) << test.colours;
     }
   }
 }

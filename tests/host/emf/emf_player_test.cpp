@@ -1,4 +1,4 @@
-#include "host/emf_player/player.h"
+#include "host/emf_player/emf_player.h"
 
 #include <gtest/gtest.h>
 
@@ -26,11 +26,14 @@ class Player : public GraphicsTest {
     driver_.calls.clear();
     MetafileReader reader(metafile);
     Graphics page = Page();
-    result_ = PlayMetafile(reader, to_page, page, options);
+    result_ = EmfPlayer(reader, to_page, page, options).Play();
     std::string lines;
     for (const std::string& call : driver_.calls) lines += "> " + call + "\n";
     for (const MetafileFault& fault : reader.faults()) lines += "! " + Describe(fault) + "\n";
     for (const auto& [name, count] : result_.not_carried) {
+      lines += "- " + name + " " + std::to_string(count) + "\n";
+    }
+    for (const auto& [name, count] : page.Calls().refused) {
       lines += "- " + name + " " + std::to_string(count) + "\n";
     }
     return lines;
@@ -48,12 +51,14 @@ class Player : public GraphicsTest {
 };
 
 TEST_F(Player, Scripts_GiveTheirCallsAndFaults) {
-  for (const char* name : {"lines.txt", "state.txt", "pens_brushes.txt", "paths_clips.txt",
-                           "bitmaps.txt", "text.txt", "damaged.txt"}) {
+  for (const char* name : {"lines.txt", "driver.txt", "state.txt", "pens_brushes.txt",
+                           "paths_clips.txt", "bitmaps.txt", "text.txt", "damaged.txt"}) {
     const auto path = std::filesystem::path(QUILLO_SOURCE_DIR) / "tests/corpus/emf" / name;
     const std::vector<ScriptCase> cases = ReadScript(path);
     EXPECT_FALSE(cases.empty()) << name;
     for (const ScriptCase& c : cases) {
+      driver_.refusing = c.refusing;
+      driver_.graphics_caps = c.curves ? GCAPS_BEZIERS : 0;
       EXPECT_EQ(Play(c.metafile, c.to_page), c.expected) << c.place;
     }
   }

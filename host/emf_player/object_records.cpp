@@ -3,15 +3,17 @@
 #include <utility>
 
 #include "host/emf_player/bitmap_data.h"
-#include "host/emf_player/playback.h"
+#include "host/emf_player/emf_player.h"
+#include "host/emf_player/record_handlers.h"
 
 namespace quillo::host::emf {
 
 namespace {
 
 /// Fills a brush of style BS_SOLID, BS_HOLLOW or BS_HATCHED; false for other styles.
-bool MakeBrush(Playback& dc, uint32_t style, COLORREF color, uint64_t hatch, BrushObject& brush) {
-  brush.color = color;
+bool MakeBrush(EmfPlayer& player, uint32_t style, COLORREF colour, uint64_t hatch,
+               BrushObject& brush) {
+  brush.colour = colour;
   switch (style) {
     case BS_SOLID:
       brush.kind = BrushObject::Kind::kSolid;
@@ -24,59 +26,59 @@ bool MakeBrush(Playback& dc, uint32_t style, COLORREF color, uint64_t hatch, Bru
     default:
       return false;
   }
-  // Behind the six hatches stand six that are one colour all over.
-  constexpr uint64_t kSolidColor = 6, kSolidText = 8, kSolidBackground = 10, kEnd = 12;
-  brush.kind = hatch < kSolidColor ? BrushObject::Kind::kHatched : BrushObject::Kind::kSolid;
+  // The six hatches are followed by six that are solid.
+  constexpr uint64_t kSolidColour = 6, kSolidText = 8, kSolidBackground = 10, kEnd = 12;
+  brush.kind = hatch < kSolidColour ? BrushObject::Kind::kHatched : BrushObject::Kind::kSolid;
   brush.hatch = static_cast<uint32_t>(hatch);
   if (hatch >= kSolidBackground) {
-    brush.color = dc.state().background_color;
+    brush.colour = player.state().background_colour;
   } else if (hatch >= kSolidText) {
-    brush.color = dc.state().text_color;
+    brush.colour = player.state().text_colour;
   }
-  if (hatch >= kEnd) dc.Fault("there is no hatch " + std::to_string(hatch));
+  if (hatch >= kEnd) player.Fault("there is no hatch " + std::to_string(hatch));
   return hatch < kEnd;
 }
 
-void CreateBrush(Playback& dc, PayloadReader& record) {
+void CreateBrush(EmfPlayer& player, PayloadReader& record) {
   const auto index = record.Read<uint32_t>();
   const auto style = record.Read<uint32_t>();
-  const auto color = record.Read<COLORREF>();
+  const auto colour = record.Read<COLORREF>();
   const auto hatch = record.Read<uint32_t>();
   BrushObject brush;
   if (!record.ok()) return;
-  if (!MakeBrush(dc, style, color, hatch, brush)) {
-    dc.Fault("there is no plain brush of style " + std::to_string(style));
+  if (!MakeBrush(player, style, colour, hatch, brush)) {
+    player.Fault("there is no plain brush of style " + std::to_string(style));
     return;
   }
-  dc.StoreObject(index, std::make_shared<const BrushObject>(brush));
+  player.StoreObject(index, std::make_shared<const BrushObject>(brush));
 }
 
 template <BrushObject::Kind kind>
-void CreatePatternBrush(Playback& dc, PayloadReader& record) {
+void CreatePatternBrush(EmfPlayer& player, PayloadReader& record) {
   const auto index = record.Read<uint32_t>();
-  const auto colors = record.Read<uint32_t>();
+  const auto colours = record.Read<uint32_t>();
   const DibPlace place = ReadDibPlace(record);
   if (!record.ok()) return;
   BrushObject brush;
-  brush.pattern = ReadBitmap(dc, record, place, colors);
+  brush.pattern = ReadBitmap(player, record, place, colours);
   if (brush.pattern == nullptr) return;
-  // "Monochrome" brushes of more colours exist in files; they have their own.
+  // Some files have "monochrome" brushes of more colours; those keep their own.
   brush.kind = brush.pattern->bits_per_pixel == 1 ? kind : BrushObject::Kind::kPattern;
-  dc.StoreObject(index, std::make_shared<const BrushObject>(std::move(brush)));
+  player.StoreObject(index, std::make_shared<const BrushObject>(std::move(brush)));
 }
 
-void CreatePen(Playback& dc, PayloadReader& record) {
+void CreatePen(EmfPlayer& player, PayloadReader& record) {
   const auto index = record.Read<uint32_t>();
   PenObject pen;
   pen.style = record.Read<uint32_t>() & PS_STYLE_MASK;
   const auto width = record.Read<int32_t>();
   record.Skip(4);  // the second half of a POINT that holds the width
   pen.width = width < 0 ? 0u - static_cast<uint32_t>(width) : static_cast<uint32_t>(width);
-  pen.brush.color = record.Read<COLORREF>();
-  if (record.ok()) dc.StoreObject(index, std::make_shared<const PenObject>(std::move(pen)));
+  pen.brush.colour = record.Read<COLORREF>();
+  if (record.ok()) player.StoreObject(index, std::make_shared<const PenObject>(std::move(pen)));
 }
 
-void ExtCreatePen(Playback& dc, PayloadReader& record) {
+void ExtCreatePen(EmfPlayer& player, PayloadReader& record) {
   const auto index = record.Read<uint32_t>();
   const DibPlace place = ReadDibPlace(record);
   PenObject pen;
@@ -84,125 +86,127 @@ void ExtCreatePen(Playback& dc, PayloadReader& record) {
   pen.style = record.Read<uint32_t>();
   pen.width = record.Read<uint32_t>();
   const auto brush_style = record.Read<uint32_t>();
-  const auto color = record.Read<COLORREF>();
+  const auto colour = record.Read<COLORREF>();
   const auto hatch = record.Read<uint32_t>();
   const auto dash_count = record.Read<uint32_t>();
   if (pen.LineStyle() == PS_USERSTYLE) pen.dashes = record.ReadArray<uint32_t>(dash_count);
   if (!record.ok()) return;
   if (!place.Empty() && brush_style != BS_SOLID && brush_style != BS_HATCHED) {
-    // As BS_DIBPATTERN has it, the hatch says what the bitmap's colour table holds.
+    // As with BS_DIBPATTERN, the hatch is the kind of the bitmap's colour table.
     const bool device_bitmap = brush_style == BS_PATTERN;
-    pen.brush.pattern = ReadBitmap(dc, record, place, device_bitmap ? 0 : hatch & 0xFFFF);
+    pen.brush.pattern = ReadBitmap(player, record, place, device_bitmap ? 0 : hatch & 0xFFFF);
     if (pen.brush.pattern == nullptr) return;
     pen.brush.kind = device_bitmap && pen.brush.pattern->bits_per_pixel == 1
                          ? BrushObject::Kind::kMonoPattern
                          : BrushObject::Kind::kPattern;
-  } else if (!MakeBrush(dc, brush_style, color, hatch, pen.brush)) {
-    dc.Fault("there is no brush of style " + std::to_string(brush_style) + " for a pen");
+  } else if (!MakeBrush(player, brush_style, colour, hatch, pen.brush)) {
+    player.Fault("there is no brush of style " + std::to_string(brush_style) + " for a pen");
     return;
   }
-  dc.StoreObject(index, std::make_shared<const PenObject>(std::move(pen)));
+  player.StoreObject(index, std::make_shared<const PenObject>(std::move(pen)));
 }
 
-void CreateFont(Playback& dc, PayloadReader& record) {
+void CreateFont(EmfPlayer& player, PayloadReader& record) {
   const auto index = record.Read<uint32_t>();
   FontObject font;
   font.font = record.Read<LOGFONTW>();
   font.font.lfFaceName[LF_FACESIZE - 1] = L'\0';
-  dc.StoreObject(index, std::make_shared<const FontObject>(font));
+  player.StoreObject(index, std::make_shared<const FontObject>(font));
 }
 
-/// A colour space holds its place in the table, so that its deletion finds it.
-void CreateOther(Playback& dc, PayloadReader& record) {
+/// A colour space only occupies its index, so that deleting it succeeds.
+void CreateOther(EmfPlayer& player, PayloadReader& record) {
   const auto index = record.Read<uint32_t>();
-  if (record.ok()) dc.StoreObject(index, std::make_shared<const OtherObject>());
+  if (record.ok()) player.StoreObject(index, std::make_shared<const OtherObject>());
 }
 
-void SelectObject(Playback& dc, PayloadReader& record) {
+void SelectObject(EmfPlayer& player, PayloadReader& record) {
   const auto index = record.Read<uint32_t>();
-  const Object object = dc.objects().Get(index);
+  const Object object = player.objects().Get(index);
   if (const auto* pen = std::get_if<Shared<PenObject>>(&object)) {
-    dc.state().pen = *pen;
+    player.state().pen = *pen;
   } else if (const auto* brush = std::get_if<Shared<BrushObject>>(&object)) {
-    dc.state().brush = *brush;
+    player.state().brush = *brush;
   } else if (const auto* font = std::get_if<Shared<FontObject>>(&object)) {
-    dc.state().font = *font;
+    player.state().font = *font;
   } else {
-    dc.Fault("object " + std::to_string(index) + " is no pen, brush or font");
+    player.Fault("object " + std::to_string(index) + " is no pen, brush or font");
   }
 }
 
-void DeleteObject(Playback& dc, PayloadReader& record) {
+void DeleteObject(EmfPlayer& player, PayloadReader& record) {
   const auto index = record.Read<uint32_t>();
-  if (!dc.objects().Delete(index)) dc.Fault("there is no object " + std::to_string(index));
+  if (!player.objects().Delete(index)) player.Fault("there is no object " + std::to_string(index));
 }
 
 // -- Palettes ----------------------------------------------------------------------------------
 
 /// `count` PALETTEENTRYs: red, green, blue, flags.
 std::vector<uint32_t> ReadPaletteEntries(PayloadReader& record, size_t count) {
-  std::vector<uint32_t> colors = record.ReadArray<uint32_t>(count);
-  for (uint32_t& color : colors) color = ToRgb(color);
-  return colors;
+  std::vector<uint32_t> colours = record.ReadArray<uint32_t>(count);
+  for (uint32_t& colour : colours) colour = ToRgb(colour);
+  return colours;
 }
 
-void CreatePalette(Playback& dc, PayloadReader& record) {
+void CreatePalette(EmfPlayer& player, PayloadReader& record) {
   const auto index = record.Read<uint32_t>();
   record.Skip(2);  // version
   const auto count = record.Read<uint16_t>();
   PaletteObject palette{ReadPaletteEntries(record, count)};
-  if (record.ok()) dc.StoreObject(index, std::make_shared<const PaletteObject>(std::move(palette)));
+  if (record.ok())
+    player.StoreObject(index, std::make_shared<const PaletteObject>(std::move(palette)));
 }
 
-Shared<PaletteObject> FindPalette(Playback& dc, uint32_t index) {
-  const Object object = dc.objects().Get(index);
+Shared<PaletteObject> FindPalette(EmfPlayer& player, uint32_t index) {
+  const Object object = player.objects().Get(index);
   const auto* palette = std::get_if<Shared<PaletteObject>>(&object);
   if (palette != nullptr) return *palette;
-  dc.Fault("object " + std::to_string(index) + " is no palette");
+  player.Fault("object " + std::to_string(index) + " is no palette");
   return nullptr;
 }
 
-void SelectPalette(Playback& dc, PayloadReader& record) {
-  if (auto palette = FindPalette(dc, record.Read<uint32_t>())) dc.state().palette = palette;
+void SelectPalette(EmfPlayer& player, PayloadReader& record) {
+  if (auto palette = FindPalette(player, record.Read<uint32_t>())) player.state().palette = palette;
 }
 
-/// Puts a changed palette in the place of the old one, also where that is selected.
-void ReplacePalette(Playback& dc, uint32_t index, const Shared<PaletteObject>& old,
+/// Replaces a palette by a changed one, also where it is selected.
+void ReplacePalette(EmfPlayer& player, uint32_t index, const Shared<PaletteObject>& old,
                     PaletteObject changed) {
   auto palette = std::make_shared<const PaletteObject>(std::move(changed));
-  if (dc.state().palette == old) dc.state().palette = palette;
-  dc.objects().Set(index, std::move(palette));
+  if (player.state().palette == old) player.state().palette = palette;
+  player.objects().Set(index, std::move(palette));
 }
 
-void SetPaletteEntries(Playback& dc, PayloadReader& record) {
+void SetPaletteEntries(EmfPlayer& player, PayloadReader& record) {
   const auto index = record.Read<uint32_t>();
   const auto start = record.Read<uint32_t>();
-  const auto colors = ReadPaletteEntries(record, record.Read<uint32_t>());
+  const auto colours = ReadPaletteEntries(record, record.Read<uint32_t>());
   if (!record.ok()) return;
-  const auto old = FindPalette(dc, index);
+  const auto old = FindPalette(player, index);
   if (old == nullptr) return;
-  if (!RangeFits(old->colors.size(), start, colors.size())) {
-    dc.Fault("entries beyond the palette's end");
+  if (!RangeFits(old->colours.size(), start, colours.size())) {
+    player.Fault("entries beyond the palette's end");
     return;
   }
   PaletteObject changed = *old;
-  std::copy(colors.begin(), colors.end(), changed.colors.begin() + static_cast<ptrdiff_t>(start));
-  ReplacePalette(dc, index, old, std::move(changed));
+  std::copy(colours.begin(), colours.end(),
+            changed.colours.begin() + static_cast<ptrdiff_t>(start));
+  ReplacePalette(player, index, old, std::move(changed));
 }
 
-void ResizePalette(Playback& dc, PayloadReader& record) {
-  constexpr uint32_t kMostEntries = 1024;  // as ResizePalette takes
+void ResizePalette(EmfPlayer& player, PayloadReader& record) {
+  constexpr uint32_t kMaxEntries = 1024;  // of ResizePalette
   const auto index = record.Read<uint32_t>();
   const auto count = record.Read<uint32_t>();
-  const auto old = FindPalette(dc, index);
+  const auto old = FindPalette(player, index);
   if (old == nullptr) return;
-  if (count > kMostEntries) {
-    dc.Fault("a palette of " + std::to_string(count) + " entries");
+  if (count > kMaxEntries) {
+    player.Fault("a palette of " + std::to_string(count) + " entries");
     return;
   }
   PaletteObject changed = *old;
-  changed.colors.resize(count);
-  ReplacePalette(dc, index, old, std::move(changed));
+  changed.colours.resize(count);
+  ReplacePalette(player, index, old, std::move(changed));
 }
 
 }  // namespace

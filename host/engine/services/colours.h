@@ -8,8 +8,8 @@
 namespace quillo::host {
 
 /// A device colour of this engine's surfaces (24 bits, blue first) from a COLORREF, and back.
-constexpr ULONG SwapRedBlue(ULONG color) {
-  return (color & 0xFF00FF00) | (color & 0xFF) << 16 | (color >> 16 & 0xFF);
+constexpr ULONG SwapRedBlue(ULONG colour) {
+  return (colour & 0xFF00FF00) | (colour & 0xFF) << 16 | (colour >> 16 & 0xFF);
 }
 
 /// A colour translation with the public XLATEOBJ in front.
@@ -20,7 +20,7 @@ class XlateObject : public XLATEOBJ {
   /// From palette indexes; entry i is the device colour of index i.
   explicit XlateObject(std::vector<ULONG> vector);
 
-  /// The device colour of each index, also while `pulXlate` is null.
+  /// The device colour of each index, even while `pulXlate` is null.
   std::vector<ULONG>& Vector() { return vector_; }
   /// COLORREFs of the source's palette; empty for direct colours.
   const std::vector<ULONG>& SourcePalette() const { return source_palette_; }
@@ -30,7 +30,7 @@ class XlateObject : public XLATEOBJ {
   std::vector<ULONG> source_palette_;
 };
 
-/// Palettes that a driver has made and not deleted.
+/// How many palettes a driver has created and not deleted.
 size_t LivePaletteCount();
 
 }  // namespace quillo::host

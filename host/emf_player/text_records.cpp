@@ -6,7 +6,9 @@
 #include <numeric>
 #include <utility>
 
-#include "host/emf_player/playback.h"
+#include "host/emf_player/emf_player.h"
+#include "host/emf_player/record_fields.h"
+#include "host/emf_player/record_handlers.h"
 #include "host/emf_player/region_data.h"
 #include "host/emf_player/rounding.h"
 #include "host/emf_player/text_outline.h"
@@ -21,7 +23,7 @@ namespace {
 constexpr uint32_t kNoRectangle = 0x100;
 constexpr uint32_t kSmallCharacters = 0x200;
 
-/// A line of text as its record gives it.
+/// A line of text as its record has it.
 struct TextLine {
   PointL reference;  // logical
   uint32_t options = 0;
@@ -46,8 +48,8 @@ UINT CodePageOf(BYTE charset) {
   return info.ciACP;
 }
 
-/// Text of a code page as UTF-16; the advances of a character's bytes are joined.
-void Widen(Bytes bytes, BYTE charset, TextLine& line) {
+/// Appends text of a code page to `line` as UTF-16; adds up the advances of a character's bytes.
+void AppendWide(Bytes bytes, BYTE charset, TextLine& line) {
   const auto* text = reinterpret_cast<const char*>(bytes.data());
   const bool symbols = charset == SYMBOL_CHARSET;
   const UINT code_page = symbols ? CP_ACP : CodePageOf(charset);
@@ -73,7 +75,7 @@ void Widen(Bytes bytes, BYTE charset, TextLine& line) {
   if (!line.dx.empty()) line.dx = std::move(dx);
 }
 
-/// Half of a surrogate pair stands for no character; it becomes the replacement character.
+/// Replaces each half of a surrogate pair that stands alone by U+FFFD; false when there is none.
 bool ReplaceLoneSurrogates(std::wstring& text) {
   bool found = false;
   for (size_t i = 0; i < text.size(); ++i) {
@@ -87,9 +89,9 @@ bool ReplaceLoneSurrogates(std::wstring& text) {
   return found;
 }
 
-/// The line's characters, `count` of them at `offset`.
-void ReadCharacters(Playback& dc, PayloadReader& record, size_t offset, size_t count, bool wide,
-                    TextLine& line) {
+/// Reads `count` characters at `offset`.
+void ReadCharacters(EmfPlayer& player, PayloadReader& record, size_t offset, size_t count,
+                    bool wide, TextLine& line) {
   if (count == 0) return;
   wide = wide || (line.options & ETO_GLYPH_INDEX) != 0;  // glyph indexes have 16 bits everywhere
   const Bytes bytes = record.Slice(offset, wide ? count * 2 : count);
@@ -98,14 +100,14 @@ void ReadCharacters(Playback& dc, PayloadReader& record, size_t offset, size_t c
     line.text.resize(count);
     std::memcpy(line.text.data(), bytes.data(), bytes.size());
     if ((line.options & ETO_GLYPH_INDEX) == 0 && ReplaceLoneSurrogates(line.text)) {
-      dc.Fault("its text holds half a surrogate pair");
+      player.Fault("its text holds half a surrogate pair");
     }
   } else {
-    Widen(bytes, dc.state().font->font.lfCharSet, line);
+    AppendWide(bytes, player.state().font->font.lfCharSet, line);
   }
 }
 
-/// The advances of `count` characters at `offset`; 0: the record has none.
+/// Reads the advances of `count` characters at `offset`; offset 0: the record has none.
 void ReadAdvances(PayloadReader& record, size_t offset, size_t count, TextLine& line) {
   if (offset == 0 || count == 0) return;
   const size_t numbers = (line.options & ETO_PDY) != 0 ? 2 : 1;
@@ -116,8 +118,8 @@ void ReadAdvances(PayloadReader& record, size_t offset, size_t count, TextLine& 
   }
 }
 
-/// The EMRTEXT part that four record types share. Offsets in it count from the record's start.
-TextLine ReadLine(Playback& dc, PayloadReader& record, bool advanced, bool wide) {
+/// Reads the EMRTEXT that four record types share. Its offsets count from the record's start.
+TextLine ReadLine(EmfPlayer& player, PayloadReader& record, bool advanced, bool wide) {
   TextLine line;
   line.advanced = advanced;
   line.reference = record.Read<PointL>();
@@ -127,13 +129,13 @@ TextLine ReadLine(Playback& dc, PayloadReader& record, bool advanced, bool wide)
   line.rectangle = record.Read<RectL>();
   const auto advance_offset = record.Read<uint32_t>();
   ReadAdvances(record, advance_offset, count, line);
-  ReadCharacters(dc, record, text_offset, count, wide, line);
+  ReadCharacters(player, record, text_offset, count, wide, line);
   return line;
 }
 
 // -- Drawing -------------------------------------------------------------------------------------
 
-// The order of glyphs that most fonts keep: ASCII at character - 29. Behind it they differ.
+// The glyph order that most fonts share: ASCII at character - 29. Other glyphs differ.
 constexpr wchar_t kCommonShift = 29;
 constexpr wchar_t kFirstCommon = L' ' - kCommonShift, kLastCommon = L'~' - kCommonShift;
 
@@ -144,12 +146,11 @@ bool KeepsCommonOrder(const TextFont& font) {
   return true;
 }
 
-/// Puts kNoGlyph in the place of the glyph indexes that mean nothing certain with `font`, and
-/// counts them. Where the font stands in for a missing one, that is all that both do not have in
-/// common.
+/// Replaces glyph indexes that need not mean the same glyph in `font` by kNoGlyph; returns how
+/// many. In a substitute these are all outside the common order.
 size_t DropUncertainGlyphs(std::wstring& glyphs, const TextFont& font, GlyphOrder order) {
   if (!font.Substituted()) return 0;
-  const bool readable = font.Map().invertible;  // else the page would hold no characters
+  const bool readable = font.Map().invertible;  // otherwise the page would hold no characters
   if (readable && order == GlyphOrder::kAssume) return 0;
   const bool common = readable && order == GlyphOrder::kAsSubstitute && KeepsCommonOrder(font);
   const auto is_uncertain = [common](wchar_t glyph) {
@@ -160,7 +161,7 @@ size_t DropUncertainGlyphs(std::wstring& glyphs, const TextFont& font, GlyphOrde
   return static_cast<size_t>(dropped);
 }
 
-/// Puts Unicode's characters in the place of the codes of a font of symbols that is not there.
+/// Replaces the codes of a symbol font that is not installed by Unicode characters.
 void ReplaceSymbols(TextLine& line, const TextFont& font) {
   if ((line.options & ETO_GLYPH_INDEX) != 0) return;
   std::wstring text;
@@ -180,16 +181,16 @@ void ReplaceSymbols(TextLine& line, const TextFont& font) {
   line.dy = std::move(dy);
 }
 
-/// The line's text as far as it can be drawn; notes it among the fonts' uses.
-std::wstring DrawableText(Playback& dc, const TextLine& line, TextDescription& text) {
+/// The part of the line's text that can be drawn. Counts it in the font's use.
+std::wstring DrawableText(EmfPlayer& player, const TextLine& line, TextDescription& text) {
   if (line.text.empty()) return {};
   const TextFont& font = *text.font;
-  FontUse& use = dc.result().fonts[font.Wanted().lfFaceName];
+  FontUse& use = player.UseOf(font.Wanted().lfFaceName);
   use.used = font.Family();
   use.substituted = font.Substituted();
   use.reversible = font.Map().invertible;
   if ((line.options & ETO_GLYPH_INDEX) == 0) {
-    FontChoice choice = dc.fonts().Choose(text.font, line.text);
+    FontChoice choice = player.fonts().Choose(text.font, line.text);
     use.characters += line.text.size() - choice.in_others - choice.missing;
     use.in_others += choice.in_others;
     use.missing += choice.missing;
@@ -197,24 +198,23 @@ std::wstring DrawableText(Playback& dc, const TextLine& line, TextDescription& t
     return line.text;
   }
   std::wstring glyphs = line.text;
-  const size_t dropped = DropUncertainGlyphs(glyphs, font, dc.options().glyph_order);
+  const size_t dropped = DropUncertainGlyphs(glyphs, font, player.options().glyph_order);
   const size_t drawn = glyphs.size() - dropped;
   use.dropped_glyphs += dropped;
   (font.Substituted() ? use.assumed_glyphs : use.characters) += drawn;
   if (drawn != 0) return glyphs;
-  dc.NotCarried();
+  player.NotCarried();
   return {};
 }
 
-/// How much wider than high the reference device's logical units make a line's glyphs.
+/// By how much the reference device stretched a line's glyphs horizontally.
 ///
-/// On a device whose pixels are no squares, fonts without a width of their own keep their shape on
-/// the paper. Where only the header's millimetres are wrong, the pixels were squares after all. The
-/// recorded advances tell which it was: they are the wider or narrower ones of such a device, or
-/// those of the font.
-double Widening(const Playback& dc, const TextLine& line, const TextDescription& text) {
+/// On a device whose pixels are not square, fonts without an explicit width keep their shape on
+/// paper. But some headers just have wrong millimetres, and the pixels were square. The recorded
+/// advances decide: they are either those of the font or stretched by the pixels' aspect.
+double Widening(const EmfPlayer& player, const TextLine& line, const TextDescription& text) {
   const LOGFONTW& wanted = text.font->Wanted();
-  if (line.advanced || !dc.ToPage().KeepsAxes() || wanted.lfWidth != 0 ||
+  if (line.advanced || !player.ToPage().KeepsAxes() || wanted.lfWidth != 0 ||
       wanted.lfEscapement % 1800 != 0) {
     return 1;
   }
@@ -230,15 +230,15 @@ double Widening(const Playback& dc, const TextLine& line, const TextDescription&
       own += font.AdvanceOf(font.GlyphOf(CharacterAt(text.text, i))) * font.ScaleX();
     }
   }
-  const double shape = dc.PixelShape();
+  const double shape = player.PixelAspect();
   if (own <= 0 || recorded <= 0) return 1;
   const double widened = std::log(recorded / own);
   return std::abs(widened - std::log(shape)) < std::abs(widened) ? shape : 1;
 }
 
-/// From logical units to the page for text: in the compatible graphics mode never mirrored.
-XFORM TextTransform(const Playback& dc, bool advanced, double widening) {
-  const Transform& map = dc.ToPage();
+/// From logical units to the page, for text. Never mirrors in the compatible graphics mode.
+XFORM TextTransform(const EmfPlayer& player, bool advanced, double widening) {
+  const Transform& map = player.ToPage();
   const auto number = [](double value) { return static_cast<float>(value); };
   if (!advanced && map.KeepsAxes()) {
     return {number(std::fabs(map.m11) * widening), 0, 0, number(std::fabs(map.m22)), 0, 0};
@@ -246,16 +246,19 @@ XFORM TextTransform(const Playback& dc, bool advanced, double widening) {
   return {number(map.m11), number(map.m12), number(map.m21), number(map.m22), 0, 0};
 }
 
-/// The opaque rectangle, and the clip to it. What no RECTL can hold is drawn at once.
-void ApplyRectangle(Playback& dc, const TextLine& line, TextDescription& text, DrawState& drawing) {
+/// Applies the line's rectangle as background and as clip. A background that is not upright is
+/// drawn at once.
+void ApplyRectangle(EmfPlayer& player, const TextLine& line, TextDescription& text,
+                    DrawState& drawing) {
   if ((line.options & kNoRectangle) != 0) return;
-  const Transform& map = dc.ToPage();
+  const Transform& map = player.ToPage();
   const RectL& rect = line.rectangle;
   if ((line.options & ETO_OPAQUE) != 0) {
     if (map.KeepsAxes()) {
       text.opaque = ToPixelRect(map, rect.left, rect.top, rect.right, rect.bottom);
     } else {
-      dc.canvas().Paint(MapRectangle(rect, map), BrushDescription::Solid(text.background), drawing);
+      player.canvas().Paint(MapRectangle(rect, map), BrushDescription::Solid(text.background),
+                            drawing);
     }
   }
   if ((line.options & ETO_CLIPPED) != 0) {
@@ -263,39 +266,40 @@ void ApplyRectangle(Playback& dc, const TextLine& line, TextDescription& text, D
   }
 }
 
-/// Moves the current position behind a line of this length.
-void MoveBehind(Playback& dc, const TextLine& line, double length) {
-  const UINT align = dc.state().text_align;
+/// Moves the current position to the end of a line of this length.
+void MoveToEnd(EmfPlayer& player, const TextLine& line, double length) {
+  const UINT align = player.state().text_align;
   if ((align & TA_UPDATECP) == 0 || (align & TA_CENTER) == TA_CENTER) return;
   const double along = (align & TA_CENTER) == TA_RIGHT ? -length : length;
   const double above = std::accumulate(line.dy.begin(), line.dy.end(), 0.0);
-  const double angle = dc.state().font->font.lfEscapement * std::numbers::pi / 1800;
+  const double angle = player.state().font->font.lfEscapement * std::numbers::pi / 1800;
   const double cosine = std::cos(angle), sine = std::sin(angle);
-  PointL& position = dc.state().position;
+  PointL& position = player.state().position;
   position.x = ToPixel(position.x + along * cosine - above * sine);
   position.y = ToPixel(position.y - along * sine - above * cosine);
 }
 
-void DrawLine(Playback& dc, TextLine line) {
-  const DcState& state = dc.state();
+void DrawLine(EmfPlayer& player, TextLine line) {
+  const DcState& state = player.state();
   TextDescription text;
   LOGFONTW font = state.font->font;
-  if (!line.advanced) font.lfOrientation = font.lfEscapement;  // the compatible mode has one angle
-  text.font = dc.fonts().Find(font);
+  if (!line.advanced)
+    font.lfOrientation = font.lfEscapement;  // the compatible mode has a single angle
+  text.font = player.fonts().Find(font);
   if (text.font == nullptr) {
-    dc.Fault("there is no font for its text");
+    player.Fault("there is no font for its text");
     return;
   }
-  text.background = dc.Resolve(state.background_color);
-  DrawState drawing = dc.Drawing();
+  text.background = player.Resolve(state.background_colour);
+  DrawState drawing = player.Drawing();
   drawing.rop2 = R2_COPYPEN;
-  if (!dc.InPath()) ApplyRectangle(dc, line, text, drawing);
+  if (!player.path().IsOpen()) ApplyRectangle(player, line, text, drawing);
   ReplaceSymbols(line, *text.font);
-  text.text = DrawableText(dc, line, text);
+  text.text = DrawableText(player, line, text);
   if (text.text.empty() && !text.opaque) return;
 
   const PointL& reference = (state.text_align & TA_UPDATECP) != 0 ? state.position : line.reference;
-  const PointD at = dc.ToPage().Apply(reference.x, reference.y);
+  const PointD at = player.ToPage().Apply(reference.x, reference.y);
   text.x = at.x;
   text.y = at.y;
   text.glyph_indexes = (line.options & ETO_GLYPH_INDEX) != 0;
@@ -306,60 +310,60 @@ void DrawLine(Playback& dc, TextLine line) {
   if (state.break_count != 0) {
     text.break_extra = static_cast<double>(state.break_extra) / state.break_count;
   }
-  const double widening = Widening(dc, line, text);
-  text.to_device = TextTransform(dc, line.advanced, widening);
+  const double widening = Widening(player, line, text);
+  text.to_device = TextTransform(player, line.advanced, widening);
   text.dx = line.dx;
   text.dy = line.dy;
   for (double& advance : text.dx) advance /= widening;
-  text.color = dc.Resolve(state.text_color);
-  if (dc.InPath()) {
+  text.colour = player.Resolve(state.text_colour);
+  if (player.path().IsOpen()) {
     const TextLayout layout = LayOut(text);
-    dc.DrawOutline(TextOutline(layout), true);
-    MoveBehind(dc, line, layout.length * widening);
+    player.DrawOutline(TextOutline(layout), true);
+    MoveToEnd(player, line, layout.length * widening);
   } else {
-    MoveBehind(dc, line, dc.canvas().Text(text, drawing) * widening);
+    MoveToEnd(player, line, player.canvas().Text(text, drawing) * widening);
   }
 }
 
 template <bool wide>
-void PlayExtTextOut(Playback& dc, PayloadReader& record) {
-  record.Skip(sizeof(RectL));  // bounds
+void PlayExtTextOut(EmfPlayer& player, PayloadReader& record) {
+  SkipBounds(record);
   const bool advanced = record.Read<uint32_t>() == kAdvanced;
-  record.Skip(8);  // millimetres for each unit, in the compatible mode
-  TextLine line = ReadLine(dc, record, advanced, wide);
-  if (record.ok()) DrawLine(dc, std::move(line));
+  record.Skip(8);  // millimetres per unit, in the compatible mode
+  TextLine line = ReadLine(player, record, advanced, wide);
+  if (record.ok()) DrawLine(player, std::move(line));
 }
 
 template <bool wide>
-void PlayPolyTextOut(Playback& dc, PayloadReader& record) {
-  record.Skip(sizeof(RectL));  // bounds
+void PlayPolyTextOut(EmfPlayer& player, PayloadReader& record) {
+  SkipBounds(record);
   const bool advanced = record.Read<uint32_t>() == kAdvanced;
-  record.Skip(8);  // millimetres for each unit, in the compatible mode
+  record.Skip(8);  // millimetres per unit, in the compatible mode
   const auto count = record.Read<uint32_t>();
   size_t characters = 0;
   for (uint32_t i = 0; i < count; ++i) {
-    TextLine line = ReadLine(dc, record, advanced, wide);
+    TextLine line = ReadLine(player, record, advanced, wide);
     if (!record.ok()) return;
     characters += line.text.size();
     if (characters > record.record().size()) {
-      dc.Fault("its strings lie on one another");
+      player.Fault("its strings lie on one another");
       return;
     }
-    DrawLine(dc, std::move(line));
+    DrawLine(player, std::move(line));
   }
 }
 
-void PlaySmallTextOut(Playback& dc, PayloadReader& record) {
+void PlaySmallTextOut(EmfPlayer& player, PayloadReader& record) {
   TextLine line;
   line.reference = record.Read<PointL>();
   const auto count = record.Read<uint32_t>();
   line.options = record.Read<uint32_t>();
   line.advanced = record.Read<uint32_t>() == kAdvanced;
-  record.Skip(8);  // millimetres for each unit, in the compatible mode
+  record.Skip(8);  // millimetres per unit, in the compatible mode
   if ((line.options & kNoRectangle) == 0) line.rectangle = record.Read<RectL>();
   const size_t offset = record.record().size() - record.left();
-  ReadCharacters(dc, record, offset, count, (line.options & kSmallCharacters) == 0, line);
-  if (record.ok()) DrawLine(dc, std::move(line));
+  ReadCharacters(player, record, offset, count, (line.options & kSmallCharacters) == 0, line);
+  if (record.ok()) DrawLine(player, std::move(line));
 }
 
 }  // namespace

@@ -2,21 +2,23 @@
 
 #include <algorithm>
 
-#include "host/emf_player/playback.h"
+#include "host/emf_player/emf_player.h"
+#include "host/emf_player/record_fields.h"
+#include "host/emf_player/record_handlers.h"
 #include "host/emf_player/rounding.h"
 
 namespace quillo::host::emf {
 
 namespace {
 
-/// Rectangles of a gradient as two triangles each, for a map that turns them; adds the two corners
+/// The rectangles of a gradient as two triangles each, for a map that rotates. Adds the two corners
 /// that a rectangle does not name.
 std::vector<ULONG> SplitRectangles(std::vector<TRIVERTEX>& vertices, const std::vector<ULONG>& mesh,
                                    ULONG mode) {
   std::vector<ULONG> triangles;
-  const size_t given = vertices.size();
+  const size_t count = vertices.size();
   for (size_t i = 0; i + 1 < mesh.size(); i += 2) {
-    if (mesh[i] >= given || mesh[i + 1] >= given) continue;
+    if (mesh[i] >= count || mesh[i + 1] >= count) continue;
     // Copies, as the list grows. Colours run from the first to the second corner.
     const TRIVERTEX a = vertices[mesh[i]], b = vertices[mesh[i + 1]];
     TRIVERTEX beside = a, below = a;
@@ -33,37 +35,37 @@ std::vector<ULONG> SplitRectangles(std::vector<TRIVERTEX>& vertices, const std::
   return triangles;
 }
 
-// What drawing one shape costs, in points: a bracket of records with a picture of its colours.
+// The work of one shape: a bracket of records with a picture of its colours.
 constexpr double kPointsPerShape = 750;
 
-void PlayGradientFill(Playback& dc, PayloadReader& record) {
-  record.Skip(sizeof(RectL));  // bounds
+void PlayGradientFill(EmfPlayer& player, PayloadReader& record) {
+  SkipBounds(record);
   const auto vertex_count = record.Read<uint32_t>();
   const auto shape_count = record.Read<uint32_t>();
   const auto mode = record.Read<uint32_t>();
   auto vertices = record.ReadArray<TRIVERTEX>(vertex_count);
   if (mode > GRADIENT_FILL_TRIANGLE) {
-    dc.Fault("there is no mode " + std::to_string(mode));
+    player.Fault("there is no mode " + std::to_string(mode));
     return;
   }
   const size_t corners = mode == GRADIENT_FILL_TRIANGLE ? 3 : 2;
   auto mesh = record.ReadArray<ULONG>(size_t{shape_count} * corners);
   if (!record.ok()) return;
   if (std::ranges::any_of(mesh, [&](ULONG number) { return number >= vertex_count; })) {
-    dc.Fault("a shape has a corner that is not there");
+    player.Fault("a shape has a corner that is not there");
   }
   ULONG drawn_as = mode;
-  if (mode != GRADIENT_FILL_TRIANGLE && !dc.ToPage().KeepsAxes()) {
+  if (mode != GRADIENT_FILL_TRIANGLE && !player.ToPage().KeepsAxes()) {
     mesh = SplitRectangles(vertices, mesh, mode);
     drawn_as = GRADIENT_FILL_TRIANGLE;
   }
   for (TRIVERTEX& vertex : vertices) {
-    const PointD at = dc.ToPage().Apply(vertex.x, vertex.y);
+    const PointD at = player.ToPage().Apply(vertex.x, vertex.y);
     vertex.x = ToPixel(at.x);
     vertex.y = ToPixel(at.y);
   }
-  if (!dc.Spend(kPointsPerShape * static_cast<double>(shape_count))) return;
-  dc.canvas().GradientFill(vertices, mesh, drawn_as, dc.Drawing());
+  if (!player.Spend(kPointsPerShape * static_cast<double>(shape_count))) return;
+  player.canvas().GradientFill(vertices, mesh, drawn_as, player.Drawing());
 }
 
 }  // namespace

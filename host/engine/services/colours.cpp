@@ -1,4 +1,4 @@
-#include "host/engine/services/colors.h"
+#include "host/engine/services/colours.h"
 
 #include <algorithm>
 #include <memory>
@@ -11,7 +11,7 @@ namespace quillo::host {
 namespace {
 
 struct PaletteObject {
-  std::vector<ULONG> colors;
+  std::vector<ULONG> colours;
 };
 
 HandleTable<HPALETTE, PaletteObject>& Palettes() {
@@ -28,7 +28,7 @@ XlateObject::XlateObject() : XLATEOBJ{} {
 }
 
 XlateObject::XlateObject(std::vector<ULONG> vector) : XLATEOBJ{}, vector_(std::move(vector)) {
-  for (const ULONG color : vector_) source_palette_.push_back(SwapRedBlue(color));
+  for (const ULONG colour : vector_) source_palette_.push_back(SwapRedBlue(colour));
   flXlate = XO_TABLE;
   iSrcType = PAL_INDEXED;
   iDstType = PAL_BGR;
@@ -52,7 +52,7 @@ extern "C" HPALETTE APIENTRY EngCreatePalette(ULONG iMode, ULONG cColors, ULONG*
       return nullptr;
     }
     auto palette = std::make_unique<PaletteObject>();
-    if (indexed) palette->colors.assign(pulColors, pulColors + cColors);
+    if (indexed) palette->colours.assign(pulColors, pulColors + cColors);
     return Palettes().Add(std::move(palette));
   });
 }
