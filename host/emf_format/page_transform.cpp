@@ -77,38 +77,19 @@ void PageTransform::SetPhysical(double units_per_millimetre) {
   viewport_extent_ = {device_pixels_.x, -device_pixels_.y};
 }
 
-bool PageTransform::SetWindowExtent(SizeL extent) {
+bool PageTransform::SetExtent(SizeL& extent, SizeL value) {
   if (!ExtentsAreFree()) return true;
-  if (extent.x == 0 || extent.y == 0) return false;
-  window_extent_ = extent;
+  if (value.x == 0 || value.y == 0) return false;
+  extent = value;
   KeepProportions();
   return true;
 }
 
-bool PageTransform::SetViewportExtent(SizeL extent) {
-  if (!ExtentsAreFree()) return true;
-  if (extent.x == 0 || extent.y == 0) return false;
-  viewport_extent_ = extent;
-  KeepProportions();
-  return true;
-}
-
-bool PageTransform::ScaleWindowExtent(PointL multiply, PointL divide) {
+bool PageTransform::ScaleExtent(SizeL& extent, PointL multiply, PointL divide) {
   if (!ExtentsAreFree()) return true;
   if (multiply.x == 0 || multiply.y == 0 || divide.x == 0 || divide.y == 0) return false;
-  window_extent_ = {ScaleSide(window_extent_.x, multiply.x, divide.x),
-                    ScaleSide(window_extent_.y, multiply.y, divide.y)};
-  KeepProportions();
-  return true;
-}
-
-bool PageTransform::ScaleViewportExtent(PointL multiply, PointL divide) {
-  if (!ExtentsAreFree()) return true;
-  if (multiply.x == 0 || multiply.y == 0 || divide.x == 0 || divide.y == 0) return false;
-  viewport_extent_ = {ScaleSide(viewport_extent_.x, multiply.x, divide.x),
-                      ScaleSide(viewport_extent_.y, multiply.y, divide.y)};
-  KeepProportions();
-  return true;
+  return SetExtent(extent, {ScaleSide(extent.x, multiply.x, divide.x),
+                            ScaleSide(extent.y, multiply.y, divide.y)});
 }
 
 /// MM_ISOTROPIC: shortens the side of the viewport whose units are physically larger.

@@ -22,15 +22,21 @@ class PageTransform {
 
   // As in GDI, extents change in MM_ISOTROPIC and MM_ANISOTROPIC only; in other modes the calls do
   // nothing. False, and nothing changed, when a side or a divisor is 0.
-  bool SetWindowExtent(SizeL extent);
-  bool SetViewportExtent(SizeL extent);
-  bool ScaleWindowExtent(PointL multiply, PointL divide);
-  bool ScaleViewportExtent(PointL multiply, PointL divide);
+  bool SetWindowExtent(SizeL extent) { return SetExtent(window_extent_, extent); }
+  bool SetViewportExtent(SizeL extent) { return SetExtent(viewport_extent_, extent); }
+  bool ScaleWindowExtent(PointL multiply, PointL divide) {
+    return ScaleExtent(window_extent_, multiply, divide);
+  }
+  bool ScaleViewportExtent(PointL multiply, PointL divide) {
+    return ScaleExtent(viewport_extent_, multiply, divide);
+  }
 
   Transform ToDevice() const;
 
  private:
   bool ExtentsAreFree() const;
+  bool SetExtent(SizeL& extent, SizeL value);
+  bool ScaleExtent(SizeL& extent, PointL multiply, PointL divide);
   void SetPhysical(double units_per_millimetre);
   void KeepProportions();
 

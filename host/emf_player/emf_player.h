@@ -6,6 +6,8 @@
 #include <map>
 #include <optional>
 #include <string>
+#include <utility>
+#include <variant>
 
 #include "host/emf_format/reader.h"
 #include "host/emf_format/transform.h"
@@ -49,6 +51,15 @@ class EmfPlayer {
   ObjectTable& objects() { return objects_; }
   /// Puts a created object into the table; reports an index beyond the declared size.
   void StoreObject(uint32_t index, Object object);
+  /// The object of type T with this index. Null when there is none, which is reported; `kind` is
+  /// the type's name.
+  template <typename T>
+  Shared<T> FindObject(uint32_t index, const char* kind) {
+    const Object object = objects_.Get(index);
+    if (const auto* found = std::get_if<Shared<T>>(&object)) return *found;
+    Fault("object " + std::to_string(index) + " is no " + kind);
+    return nullptr;
+  }
   FontCache& fonts() { return fonts_; }
   const PlayOptions& options() const { return options_; }
   /// False when too many states are saved already.

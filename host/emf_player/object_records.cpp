@@ -158,11 +158,7 @@ void CreatePalette(EmfPlayer& player, PayloadReader& record) {
 }
 
 Shared<PaletteObject> FindPalette(EmfPlayer& player, uint32_t index) {
-  const Object object = player.objects().Get(index);
-  const auto* palette = std::get_if<Shared<PaletteObject>>(&object);
-  if (palette != nullptr) return *palette;
-  player.Fault("object " + std::to_string(index) + " is no palette");
-  return nullptr;
+  return player.FindObject<PaletteObject>(index, "palette");
 }
 
 void SelectPalette(EmfPlayer& player, PayloadReader& record) {

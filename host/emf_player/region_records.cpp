@@ -28,11 +28,7 @@ void PaintWith(EmfPlayer& player, const ClipShape& area, const BrushObject& obje
 }
 
 Shared<BrushObject> FindBrush(EmfPlayer& player, uint32_t index) {
-  const Object object = player.objects().Get(index);
-  const auto* brush = std::get_if<Shared<BrushObject>>(&object);
-  if (brush != nullptr) return *brush;
-  player.Fault("object " + std::to_string(index) + " is no brush");
-  return nullptr;
+  return player.FindObject<BrushObject>(index, "brush");
 }
 
 void FillRegion(EmfPlayer& player, PayloadReader& record) {
