@@ -17,7 +17,7 @@
 #include "capture/pen.h"
 #include "host/engine/services/brushes.h"
 #include "host/engine/services/clips.h"
-#include "host/engine/services/colors.h"
+#include "host/engine/services/colours.h"
 #include "host/engine/services/fonts.h"
 #include "host/engine/services/guard.h"
 #include "host/engine/services/paths.h"
