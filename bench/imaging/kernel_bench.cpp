@@ -91,7 +91,7 @@ constexpr size_t kPixels = size_t{kWidth} * kHeight;
 
 /// Converts noise over and over into rows of 24 bits.
 void Convert(benchmark::State& state, DibLayout layout, size_t source_size) {
-  Dib dib{};
+  DibDescription dib{};
   dib.layout = layout;
   dib.width = kWidth;
   dib.height = kHeight;
@@ -109,21 +109,7 @@ void Convert(benchmark::State& state, DibLayout layout, size_t source_size) {
   }
 }
 
-void I420(benchmark::State& state) { Convert(state, DibLayout::kPlanar420, kPixels * 3 / 2); }
 void Rows24(benchmark::State& state) { Convert(state, DibLayout::kRows, kPixels * 3); }
-
-void LibyuvI420(benchmark::State& state) {
-  std::vector<std::byte> bits = Noise(kPixels * 3 / 2);
-  std::vector<std::byte> rows(kPixels * 3);
-  const uint8_t* y = As<uint8_t>(bits);
-  const uint8_t* u = y + kPixels;
-  const uint8_t* v = u + kPixels / 4;
-  for (auto _ : state) {
-    libyuv::I420ToRGB24(y, kWidth, u, kWidth / 2, v, kWidth / 2, As<uint8_t>(rows), kWidth * 3,
-                        kWidth, kHeight);
-    benchmark::ClobberMemory();
-  }
-}
 
 void Memcpy24(benchmark::State& state) {
   const std::vector<std::byte> bits = Noise(kPixels * 3);
@@ -142,8 +128,6 @@ BENCHMARK_CAPTURE(Nearest, 32, 32u)->Apply(Sizes);
 BENCHMARK(LibyuvNearest32)->Apply(Sizes);
 BENCHMARK_CAPTURE(Nearest, 24, 24u)->Apply(Sizes);
 BENCHMARK(PixmanNearest24)->Apply(Sizes);
-BENCHMARK(I420)->Unit(benchmark::kMicrosecond);
-BENCHMARK(LibyuvI420)->Unit(benchmark::kMicrosecond);
 BENCHMARK(Rows24)->Unit(benchmark::kMicrosecond);
 BENCHMARK(Memcpy24)->Unit(benchmark::kMicrosecond);
 
@@ -161,7 +145,6 @@ class RatioReporter : public benchmark::ConsoleReporter {
       double wanted;
     } const pairs[] = {{"Nearest/32", "LibyuvNearest32", 1},
                        {"Nearest/24", "PixmanNearest24", 5},
-                       {"I420", "LibyuvI420", 0.5},
                        {"Rows24", "Memcpy24", 0.9}};
     std::printf("\n");
     for (const auto& [kernel, competitor, wanted] : pairs) {

@@ -74,6 +74,6 @@ class Cmap4Table {
 };
 
 /// A segment takes 8 bytes of a subtable of at most 65535, 16 of which are fixed.
-inline constexpr size_t kMostCmap4Segments = (0xFFFF - 16) / 8;
+inline constexpr size_t kMaxCmap4Segments = (0xFFFF - 16) / 8;
 
 }  // namespace quillo::fonts

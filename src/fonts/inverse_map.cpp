@@ -88,7 +88,7 @@ class DecidingSegments {
 
  private:
   const Cmap4Table& cmap_;
-  std::array<uint16_t, kMostCmap4Segments> reaches_;  // furthest end up to each segment
+  std::array<uint16_t, kMaxCmap4Segments> reaches_;  // furthest end up to each segment
 };
 
 /// The characters that were not visited yet.

@@ -4,10 +4,10 @@
 
 #include "base/gdi_owners.h"
 #include "capture/records/packed_dib.h"
-#include "imaging/bitmap/bitmap_handle.h"
-#include "imaging/bitmap/dib_section.h"
 #include "imaging/bitmap/kernel_settings.h"
 #include "imaging/dib/convert_dib.h"
+#include "imaging/lifecycle/create.h"
+#include "imaging/lifecycle/dib_section.h"
 #include "imaging/painting/display_mode.h"
 #include "imaging/painting/paint.h"
 #include "imaging/painting/paint_method.h"
@@ -19,11 +19,6 @@ namespace quillo {
 namespace {
 
 using namespace records;
-
-// Display mode of page bitmaps: two flags that no painter of this kernel reads, and the display
-// table as it is.
-constexpr uint32_t kPageModeFlags = 0x01 | 0x20;
-constexpr uint32_t kPageModeMask = kPageModeFlags | imaging::kModeResetTable;
 
 // While it lives, a bitmap's own palette is the one of the DC.
 class PaintPaletteScope {
@@ -66,9 +61,11 @@ class DisplayModeScope {
 bool ConvertByGdi(const PackedDib& dib, imaging::BitmapHandle* bitmap) {
   const auto width = static_cast<uint32_t>(dib.info.header.width);
   const auto height = static_cast<uint32_t>(std::abs(int64_t{dib.info.header.height}));
-  if (imaging::Create(bitmap, imaging::kCurrentForm, imaging::ThreadSettings().memory_type, width,
-                      height, 24, imaging::kOrderColour, nullptr, imaging::kTopRowFirst, nullptr,
-                      0) != imaging::kSuccess) {
+  if (imaging::Create(bitmap, {.memory_type = imaging::ThreadSettings().memory_type,
+                               .width = width,
+                               .height = height,
+                               .bits_per_pixel = 24,
+                               .colour_order = imaging::kOrderColour}) != imaging::kSuccess) {
     return false;
   }
   const imaging::DibSectionDc dc(imaging::PresentAsDibSection(bitmap));
@@ -85,9 +82,8 @@ bool PaintPage(HDC page_dc, Bytes header, Bytes bits) {
     return false;
   }
   const PaintPaletteScope palette(page_dc, *bitmap.Get());
-  const DisplayModeScope mode(kPageModeMask, kPageModeFlags);
-  return imaging::Paint(page_dc, bitmap.Get(), nullptr, nullptr, &page, nullptr, SRCCOPY) ==
-         imaging::kSuccess;
+  const DisplayModeScope mode(imaging::kModePage | imaging::kModeResetTable, imaging::kModePage);
+  return imaging::Paint(page_dc, bitmap.Get(), {.destination = &page}) == imaging::kSuccess;
 }
 
 }  // namespace
@@ -105,8 +101,8 @@ int32_t PlaySetDibitsToDevice(PlaybackContext& context, Bytes payload) {
   const RECT from = {origin.x, origin.y, WrappingAdd(origin.x, Width(to)),
                      WrappingAdd(origin.y, Height(to))};
   const RECT destination = {to.left, to.top, to.right, to.bottom};
-  return imaging::Paint(context.page_dc, bitmap.Get(), &from, nullptr, &destination, nullptr,
-                        SRCCOPY) == imaging::kSuccess;
+  return imaging::Paint(context.page_dc, bitmap.Get(),
+                        {.source = &from, .destination = &destination}) == imaging::kSuccess;
 }
 
 int32_t PlayPageBitmap(PlaybackContext& context, Bytes payload) {

@@ -3,8 +3,8 @@
 #include "base/windows.h"
 
 #include "base/bytes.h"
-#include "imaging/bitmap/bitmap_handle.h"
-#include "imaging/bitmap/dib_section.h"
+#include "imaging/lifecycle/create.h"
+#include "imaging/lifecycle/dib_section.h"
 #include "playback/reduction.h"
 
 namespace quillo {

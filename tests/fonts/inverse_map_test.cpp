@@ -70,7 +70,7 @@ TEST(InverseMap, RandomSegments_EqualTheNaiveMap) {
 
 TEST(InverseMap, MostOverlaps_TakeNoLongerThanTheCharacters) {
   // A scan by the letter would take half a thousand million steps for each pass.
-  std::vector<SegmentFields> segments(fonts::kMostCmap4Segments, {1, 0xFFFE, 0, 0});
+  std::vector<SegmentFields> segments(fonts::kMaxCmap4Segments, {1, 0xFFFE, 0, 0});
   segments.back() = {0, 0xFFFD, 0, 0};
   const Words table = FastInverseMap(WordsOf(segments));
   ASSERT_EQ(table.size(), 0xFFFFu);

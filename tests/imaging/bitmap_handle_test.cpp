@@ -4,8 +4,9 @@
 #include <gtest/gtest.h>
 #include <tuple>
 
-#include "imaging/bitmap/storage.h"
+#include "imaging/lifecycle/create.h"
 #include "imaging/settings_scope.h"
+#include "imaging/storage/storage.h"
 
 namespace quillo::imaging {
 namespace {
@@ -64,8 +65,9 @@ TEST(Init, EveryDepthAndTheSettings_FillItsFields) {
 TEST(Init, OldForm_TouchesNothingBehindIt) {
   BitmapHandle record;
   std::memset(static_cast<void*>(&record), 0xA5, sizeof(record));
-  ASSERT_EQ(Create(&record, kOldForm, kMemoryTypeSection, 7, 5, 8, 0, nullptr, 0, nullptr, 0),
-            kSuccess);
+  ASSERT_EQ(
+      Create(&record, {.structure_size = kOldForm, .width = 7, .height = 5, .bits_per_pixel = 8}),
+      kSuccess);
   Free(&record);
   const auto* bytes = reinterpret_cast<const uint8_t*>(&record);
   EXPECT_TRUE(std::all_of(bytes + kOldForm, bytes + kCurrentForm,
@@ -86,8 +88,14 @@ TEST(Create, Arguments_GiveTheirCodes) {
                      {2, 4, 8, 0, 0, 15, kInvalidArgument}};
   for (const auto& c : cases) {
     BitmapHandle record{};
-    EXPECT_EQ(Create(&record, kCurrentForm, c.type, c.width, 4, c.bits, c.order, nullptr, c.view,
-                     c.data_size != 0 ? data : nullptr, c.data_size),
+    EXPECT_EQ(Create(&record, {.memory_type = c.type,
+                               .width = c.width,
+                               .height = 4,
+                               .bits_per_pixel = c.bits,
+                               .colour_order = c.order,
+                               .view_perspective = c.view,
+                               .caller_data = c.data_size != 0 ? data : nullptr,
+                               .caller_data_size = c.data_size}),
               c.result)
         << "type " << c.type << ", " << c.bits << " bits, view " << c.view;
     EXPECT_EQ((record.flags & kAllocated) != 0, c.result == kSuccess);
@@ -99,13 +107,21 @@ TEST(Create, Arguments_GiveTheirCodes) {
 TEST(Create, Palettes_ComeFromRampCallerOrDefault) {
   const PaletteEntry own[2] = {{1, 2, 3, 0}, {4, 5, 6, 0}};
   BitmapScope ramp, callers, usual;
-  ASSERT_EQ(Create(ramp.Get(), kCurrentForm, 1, 1, 1, 0, 0, own, 0, nullptr, 0), kSuccess);
+  ASSERT_EQ(Create(ramp.Get(), {.width = 1, .height = 1, .palette = own}), kSuccess);
   EXPECT_EQ(ramp->bits_per_pixel, 8u);
   EXPECT_EQ(ramp->view_perspective, kTopRowFirst);
   EXPECT_EQ(PaletteOf(*ramp.Get())[77], (PaletteEntry{77, 77, 77, 0}));
-  ASSERT_EQ(Create(callers.Get(), kCurrentForm, 1, 1, 1, 1, 0, own, 4, nullptr, 0), kSuccess);
+  ASSERT_EQ(Create(callers.Get(), {.width = 1,
+                                   .height = 1,
+                                   .bits_per_pixel = 1,
+                                   .palette = own,
+                                   .view_perspective = kBottomRowFirst}),
+            kSuccess);
   EXPECT_EQ(PaletteOf(*callers.Get())[1], own[1]);
-  ASSERT_EQ(Create(usual.Get(), kCurrentForm, 1, 1, 1, 4, 0, nullptr, 4, nullptr, 0), kSuccess);
+  ASSERT_EQ(
+      Create(usual.Get(),
+             {.width = 1, .height = 1, .bits_per_pixel = 4, .view_perspective = kBottomRowFirst}),
+      kSuccess);
   EXPECT_TRUE(IsDefaultPalette(PaletteOf(*usual.Get()), 16));
 }
 

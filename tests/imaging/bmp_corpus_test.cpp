@@ -11,7 +11,7 @@
 #include <string>
 
 #include "imaging/damaged_input.h"
-#include "imaging/pixels/pixel_format.h"
+#include "imaging/pixels/row_format.h"
 #include "support/corpus.h"
 
 namespace quillo::imaging {
@@ -63,8 +63,8 @@ ConvertedDib ConvertFile(const fs::path& path) {
   const Bytes dib = whole.subspan(start);
   size_t bits_at = LoadOrZero<uint32_t>(whole, 10) - kFileHeader;
   if (start == 0) {
-    Dib description;
-    if (AnalyzeDib(dib, &description) != kSuccess) return {};
+    DibDescription description;
+    if (AnalyseDib(dib, &description) != kSuccess) return {};
     bits_at = description.colour_table + description.colours * description.colour_entry;
   }
   bits_at = std::min(bits_at, dib.size());
@@ -74,8 +74,8 @@ ConvertedDib ConvertFile(const fs::path& path) {
 Picture Show(const ConvertedDib& converted) {
   const Geometry& size = converted.geometry;
   Picture picture{size.width, size.height, {}};
-  const PixelFormat format{size.bits_per_pixel, size.bits_per_pixel <= 8 ? 0u : 1u,
-                           converted.palette};
+  const RowFormat format{size.bits_per_pixel, size.bits_per_pixel <= 8 ? 0u : 1u,
+                         converted.palette};
   std::vector<Colour16> colours(size.width);
   for (uint32_t y = 0; y < size.height; ++y) {
     const bool top_first = converted.dib.negative_height != IsYuv(converted.dib.layout);

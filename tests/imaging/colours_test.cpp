@@ -3,10 +3,10 @@
 #include <string>
 #include <vector>
 
-#include "imaging/bitmap/storage_choice.h"
 #include "imaging/painting/dither.h"
 #include "imaging/painting/paint_method.h"
 #include "imaging/pixels/packed_rows.h"
+#include "imaging/storage/storage_choice.h"
 
 namespace quillo::imaging {
 namespace {

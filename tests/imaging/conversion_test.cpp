@@ -9,7 +9,6 @@
 #include "imaging/dib/bit_fields.h"
 #include "imaging/dib/yuv.h"
 #include "imaging/noise.h"
-#include "imaging/pixels/avx2.h"
 #include "support/corpus.h"
 
 namespace quillo::imaging {
@@ -43,7 +42,7 @@ constexpr uint32_t Code(const char (&name)[5]) {
   return code;
 }
 
-TEST(AnalyzeDib, HeadersAndCompressions_GiveTheirCodes) {
+TEST(AnalyseDib, HeadersAndCompressions_GiveTheirCodes) {
   constexpr int kNo = kUnsupportedFormat;
   struct {
     int32_t width, height;
@@ -79,14 +78,14 @@ TEST(AnalyzeDib, HeadersAndCompressions_GiveTheirCodes) {
   for (const auto& c : cases) {
     const Header header{
         .width = c.width, .height = c.height, .bits = c.bits, .compression = c.compression};
-    Dib dib;
-    EXPECT_EQ(AnalyzeDib(AsBytes(header), &dib), c.result > 0 ? kSuccess : c.result)
+    DibDescription dib;
+    EXPECT_EQ(AnalyseDib(AsBytes(header), &dib), c.result > 0 ? kSuccess : c.result)
         << c.width << 'x' << c.height << 'x' << c.bits << ' ' << std::hex << c.compression;
     EXPECT_EQ(dib.bits_per_pixel, static_cast<uint32_t>(std::max(c.result, 0))) << c.bits;
   }
   for (const uint32_t size : {0u, 39u}) {
-    Dib dib;
-    EXPECT_EQ(AnalyzeDib(AsBytes({.size = size}), &dib), kNo) << size;
+    DibDescription dib;
+    EXPECT_EQ(AnalyseDib(AsBytes({.size = size}), &dib), kNo) << size;
   }
 }
 
@@ -109,8 +108,8 @@ TEST(ReadColourTable, ShortTables_AreBlackOrGrey) {
     std::vector<std::byte> header(c.header_size);
     std::ranges::copy(AsBytes({.bits = 4, .colours_used = c.colours_used}), header.begin());
     for (size_t i = 40; i < header.size(); ++i) header[i] = static_cast<std::byte>(i - 36);
-    Dib dib;
-    ASSERT_EQ(AnalyzeDib(header, &dib), kSuccess);
+    DibDescription dib;
+    ASSERT_EQ(AnalyseDib(header, &dib), kSuccess);
     EXPECT_EQ(dib.colours, c.colours) << c.header_size;
     std::vector<PaletteEntry> palette(dib.colours);
     ReadColourTable(header, dib, palette);
@@ -166,7 +165,7 @@ TEST(Yuv, EveryLumaAndChroma_IsBt601WithinOneLevel) {
         const std::byte in[3] = {static_cast<std::byte>(y), static_cast<std::byte>(u),
                                  static_cast<std::byte>(v)};
         std::byte rgb[3];
-        PlanarRow420Plain(&in[0], &in[1], &in[2], 1, rgb);
+        PlanarRow420(&in[0], &in[1], &in[2], 1, rgb);
         const Rgb exact = Exact(y, u, v);
         for (size_t c = 0; c < 3; ++c) {
           ASSERT_NEAR(static_cast<int>(rgb[2 - c]), exact[c], 1) << y << ' ' << u << ' ' << v;
@@ -230,34 +229,12 @@ TEST(Yuv, EveryLayout_TakesSamplesFromTheirPlaces) {
   }
 }
 
-TEST(Avx2, PlanarRow_EqualsThePlainForm) {
-  if (!HasAvx2()) GTEST_SKIP() << "no AVX2";
-  const auto compare = [](const std::vector<std::byte>& y, const std::vector<std::byte>& u,
-                          const std::vector<std::byte>& v) {
-    std::vector<std::byte> plain(y.size() * 3), fast(y.size() * 3);
-    const auto width = static_cast<uint32_t>(y.size());
-    PlanarRow420Plain(y.data(), u.data(), v.data(), width, plain.data());
-    PlanarRow420(y.data(), u.data(), v.data(), width, fast.data());
-    ASSERT_EQ(plain, fast) << width << ", luma from " << (width != 0 ? int(y[0]) : 0);
-  };
-  for (uint32_t width = 0; width < 100; ++width) {
-    const size_t half = (width + 1) / 2;
-    compare(Noise(width, width), Noise(half, width + 1000), Noise(half, width + 2000));
-  }
-  // Every extreme of luma and chroma, where sums saturate.
-  const std::vector<std::byte> high(8, std::byte{255}), low(8);
-  for (const int extreme : {0, 1, 15, 16, 17, 127, 128, 234, 235, 236, 254, 255}) {
-    const std::vector<std::byte> level(16, static_cast<std::byte>(extreme));
-    for (const auto& u : {Noise(8), high, low}) compare(level, u, high);
-  }
-}
-
 TEST(ConvertDibRows, StoppingStore_StopsTheConversion) {
   for (const auto& header : {Header{.width = 2, .height = 3},
                              Header{.width = 2, .height = 3, .bits = 8, .compression = 1},
                              Header{.width = 2, .height = 3, .bits = 32, .compression = 3}}) {
-    Dib dib;
-    ASSERT_EQ(AnalyzeDib(AsBytes(header), &dib), kSuccess);
+    DibDescription dib;
+    ASSERT_EQ(AnalyseDib(AsBytes(header), &dib), kSuccess);
     auto bits = ToBytes({1, 1, 0, 0, 1, 2, 0, 0, 1, 3});
     bits.resize(24);
     std::vector<std::byte> scratch(8);

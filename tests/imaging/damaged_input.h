@@ -8,7 +8,7 @@
 #include "imaging/dib/rle.h"
 #include "imaging/dib_convert.h"
 #include "imaging/pixels/pixel_bits.h"
-#include "imaging/pixels/pixel_format.h"
+#include "imaging/pixels/row_format.h"
 
 // Input from anywhere through the readers of bitmaps: what the fuzz targets run, and what the tests
 // run again over the files that the targets found. Every block ends where its bytes end, so that a
@@ -31,7 +31,7 @@ inline void TryDib(Bytes input) {
   Check(out.result == kSuccess || out.result == kInvalidArgument || out.result == kOutOfMemory ||
         out.result == kUnsupportedFormat);
   if (out.result != kSuccess || out.rows.empty()) return;
-  const PixelFormat format{out.geometry.bits_per_pixel, kOrderColour, out.palette};
+  const RowFormat format{out.geometry.bits_per_pixel, kOrderColour, out.palette};
   std::vector<Colour16> colours(out.geometry.width);
   for (uint32_t y = 0; y < out.geometry.height; ++y) {
     DecodeRow(format, out.rows.data() + size_t{y} * out.geometry.bytes_per_line, 0, colours);

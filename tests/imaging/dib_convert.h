@@ -12,7 +12,7 @@ namespace quillo::imaging {
 /// A DIB converted in plain memory: what the kernel does with it, without its storage.
 struct ConvertedDib {
   int result = 0;
-  Dib dib{};
+  DibDescription dib{};
   Geometry geometry{};
   std::vector<PaletteEntry> palette;
   std::vector<std::byte> rows;  // in storage order
@@ -21,7 +21,7 @@ struct ConvertedDib {
 /// Bitmaps and rows above `largest` bytes are refused with kOutOfMemory.
 inline ConvertedDib ConvertInMemory(Bytes header, Bytes bits, uint64_t largest = 256 << 20) {
   ConvertedDib out;
-  out.result = AnalyzeDib(header, &out.dib);
+  out.result = AnalyseDib(header, &out.dib);
   if (out.result != kSuccess) return out;
   out.result = kInvalidArgument;
   if (bits.size() < SourceSize(out.dib)) return out;

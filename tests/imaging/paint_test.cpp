@@ -6,11 +6,12 @@
 #include <vector>
 
 #include "base/gdi_owners.h"
-#include "imaging/bitmap/rows.h"
+#include "imaging/lifecycle/create.h"
 #include "imaging/painting/device_colours.h"
 #include "imaging/painting/display_mode.h"
 #include "imaging/painting/paint_method.h"
 #include "imaging/settings_scope.h"
+#include "imaging/storage/rows.h"
 #include "support/canvas.h"
 #include "support/holdings.h"
 #include "support/import_patch.h"
@@ -26,8 +27,14 @@ struct Canvas : test::Canvas {
 /// 4 x 4 pixels in 24 bits; the pixel at x, y has red x * 60 and green y * 60.
 void MakeGradient(BitmapHandle* record, uint32_t memory_type, uint32_t view, void* data,
                   uint32_t bits = 24, uint32_t order = 1) {
-  ASSERT_EQ(Create(record, kCurrentForm, memory_type, 4, 4, bits, order, nullptr, view, data,
-                   data != nullptr ? 4 * 4 * bits / 8 : 0),
+  ASSERT_EQ(Create(record, {.memory_type = memory_type,
+                            .width = 4,
+                            .height = 4,
+                            .bits_per_pixel = bits,
+                            .colour_order = order,
+                            .view_perspective = view,
+                            .caller_data = data,
+                            .caller_data_size = data != nullptr ? 4 * 4 * bits / 8 : 0}),
             kSuccess);
   for (uint32_t y = 0; y < 4; ++y) {
     std::vector<Colour16> colours(4);
@@ -70,10 +77,9 @@ TEST(Paint, Arguments_GiveTheirCodes) {
   const Canvas canvas;
   BitmapScope bitmap;
   const auto paint = [&](HDC dc, const RECT* to) {
-    return Paint(dc, bitmap.Get(), nullptr, nullptr, to, nullptr, SRCCOPY);
+    return Paint(dc, bitmap.Get(), {.destination = to});
   };
-  EXPECT_EQ(Paint(canvas.Dc(), nullptr, nullptr, nullptr, &kAt22, nullptr, SRCCOPY),
-            kInvalidArgument);
+  EXPECT_EQ(Paint(canvas.Dc(), nullptr, {.destination = &kAt22}), kInvalidArgument);
   EXPECT_EQ(paint(canvas.Dc(), &kAt22), kNoStorage);
   MakeGradient(bitmap.Get(), 1, 1, nullptr);
   EXPECT_EQ(paint(nullptr, &kAt22), kInvalidArgument);
@@ -104,7 +110,7 @@ TEST(Paint, EveryStorageAndFormat_ShowsTheSamePicture) {
     const uintptr_t handles = test::LiveKernelHandles();
     BitmapHandle bitmap{};
     MakeGradient(&bitmap, c.type, c.view, c.type == 2 ? data.data() : nullptr, c.bits, c.order);
-    ASSERT_EQ(Paint(canvas.Dc(), &bitmap, nullptr, nullptr, &kAt22, nullptr, SRCCOPY), kSuccess);
+    ASSERT_EQ(Paint(canvas.Dc(), &bitmap, {.destination = &kAt22}), kSuccess);
     for (int y = 0; y < 4; ++y) {
       for (int x = 0; x < 4; ++x) {
         const COLORREF colour = canvas.At(2 + x, 2 + y);
@@ -148,8 +154,11 @@ TEST(Paint, Rectangles_AreClippedAndScaled) {
     SCOPED_TRACE(c.name);
     const Canvas canvas;
     SetStretchBltMode(canvas.Dc(), HALFTONE);
-    EXPECT_EQ(Paint(canvas.Dc(), bitmap.Get(), pointer(c.source), pointer(c.source_clip), &c.to,
-                    pointer(c.clip), SRCCOPY),
+    EXPECT_EQ(Paint(canvas.Dc(), bitmap.Get(),
+                    {.source = pointer(c.source),
+                     .source_clip = pointer(c.source_clip),
+                     .destination = &c.to,
+                     .destination_clip = pointer(c.clip)}),
               kSuccess);
     EXPECT_EQ(canvas.At(0, 0), c.at_0_0);
     EXPECT_EQ(canvas.At(7, 7), c.at_7_7);
@@ -160,13 +169,18 @@ TEST(Paint, Rectangles_AreClippedAndScaled) {
 
 TEST(Paint, SwappedAxes_TakeRowsAlongX) {
   BitmapScope bitmap;
-  ASSERT_EQ(Create(bitmap.Get(), kCurrentForm, 1, 4, 2, 24, 1, nullptr, 6, nullptr, 0), kSuccess);
+  ASSERT_EQ(Create(bitmap.Get(), {.width = 4,
+                                  .height = 2,
+                                  .bits_per_pixel = 24,
+                                  .colour_order = kOrderColour,
+                                  .view_perspective = 6}),
+            kSuccess);
   std::vector<std::byte> row(12);
   row[0] = std::byte{255};  // blue; row 0, column 0 is seen at the top right
   StoreRow(*bitmap.Get(), 0, row);
   const Canvas canvas;
   const RECT to = {0, 0, 2, 4};
-  EXPECT_EQ(Paint(canvas.Dc(), bitmap.Get(), nullptr, nullptr, &to, nullptr, SRCCOPY), kSuccess);
+  EXPECT_EQ(Paint(canvas.Dc(), bitmap.Get(), {.destination = &to}), kSuccess);
   EXPECT_EQ(canvas.At(1, 0), RGB(0, 0, 255));
   EXPECT_EQ(canvas.At(0, 0), RGB(0, 0, 0));
   EXPECT_EQ(canvas.At(1, 3), RGB(0, 0, 0));
@@ -178,7 +192,8 @@ TEST(Paint, SwappedAxes_TakeRowsAlongX) {
 void MakeDot(BitmapHandle* record, bool inverted) {
   PaletteEntry palette[2] = {};
   palette[inverted ? 0 : 1] = {255, 255, 255, 0};
-  ASSERT_EQ(Create(record, kCurrentForm, 1, 8, 8, 1, 0, palette, 1, nullptr, 0), kSuccess);
+  ASSERT_EQ(Create(record, {.width = 8, .height = 8, .bits_per_pixel = 1, .palette = palette}),
+            kSuccess);
   for (uint32_t y = 0; y < 8; ++y) {
     const uint8_t bits = y == 2 ? 0xDF : 0xFF;
     const std::byte row[4] = {static_cast<std::byte>(inverted ? ~bits : bits)};
@@ -206,8 +221,7 @@ TEST(Paint, OneBitMethods_KeepDotsTheirOwnWay) {
       BitmapScope bitmap;
       MakeDot(bitmap.Get(), inverted);
       const RECT to = {0, 0, c.size, c.size};
-      ASSERT_EQ(Paint(canvas.Dc(), bitmap.Get(), nullptr, nullptr, &to, nullptr, SRCCOPY),
-                kSuccess);
+      ASSERT_EQ(Paint(canvas.Dc(), bitmap.Get(), {.destination = &to}), kSuccess);
       EXPECT_EQ(canvas.At(c.dot_x, c.dot_x), c.dot) << inverted;
       EXPECT_EQ(canvas.At(c.size - 1, c.size - 1), kWhite) << inverted;
     }
@@ -221,7 +235,7 @@ TEST(Paint, MirroredEnlargement_HasNoGreysBetween) {
   BitmapScope bitmap;
   MakeDot(bitmap.Get(), false);
   const RECT to = {12, 12, 0, 0};
-  ASSERT_EQ(Paint(canvas.Dc(), bitmap.Get(), nullptr, nullptr, &to, nullptr, SRCCOPY), kSuccess);
+  ASSERT_EQ(Paint(canvas.Dc(), bitmap.Get(), {.destination = &to}), kSuccess);
   int black = 0, white = 0;
   for (int i = 0; i < 256; ++i) {
     black += canvas.At(i % 16, i / 16) == 0;
@@ -235,14 +249,16 @@ TEST(Paint, FewColours_AreDitheredToTheirMean) {
   SettingsScope settings;
   settings->display_mode = kModeDither;
   BitmapScope bitmap;
-  ASSERT_EQ(Create(bitmap.Get(), kCurrentForm, 1, 1, 1, 24, 1, nullptr, 1, nullptr, 0), kSuccess);
+  ASSERT_EQ(Create(bitmap.Get(),
+                   {.width = 1, .height = 1, .bits_per_pixel = 24, .colour_order = kOrderColour}),
+            kSuccess);
   const std::vector<std::byte> grey(4, std::byte{64});
   StoreRow(*bitmap.Get(), 0, grey);
   const Canvas canvas;
   const test::ImportPatch patch("GetDeviceCaps", DeviceCapsOfTest);
   device_bits = 1;
   const RECT to = {0, 0, 16, 16};
-  ASSERT_EQ(Paint(canvas.Dc(), bitmap.Get(), nullptr, nullptr, &to, nullptr, SRCCOPY), kSuccess);
+  ASSERT_EQ(Paint(canvas.Dc(), bitmap.Get(), {.destination = &to}), kSuccess);
   int white = 0;
   for (int i = 0; i < 256; ++i) white += canvas.At(i % 16, i / 16) == 0xFFFFFF;
   EXPECT_NEAR(white, 64, 6);  // a quarter of 256 pixels
@@ -280,7 +296,8 @@ TEST(CreatePaintPalette, EveryRule_GivesItsColours) {
     const test::ImportPatch patch("GetDeviceCaps", DeviceCapsOfTest);
     device_bits = c.device_bits;
     BitmapScope bitmap;
-    Create(bitmap.Get(), kCurrentForm, 1, 4, 4, c.bits, c.order, nullptr, 1, nullptr, 0);
+    Create(bitmap.Get(),
+           {.width = 4, .height = 4, .bits_per_pixel = c.bits, .colour_order = c.order});
     const auto entries = EntriesOf(CreatePaintPalette(canvas.Dc(), bitmap.Get()));
     ASSERT_EQ(entries.size(), c.colours) << c.name;
     if (c.colours == 0) continue;

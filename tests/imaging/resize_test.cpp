@@ -6,9 +6,10 @@
 #include <string>
 #include <vector>
 
-#include "imaging/bitmap/rows.h"
 #include "imaging/dib/convert_dib.h"
+#include "imaging/lifecycle/create.h"
 #include "imaging/settings_scope.h"
+#include "imaging/storage/rows.h"
 #include "support/holdings.h"
 #include "support/import_patch.h"
 
@@ -17,7 +18,11 @@ namespace {
 
 /// A bitmap of 8-bit rows whose pixels all hold the row's number, counted from 1.
 void MakeRows(BitmapHandle* record, uint32_t width, uint32_t height, uint32_t view) {
-  ASSERT_EQ(Create(record, kCurrentForm, 9, width, height, 8, 0, nullptr, view, nullptr, 0),
+  ASSERT_EQ(Create(record, {.memory_type = kMemorySectionElseFile,
+                            .width = width,
+                            .height = height,
+                            .bits_per_pixel = 8,
+                            .view_perspective = view}),
             kSuccess);
   for (uint32_t y = 0; y < height; ++y) {
     const std::vector<std::byte> row(record->bytes_per_line, static_cast<std::byte>(y + 1));
@@ -63,7 +68,8 @@ TEST(Resizing, Arguments_GiveTheirCodes) {
   EXPECT_EQ(SizeBitmap(bitmap.Get(), 1, 1, 0), kWrongStructureSize);
   bitmap->structure_size = kCurrentForm;
   BitmapScope colour;
-  Create(colour.Get(), kCurrentForm, 1, 4, 4, 24, 1, nullptr, 1, nullptr, 0);
+  Create(colour.Get(),
+         {.width = 4, .height = 4, .bits_per_pixel = 24, .colour_order = kOrderColour});
   EXPECT_EQ(ResizeInto(colour.Get(), bitmap.Get(), 0), kInvalidArgument);
   Free(colour.Get());
   EXPECT_EQ(ResizeInto(bitmap.Get(), colour.Get(), 0), kNoStorage);
@@ -75,7 +81,14 @@ TEST(SizeBitmap, InPlace_KeepsTheRecordsIdentity) {
     CountingAttachment attachment;
     BitmapHandle record{};
     const PaletteEntry grey[] = {{9, 9, 9, 0}, {8, 8, 8, 0}};
-    ASSERT_EQ(Create(&record, form, 9, 4, 3, 1, 0, grey, 4, nullptr, 0), kSuccess);
+    ASSERT_EQ(Create(&record, {.structure_size = form,
+                               .memory_type = kMemorySectionElseFile,
+                               .width = 4,
+                               .height = 3,
+                               .bits_per_pixel = 1,
+                               .palette = grey,
+                               .view_perspective = kBottomRowFirst}),
+              kSuccess);
     record.attached_object = &attachment;
     record.x_resolution = 333;
     const PaletteEntry* palette = record.palette;
@@ -120,7 +133,11 @@ TEST(ResizeInto, RowOrders_DecideWhereRowsGo) {
       for (const uint32_t type : {1u, 128u}) {  // rows in place, and rows that are stored
         BitmapScope source, target;
         MakeRows(source.Get(), 4, 3, from);
-        Create(target.Get(), kCurrentForm, type, 4, 7, 8, 0, nullptr, to, nullptr, 0);
+        Create(target.Get(), {.memory_type = type,
+                              .width = 4,
+                              .height = 7,
+                              .bits_per_pixel = 8,
+                              .view_perspective = to});
         EXPECT_EQ(ResizeInto(source.Get(), target.Get(), 0), kSuccess);
         EXPECT_EQ(FirstColumn(*target.Get()), from == to ? down : up) << from << ' ' << to;
       }
@@ -149,7 +166,11 @@ TEST(SizeBitmap, Flags_ChooseTheMethod) {
   };
   for (const auto& c : cases) {
     BitmapScope bitmap;
-    Create(bitmap.Get(), kCurrentForm, 9, 4, 1, c.bits, c.bits > 8, nullptr, 1, nullptr, 0);
+    Create(bitmap.Get(), {.memory_type = kMemorySectionElseFile,
+                          .width = 4,
+                          .height = 1,
+                          .bits_per_pixel = c.bits,
+                          .colour_order = c.bits > 8});
     std::vector<std::byte> row(bitmap->bytes_per_line, std::byte{0xFF});
     if (c.bits == 1) row[0] = std::byte{0xBF};
     if (c.bits == 24) std::fill_n(&row[3], 3, std::byte{0});

@@ -181,7 +181,7 @@ double NaiveFilter(CubicFilter filter, const Image& source, const Geometry& targ
   return std::clamp(sum / total, 0.0, 255.0);
 }
 
-Image Resampled(CubicFilter filter, const PixelFormat& format, const Image& source, uint32_t width,
+Image Resampled(CubicFilter filter, const RowFormat& format, const Image& source, uint32_t width,
                 uint32_t height) {
   Image target(width, height, source.size.bits_per_pixel);
   std::vector<double> work(ResampleWorkSize(source.size, target.size) / sizeof(double) + 1);
@@ -218,7 +218,7 @@ TEST(Resample, EveryFormat_KeepsAnEvenSurface) {
     std::vector<PaletteEntry> palette(PaletteSize(bits));
     if (!palette.empty()) FillDefaultPalette(palette);
     const uint32_t order = bits == 12 ? kOrderGrey : bits > 8 ? kOrderColour : kOrderPalette;
-    const PixelFormat format{bits, order, palette};
+    const RowFormat format{bits, order, palette};
     // One pixel of noise, enlarged without filtering; the spare bit of 16 has no meaning.
     Image pixel = NoiseImage(1, 1, bits);
     if (bits == 16) pixel.rows[1] &= std::byte{0x7F};

@@ -1,4 +1,4 @@
-#include "imaging/bitmap/storage.h"
+#include "imaging/storage/storage.h"
 
 #include <gtest/gtest.h>
 #include <random>
@@ -6,9 +6,10 @@
 #include <thread>
 #include <vector>
 
-#include "imaging/bitmap/dib_section.h"
-#include "imaging/bitmap/rows.h"
+#include "imaging/lifecycle/create.h"
+#include "imaging/lifecycle/dib_section.h"
 #include "imaging/settings_scope.h"
+#include "imaging/storage/rows.h"
 #include "support/holdings.h"
 #include "support/import_patch.h"
 
@@ -78,8 +79,11 @@ TEST(Storage, EveryKind_KeepsRowsAndLeavesNothing) {
     settings->tile_size = 1300;  // four rows of 24 bits
     const auto before = test::Holdings::Now();
     BitmapHandle record{};
-    ASSERT_EQ(Create(&record, kCurrentForm, kind.memory_type, kWidth, kHeight, kind.bits,
-                     kind.bits > 8 ? 1 : 0, nullptr, 0, nullptr, 0),
+    ASSERT_EQ(Create(&record, {.memory_type = kind.memory_type,
+                               .width = kWidth,
+                               .height = kHeight,
+                               .bits_per_pixel = kind.bits,
+                               .colour_order = kind.bits > 8 ? kOrderColour : kOrderPalette}),
               kSuccess)
         << kind.name;
     EXPECT_EQ(record.flags, kind.flags) << kind.name;
@@ -113,8 +117,10 @@ TEST(Storage, EveryKind_KeepsRowsAndLeavesNothing) {
 
 TEST(Storage, CompressedRowsThatGrow_AreKept) {
   BitmapScope record;
-  ASSERT_EQ(Create(record.Get(), kCurrentForm, 768, 4000, 40000, 1, 0, nullptr, 0, nullptr, 0),
-            kSuccess);
+  ASSERT_EQ(
+      Create(record.Get(),
+             {.memory_type = kMemoryChunks, .width = 4000, .height = 40000, .bits_per_pixel = 1}),
+      kSuccess);
   std::vector<std::byte> fetched(record->bytes_per_line);
   // From rows that pack to almost nothing to rows that do not pack, over two chunks.
   for (const bool even : {true, false, true}) {
@@ -134,18 +140,22 @@ TEST(Storage, SectionsAndFilesThatFail_GiveWay) {
   SettingsScope settings;
   const TemporaryDirectory directory;
   const auto create = [](uint32_t type, BitmapHandle* record) {
-    return Create(record, kCurrentForm, type, kWidth, kHeight, 24, 1, nullptr, 0, nullptr, 0);
+    return Create(record, {.memory_type = type,
+                           .width = kWidth,
+                           .height = kHeight,
+                           .bits_per_pixel = 24,
+                           .colour_order = kOrderColour});
   };
   BitmapScope file, none;
   const test::ImportPatch no_section(
       "CreateFileMappingW",
       static_cast<decltype(&CreateFileMappingW)>([](auto...) -> HANDLE { return nullptr; }));
-  EXPECT_EQ(create(kMemoryTypeNoFile, none.Get()), kOutOfMemory);
-  ASSERT_EQ(create(kMemoryTypeSection, file.Get()), kSuccess);
+  EXPECT_EQ(create(kMemoryNoFile, none.Get()), kOutOfMemory);
+  ASSERT_EQ(create(kMemorySection, file.Get()), kSuccess);
   EXPECT_EQ(file->flags, kAllocated | kDisk);
   const test::ImportPatch full_disk("WriteFile",
                                     static_cast<decltype(&WriteFile)>([](auto...) { return 0; }));
-  EXPECT_EQ(create(kMemoryTypeSection, none.Get()), kFileError);
+  EXPECT_EQ(create(kMemorySection, none.Get()), kFileError);
   EXPECT_EQ(StoreRow(*file.Get(), 0, RowOf(*file.Get(), 0)), kFileError);
   EXPECT_EQ(directory.Files(), 1);
 }
@@ -185,8 +195,13 @@ TEST(PresentAsDibSection, BitmapsWithoutADib_GiveNull) {
                      {1, 64, 1}, {1, 16, 2}, {2, 32, 1}};
   for (const auto& c : cases) {
     BitmapScope bitmap;
-    ASSERT_EQ(Create(bitmap.Get(), kCurrentForm, c.type, 4, 4, c.bits, c.order, nullptr, 1,
-                     c.type == 2 ? data : nullptr, sizeof(data)),
+    ASSERT_EQ(Create(bitmap.Get(), {.memory_type = c.type,
+                                    .width = 4,
+                                    .height = 4,
+                                    .bits_per_pixel = c.bits,
+                                    .colour_order = c.order,
+                                    .caller_data = c.type == 2 ? data : nullptr,
+                                    .caller_data_size = sizeof(data)}),
               kSuccess);
     EXPECT_EQ(PresentAsDibSection(bitmap.Get()), nullptr) << c.bits << ' ' << c.order;
   }
@@ -203,7 +218,11 @@ TEST(PresentAsDibSection, GlobalMemoryAndChunks_MoveIntoASection) {
     if (global) {
       MakeGlobal(record, 1, 0);
     } else {
-      Create(&record, kCurrentForm, 768, kWidth, kHeight, 1, 0, nullptr, 4, nullptr, 0);
+      Create(&record, {.memory_type = kMemoryChunks,
+                       .width = kWidth,
+                       .height = kHeight,
+                       .bits_per_pixel = 1,
+                       .view_perspective = kBottomRowFirst});
     }
     ASSERT_EQ(Lock(&record), kSuccess);
     FillRows(record);
@@ -221,7 +240,9 @@ TEST(PresentAsDibSection, GlobalMemoryAndChunks_MoveIntoASection) {
 
 TEST(ReleaseDibSectionDc, WithoutAStandIn_LeavesNothing) {
   BitmapScope bitmap;
-  ASSERT_EQ(Create(bitmap.Get(), kCurrentForm, 1, 4, 4, 24, 1, nullptr, 1, nullptr, 0), kSuccess);
+  ASSERT_EQ(Create(bitmap.Get(),
+                   {.width = 4, .height = 4, .bits_per_pixel = 24, .colour_order = kOrderColour}),
+            kSuccess);
   const uintptr_t handles = test::LiveKernelHandles();
   DibSectionDc dc(PresentAsDibSection(bitmap.Get()));
   const HGDIOBJ shown = GetCurrentObject(dc.Get(), OBJ_BITMAP);
@@ -237,7 +258,12 @@ TEST(PresentAsDibSection, TilesAndOtherViews_AreRefusedAndTurned) {
   const TemporaryDirectory directory;
   settings->memory_threshold = 1;
   BitmapScope tiled;
-  ASSERT_EQ(Create(tiled.Get(), kCurrentForm, 4, 40, 40, 24, 1, nullptr, 1, nullptr, 0), kSuccess);
+  ASSERT_EQ(Create(tiled.Get(), {.memory_type = kMemoryDisk,
+                                 .width = 40,
+                                 .height = 40,
+                                 .bits_per_pixel = 24,
+                                 .colour_order = kOrderColour}),
+            kSuccess);
   EXPECT_EQ(PresentAsDibSection(tiled.Get()), nullptr);
 
   // Every depth and every view of a bitmap with one white pixel, in column 3 of row 1.
@@ -246,9 +272,13 @@ TEST(PresentAsDibSection, TilesAndOtherViews_AreRefusedAndTurned) {
     for (uint32_t view = 1; view <= 8; ++view) {
       SCOPED_TRACE(std::to_string(bits) + " bits, view " + std::to_string(view));
       BitmapScope bitmap;
-      const uint32_t type = view % 2 != 0 ? kMemoryTypeSection : kMemoryTypeFile;
-      ASSERT_EQ(Create(bitmap.Get(), kCurrentForm, type, 5, 3, bits, bits > 8 ? 1 : 0, nullptr,
-                       view, nullptr, 0),
+      const uint32_t type = view % 2 != 0 ? kMemorySection : kMemoryFile;
+      ASSERT_EQ(Create(bitmap.Get(), {.memory_type = type,
+                                      .width = 5,
+                                      .height = 3,
+                                      .bits_per_pixel = bits,
+                                      .colour_order = bits > 8 ? kOrderColour : kOrderPalette,
+                                      .view_perspective = view}),
                 kSuccess);
       std::vector<std::byte> row(bitmap->bytes_per_line);
       for (uint32_t bit = 3 * bits; bit < 4 * bits; ++bit) {

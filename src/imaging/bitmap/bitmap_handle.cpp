@@ -5,7 +5,6 @@
 
 #include "base/system_owners.h"
 #include "imaging/bitmap/kernel_settings.h"
-#include "imaging/bitmap/storage.h"
 
 namespace quillo::imaging {
 namespace {
@@ -34,20 +33,6 @@ int32_t HighBit(uint32_t bits_per_pixel) {
     default:
       return static_cast<int32_t>(bits_per_pixel) - 1;
   }
-}
-
-int SetPalette(BitmapHandle& record, const PaletteEntry* palette, bool grey) {
-  if (record.bits_per_pixel > 8) return kSuccess;
-  if (AllocatePalette(record) != kSuccess) return kOutOfMemory;
-  const std::span<PaletteEntry> entries = PaletteOf(record);
-  if (grey) {
-    FillGreyRamp(entries);
-  } else if (palette != nullptr) {
-    std::copy_n(palette, entries.size(), entries.begin());
-  } else {
-    FillDefaultPalette(entries);
-  }
-  return kSuccess;
 }
 
 }  // namespace
@@ -87,42 +72,6 @@ int Init(BitmapHandle* record, uint32_t structure_size, uint32_t width, uint32_t
   return kSuccess;
 }
 
-int Create(BitmapHandle* record, uint32_t structure_size, uint32_t memory_type, uint32_t width,
-           uint32_t height, uint32_t bits_per_pixel, uint32_t colour_order,
-           const PaletteEntry* palette, uint32_t view_perspective, void* caller_data,
-           uint64_t caller_data_size) {
-  const bool grey = bits_per_pixel == 0;
-  int result = Init(record, structure_size, width, height, grey ? 8 : bits_per_pixel);
-  if (result != kSuccess) return result;
-  record->colour_order = colour_order;
-  if (colour_order == kOrderExtended && bits_per_pixel != 24 && bits_per_pixel != 48) {
-    return kUnsupportedDepth;
-  }
-  result = AllocateStorage(*record, memory_type);
-  if (result == kSuccess) result = SetPalette(*record, palette, grey);
-  if (result == kSuccess) {
-    record->view_perspective = view_perspective == 0 ? kTopRowFirst : view_perspective;
-    if (record->view_perspective > 8) result = kInvalidArgument;
-  }
-  if (result == kSuccess && memory_type == kMemoryTypeCaller && caller_data != nullptr) {
-    if (caller_data_size != record->data_size) {
-      result = kInvalidArgument;
-    } else {
-      record->data_address = static_cast<std::byte*>(caller_data);
-    }
-  }
-  if (result != kSuccess) Free(record);
-  return result;
-}
-
-void Free(BitmapHandle* record) {
-  if (record == nullptr || !IsStructureSize(record->structure_size)) return;
-  if (record->attached_object != nullptr) record->attached_object->Release();
-  GlobalBlock::Free(record->palette);
-  ReleaseStorage(*record);
-  Init(record, record->structure_size, 0, 0, 0);
-}
-
 int Lock(BitmapHandle* record) {
   if (record == nullptr) return kInvalidArgument;
   if (!IsStructureSize(record->structure_size)) return kWrongStructureSize;
@@ -158,7 +107,7 @@ std::span<PaletteEntry> PaletteOf(const BitmapHandle& record) {
   return {record.palette, std::min(record.colours, PaletteSize(record.bits_per_pixel))};
 }
 
-PixelFormat FormatOf(const BitmapHandle& record) {
+RowFormat FormatOf(const BitmapHandle& record) {
   return {record.bits_per_pixel, record.colour_order, PaletteOf(record)};
 }
 
@@ -184,7 +133,7 @@ bool IsValid(const BitmapHandle& record) {
       geometry->data_size != record.data_size) {
     return false;
   }
-  if (record.view_perspective < 1 || record.view_perspective > 8) return false;
+  if (record.view_perspective < 1 || record.view_perspective > kMaxPerspective) return false;
   if ((record.flags & (kDisk | kGlobalMemory)) != 0) return record.storage_handle != nullptr;
   return record.data_address != nullptr;
 }

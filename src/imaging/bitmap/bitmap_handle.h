@@ -8,13 +8,13 @@
 
 #include "imaging/pixels/geometry.h"
 #include "imaging/pixels/palettes.h"
-#include "imaging/pixels/pixel_format.h"
 #include "imaging/pixels/result.h"
+#include "imaging/pixels/row_format.h"
 
 namespace quillo::imaging {
 
 /// Sizes of the two forms of the bitmap handle record. The old form is the first 228 bytes of the
-/// current one; fields behind them must not be touched when the record says 228.
+/// current one; the fields after them must not be touched when the record says 228.
 constexpr uint32_t kCurrentForm = 272;
 constexpr uint32_t kOldForm = 228;
 
@@ -28,15 +28,15 @@ constexpr uint32_t kCallerMemory = 0x0400;  // the data belongs to the caller
 constexpr uint32_t kGlobalMemory = 0x1000;  // a GlobalAlloc handle, with kMemory
 constexpr uint32_t kTiled = 0x4000;         // a table of mapped tiles
 
-/// Values of BitmapHandle::view_perspective. Values 2, 3 and 5 to 8 are the other orientations, in
-/// the numbering of TIFF's Orientation tag.
+/// Values of BitmapHandle::view_perspective; for the others see orientation.h.
 constexpr uint32_t kTopRowFirst = 1;
 constexpr uint32_t kBottomRowFirst = 4;
+constexpr uint32_t kMaxPerspective = 8;
 
 /// An object that a bitmap owns besides its pixels.
 class Attachment {
  public:
-  /// Follows a change of the bitmap's size. 1, or a failure code that undoes the change.
+  /// Follows a change of the bitmap's size. kSuccess, or a failure code that undoes the change.
   virtual int Resize(uint32_t width, uint32_t height) = 0;
   virtual void Release() = 0;
 
@@ -47,7 +47,7 @@ class Attachment {
 /// Describes an image in memory. The caller owns the record, the kernel fills it; it may be moved
 /// bytewise. Rows are numbered in storage order: row 0 is the first in memory.
 struct BitmapHandle {
-  uint32_t structure_size;      // 272 or 228
+  uint32_t structure_size;      // kCurrentForm or kOldForm
   HANDLE storage_handle;        // section, temporary file or global memory; else null
   std::byte* data_address;      // first row; tile table or chunk table; null on disk
   uint32_t width;               // pixels
@@ -57,14 +57,14 @@ struct BitmapHandle {
   uint32_t flags;               // kAllocated ... kTiled
   uint32_t colours;             // palette entries in use; 0 above 8 bits
   PaletteEntry* palette;        // global memory block of PaletteSize entries, or null
-  uint32_t view_perspective;    // 1 to 8
-  uint32_t colour_order;        // kOrder... (pixel_format.h)
+  uint32_t view_perspective;    // 1 to kMaxPerspective
+  uint32_t colour_order;        // kOrder... (row_format.h)
   uint64_t data_size;           // bytes_per_line * height
   uint32_t process_value;       // from the thread's settings
   Attachment* attached_object;  // owned, or null
   uint32_t x_resolution;        // dots per inch
   uint32_t y_resolution;        // dots per inch
-  int32_t low_bit;              //
+  int32_t low_bit;              // as high_bit
   uint32_t view_offset;         // bytes from the start of the mapped section to the first row
   int32_t high_bit;             // highest bit of a channel; -1 for 32 bits per pixel
   uint32_t percent;             // 100
@@ -81,27 +81,19 @@ static_assert(sizeof(BitmapHandle) == kCurrentForm);
 static_assert(offsetof(BitmapHandle, reserved2) == kOldForm);
 static_assert(sizeof(PaletteEntry) == sizeof(RGBQUAD));
 
+/// Whether `size` is that of one of the two forms.
+constexpr bool IsStructureSize(uint32_t size) { return size == kCurrentForm || size == kOldForm; }
+
 /// Makes `record` (of `structure_size` writable bytes) describe a bitmap without storage. Width,
 /// height and depth all 0 make an empty record.
-/// Fails with -13 (null record, or a row of 4 GiB), -789, -27, and -3, which leaves zeros.
+///
+/// Fails with kInvalidArgument (null record, or a row of 4 GiB), kWrongStructureSize,
+/// kUnsupportedDepth, and kTooLargeForOldForm, which leaves zeros.
 int Init(BitmapHandle* record, uint32_t structure_size, uint32_t width, uint32_t height,
          uint32_t bits_per_pixel);
 
-/// Init, storage and palette. `memory_type` is one of storage.h. Bits per pixel 0 makes an 8-bit
-/// grey bitmap. `palette` may be null (the default colours), else has PaletteSize entries.
-/// `view_perspective` 0 means top row first. `caller_data` counts for memory type 2 only; it stays
-/// the caller's, and `caller_data_size` must equal the bitmap's data size.
-/// On failure nothing stays allocated.
-int Create(BitmapHandle* record, uint32_t structure_size, uint32_t memory_type, uint32_t width,
-           uint32_t height, uint32_t bits_per_pixel, uint32_t colour_order,
-           const PaletteEntry* palette, uint32_t view_perspective, void* caller_data,
-           uint64_t caller_data_size);
-
-/// Releases all that the record holds and leaves an empty record. A null record or one of a wrong
-/// structure size is left alone.
-void Free(BitmapHandle* record);
-
-/// Locks global-memory storage, so that the data address is valid; nothing for other storage.
+/// Locks global-memory storage, so that the data address is valid; does nothing for other storage.
+/// Fails with kInvalidArgument (null record), kWrongStructureSize and kOutOfMemory.
 int Lock(BitmapHandle* record);
 /// Undoes Lock.
 void Unlock(BitmapHandle* record);
@@ -114,7 +106,7 @@ class LockScope {
   ~LockScope();
   LockScope(const LockScope&) = delete;
   LockScope& operator=(const LockScope&) = delete;
-  /// 1, or why the storage could not be locked.
+  /// kSuccess, or why the storage could not be locked.
   [[nodiscard]] int Result() const { return result_; }
 
  private:
@@ -124,34 +116,17 @@ class LockScope {
   int result_;
 };
 
-/// Frees a record at the end of the scope.
-class BitmapScope {
- public:
-  BitmapScope() = default;
-  ~BitmapScope() { Free(&record_); }
-  BitmapScope(const BitmapScope&) = delete;
-  BitmapScope& operator=(const BitmapScope&) = delete;
-  [[nodiscard]] BitmapHandle* Get() { return &record_; }
-  BitmapHandle* operator->() { return &record_; }
-
- private:
-  BitmapHandle record_{};
-};
-
-/// Whether `size` names one of the two forms.
-constexpr bool IsStructureSize(uint32_t size) { return size == kCurrentForm || size == kOldForm; }
-
 /// The record's colours in use; empty above 8 bits or without a palette.
 std::span<PaletteEntry> PaletteOf(const BitmapHandle& record);
 
 /// How the record's pixels are to be read.
-PixelFormat FormatOf(const BitmapHandle& record);
+RowFormat FormatOf(const BitmapHandle& record);
 
 /// Size of the record's pixels.
 Geometry GeometryOf(const BitmapHandle& record);
 
-/// Gives the record a palette of PaletteSize(bits_per_pixel) entries, zero-filled, in place of the
-/// one it has; -1 when memory is short (the record keeps none).
+/// Replaces the record's palette by one of PaletteSize(bits_per_pixel) zero entries. kOutOfMemory
+/// leaves the record without a palette.
 int AllocatePalette(BitmapHandle& record);
 
 /// The kernel's validity test: structure size, allocated, a geometry that matches the data size,

@@ -1,7 +1,7 @@
 #include "imaging/bitmap/kernel_settings.h"
 
 #include "base/system_owners.h"
-#include "imaging/bitmap/storage_choice.h"
+#include "imaging/bitmap/memory_type.h"
 
 namespace quillo::imaging {
 namespace {
@@ -16,7 +16,7 @@ constexpr KernelSettings kDefaults = {
     .tile_size = 0,
     .memory_reserve = 0,
     .maximum_memory = -100,
-    .memory_type = kSectionElseDisk,
+    .memory_type = kMemorySectionElseFile,
     .display_mode = 0,
     .display_table = {},
     .status = nullptr,

@@ -4,11 +4,9 @@
 
 #include <cstdint>
 
-namespace quillo::imaging {
+#include "imaging/pixels/progress.h"
 
-/// Reports progress: percent and the user value. Any result other than 1 stops the work and becomes
-/// its result.
-using StatusCallback = int (*)(int percent, void* user);
+namespace quillo::imaging {
 
 /// The kernel's settings of one thread.
 struct KernelSettings {
@@ -19,9 +17,9 @@ struct KernelSettings {
   int64_t tile_size;            // bytes; 16 MiB when below 1
   int64_t memory_reserve;       // bytes to keep free; negative: a percentage of the memory
   int64_t maximum_memory;       // bytes for one bitmap; negative: a percentage of the memory
-  uint32_t memory_type;         // of bitmaps that name none (storage.h)
+  uint32_t memory_type;         // of bitmaps that name none (memory_type.h)
   uint32_t display_mode;        // display-mode flags
-  uint16_t display_table[256];  // levels; the identity after 0x0004 was set
+  uint16_t display_table[256];  // levels; the identity once kModeResetTable was set
   StatusCallback status;        // or null
   void* status_user;            //
   wchar_t temporary_directory[MAX_PATH];  // empty: the process's TEMP folder

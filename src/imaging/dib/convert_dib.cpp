@@ -3,16 +3,17 @@
 #include "base/gdi_owners.h"
 #include "base/system_owners.h"
 #include "imaging/bitmap/kernel_settings.h"
-#include "imaging/bitmap/rows.h"
-#include "imaging/bitmap/storage.h"
 #include "imaging/dib/dib_header.h"
 #include "imaging/dib/dib_rows.h"
+#include "imaging/lifecycle/create.h"
+#include "imaging/storage/rows.h"
+#include "imaging/storage/storage.h"
 
 namespace quillo::imaging {
 namespace {
 
 /// Pixels per metre of the screen where the DIB does not say its own.
-void SetResolution(const Dib& dib, BitmapHandle& record) {
+void SetResolution(const DibDescription& dib, BitmapHandle& record) {
   int x = dib.x_pixels_per_metre;
   int y = dib.y_pixels_per_metre;
   if (x == 0 || y == 0) {
@@ -30,11 +31,11 @@ void SetResolution(const Dib& dib, BitmapHandle& record) {
 
 /// YUV buffers are top-down whatever the sign of the height, so their row order is the inverse of
 /// what the sign says elsewhere. This is meant.
-uint32_t ViewPerspectiveOf(const Dib& dib) {
+uint32_t ViewPerspectiveOf(const DibDescription& dib) {
   return dib.negative_height != IsYuv(dib.layout) ? kTopRowFirst : kBottomRowFirst;
 }
 
-int Describe(const Dib& dib, uint32_t structure_size, BitmapHandle* record) {
+int Describe(const DibDescription& dib, uint32_t structure_size, BitmapHandle* record) {
   const int result = Init(record, structure_size, dib.width, dib.height, dib.bits_per_pixel);
   if (result != kSuccess) return result;
   record->colours = dib.colours;
@@ -44,7 +45,7 @@ int Describe(const Dib& dib, uint32_t structure_size, BitmapHandle* record) {
   return kSuccess;
 }
 
-int FillRecord(const Dib& dib, Bytes header, Bytes bits, BitmapHandle& record) {
+int FillRecord(const DibDescription& dib, Bytes header, Bytes bits, BitmapHandle& record) {
   HeapBlock scratch;
   if (NeedsScratchRow(dib.layout)) {
     scratch = HeapBlock(record.bytes_per_line);
@@ -69,8 +70,8 @@ int FillRecord(const Dib& dib, Bytes header, Bytes bits, BitmapHandle& record) {
 int ConvertFromDib(BitmapHandle* record, uint32_t structure_size, Bytes header, Bytes bits) {
   if (record == nullptr) return kInvalidArgument;
   if (!IsStructureSize(structure_size)) return kWrongStructureSize;
-  Dib dib;
-  int result = AnalyzeDib(header, &dib);
+  DibDescription dib;
+  int result = AnalyseDib(header, &dib);
   if (result != kSuccess) return result;
   result = Describe(dib, structure_size, record);
   if (result != kSuccess || bits.data() == nullptr) return result;
@@ -86,8 +87,8 @@ int ConvertFromDib(BitmapHandle* record, uint32_t structure_size, const void* he
   if (header == nullptr) return kInvalidArgument;
   const auto* start = static_cast<const std::byte*>(header);
   const auto size = LoadOrZero<uint32_t>({start, sizeof(uint32_t)});
-  Dib dib;
-  const bool known = AnalyzeDib({start, size}, &dib) == kSuccess;
+  DibDescription dib;
+  const bool known = AnalyseDib({start, size}, &dib) == kSuccess;
   const size_t masks = known && dib.layout == DibLayout::kBitFields ? sizeof(ColourMasks) : 0;
   const size_t header_size = size + (known ? size_t{dib.colours} * dib.colour_entry : 0) + masks;
   if (bits == nullptr) return ConvertFromDib(record, structure_size, {start, header_size}, {});

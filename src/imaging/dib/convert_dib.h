@@ -9,7 +9,7 @@ namespace quillo::imaging {
 /// default memory type.
 ///
 /// `header` is a BITMAPINFOHEADER (or successor) or BITMAPCOREHEADER with masks and colour table,
-/// as far as it reaches (AnalyzeDib, ReadColourTable); `bits` are the pixels. Nothing outside the
+/// as far as it reaches (AnalyseDib, ReadColourTable); `bits` are the pixels. Nothing outside the
 /// two is read: uncompressed bits that are too short give -13, a run-length stream may end early.
 /// Bits with a null address (bits.data()) ask for the record's description alone, without storage.
 ///

@@ -50,7 +50,7 @@ constexpr std::array kCompressions = {
     Compression{FourCc("dmb1"), {0, 0}, 1, 1, DibLayout::kJpeg},
 };
 
-const Compression* FindCompression(uint32_t code, const Dib& dib) {
+const Compression* FindCompression(uint32_t code, const DibDescription& dib) {
   const auto* found = std::ranges::find(kCompressions, code, &Compression::code);
   if (found == kCompressions.end()) return nullptr;
   const bool any = found->bits[0] == 0;
@@ -65,7 +65,7 @@ const Compression* FindCompression(uint32_t code, const Dib& dib) {
 }
 
 /// Fills in size, bit count and what else the header holds; gives the compression.
-std::optional<uint32_t> ReadFields(Bytes header, Dib* dib) {
+std::optional<uint32_t> ReadFields(Bytes header, DibDescription* dib) {
   const auto size = LoadOrZero<uint32_t>(header);
   dib->colour_table = size;
   if (size == kCoreHeaderSize) {
@@ -99,7 +99,7 @@ ColourMasks ReadMasks(Bytes header, uint32_t bits) {
 
 }  // namespace
 
-int AnalyzeDib(Bytes header, Dib* dib) {
+int AnalyseDib(Bytes header, DibDescription* dib) {
   *dib = {};
   const std::optional<uint32_t> code = ReadFields(header, dib);
   if (!code) return kUnsupportedFormat;
@@ -115,7 +115,7 @@ int AnalyzeDib(Bytes header, Dib* dib) {
   return kSuccess;
 }
 
-uint64_t SourceSize(const Dib& dib) {
+uint64_t SourceSize(const DibDescription& dib) {
   const uint64_t pixels = uint64_t{dib.width} * dib.height;
   switch (dib.layout) {
     case DibLayout::kRows:
@@ -143,7 +143,7 @@ uint64_t SourceSize(const Dib& dib) {
   return 0;
 }
 
-void ReadColourTable(Bytes header, const Dib& dib, std::span<PaletteEntry> palette) {
+void ReadColourTable(Bytes header, const DibDescription& dib, std::span<PaletteEntry> palette) {
   const size_t behind = header.size() - std::min<size_t>(dib.colour_table, header.size());
   if (behind / dib.colour_entry < std::min<size_t>(palette.size(), 2)) {
     FillGreyRamp(palette);

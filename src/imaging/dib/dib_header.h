@@ -35,7 +35,7 @@ constexpr bool IsYuv(DibLayout layout) {
 using ColourMasks = std::array<uint32_t, 3>;
 
 /// What a DIB's header says.
-struct Dib {
+struct DibDescription {
   DibLayout layout;
   uint32_t width;              // pixels, up to 2^31 - 1
   uint32_t height;             // rows, up to 2^31
@@ -54,15 +54,15 @@ struct Dib {
 /// Reads a BITMAPCOREHEADER or a BITMAPINFOHEADER (and its successors) with what follows it.
 /// `header` may end anywhere: colour masks that it does not hold whole are the usual ones (5-5-5
 /// and 8-8-8). 1; -16 for a DIB that is not converted; -13 for a negative width.
-int AnalyzeDib(Bytes header, Dib* dib);
+int AnalyseDib(Bytes header, DibDescription* dib);
 
 /// Bytes of the bits that the conversion reads; 0 for run-length streams, which may end anywhere.
-uint64_t SourceSize(const Dib& dib);
+uint64_t SourceSize(const DibDescription& dib);
 
 /// Fills `palette` (dib.colours entries) from the colour table. Entries that `header` does not hold
 /// are black; a table of which not even two entries lie in the header is none, and gives a grey
 /// ramp.
-void ReadColourTable(Bytes header, const Dib& dib, std::span<PaletteEntry> palette);
+void ReadColourTable(Bytes header, const DibDescription& dib, std::span<PaletteEntry> palette);
 
 /// Pixels per metre to dots per inch, truncating towards zero.
 constexpr int32_t DotsPerInch(int32_t pixels_per_metre) {

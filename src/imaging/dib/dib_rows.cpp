@@ -10,8 +10,8 @@ namespace {
 
 /// Hands source rows of `stride` bytes to `convert`, which fills the scratch row.
 template <typename Convert>
-int ConvertEach(const Dib& dib, Bytes bits, size_t stride, MutableBytes scratch, RowStore store,
-                Convert convert) {
+int ConvertEach(const DibDescription& dib, Bytes bits, size_t stride, MutableBytes scratch,
+                RowStore store, Convert convert) {
   for (uint32_t row = 0; row < dib.height; ++row) {
     convert(bits.subspan(row * stride, stride));
     const int result = store(row, scratch);
@@ -20,7 +20,7 @@ int ConvertEach(const Dib& dib, Bytes bits, size_t stride, MutableBytes scratch,
   return kSuccess;
 }
 
-int StoreRows(const Dib& dib, Bytes bits, RowStore store) {
+int StoreRows(const DibDescription& dib, Bytes bits, RowStore store) {
   const size_t stride = SourceSize(dib) / dib.height;
   for (uint32_t row = 0; row < dib.height; ++row) {
     const int result = store(row, bits.subspan(row * stride, stride));
@@ -29,7 +29,7 @@ int StoreRows(const Dib& dib, Bytes bits, RowStore store) {
   return kSuccess;
 }
 
-int ConvertBitFields(const Dib& dib, Bytes bits, MutableBytes scratch, RowStore store) {
+int ConvertBitFields(const DibDescription& dib, Bytes bits, MutableBytes scratch, RowStore store) {
   const BitFieldConverter converter(dib.source_bits, dib.masks);
   const size_t stride = SourceSize(dib) / dib.height;
   return ConvertEach(dib, bits, stride, scratch, store,
@@ -38,8 +38,8 @@ int ConvertBitFields(const Dib& dib, Bytes bits, MutableBytes scratch, RowStore 
 
 /// Planes of luma and of two chroma channels; both ways, one chroma sample stands for `ratio` luma
 /// samples.
-int ConvertPlanar(const Dib& dib, Bytes bits, uint32_t ratio, bool v_first, MutableBytes scratch,
-                  RowStore store) {
+int ConvertPlanar(const DibDescription& dib, Bytes bits, uint32_t ratio, bool v_first,
+                  MutableBytes scratch, RowStore store) {
   const size_t luma_size = size_t{dib.width} * dib.height;
   const size_t chroma_width = dib.width / ratio;
   const size_t chroma_size = chroma_width * (dib.height / ratio);
@@ -60,7 +60,7 @@ int ConvertPlanar(const Dib& dib, Bytes bits, uint32_t ratio, bool v_first, Muta
 
 }  // namespace
 
-int ConvertDibRows(const Dib& dib, Bytes bits, MutableBytes scratch, RowStore store) {
+int ConvertDibRows(const DibDescription& dib, Bytes bits, MutableBytes scratch, RowStore store) {
   if (bits.size() < SourceSize(dib)) return kInvalidArgument;
   if (dib.width == 0 || dib.height == 0) return kSuccess;
   const auto packed = [&](size_t stride, auto row) {

@@ -18,6 +18,6 @@ constexpr bool NeedsScratchRow(DibLayout layout) {
 ///
 /// `scratch` is a zeroed row of the result (empty when none is needed). -13 when `bits` is shorter
 /// than SourceSize; nothing is stored then.
-int ConvertDibRows(const Dib& dib, Bytes bits, MutableBytes scratch, RowStore store);
+int ConvertDibRows(const DibDescription& dib, Bytes bits, MutableBytes scratch, RowStore store);
 
 }  // namespace quillo::imaging

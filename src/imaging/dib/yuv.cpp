@@ -2,8 +2,6 @@
 
 #include <algorithm>
 
-#include "imaging/pixels/avx2.h"
-
 namespace quillo::imaging {
 namespace {
 
@@ -27,7 +25,7 @@ struct Positions {
   size_t v;
 };
 
-void PackedRow(Bytes source, uint32_t width, const Positions& at, std::byte* rgb) {
+void PairRow(Bytes source, uint32_t width, const Positions& at, std::byte* rgb) {
   for (uint32_t x = 0; x + 1 < width; x += 2) {
     const std::byte* group = source.data() + size_t{x} * 2;
     ConvertPixel(group[at.y0], group[at.u], group[at.v], rgb + size_t{x} * 3);
@@ -37,16 +35,9 @@ void PackedRow(Bytes source, uint32_t width, const Positions& at, std::byte* rgb
 
 }  // namespace
 
-void PlanarRow420Plain(const std::byte* y, const std::byte* u, const std::byte* v, uint32_t width,
-                       std::byte* rgb) {
-  for (size_t x = 0; x < width; ++x) ConvertPixel(y[x], u[x / 2], v[x / 2], rgb + x * 3);
-}
-
 void PlanarRow420(const std::byte* y, const std::byte* u, const std::byte* v, uint32_t width,
                   std::byte* rgb) {
-  const size_t done = HasAvx2() ? PlanarRow420Avx2(y, u, v, width, rgb) : 0;
-  PlanarRow420Plain(y + done, u + done / 2, v + done / 2, static_cast<uint32_t>(width - done),
-                    rgb + done * 3);
+  for (size_t x = 0; x < width; ++x) ConvertPixel(y[x], u[x / 2], v[x / 2], rgb + x * 3);
 }
 
 void PlanarRow410(const std::byte* y, const std::byte* u, const std::byte* v, uint32_t width,
@@ -55,15 +46,15 @@ void PlanarRow410(const std::byte* y, const std::byte* u, const std::byte* v, ui
 }
 
 void Yuy2Row(Bytes source, uint32_t width, std::byte* rgb) {
-  PackedRow(source, width, {.y0 = 0, .y1 = 2, .u = 1, .v = 3}, rgb);
+  PairRow(source, width, {.y0 = 0, .y1 = 2, .u = 1, .v = 3}, rgb);
 }
 
 void UyvyRow(Bytes source, uint32_t width, std::byte* rgb) {
-  PackedRow(source, width, {.y0 = 1, .y1 = 3, .u = 0, .v = 2}, rgb);
+  PairRow(source, width, {.y0 = 1, .y1 = 3, .u = 0, .v = 2}, rgb);
 }
 
 void YvyuRow(Bytes source, uint32_t width, std::byte* rgb) {
-  PackedRow(source, width, {.y0 = 0, .y1 = 2, .u = 3, .v = 1}, rgb);
+  PairRow(source, width, {.y0 = 0, .y1 = 2, .u = 3, .v = 1}, rgb);
 }
 
 void Packed411Row(Bytes source, uint32_t width, std::byte* rgb) {

@@ -14,12 +14,9 @@ namespace quillo::imaging {
 //   B = (L + 129 (U - 128)                ) >> 6
 // limited to 0..255. `rgb` has room for width * 3 bytes; more is not written.
 
-/// One chroma sample for two pixels. Uses AVX2 where the machine has it.
+/// One chroma sample for two pixels.
 void PlanarRow420(const std::byte* y, const std::byte* u, const std::byte* v, uint32_t width,
                   std::byte* rgb);
-/// The plain form of PlanarRow420, which defines its result.
-void PlanarRow420Plain(const std::byte* y, const std::byte* u, const std::byte* v, uint32_t width,
-                       std::byte* rgb);
 /// One chroma sample for four pixels.
 void PlanarRow410(const std::byte* y, const std::byte* u, const std::byte* v, uint32_t width,
                   std::byte* rgb);

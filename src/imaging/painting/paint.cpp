@@ -1,6 +1,5 @@
 #include "imaging/painting/paint.h"
 
-#include "imaging/bitmap/dib_section.h"
 #include "imaging/painting/device_colours.h"
 #include "imaging/painting/painters.h"
 #include "imaging/pixels/orientation.h"
@@ -17,22 +16,21 @@ bool Clip(const RECT* clip, RECT* rectangle) {
 
 }  // namespace
 
-int Paint(HDC dc, BitmapHandle* record, const RECT* source, const RECT* source_clip,
-          const RECT* destination, const RECT* destination_clip, uint32_t raster_operation) {
+int Paint(HDC dc, BitmapHandle* record, const PaintArguments& arguments) {
   if (record == nullptr) return kInvalidArgument;
   if ((record->flags & kAllocated) == 0) return kNoStorage;
   if (!IsStructureSize(record->structure_size)) return kWrongStructureSize;
-  if (dc == nullptr || destination == nullptr) return kInvalidArgument;
+  if (dc == nullptr || arguments.destination == nullptr) return kInvalidArgument;
   if (!IsValid(*record)) return kInvalidBitmap;
 
   const RECT bounds{0, 0, static_cast<LONG>(record->width), static_cast<LONG>(record->height)};
   PaintJob job{};
   job.dc = dc;
-  job.raster_operation = raster_operation;
-  job.source = source != nullptr ? *source : bounds;
-  job.destination = *destination;
-  if (!Clip(source_clip, &job.source) || !Clip(destination_clip, &job.destination) ||
-      !Clip(&bounds, &job.source)) {
+  job.raster_operation = arguments.raster_operation;
+  job.source = arguments.source != nullptr ? *arguments.source : bounds;
+  job.destination = *arguments.destination;
+  if (!Clip(arguments.source_clip, &job.source) ||
+      !Clip(arguments.destination_clip, &job.destination) || !Clip(&bounds, &job.source)) {
     return kSuccess;
   }
   if (job.destination.right == job.destination.left ||

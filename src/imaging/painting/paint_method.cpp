@@ -3,7 +3,7 @@
 namespace quillo::imaging {
 namespace {
 
-PaintMethod ChooseFor1Bit(const PixelFormat& bitmap, uint32_t depth, uint32_t mode) {
+PaintMethod ChooseFor1Bit(const RowFormat& bitmap, uint32_t depth, uint32_t mode) {
   const bool dithers = (mode & kModeDither) != 0 && (mode & kModeDitherTo256) != 0;
   const bool grey = (mode & kModeGreyScale) != 0 && depth >= 2;
   if (!grey && (mode & kModeTwoColours) == 0) {
@@ -26,20 +26,20 @@ bool DithersToFew(uint32_t depth, uint32_t mode) {
   return (mode & kModeDitherTo256) != 0 ? depth <= 8 : depth < 8;
 }
 
-PaintMethod ChooseFor4Bits(const PixelFormat& bitmap, uint32_t depth, uint32_t mode) {
+PaintMethod ChooseFor4Bits(const RowFormat& bitmap, uint32_t depth, uint32_t mode) {
   if ((mode & kModeDither) == 0) return PaintMethod::kAsIs;
   const bool dithers = depth == 4 ? !IsDefaultPalette(bitmap.palette, 16)
                                   : depth < 4 || ((mode & kModeDitherTo256) != 0 && depth <= 8);
   return dithers ? PaintMethod::kDither : PaintMethod::kAsIs;
 }
 
-PaintMethod ChooseFor8Bits(const PixelFormat& bitmap, uint32_t depth, uint32_t mode) {
+PaintMethod ChooseFor8Bits(const RowFormat& bitmap, uint32_t depth, uint32_t mode) {
   if (!DithersToFew(depth, mode)) return PaintMethod::kAsIs;
   const bool has_device_colours = depth == 8 && IsDefaultPalette(bitmap.palette, 256);
   return has_device_colours ? PaintMethod::kAsIs : PaintMethod::kDither;
 }
 
-PaintMethod ChooseFor24Bits(const PixelFormat& bitmap, uint32_t depth, uint32_t device_order,
+PaintMethod ChooseFor24Bits(const RowFormat& bitmap, uint32_t depth, uint32_t device_order,
                             uint32_t mode) {
   if ((mode & kModeDither) != 0 && depth <= 8) return PaintMethod::kDither;
   if (bitmap.order == kOrderExtended) return PaintMethod::kConvert;
@@ -51,9 +51,9 @@ PaintMethod ChooseFor24Bits(const PixelFormat& bitmap, uint32_t depth, uint32_t 
 
 }  // namespace
 
-bool IsGrey(const PixelFormat& bitmap) { return bitmap.bits > 8 && bitmap.order == kOrderGrey; }
+bool IsGrey(const RowFormat& bitmap) { return bitmap.bits > 8 && bitmap.order == kOrderGrey; }
 
-PaintMethod ChoosePaintMethod(const PixelFormat& bitmap, uint32_t depth, uint32_t device_order,
+PaintMethod ChoosePaintMethod(const RowFormat& bitmap, uint32_t depth, uint32_t device_order,
                               uint32_t mode) {
   switch (bitmap.bits) {
     case 1:

@@ -2,18 +2,19 @@
 
 #include <cstdint>
 
-#include "imaging/pixels/pixel_format.h"
+#include "imaging/pixels/row_format.h"
 
 namespace quillo::imaging {
 
-// Display-mode flags that painting knows; the others are kept for their users.
+// Display-mode flags.
+constexpr uint32_t kModePage = 0x0021;          // page bitmaps; no painter tests the two bits
 constexpr uint32_t kModeResetTable = 0x0004;    // newly set: the display table becomes identity
 constexpr uint32_t kModeDither = 0x0008;        // dither to devices of few colours
 constexpr uint32_t kModeGreyScale = 0x0010;     // 1-bit bitmaps in grey levels
 constexpr uint32_t kModeTwoColours = 0x0040;    // 1-bit bitmaps by the two-colour painters
 constexpr uint32_t kModeDitherTo256 = 0x0080;   // dither to 8-bit devices too
 constexpr uint32_t kModeColourCube = 0x0100;    // 8-bit devices: the 6 x 6 x 6 colour cube
-constexpr uint32_t kModeKeepRedFirst = 0x0800;  // 24 bits, red first: ask the device's order
+constexpr uint32_t kModeKeepRedFirst = 0x0800;  // 24 bits, red first: by the device's order
 
 /// How a bitmap gets onto a device.
 enum class PaintMethod {
@@ -34,10 +35,10 @@ constexpr uint32_t QuantizeDepth(uint32_t bits) {
 }
 
 /// Whether a bitmap is one of grey levels, which only depths above 8 bits can say.
-bool IsGrey(const PixelFormat& bitmap);
+bool IsGrey(const RowFormat& bitmap);
 
 /// The method for a device of `depth` (QuantizeDepth) that takes 24-bit pixels in `device_order`.
-PaintMethod ChoosePaintMethod(const PixelFormat& bitmap, uint32_t depth, uint32_t device_order,
+PaintMethod ChoosePaintMethod(const RowFormat& bitmap, uint32_t depth, uint32_t device_order,
                               uint32_t mode);
 
 }  // namespace quillo::imaging

@@ -5,23 +5,23 @@
 
 #include "base/arithmetic.h"
 #include "base/system_owners.h"
-#include "imaging/bitmap/dib_section.h"
-#include "imaging/bitmap/perspective.h"
-#include "imaging/bitmap/rows.h"
-#include "imaging/bitmap/storage_choice.h"
+#include "imaging/lifecycle/create.h"
+#include "imaging/lifecycle/dib_section.h"
+#include "imaging/lifecycle/upright.h"
 #include "imaging/painting/device_colours.h"
 #include "imaging/painting/dither.h"
 #include "imaging/pixels/pixel_bits.h"
 #include "imaging/scaling/area.h"
 #include "imaging/scaling/resize.h"
+#include "imaging/storage/rows.h"
 
 namespace quillo::imaging {
 namespace {
 
 /// What every painting starts from.
 constexpr struct {
-  int stretch_mode = COLORONCOLOR;          // GDI's own scaling
-  uint32_t memory_type = kSectionElseDisk;  // of copies: GDI must be able to show them
+  int stretch_mode = COLORONCOLOR;                // GDI's own scaling
+  uint32_t memory_type = kMemorySectionElseFile;  // of copies: GDI must be able to show them
 } kPaintSettings;
 
 /// Puts the DC's stretch mode back at the end of the scope.
@@ -104,8 +104,12 @@ class SourceRows {
 /// Makes a bitmap that GDI can show, top row first; `palette` may be null.
 int MakeCopy(uint32_t width, uint32_t height, uint32_t bits, const PaletteEntry* palette,
              BitmapHandle* copy) {
-  return Create(copy, kCurrentForm, kPaintSettings.memory_type, width, height, bits,
-                bits <= 8 ? kOrderPalette : kOrderColour, palette, kTopRowFirst, nullptr, 0);
+  return Create(copy, {.memory_type = kPaintSettings.memory_type,
+                       .width = width,
+                       .height = height,
+                       .bits_per_pixel = bits,
+                       .colour_order = bits <= 8 ? kOrderPalette : kOrderColour,
+                       .palette = palette});
 }
 
 /// Copies the part that the job paints into `copy`: grey bitmaps as 8-bit levels of the bitmap's

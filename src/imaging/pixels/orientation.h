@@ -2,6 +2,9 @@
 
 #include <cstdint>
 
+#include "imaging/pixels/geometry.h"
+#include "imaging/pixels/row_access.h"
+
 namespace quillo::imaging {
 
 /// Where the stored pixels of a bitmap are seen. The eight view perspectives are numbered as TIFF's
@@ -41,5 +44,11 @@ class Orientation {
   bool reverses_columns_;
   bool reverses_rows_;
 };
+
+/// Gathers the rows that are seen from row `top` on, as many as `band` holds, from the pixels of a
+/// bitmap of the given size and view perspective. `band` is zeroed; its rows are as wide as the
+/// picture that is seen. kFileError for a row that cannot be fetched.
+int TurnRows(uint32_t perspective, const Geometry& source, RowFetch fetch, uint32_t top,
+             const Geometry& band, std::byte* band_rows);
 
 }  // namespace quillo::imaging

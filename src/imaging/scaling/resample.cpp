@@ -6,8 +6,8 @@
 namespace quillo::imaging {
 namespace {
 
-constexpr double kRadius = 2.0;           // of the cubic filters
-constexpr uint32_t kMostCachedRows = 64;  // a stronger reduction fetches source rows again
+constexpr double kRadius = 2.0;          // of the cubic filters
+constexpr uint32_t kMaxCachedRows = 64;  // a stronger reduction fetches source rows again
 
 using Pixel = float[4];
 
@@ -27,12 +27,12 @@ class Direction {
         widening_(std::max(ratio_, 1.0)) {}
 
   /// Most source positions that one destination position takes.
-  [[nodiscard]] static uint32_t MostTaps(uint32_t source, uint32_t destination) {
+  [[nodiscard]] static uint32_t MaxTaps(uint32_t source, uint32_t destination) {
     const double ratio = static_cast<double>(source) / destination;
     return static_cast<uint32_t>(std::ceil(2 * kRadius * std::max(ratio, 1.0))) + 1;
   }
 
-  /// Fills `weights` (MostTaps), which add up to 1.
+  /// Fills `weights` (MaxTaps), which add up to 1.
   Taps Weights(uint32_t position, float* weights) const {
     const double centre = (position + 0.5) * ratio_ - 0.5;
     const auto first = static_cast<int64_t>(std::floor(centre - kRadius * widening_)) + 1;
@@ -76,17 +76,17 @@ struct Work {
   Colour16* colours;   // one source or destination row
   int64_t* cached;     // source row of each cached row, or -1
   Taps* x_taps;        // of each destination column
-  float* x_weights;    // most_x_taps of each destination column
+  float* x_weights;    // max_x_taps of each destination column
   float* y_weights;    // of one destination row
   uint32_t row_count;  // cached rows
-  uint32_t most_x_taps;
+  uint32_t max_x_taps;
 };
 
 /// Lays the work space out from `base`; gives its size.
 size_t LayOut(const Geometry& source, const Geometry& destination, std::byte* base, Work* work) {
-  const uint32_t most_y_taps = Direction::MostTaps(source.height, destination.height);
-  work->most_x_taps = Direction::MostTaps(source.width, destination.width);
-  work->row_count = std::min(most_y_taps, kMostCachedRows);
+  const uint32_t max_y_taps = Direction::MaxTaps(source.height, destination.height);
+  work->max_x_taps = Direction::MaxTaps(source.width, destination.width);
+  work->row_count = std::min(max_y_taps, kMaxCachedRows);
   size_t size = 0;
   const auto take = [&]<typename T>(T** block, size_t count) {
     *block = reinterpret_cast<T*>(base + size);
@@ -97,15 +97,15 @@ size_t LayOut(const Geometry& source, const Geometry& destination, std::byte* ba
   take(&work->colours, std::max(source.width, destination.width));
   take(&work->cached, work->row_count);
   take(&work->x_taps, destination.width);
-  take(&work->x_weights, size_t{destination.width} * work->most_x_taps);
-  take(&work->y_weights, most_y_taps);
+  take(&work->x_weights, size_t{destination.width} * work->max_x_taps);
+  take(&work->y_weights, max_y_taps);
   return size;
 }
 
 /// Scales rows along x, and keeps the last ones.
 class RowScaler {
  public:
-  RowScaler(CubicFilter filter, const PixelFormat& format, const Geometry& source, uint32_t width,
+  RowScaler(CubicFilter filter, const RowFormat& format, const Geometry& source, uint32_t width,
             const Work& work, RowFetch fetch)
       : direction_(filter, source.width, width),
         format_(format),
@@ -131,7 +131,7 @@ class RowScaler {
   }
 
  private:
-  float* WeightsOf(uint32_t x) const { return work_.x_weights + size_t{x} * work_.most_x_taps; }
+  float* WeightsOf(uint32_t x) const { return work_.x_weights + size_t{x} * work_.max_x_taps; }
 
   void ScalePixel(uint32_t x, Pixel& sum) const {
     const Taps& taps = work_.x_taps[x];
@@ -146,7 +146,7 @@ class RowScaler {
   }
 
   Direction direction_;
-  PixelFormat format_;
+  RowFormat format_;
   uint32_t source_width_;
   uint32_t width_;
   Work work_;
@@ -175,7 +175,7 @@ size_t ResampleWorkSize(const Geometry& source, const Geometry& destination) {
   return LayOut(source, destination, nullptr, &work);
 }
 
-int Resample(CubicFilter filter, const PixelFormat& format, const Geometry& source,
+int Resample(CubicFilter filter, const RowFormat& format, const Geometry& source,
              const Geometry& destination, MutableBytes work_space, MutableBytes row, RowFetch fetch,
              RowStore store, Progress progress) {
   Work work;

@@ -4,9 +4,9 @@
 
 #include "base/bytes.h"
 #include "imaging/pixels/geometry.h"
-#include "imaging/pixels/pixel_format.h"
 #include "imaging/pixels/progress.h"
 #include "imaging/pixels/row_access.h"
+#include "imaging/pixels/row_format.h"
 
 namespace quillo::imaging {
 
@@ -30,7 +30,7 @@ size_t ResampleWorkSize(const Geometry& source, const Geometry& destination);
 /// Source and destination are not empty and share `format`. `work` has ResampleWorkSize bytes,
 /// aligned for double; `row` is a zeroed destination row. Source rows may be fetched more than
 /// once. 1, kFileError for a row that cannot be fetched, or what stopped `store` or `progress`.
-int Resample(CubicFilter filter, const PixelFormat& format, const Geometry& source,
+int Resample(CubicFilter filter, const RowFormat& format, const Geometry& source,
              const Geometry& destination, MutableBytes work, MutableBytes row, RowFetch fetch,
              RowStore store, Progress progress);
 

@@ -2,11 +2,12 @@
 
 #include "base/system_owners.h"
 #include "imaging/bitmap/kernel_settings.h"
-#include "imaging/bitmap/rows.h"
-#include "imaging/bitmap/storage.h"
+#include "imaging/lifecycle/create.h"
 #include "imaging/scaling/area.h"
 #include "imaging/scaling/nearest.h"
 #include "imaging/scaling/resample.h"
+#include "imaging/storage/rows.h"
+#include "imaging/storage/storage.h"
 
 namespace quillo::imaging {
 namespace {
@@ -136,7 +137,7 @@ int SizeBitmap(BitmapHandle* record, int32_t new_width, int32_t new_height, uint
   if (width == record->width && height == record->height) return kSuccess;
   if (new_width < 1 || new_height < 1) return kInvalidArgument;
   BitmapScope fresh;
-  int result = AllocateLike(*record, width, height, fresh.Get());
+  int result = CreateLike(*record, width, height, fresh.Get());
   if (result == kSuccess) result = ResizeInto(record, fresh.Get(), FlagsInPlace(*record, flags));
   if (result == kSuccess && record->attached_object != nullptr) {
     result = record->attached_object->Resize(width, height);

@@ -16,8 +16,8 @@ constexpr uint32_t kOrderGrey = 2;      // one channel
 constexpr uint32_t kOrderExtended = 5;  // 24 and 48 bits only; stored and shown blue first
 
 /// How the pixels of a row are to be read.
-struct PixelFormat {
-  uint32_t bits;
+struct RowFormat {
+  uint32_t bits;                          // per pixel
   uint32_t order;                         // kOrder...
   std::span<const PaletteEntry> palette;  // empty above 8 bits
 };
@@ -35,13 +35,13 @@ constexpr PaletteEntry ToEntry(Colour16 colour) {
           static_cast<uint8_t>(colour.red >> 8), 0};
 }
 
-/// Reads pixels `first` to `first` + colours.size() - 1 of a row. Indexes behind the palette are
+/// Reads pixels `first` to `first` + colours.size() - 1 of a row. Indexes beyond the palette are
 /// black; a 16-bit colour pixel has 5 bits a channel.
-void DecodeRow(const PixelFormat& format, const std::byte* row, uint32_t first,
+void DecodeRow(const RowFormat& format, const std::byte* row, uint32_t first,
                std::span<Colour16> colours);
 
 /// Writes the pixels from the row's start on, rounded to the format's levels or, in a format with a
 /// palette, to the nearest entry.
-void EncodeRow(const PixelFormat& format, std::span<const Colour16> colours, std::byte* row);
+void EncodeRow(const RowFormat& format, std::span<const Colour16> colours, std::byte* row);
 
 }  // namespace quillo::imaging

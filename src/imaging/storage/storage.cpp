@@ -1,25 +1,23 @@
-#include "imaging/bitmap/storage.h"
+#include "imaging/storage/storage.h"
 
-#include <algorithm>
 #include <numeric>
 #include <utility>
 
 #include "base/system_owners.h"
-#include "imaging/bitmap/chunks.h"
 #include "imaging/bitmap/kernel_settings.h"
-#include "imaging/bitmap/rows.h"
-#include "imaging/bitmap/temporary_file.h"
-#include "imaging/bitmap/tiles.h"
+#include "imaging/storage/chunks.h"
+#include "imaging/storage/rows.h"
+#include "imaging/storage/storage_choice.h"
+#include "imaging/storage/temporary_file.h"
+#include "imaging/storage/tiles.h"
 
 namespace quillo::imaging {
 namespace {
 
 constexpr uint32_t kStorageFlags = kAllocated | kMemory | kDisk | kLocked | kCompressed |
                                    kCallerMemory | kGlobalMemory | kTiled | 0x8000;
-constexpr size_t kLevels8 = 256;             // entries of the lookup tables
-constexpr size_t kLevels16 = 65536;          //
-constexpr uint32_t kAlignment = 32;          // bytes, of the first row in a section
-constexpr uint32_t kSmallestWithLock = 244;  // records above this size have a lock
+constexpr uint32_t kAlignment = 32;            // bytes, of the first row in a section
+constexpr uint32_t kMaxSizeWithoutLock = 244;  // of a record
 
 template <typename T>
 T* AllocateIdentity(size_t count) {
@@ -43,7 +41,7 @@ bool AllocateTables(BitmapHandle& record) {
     record.lookup16 = AllocateIdentity<uint16_t>(kLevels16);
     if (record.lookup16 == nullptr) return false;
   }
-  if (record.structure_size > kSmallestWithLock) {
+  if (record.structure_size > kMaxSizeWithoutLock) {
     GlobalBlock lock = GlobalBlock::Allocate(sizeof(CRITICAL_SECTION));
     if (!lock) return false;
     record.lock = static_cast<CRITICAL_SECTION*>(lock.Detach());
@@ -52,7 +50,7 @@ bool AllocateTables(BitmapHandle& record) {
   return true;
 }
 
-/// Where pixels lie: the fields of a record that say so.
+/// Where pixels lie: what a record holds of its storage.
 struct Pixels {
   HANDLE handle = nullptr;
   std::byte* address = nullptr;
@@ -120,22 +118,22 @@ uint32_t ChooseMemoryType(uint32_t memory_type, uint64_t data_size) {
                         {status.dwTotalPhys, status.dwAvailPhys, status.dwAvailPageFile});
 }
 
-/// Tries a section, tiles and a temporary file, as far as the memory type lets it.
+/// Tries a section, tiles and a temporary file, as the memory type allows.
 int AllocatePixels(const BitmapHandle& record, uint32_t memory_type, Pixels* pixels) {
-  if (memory_type == kMemoryTypeCaller) {
+  if (memory_type == kMemoryCaller) {
     pixels->flags = kAllocated | kMemory | kCallerMemory;
     return kSuccess;
   }
-  if ((memory_type & kMemoryTypeCompress) != 0 && record.bits_per_pixel == 1) {
+  if ((memory_type & kMemoryCompress) != 0 && record.bits_per_pixel == 1) {
     return AllocateCompressed(record, pixels) ? kSuccess : kOutOfMemory;
   }
   const uint32_t type = ChooseMemoryType(memory_type, record.data_size);
-  const bool disk = (type & kMemoryTypeDisk) != 0;
-  const bool file = (type & kMemoryTypeFile) != 0;
-  const bool tiles = (type & kMemoryTypeNoTiles) == 0;
+  const bool disk = (type & kMemoryDisk) != 0;
+  const bool file = (type & kMemoryFile) != 0;
+  const bool tiles = (type & kMemoryNoTiles) == 0;
   if (!disk && !file && AllocateSection(record.data_size, pixels)) return kSuccess;
   if (tiles && !file && AllocateTiled(record, disk, pixels)) return kSuccess;
-  if (type != kMemoryTypeNoFile) return AllocateOnDisk(record.data_size, pixels);
+  if (type != kMemoryNoFile) return AllocateOnDisk(record.data_size, pixels);
   return kOutOfMemory;
 }
 
@@ -176,21 +174,6 @@ int AllocateStorage(BitmapHandle& record, uint32_t memory_type) {
 void ReleaseStorage(BitmapHandle& record) {
   ReleaseTables(record);
   ReleasePixels(record);
-}
-
-int AllocateLike(const BitmapHandle& model, uint32_t width, uint32_t height, BitmapHandle* fresh) {
-  int result = Init(fresh, model.structure_size, width, height, model.bits_per_pixel);
-  if (result != kSuccess) return result;
-  fresh->colour_order = model.colour_order;
-  fresh->view_perspective = model.view_perspective;
-  result = AllocateStorage(*fresh, ThreadSettings().memory_type);
-  if (result != kSuccess) return result;
-  if (model.lookup8 != nullptr) std::copy_n(model.lookup8, kLevels8, fresh->lookup8);
-  if (model.palette == nullptr) return kSuccess;
-  fresh->colours = model.colours;
-  result = AllocatePalette(*fresh);
-  if (result == kSuccess) std::ranges::copy(PaletteOf(model), fresh->palette);
-  return result;
 }
 
 void ExchangePixels(BitmapHandle& a, BitmapHandle& b) {

@@ -1,10 +1,10 @@
-#include "imaging/bitmap/rows.h"
+#include "imaging/storage/rows.h"
 
 #include <cstring>
 
-#include "imaging/bitmap/chunks.h"
-#include "imaging/bitmap/temporary_file.h"
-#include "imaging/bitmap/tiles.h"
+#include "imaging/storage/chunks.h"
+#include "imaging/storage/temporary_file.h"
+#include "imaging/storage/tiles.h"
 
 namespace quillo::imaging {
 namespace {

@@ -1,4 +1,4 @@
-#include "imaging/bitmap/chunks.h"
+#include "imaging/storage/chunks.h"
 
 #include <algorithm>
 #include <cstring>

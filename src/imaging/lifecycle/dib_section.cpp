@@ -1,4 +1,4 @@
-#include "imaging/bitmap/dib_section.h"
+#include "imaging/lifecycle/dib_section.h"
 
 #include <algorithm>
 #include <utility>
@@ -6,8 +6,8 @@
 #include "base/dib_depth.h"
 #include "base/gdi_owners.h"
 #include "base/system_owners.h"
-#include "imaging/bitmap/perspective.h"
-#include "imaging/bitmap/storage.h"
+#include "imaging/lifecycle/upright.h"
+#include "imaging/storage/storage.h"
 
 namespace quillo::imaging {
 namespace {

@@ -4,8 +4,9 @@
 
 namespace quillo::imaging {
 
-/// Initialises `upright` as the same picture, bottom row first, with storage of its own.
-/// Width and height change places where the axes were swapped. `source` is locked.
+/// Makes `upright` the same picture, bottom row first, with storage of its own. Width and height
+/// change places where the axes were swapped. `source` is locked. Fails as CreateLike does, or with
+/// kFileError; `upright` must be freed even then.
 int MakeUpright(const BitmapHandle& source, BitmapHandle* upright);
 
 /// MakeUpright in place: rearranges the pixels so that the picture stays while the view perspective

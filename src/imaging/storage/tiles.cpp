@@ -1,10 +1,10 @@
-#include "imaging/bitmap/tiles.h"
+#include "imaging/storage/tiles.h"
 
 #include "base/system_owners.h"
 #include "imaging/bitmap/kernel_settings.h"
-#include "imaging/bitmap/storage_choice.h"
-#include "imaging/bitmap/temporary_file.h"
 #include "imaging/pixels/result.h"
+#include "imaging/storage/storage_choice.h"
+#include "imaging/storage/temporary_file.h"
 
 namespace quillo::imaging {
 namespace {

@@ -1,4 +1,4 @@
-#include "imaging/bitmap/temporary_file.h"
+#include "imaging/storage/temporary_file.h"
 
 #include "imaging/bitmap/kernel_settings.h"
 #include "imaging/pixels/result.h"
