@@ -17,13 +17,14 @@ class CCmap4 {
   CCmap4(const CCmap4&) = delete;
   CCmap4& operator=(const CCmap4&) = delete;
 
-  /// Replaces what is held by the subtable of the font selected in `dc`. 1, or 0 and empty.
+  /// Replaces what is held by the subtable of the font selected in `dc`. Returns 1, or 0 and holds
+  /// nothing when the font has no readable one or memory is short.
   int32_t Load(HDC dc);
 
   /// 0 when empty or the character is unmapped.
   [[nodiscard]] uint16_t GlyphOf(uint16_t character) const { return table_.GlyphOf(character); }
 
-  /// Modulo 65536.
+  /// The number of mapped characters, modulo 65536.
   [[nodiscard]] uint16_t MappedCount() const { return table_.MappedCount(); }
 
   [[nodiscard]] const fonts::Cmap4Table& Table() const { return table_; }
@@ -32,6 +33,8 @@ class CCmap4 {
   GlobalBlock data_;         // the subtable and its slack, host byte order
   fonts::Cmap4Table table_;  // a view of data_
 };
+
+// For callers that ask once (as CharactersOfGlyphs); a job uses CFontMapManager.
 
 /// For the font selected in `dc`: the number of mapped characters, modulo 65536.
 uint16_t CountMappedCharacters(HDC dc);

@@ -6,7 +6,7 @@
 namespace quillo::fonts {
 namespace {
 
-constexpr uint32_t kSlackBytes = 6;  // zero, behind every copy
+constexpr uint32_t kSlackBytes = 6;  // zero, at the end of every copy
 constexpr size_t kHeaderWords = 7;
 constexpr uint32_t kHeaderBytes = 2 * kHeaderWords;
 constexpr uint16_t kWindowsPlatform = 3;
@@ -45,9 +45,10 @@ bool ReadBigEndian(CmapSource& source, uint32_t offset, uint16_t& value) {
   return true;
 }
 
-/// Any record for Windows characters or symbols makes the font readable, but the subtable is always
-/// that of the last record. This is meant: where the last record is not such a one (say (3,10)),
-/// its subtable has another format and the font counts as having none.
+/// Compatibility: any record for Windows characters or symbols makes the font readable, but the
+/// subtable is always that of the last record. Where the last record is for something else, say
+/// (3,10), its subtable has another format and the font counts as having none. Kept for pages,
+/// which show such text as glyphs.
 std::optional<uint32_t> ChooseSubtable(CmapSource& source) {
   uint16_t record_count = 0;
   if (!ReadBigEndian(source, 2, record_count)) return std::nullopt;
@@ -94,7 +95,7 @@ bool ReadCmap4(CmapSource& source, std::span<uint16_t> words) {
   std::ranges::copy(subtable->header, words.begin());
   const size_t rest_bytes = subtable->Length() - kHeaderBytes;
   const std::span<uint16_t> rest = words.subspan(kHeaderWords);
-  // A font that ends early gives fewer bytes than it states; those missing stay zero.
+  // A font that ends early has fewer bytes than it states; the missing ones stay zero.
   const uint32_t copied =
       source.Read(subtable->offset + kHeaderBytes, std::as_writable_bytes(rest).first(rest_bytes));
   if (copied == CmapSource::kFailed) return false;

@@ -7,14 +7,14 @@
 
 #include "base/bytes.h"
 
-// Reading of the format-4 subtable of a TrueType 'cmap' table (OpenType, "cmap").
+// Reads the format-4 subtable of a TrueType 'cmap' table (OpenType, "cmap").
 namespace quillo::fonts {
 
 /// Where the bytes of one font's 'cmap' table come from.
 class CmapSource {
  public:
   static constexpr uint32_t kFailed = 0xFFFFFFFF;
-  /// Copies up to out.size() bytes from `offset` of the table. The bytes copied, or kFailed.
+  /// Copies up to out.size() bytes from `offset` of the table. Returns their number, or kFailed.
   virtual uint32_t Read(uint32_t offset, MutableBytes out) = 0;
 
  protected:
@@ -34,7 +34,7 @@ struct Cmap4Segment {
   uint16_t start;
   uint16_t end;  // inclusive
   uint16_t delta;
-  std::span<const uint16_t> glyphs;  // entry per character; those missing at the end count as 0
+  std::span<const uint16_t> glyphs;  // entry per character; missing ones at the end count as 0
   bool uses_glyphs;                  // false: glyph = character + delta
 
   /// The glyph of a character of this segment, as far as no earlier segment takes the character.
@@ -51,7 +51,7 @@ struct Cmap4Segment {
 
 /// A view of what ReadCmap4 filled; the default maps nothing.
 ///
-/// Segments may overlap, stand in any order and point anywhere: every read stays inside the words.
+/// Segments may overlap, come in any order and point anywhere: every read stays inside the words.
 class Cmap4Table {
  public:
   Cmap4Table() = default;
@@ -62,7 +62,7 @@ class Cmap4Table {
   [[nodiscard]] Cmap4Segment Segment(size_t index) const;
   [[nodiscard]] uint16_t SegmentEnd(size_t index) const;
 
-  /// The glyph by the first segment that ends at or behind the character; 0 when unmapped.
+  /// The glyph by the first segment whose end is not below the character; 0 when unmapped.
   [[nodiscard]] uint16_t GlyphOf(uint16_t character) const;
 
   /// Characters that the segments map, modulo 65536; one that lies in two segments counts twice.

@@ -7,8 +7,9 @@
 namespace quillo {
 namespace {
 
-/// Asks for up to 64 characters although a face holds 32. The number is meant and stays; faces have
-/// at most 31 characters in practice, and what a longer one has beyond them is dropped.
+/// Compatibility: asks for up to 64 characters although a face holds 32. Kept for pages: it is the
+/// question that has always been put. Faces have at most 31 characters in practice; the rest of a
+/// longer one is dropped.
 bool ReadFace(HDC dc, wchar_t (&face)[LF_FACESIZE]) {
   constexpr int kAskedCharacters = 64;
   wchar_t answer[kAskedCharacters] = {};

@@ -9,14 +9,15 @@ struct FontIdentity {
   wchar_t face[LF_FACESIZE] = {};
   TEXTMETRICW metrics = {};
 
-  /// Reads the font selected in `dc`; false when GDI gives no metrics or no face.
+  /// Reads the font selected in `dc`; false when GDI returns no metrics or no face.
   bool Read(HDC dc);
 
-  /// Whether both go by the same mapper. Ascent, descent, leadings and character widths are not
-  /// compared: they are meant to make no difference.
+  /// Whether both share a mapper.
+  /// Compatibility: ascent, descent, leadings and character widths are not compared. Kept for
+  /// pages, whose text depends on which fonts share a mapper.
   [[nodiscard]] bool Matches(const FontIdentity& other) const;
 
-  /// Same face and all metrics, those included that Matches leaves out.
+  /// Same face and all metrics, including those that Matches ignores.
   bool operator==(const FontIdentity& other) const;
 };
 

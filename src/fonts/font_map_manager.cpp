@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <iterator>
+#include <utility>
 
 namespace quillo {
 
@@ -23,18 +24,12 @@ CFontMapper* CFontMapManager::FindOrMake(HDC dc) {
   }
   std::unique_ptr<CFontMapper> made(new CFontMapper);
   if (!made || !made->Build(dc)) return nullptr;
-  const int32_t slot = ChooseSlot();
-  use_counts_[slot] = 0;
-  slots_[slot] = std::move(made);
-  return slots_[slot].get();
-}
-
-/// An empty slot, else the least used one. Nothing ever counts a use, so a full cache always gives
-/// up its first slot; this is meant.
-int32_t CFontMapManager::ChooseSlot() const {
+  // Compatibility: once all slots are taken, it is always the first one that is replaced, however
+  // often its font is used. Kept for pages, whose text depends on which fonts were read anew.
   const auto empty = std::find(std::begin(slots_), std::end(slots_), nullptr);
-  if (empty != std::end(slots_)) return static_cast<int32_t>(empty - slots_);
-  return static_cast<int32_t>(std::ranges::min_element(use_counts_) - use_counts_);
+  auto& slot = empty != std::end(slots_) ? *empty : slots_[0];
+  slot = std::move(made);
+  return slot.get();
 }
 
 }  // namespace quillo

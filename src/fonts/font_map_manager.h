@@ -2,6 +2,7 @@
 
 #include "base/windows.h"
 
+#include <cstddef>
 #include <cstdint>
 #include <memory>
 
@@ -21,21 +22,19 @@ class CFontMapManager : public HeapObject {
   /// Null when memory is short.
   static std::unique_ptr<CFontMapManager> Create();
 
-  /// Turns glyphs of the font selected in `dc` into characters. The count written, or 0 with
-  /// `characters` untouched when the font cannot be read.
+  /// Turns glyphs of the font selected in `dc` into characters. Returns the count written, or 0
+  /// with `characters` untouched when the font cannot be read.
   int32_t Translate(HDC dc, uint32_t count, const uint16_t* glyphs, uint16_t* characters);
 
  private:
-  static constexpr int32_t kCapacity = 50;
+  static constexpr size_t kCapacity = 50;
 
   CFontMapper* FindOrMake(HDC dc);
-  int32_t ChooseSlot() const;
 
   std::unique_ptr<CFontMapper> slots_[kCapacity];
-  int32_t use_counts_[kCapacity] = {};
 };
 
-/// As CFontMapManager::Translate; a null manager translates nothing and gives 0.
+/// As CFontMapManager::Translate; a null manager translates nothing and returns 0.
 inline int32_t TranslateGlyphs(CFontMapManager* manager, HDC dc, uint32_t count,
                                const uint16_t* glyphs, uint16_t* characters) {
   return manager == nullptr ? 0 : manager->Translate(dc, count, glyphs, characters);

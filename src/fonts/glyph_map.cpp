@@ -17,7 +17,7 @@ uint16_t CGlyphMap::Build(const CCmap4& cmap) {
   return size_;
 }
 
-uint16_t TranslateGlyphs(HDC dc, uint16_t count, const uint16_t* glyphs, uint16_t* characters) {
+uint16_t CharactersOfGlyphs(HDC dc, uint16_t count, const uint16_t* glyphs, uint16_t* characters) {
   CCmap4 cmap;
   cmap.Load(dc);
   CGlyphMap map;

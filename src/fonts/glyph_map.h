@@ -18,11 +18,11 @@ class CGlyphMap {
   CGlyphMap(const CGlyphMap&) = delete;
   CGlyphMap& operator=(const CGlyphMap&) = delete;
 
-  /// Replaces the table by the inverse of `cmap`. Its size; 0 when nothing is mapped, when the
-  /// largest glyph is 65535, or when memory is short.
+  /// Replaces the table by the inverse of `cmap`. Returns its size; 0 when nothing is mapped, when
+  /// the largest glyph is 65535, or when memory is short.
   uint16_t Build(const CCmap4& cmap);
 
-  /// fonts::kNoCharacter where no character maps to the glyph, and for a glyph behind the table.
+  /// fonts::kNoCharacter where no character maps to the glyph, and for a glyph beyond the table.
   [[nodiscard]] uint16_t CharacterOf(uint16_t glyph) const {
     return glyph < size_ ? static_cast<const uint16_t*>(table_.Get())[glyph] : fonts::kNoCharacter;
   }
@@ -32,8 +32,9 @@ class CGlyphMap {
   GlobalBlock table_;
 };
 
-/// Turns glyphs of the font selected in `dc` into characters without keeping anything. All are
-/// fonts::kNoCharacter when the font cannot be read. `count`.
-uint16_t TranslateGlyphs(HDC dc, uint16_t count, const uint16_t* glyphs, uint16_t* characters);
+/// For the font selected in `dc`: the characters of its glyphs, all fonts::kNoCharacter when the
+/// font cannot be read. Returns `count`. For callers that translate once; a job uses
+/// CFontMapManager.
+uint16_t CharactersOfGlyphs(HDC dc, uint16_t count, const uint16_t* glyphs, uint16_t* characters);
 
 }  // namespace quillo

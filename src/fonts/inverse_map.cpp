@@ -11,7 +11,7 @@ namespace {
 
 constexpr uint16_t kLastCharacter = 0xFFFF;
 
-/// Segments in front of the terminator.
+/// Segments before the terminator.
 size_t ScannedSegments(const Cmap4Table& cmap) {
   for (size_t i = 0; i < cmap.SegmentCount(); ++i) {
     if (cmap.SegmentEnd(i) == kLastCharacter && cmap.Segment(i).start == kLastCharacter) return i;
@@ -19,8 +19,8 @@ size_t ScannedSegments(const Cmap4Table& cmap) {
   return cmap.SegmentCount();
 }
 
-/// Whether no two of the first `count` segments overlap and all stand in rising order, as the
-/// format demands. Then each segment maps its own characters and each character comes once.
+/// Whether the first `count` segments rise without overlaps, as the format demands. Then each
+/// segment maps its own characters and each character comes once.
 bool IsRising(const Cmap4Table& cmap, size_t count) {
   int32_t last = -1;
   for (size_t i = 0; i < count; ++i) {
@@ -67,7 +67,7 @@ void FillFromRising(const Cmap4Segment& segment, std::span<uint16_t> table) {
   if (entries.size() < Width(segment)) table[0] = segment.end;
 }
 
-/// The segment that decides each character's glyph: the first one that ends at or behind it.
+/// The segment that decides each character's glyph: the first one whose end is not below it.
 class DecidingSegments {
  public:
   explicit DecidingSegments(const Cmap4Table& cmap) : cmap_(cmap) {
@@ -91,7 +91,7 @@ class DecidingSegments {
   std::array<uint16_t, kMaxCmap4Segments> reaches_;  // furthest end up to each segment
 };
 
-/// The characters that were not visited yet.
+/// The characters that have not been visited yet.
 class UnvisitedCharacters {
  public:
   UnvisitedCharacters() { bits_.fill(~uint64_t{0}); }

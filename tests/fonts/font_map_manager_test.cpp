@@ -162,7 +162,7 @@ TEST_F(FontMapManagerTest, QueriesOfADc_KeepNothing) {
   uint16_t characters[3] = {};
   EXPECT_EQ(CountMappedCharacters(font.Dc()), 26);
   EXPECT_EQ(GlyphOfCharacter(font.Dc(), 'C'), 3);
-  EXPECT_EQ(TranslateGlyphs(font.Dc(), 3, glyphs, characters), 3);
+  EXPECT_EQ(CharactersOfGlyphs(font.Dc(), 3, glyphs, characters), 3);
   EXPECT_EQ(std::u16string(characters, characters + 3), u"AZ\u0640");
 
   CCmap4 cmap;
@@ -171,7 +171,7 @@ TEST_F(FontMapManagerTest, QueriesOfADc_KeepNothing) {
   EXPECT_EQ(map.Build(cmap), 27);
   font.cmap.clear();
   EXPECT_EQ(CountMappedCharacters(font.Dc()), 0);
-  EXPECT_EQ(TranslateGlyphs(font.Dc(), 3, glyphs, characters), 3);
+  EXPECT_EQ(CharactersOfGlyphs(font.Dc(), 3, glyphs, characters), 3);
   EXPECT_EQ(std::u16string(characters, characters + 3), u"\u0640\u0640\u0640");
   // What was loaded before is forgotten.
   EXPECT_EQ(cmap.Load(font.Dc()), 0);

@@ -7,6 +7,7 @@
 
 #include "base/bytes.h"
 #include "fonts/cmap4_table.h"
+#include "fonts/inverse_map.h"
 
 namespace quillo::test {
 
@@ -85,6 +86,14 @@ class MemoryCmap : public fonts::CmapSource {
 inline Words ReadWords(MemoryCmap source) {
   Words words((Cmap4Size(source) + 1) / 2);
   return !words.empty() && ReadCmap4(source, words) ? words : Words();
+}
+
+/// The map from glyphs back to characters.
+inline Words InverseMap(const Words& words) {
+  const fonts::Cmap4Table cmap(words);
+  Words table(InverseMapSize(cmap));
+  FillInverseMap(cmap, table);
+  return table;
 }
 
 /// A table of the (first) font of a file; empty when there is none. `tag` as the file reads.

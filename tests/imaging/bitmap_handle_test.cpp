@@ -77,28 +77,21 @@ TEST(Init, OldForm_TouchesNothingBehindIt) {
 }
 
 TEST(Create, Arguments_GiveTheirCodes) {
-  uint8_t data[64];
-  struct {
-    uint32_t type, width, bits, order, view, data_size;
-    int result;
-  } const cases[] = {{1, 0, 8, 0, 0, 0, kEmptyData},         {3, 0, 8, 0, 0, 0, kEmptyData},
-                     {3, 4, 8, 0, 0, 0, kInvalidArgument},   {1, 4, 24, 5, 0, 0, kSuccess},
-                     {1, 4, 16, 5, 0, 0, kUnsupportedDepth}, {1, 4, 8, 0, 8, 0, kSuccess},
-                     {1, 4, 8, 0, 9, 0, kInvalidArgument},   {2, 4, 8, 0, 0, 16, kSuccess},
-                     {2, 4, 8, 0, 0, 15, kInvalidArgument}};
-  for (const auto& c : cases) {
+  uint8_t data[16];
+  const std::pair<BitmapDescription, int> cases[] = {
+      {Sized(0, 4, 8), kEmptyData},
+      {Sized(0, 4, 8, 3), kEmptyData},
+      {Sized(4, 4, 8, 3), kInvalidArgument},
+      {{.width = 4, .height = 4, .bits_per_pixel = 24, .colour_order = 5}, kSuccess},
+      {{.width = 4, .height = 4, .bits_per_pixel = 16, .colour_order = 5}, kUnsupportedDepth},
+      {Sized(4, 4, 8, kMemorySection, 8), kSuccess},
+      {Sized(4, 4, 8, kMemorySection, 9), kInvalidArgument},
+      {{kCurrentForm, kMemoryCaller, 4, 4, 8, 0, nullptr, 0, data, 16}, kSuccess},
+      {{kCurrentForm, kMemoryCaller, 4, 4, 8, 0, nullptr, 0, data, 15}, kInvalidArgument}};
+  for (const auto& [description, result] : cases) {
     BitmapHandle record{};
-    EXPECT_EQ(Create(&record, {.memory_type = c.type,
-                               .width = c.width,
-                               .height = 4,
-                               .bits_per_pixel = c.bits,
-                               .colour_order = c.order,
-                               .view_perspective = c.view,
-                               .caller_data = c.data_size != 0 ? data : nullptr,
-                               .caller_data_size = c.data_size}),
-              c.result)
-        << "type " << c.type << ", " << c.bits << " bits, view " << c.view;
-    EXPECT_EQ((record.flags & kAllocated) != 0, c.result == kSuccess);
+    EXPECT_EQ(Create(&record, description), result);
+    EXPECT_EQ((record.flags & kAllocated) != 0, result == kSuccess);
     Free(&record);
     EXPECT_EQ(record.flags, 0u);
   }
@@ -111,17 +104,11 @@ TEST(Create, Palettes_ComeFromRampCallerOrDefault) {
   EXPECT_EQ(ramp->bits_per_pixel, 8u);
   EXPECT_EQ(ramp->view_perspective, kTopRowFirst);
   EXPECT_EQ(PaletteOf(*ramp.Get())[77], (PaletteEntry{77, 77, 77, 0}));
-  ASSERT_EQ(Create(callers.Get(), {.width = 1,
-                                   .height = 1,
-                                   .bits_per_pixel = 1,
-                                   .palette = own,
-                                   .view_perspective = kBottomRowFirst}),
-            kSuccess);
+  BitmapDescription with_palette = Sized(1, 1, 1);
+  with_palette.palette = own;
+  ASSERT_EQ(Create(callers.Get(), with_palette), kSuccess);
   EXPECT_EQ(PaletteOf(*callers.Get())[1], own[1]);
-  ASSERT_EQ(
-      Create(usual.Get(),
-             {.width = 1, .height = 1, .bits_per_pixel = 4, .view_perspective = kBottomRowFirst}),
-      kSuccess);
+  ASSERT_EQ(Create(usual.Get(), Sized(1, 1, 4)), kSuccess);
   EXPECT_TRUE(IsDefaultPalette(PaletteOf(*usual.Get()), 16));
 }
 

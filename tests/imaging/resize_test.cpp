@@ -18,12 +18,7 @@ namespace {
 
 /// A bitmap of 8-bit rows whose pixels all hold the row's number, counted from 1.
 void MakeRows(BitmapHandle* record, uint32_t width, uint32_t height, uint32_t view) {
-  ASSERT_EQ(Create(record, {.memory_type = kMemorySectionElseFile,
-                            .width = width,
-                            .height = height,
-                            .bits_per_pixel = 8,
-                            .view_perspective = view}),
-            kSuccess);
+  ASSERT_EQ(Create(record, Sized(width, height, 8, kMemorySectionElseFile, view)), kSuccess);
   for (uint32_t y = 0; y < height; ++y) {
     const std::vector<std::byte> row(record->bytes_per_line, static_cast<std::byte>(y + 1));
     StoreRow(*record, y, row);
@@ -68,8 +63,7 @@ TEST(Resizing, Arguments_GiveTheirCodes) {
   EXPECT_EQ(SizeBitmap(bitmap.Get(), 1, 1, 0), kWrongStructureSize);
   bitmap->structure_size = kCurrentForm;
   BitmapScope colour;
-  Create(colour.Get(),
-         {.width = 4, .height = 4, .bits_per_pixel = 24, .colour_order = kOrderColour});
+  Create(colour.Get(), Sized(4, 4, 24));
   EXPECT_EQ(ResizeInto(colour.Get(), bitmap.Get(), 0), kInvalidArgument);
   Free(colour.Get());
   EXPECT_EQ(ResizeInto(bitmap.Get(), colour.Get(), 0), kNoStorage);
@@ -133,11 +127,7 @@ TEST(ResizeInto, RowOrders_DecideWhereRowsGo) {
       for (const uint32_t type : {1u, 128u}) {  // rows in place, and rows that are stored
         BitmapScope source, target;
         MakeRows(source.Get(), 4, 3, from);
-        Create(target.Get(), {.memory_type = type,
-                              .width = 4,
-                              .height = 7,
-                              .bits_per_pixel = 8,
-                              .view_perspective = to});
+        Create(target.Get(), Sized(4, 7, 8, type, to));
         EXPECT_EQ(ResizeInto(source.Get(), target.Get(), 0), kSuccess);
         EXPECT_EQ(FirstColumn(*target.Get()), from == to ? down : up) << from << ' ' << to;
       }
@@ -166,11 +156,7 @@ TEST(SizeBitmap, Flags_ChooseTheMethod) {
   };
   for (const auto& c : cases) {
     BitmapScope bitmap;
-    Create(bitmap.Get(), {.memory_type = kMemorySectionElseFile,
-                          .width = 4,
-                          .height = 1,
-                          .bits_per_pixel = c.bits,
-                          .colour_order = c.bits > 8});
+    Create(bitmap.Get(), Sized(4, 1, c.bits, kMemorySectionElseFile));
     std::vector<std::byte> row(bitmap->bytes_per_line, std::byte{0xFF});
     if (c.bits == 1) row[0] = std::byte{0xBF};
     if (c.bits == 24) std::fill_n(&row[3], 3, std::byte{0});

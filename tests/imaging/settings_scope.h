@@ -5,8 +5,22 @@
 #include <string>
 
 #include "imaging/bitmap/kernel_settings.h"
+#include "imaging/lifecycle/create.h"
 
 namespace quillo::imaging {
+
+/// A bitmap of the current form in blue, green, red or with the default palette.
+inline BitmapDescription Sized(uint32_t width, uint32_t height, uint32_t bits,
+                               uint32_t memory_type = kMemorySection,
+                               uint32_t view_perspective = kTopRowFirst) {
+  const uint32_t order = bits > 8 ? kOrderColour : kOrderPalette;
+  return {.memory_type = memory_type,
+          .width = width,
+          .height = height,
+          .bits_per_pixel = bits,
+          .colour_order = order,
+          .view_perspective = view_perspective};
+}
 
 /// Lets a test change the thread's settings, and puts them back.
 class SettingsScope {

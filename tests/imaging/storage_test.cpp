@@ -79,12 +79,7 @@ TEST(Storage, EveryKind_KeepsRowsAndLeavesNothing) {
     settings->tile_size = 1300;  // four rows of 24 bits
     const auto before = test::Holdings::Now();
     BitmapHandle record{};
-    ASSERT_EQ(Create(&record, {.memory_type = kind.memory_type,
-                               .width = kWidth,
-                               .height = kHeight,
-                               .bits_per_pixel = kind.bits,
-                               .colour_order = kind.bits > 8 ? kOrderColour : kOrderPalette}),
-              kSuccess)
+    ASSERT_EQ(Create(&record, Sized(kWidth, kHeight, kind.bits, kind.memory_type)), kSuccess)
         << kind.name;
     EXPECT_EQ(record.flags, kind.flags) << kind.name;
     EXPECT_EQ(directory.Files(), kind.files) << kind.name;
@@ -117,10 +112,7 @@ TEST(Storage, EveryKind_KeepsRowsAndLeavesNothing) {
 
 TEST(Storage, CompressedRowsThatGrow_AreKept) {
   BitmapScope record;
-  ASSERT_EQ(
-      Create(record.Get(),
-             {.memory_type = kMemoryChunks, .width = 4000, .height = 40000, .bits_per_pixel = 1}),
-      kSuccess);
+  ASSERT_EQ(Create(record.Get(), Sized(4000, 40000, 1, kMemoryChunks)), kSuccess);
   std::vector<std::byte> fetched(record->bytes_per_line);
   // From rows that pack to almost nothing to rows that do not pack, over two chunks.
   for (const bool even : {true, false, true}) {
@@ -140,11 +132,7 @@ TEST(Storage, SectionsAndFilesThatFail_GiveWay) {
   SettingsScope settings;
   const TemporaryDirectory directory;
   const auto create = [](uint32_t type, BitmapHandle* record) {
-    return Create(record, {.memory_type = type,
-                           .width = kWidth,
-                           .height = kHeight,
-                           .bits_per_pixel = 24,
-                           .colour_order = kOrderColour});
+    return Create(record, Sized(kWidth, kHeight, 24, type));
   };
   BitmapScope file, none;
   const test::ImportPatch no_section(
@@ -218,11 +206,7 @@ TEST(PresentAsDibSection, GlobalMemoryAndChunks_MoveIntoASection) {
     if (global) {
       MakeGlobal(record, 1, 0);
     } else {
-      Create(&record, {.memory_type = kMemoryChunks,
-                       .width = kWidth,
-                       .height = kHeight,
-                       .bits_per_pixel = 1,
-                       .view_perspective = kBottomRowFirst});
+      Create(&record, Sized(kWidth, kHeight, 1, kMemoryChunks, kBottomRowFirst));
     }
     ASSERT_EQ(Lock(&record), kSuccess);
     FillRows(record);
@@ -240,9 +224,7 @@ TEST(PresentAsDibSection, GlobalMemoryAndChunks_MoveIntoASection) {
 
 TEST(ReleaseDibSectionDc, WithoutAStandIn_LeavesNothing) {
   BitmapScope bitmap;
-  ASSERT_EQ(Create(bitmap.Get(),
-                   {.width = 4, .height = 4, .bits_per_pixel = 24, .colour_order = kOrderColour}),
-            kSuccess);
+  ASSERT_EQ(Create(bitmap.Get(), Sized(4, 4, 24)), kSuccess);
   const uintptr_t handles = test::LiveKernelHandles();
   DibSectionDc dc(PresentAsDibSection(bitmap.Get()));
   const HGDIOBJ shown = GetCurrentObject(dc.Get(), OBJ_BITMAP);
@@ -258,12 +240,7 @@ TEST(PresentAsDibSection, TilesAndOtherViews_AreRefusedAndTurned) {
   const TemporaryDirectory directory;
   settings->memory_threshold = 1;
   BitmapScope tiled;
-  ASSERT_EQ(Create(tiled.Get(), {.memory_type = kMemoryDisk,
-                                 .width = 40,
-                                 .height = 40,
-                                 .bits_per_pixel = 24,
-                                 .colour_order = kOrderColour}),
-            kSuccess);
+  ASSERT_EQ(Create(tiled.Get(), Sized(40, 40, 24, kMemoryDisk)), kSuccess);
   EXPECT_EQ(PresentAsDibSection(tiled.Get()), nullptr);
 
   // Every depth and every view of a bitmap with one white pixel, in column 3 of row 1.
@@ -273,13 +250,7 @@ TEST(PresentAsDibSection, TilesAndOtherViews_AreRefusedAndTurned) {
       SCOPED_TRACE(std::to_string(bits) + " bits, view " + std::to_string(view));
       BitmapScope bitmap;
       const uint32_t type = view % 2 != 0 ? kMemorySection : kMemoryFile;
-      ASSERT_EQ(Create(bitmap.Get(), {.memory_type = type,
-                                      .width = 5,
-                                      .height = 3,
-                                      .bits_per_pixel = bits,
-                                      .colour_order = bits > 8 ? kOrderColour : kOrderPalette,
-                                      .view_perspective = view}),
-                kSuccess);
+      ASSERT_EQ(Create(bitmap.Get(), Sized(5, 3, bits, type, view)), kSuccess);
       std::vector<std::byte> row(bitmap->bytes_per_line);
       for (uint32_t bit = 3 * bits; bit < 4 * bits; ++bit) {
         row[bit / 8] |= static_cast<std::byte>(0x80 >> bit % 8);

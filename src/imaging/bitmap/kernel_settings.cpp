@@ -28,7 +28,7 @@ constinit KernelSettings fallback = kDefaults;
 
 void WINAPI ReleaseBlock(void* block) { HeapBlock::Adopt(block); }
 
-/// The process's slot of one block a thread. A fiber-local slot is a thread-local one that has a
+/// The process's slot for one block per thread. A fiber-local slot is a thread-local one that has a
 /// destructor: Windows calls it when a thread ends, and for all threads when the slot is freed,
 /// which happens when the module is unloaded.
 class Slot {
@@ -40,7 +40,7 @@ class Slot {
   Slot(const Slot&) = delete;
   Slot& operator=(const Slot&) = delete;
 
-  /// Made on first use; FLS_OUT_OF_INDEXES when there is none to be had.
+  /// Allocated on first use; FLS_OUT_OF_INDEXES when the process has no slot left.
   DWORD Index() {
     if (index_ == kNone) {
       const DWORD fresh = FlsAlloc(ReleaseBlock);

@@ -25,8 +25,8 @@ struct KernelSettings {
   wchar_t temporary_directory[MAX_PATH];  // empty: the process's TEMP folder
 };
 
-/// The calling thread's settings, made on first use and dropped with the thread. When they cannot
-/// be made, one block for the whole process.
+/// The calling thread's settings, allocated on first use and freed with the thread. When that
+/// fails, the process's one fallback block.
 KernelSettings& ThreadSettings();
 
 }  // namespace quillo::imaging

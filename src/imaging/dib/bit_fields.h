@@ -10,10 +10,10 @@ namespace quillo::imaging {
 
 /// Converts rows of 16- or 32-bit pixels with colour masks into the kernel's 5-5-5 or 8-8-8 pixels.
 ///
-/// Any masks do: a channel's value is what lies between the lowest and the highest bit of its mask,
-/// scaled to the range of the result and rounded to nearest (of channels above 8 bits the upper 8
-/// count); an empty mask gives 0. Rows that have the usual masks already are copied, spare bits
-/// too; otherwise spare bits become 0.
+/// Any masks are accepted: a channel's value is what lies between the lowest and the highest bit of
+/// its mask, scaled to the range of the result and rounded to nearest (of channels above 8 bits the
+/// upper 8 count); an empty mask gives 0. Rows with the usual masks are copied, including spare
+/// bits; otherwise spare bits become 0.
 class BitFieldConverter {
  public:
   BitFieldConverter(uint32_t bits, const ColourMasks& masks);

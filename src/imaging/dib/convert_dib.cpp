@@ -12,7 +12,7 @@
 namespace quillo::imaging {
 namespace {
 
-/// Pixels per metre of the screen where the DIB does not say its own.
+/// The DIB's resolution, or the screen's where it states none.
 void SetResolution(const DibDescription& dib, BitmapHandle& record) {
   int x = dib.x_pixels_per_metre;
   int y = dib.y_pixels_per_metre;
@@ -29,8 +29,8 @@ void SetResolution(const DibDescription& dib, BitmapHandle& record) {
   record.y_resolution = static_cast<uint32_t>(DotsPerInch(y));
 }
 
-/// YUV buffers are top-down whatever the sign of the height, so their row order is the inverse of
-/// what the sign says elsewhere. This is meant.
+/// Compatibility: YUV buffers are taken as top-down whatever the sign of their height, and the sign
+/// is inverted: a positive height is top row first. Kept for pages.
 uint32_t ViewPerspectiveOf(const DibDescription& dib) {
   return dib.negative_height != IsYuv(dib.layout) ? kTopRowFirst : kBottomRowFirst;
 }

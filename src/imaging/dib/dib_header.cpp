@@ -18,7 +18,7 @@ constexpr uint32_t FourCc(const char (&name)[5]) {
   return code;
 }
 
-/// A compression and what it asks of the rest of the header.
+/// A compression and what it requires of the rest of the header.
 struct Compression {
   uint32_t code;
   std::array<uint32_t, 2> bits;  // accepted bit counts; 0, 0: any that bitmaps have
@@ -64,7 +64,7 @@ const Compression* FindCompression(uint32_t code, const DibDescription& dib) {
   return found;
 }
 
-/// Fills in size, bit count and what else the header holds; gives the compression.
+/// Fills in size, bit count and what else the header holds; returns the compression.
 std::optional<uint32_t> ReadFields(Bytes header, DibDescription* dib) {
   const auto size = LoadOrZero<uint32_t>(header);
   dib->colour_table = size;
@@ -109,8 +109,8 @@ int AnalyseDib(Bytes header, DibDescription* dib) {
 
   dib->layout = compression->layout;
   dib->bits_per_pixel = IsYuv(dib->layout) ? 24 : dib->source_bits;
-  const uint32_t most = PaletteSize(dib->bits_per_pixel);
-  if (dib->colours == 0 || dib->colours > most) dib->colours = most;
+  const uint32_t max = PaletteSize(dib->bits_per_pixel);
+  if (dib->colours == 0 || dib->colours > max) dib->colours = max;
   if (dib->layout == DibLayout::kBitFields) dib->masks = ReadMasks(header, dib->source_bits);
   return kSuccess;
 }
@@ -144,8 +144,8 @@ uint64_t SourceSize(const DibDescription& dib) {
 }
 
 void ReadColourTable(Bytes header, const DibDescription& dib, std::span<PaletteEntry> palette) {
-  const size_t behind = header.size() - std::min<size_t>(dib.colour_table, header.size());
-  if (behind / dib.colour_entry < std::min<size_t>(palette.size(), 2)) {
+  const size_t table_size = header.size() - std::min<size_t>(dib.colour_table, header.size());
+  if (table_size / dib.colour_entry < std::min<size_t>(palette.size(), 2)) {
     FillGreyRamp(palette);
     return;
   }

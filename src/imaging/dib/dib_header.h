@@ -34,13 +34,13 @@ constexpr bool IsYuv(DibLayout layout) {
 /// Red, green and blue masks of a pixel.
 using ColourMasks = std::array<uint32_t, 3>;
 
-/// What a DIB's header says.
+/// What a DIB's header states.
 struct DibDescription {
   DibLayout layout;
   uint32_t width;              // pixels, up to 2^31 - 1
   uint32_t height;             // rows, up to 2^31
   bool negative_height;        //
-  uint32_t source_bits;        // per pixel, as announced
+  uint32_t source_bits;        // per pixel, as stated
   uint32_t bits_per_pixel;     // of the bitmap that the DIB becomes
   uint32_t colours;            // 0 above 8 bits
   uint32_t colour_table;       // offset in the header
@@ -53,15 +53,16 @@ struct DibDescription {
 
 /// Reads a BITMAPCOREHEADER or a BITMAPINFOHEADER (and its successors) with what follows it.
 /// `header` may end anywhere: colour masks that it does not hold whole are the usual ones (5-5-5
-/// and 8-8-8). 1; -16 for a DIB that is not converted; -13 for a negative width.
+/// and 8-8-8). Fails with kUnsupportedFormat (a DIB that is not converted) or kInvalidArgument (a
+/// negative width).
 int AnalyseDib(Bytes header, DibDescription* dib);
 
 /// Bytes of the bits that the conversion reads; 0 for run-length streams, which may end anywhere.
 uint64_t SourceSize(const DibDescription& dib);
 
 /// Fills `palette` (dib.colours entries) from the colour table. Entries that `header` does not hold
-/// are black; a table of which not even two entries lie in the header is none, and gives a grey
-/// ramp.
+/// are black. A header with fewer than two entries counts as one without a table, whose bitmap
+/// shows grey levels.
 void ReadColourTable(Bytes header, const DibDescription& dib, std::span<PaletteEntry> palette);
 
 /// Pixels per metre to dots per inch, truncating towards zero.

@@ -36,8 +36,8 @@ int ConvertBitFields(const DibDescription& dib, Bytes bits, MutableBytes scratch
                      [&](Bytes source) { converter.Convert(source, dib.width, scratch); });
 }
 
-/// Planes of luma and of two chroma channels; both ways, one chroma sample stands for `ratio` luma
-/// samples.
+/// Planes of luma and of two chroma channels; in both directions, one chroma sample serves `ratio`
+/// luma samples.
 int ConvertPlanar(const DibDescription& dib, Bytes bits, uint32_t ratio, bool v_first,
                   MutableBytes scratch, RowStore store) {
   const size_t luma_size = size_t{dib.width} * dib.height;

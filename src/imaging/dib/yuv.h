@@ -30,7 +30,7 @@ void UyvyRow(Bytes source, uint32_t width, std::byte* rgb);
 /// Bytes Y0 V Y1 U.
 void YvyuRow(Bytes source, uint32_t width, std::byte* rgb);
 /// Bytes U0 Y0 V0 Y1 U4 Y2 V4 Y3 Y4 Y5 Y6 Y7 for eight pixels, chroma for four. Where the row ends
-/// in half a group, its last pixel repeats the luma before it, which is all that the row holds.
+/// in half a group, which lacks the last luma, the last pixel repeats the one before it.
 void Packed411Row(Bytes source, uint32_t width, std::byte* rgb);
 /// Bytes Y0 U0 Y2 V0 for four pixels. Where the row ends in half a group, V is that of the group
 /// before (none: grey).

@@ -12,7 +12,7 @@
 namespace quillo::imaging {
 namespace {
 
-/// A header with room for 256 colours or three masks behind it.
+/// A header with room for 256 colours or three masks.
 struct DibInfo {
   BITMAPINFOHEADER header;
   union {
@@ -86,7 +86,7 @@ HDC PresentAsDibSection(BitmapHandle* record) {
   Bitmap bitmap(CreateDIBSection(dc.Get(), reinterpret_cast<const BITMAPINFO*>(&info),
                                  DIB_RGB_COLORS, &bits, section.Get(), record->view_offset));
   if (!bitmap || SelectObject(dc.Get(), bitmap.Get()) == nullptr) return nullptr;
-  // From here on the DC stands for all three; ReleaseDibSectionDc finds them through it.
+  // From here on the DC owns all three; ReleaseDibSectionDc finds them through it.
   static_cast<void>(section.Detach());
   static_cast<void>(bitmap.Detach());
   return dc.Detach();
@@ -96,14 +96,14 @@ void ReleaseDibSectionDc(HDC dc) {
   if (dc == nullptr) return;
   CreatedDc owned_dc(dc);
   Bitmap bitmap(static_cast<HBITMAP>(GetCurrentObject(dc, OBJ_BITMAP)));
-  // The order of release is that of use: the DIB section leaves the DC before it is deleted.
+  // The DIB section must leave the DC before it is deleted.
   const Bitmap stand_in(CreateBitmap(1, 1, 1, 1, nullptr));
   const bool deselected = stand_in && SelectObject(dc, stand_in.Get()) != nullptr;
   DIBSECTION shared{};
   const bool known = GetObjectW(bitmap.Get(), sizeof(shared), &shared) == sizeof(shared);
   KernelHandle section(known ? shared.dshSection : nullptr);
   section.Reset();
-  if (!deselected) owned_dc.Reset();  // the DC lets go of what it holds, too
+  if (!deselected) owned_dc.Reset();  // deleting the DC deselects the bitmap, too
   bitmap.Reset();
   owned_dc.Reset();
 }

@@ -9,11 +9,11 @@ namespace quillo::imaging {
 
 /// A memory DC whose selected bitmap shares its pixels with the record; null on any failure.
 /// Not for tiled storage, caller memory, grey order, or depths that GDI has no DIB of. The record
-/// may change its storage or its row order on the way, never its picture. It must outlive the DC.
-/// Give the DC back with ReleaseDibSectionDc.
+/// may change its storage or its row order, never its picture. It must outlive the DC, which
+/// ReleaseDibSectionDc deletes.
 HDC PresentAsDibSection(BitmapHandle* record);
 
-/// Deletes a DC of PresentAsDibSection with what belongs to it.
+/// Deletes a DC of PresentAsDibSection with its bitmap and section.
 void ReleaseDibSectionDc(HDC dc);
 
 struct DibSectionDcTraits {

@@ -15,8 +15,8 @@ uint32_t DeviceDepth(HDC dc);
 /// The method for painting the record on a device of this DeviceDepth in the thread's display mode.
 PaintMethod PaintMethodFor(uint32_t device_depth, const BitmapHandle& record);
 
-/// The colours that method 2 dithers to on a device of `depth` bits (1, 4 or 8); the thread's
-/// display mode decides between two of 8 bits. Gives their number, and fills that many entries.
+/// The colours that PaintMethod::kDither uses on a device of `depth` bits (1, 4 or 8); the thread's
+/// display mode decides between two of 8 bits. Returns their number and fills that many entries.
 uint32_t FillDitherPalette(uint32_t depth, PaletteEntry (&palette)[256]);
 
 /// 256 greys: the record's 8-bit lookup table, or the identity when it has none.

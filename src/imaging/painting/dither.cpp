@@ -11,7 +11,7 @@ namespace {
 
 constexpr size_t kColours = 1 << 15;
 
-/// The 8-bit level that stands for all with its 5 upper bits.
+/// The 8-bit level that represents all levels with its 5 upper bits.
 constexpr uint8_t Coarse(int level) { return static_cast<uint8_t>((level & 0xF8) | level >> 5); }
 
 }  // namespace

@@ -8,7 +8,7 @@
 
 namespace quillo::imaging {
 
-/// Bytes of work space that an ErrorDiffuser of this width wants, zeroed.
+/// Bytes of zeroed work space that an ErrorDiffuser of this width needs.
 size_t DitherWorkSize(uint32_t width);
 
 /// Dithers rows of colours to a palette by error diffusion (Floyd and Steinberg, "An Adaptive
@@ -36,8 +36,8 @@ class ErrorDiffuser {
   std::span<const PaletteEntry> palette_;
   uint32_t width_;
   Error* here_;        // errors that the row inherits; one entry more on either side
-  Error* below_;       // errors that it leaves to the next row
-  uint16_t* nearest_;  // by 5-5-5 colour: index + 1, or 0 where it is not known yet
+  Error* below_;       // errors that it passes to the next row
+  uint16_t* nearest_;  // by 5-5-5 colour: index + 1, or 0 where not known yet
 };
 
 }  // namespace quillo::imaging

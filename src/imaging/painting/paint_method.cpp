@@ -20,7 +20,7 @@ PaintMethod ChooseFor1Bit(const RowFormat& bitmap, uint32_t depth, uint32_t mode
   return dithers && depth <= 8 ? PaintMethod::kDither : PaintMethod::kAsIs;
 }
 
-/// Dither when the device has fewer colours than 8 bits give (with kModeDitherTo256: or as many).
+/// Whether to dither: the device has fewer colours than 8 bits (with kModeDitherTo256: or as many).
 bool DithersToFew(uint32_t depth, uint32_t mode) {
   if ((mode & kModeDither) == 0) return false;
   return (mode & kModeDitherTo256) != 0 ? depth <= 8 : depth < 8;

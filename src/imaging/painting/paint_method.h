@@ -34,7 +34,7 @@ constexpr uint32_t QuantizeDepth(uint32_t bits) {
   return bits < 16 ? 8 : 24;
 }
 
-/// Whether a bitmap is one of grey levels, which only depths above 8 bits can say.
+/// Whether a bitmap has grey levels; bitmaps with a palette do not count.
 bool IsGrey(const RowFormat& bitmap);
 
 /// The method for a device of `depth` (QuantizeDepth) that takes 24-bit pixels in `device_order`.

@@ -18,7 +18,7 @@
 namespace quillo::imaging {
 namespace {
 
-/// What every painting starts from.
+/// Settings of every painting.
 constexpr struct {
   int stretch_mode = COLORONCOLOR;                // GDI's own scaling
   uint32_t memory_type = kMemorySectionElseFile;  // of copies: GDI must be able to show them
@@ -148,7 +148,7 @@ int PaintConverted(const PaintJob& job, const BitmapHandle& bitmap) {
   return result == kSuccess ? BlitWhole(job, *copy.Get()) : result;
 }
 
-/// A bitmap that cannot be shown to GDI as it is gets converted all the same.
+/// A bitmap that GDI cannot show as it is gets converted.
 int PaintAsIs(const PaintJob& job, BitmapHandle& bitmap) {
   const DibSectionDc shown(PresentAsDibSection(&bitmap));
   return shown ? Blit(job, shown, job.source) : PaintConverted(job, bitmap);
@@ -195,7 +195,7 @@ int PaintDithered(const PaintJob& job, const BitmapHandle& bitmap) {
   return result == kSuccess ? BlitWhole(job, *dithered.Get()) : result;
 }
 
-/// The part of a 1-bit bitmap that the job paints, with its bits moved to the start of the row.
+/// The part of a 1-bit bitmap that the job paints, with its bits shifted to the start of the row.
 class BitRows {
  public:
   explicit BitRows(const PaintJob& job, const BitmapHandle& bitmap)
@@ -234,7 +234,7 @@ int CopyByArea(const PaintJob& job, const BitmapHandle& bitmap, AreaRule rule, B
       Progress(nullptr, nullptr, copy.height));
 }
 
-/// Draws a black and white bitmap in 256 grey levels, those of its lookup table. `variant` 1 says
+/// Draws a black and white bitmap in 256 grey levels, those of its lookup table. `variant` 1 means
 /// that 1-pixels are black. Where it shrinks both ways, a pixel's level is the share of white in
 /// it; else every level is black or white, and GDI repeats the pixels.
 int PaintGrey(const PaintJob& job, const BitmapHandle& bitmap, int variant) {
@@ -254,7 +254,7 @@ int PaintGrey(const PaintJob& job, const BitmapHandle& bitmap, int variant) {
 }
 
 /// Draws a black and white bitmap scaled, in its two colours. Where it shrinks, black pixels stay:
-/// thin lines and dots do not vanish. `variant` 1 says that 1-pixels are black.
+/// thin lines and dots do not vanish. `variant` 1 means that 1-pixels are black.
 int PaintTwoColours(const PaintJob& job, BitmapHandle& bitmap, int variant) {
   const Geometry size = DestinationSize(job, 1);
   const Size from = SizeOf(job.source);

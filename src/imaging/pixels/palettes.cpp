@@ -32,7 +32,8 @@ void FillCube(std::span<PaletteEntry> palette, std::span<const uint8_t> red,
   }
 }
 
-/// The first two entries are those of the 2-colour palette and black comes twice. This is meant.
+/// Compatibility: the first two entries are those of the 2-colour palette, so black comes twice.
+/// Kept for pages with 4-colour bitmaps that have no palette.
 void FillFourColours(std::span<PaletteEntry> palette) {
   constexpr std::array<uint32_t, 4> kFourColours = {0x000000, 0xFFFFFF, 0x000000, 0x555555};
   std::ranges::transform(kFourColours, palette.begin(), Rgb);

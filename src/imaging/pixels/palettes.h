@@ -21,10 +21,10 @@ struct PaletteEntry {
 /// nothing written, for any other length.
 bool FillDefaultPalette(std::span<PaletteEntry> palette);
 
-/// Entry i gets the grey level i * 255 / (length - 1).
+/// Sets entry i to the grey level i * 255 / (length - 1); a single entry is black.
 void FillGreyRamp(std::span<PaletteEntry> palette);
 
-/// The 6 x 6 x 6 colour cube in entries 0 to 215 (red * 36 + green * 6 + blue), black behind it.
+/// The 6 x 6 x 6 colour cube in entries 0 to 215 (red * 36 + green * 6 + blue), black after it.
 void FillColourCube(std::span<PaletteEntry, 256> palette);
 
 /// Whether the palette equals the kernel's fixed palette of `colours` entries.

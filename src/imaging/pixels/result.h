@@ -2,7 +2,8 @@
 
 namespace quillo::imaging {
 
-// Result codes of the imaging kernel. A progress callback's stopping code may stand in for them.
+// Errors of the imaging kernel: operations that can fail return one of these codes as int, or the
+// stopping code of a progress callback; those that make a handle return null.
 constexpr int kSuccess = 1;
 constexpr int kOutOfMemory = -1;
 constexpr int kNoStorage = -2;             // the operation needs pixel storage

@@ -10,7 +10,7 @@
 
 namespace quillo::imaging {
 
-/// What becomes of the share of a destination pixel that 1-pixels of a 1-bit source cover.
+/// How the share of a destination pixel that 1-pixels of a 1-bit source cover decides its value.
 enum class AreaRule {
   kMajority,  // 1-bit result: 1 when more than half is covered
   kAnySet,    // 1-bit result: 1 when anything is covered, so that 1-pixels survive
@@ -22,8 +22,8 @@ enum class AreaRule {
 /// the source, whose pixels count by the part of them that lies in it. Exact, in integers.
 ///
 /// `source` and `destination` are not empty; `sums` (destination.width) and `row` (a zeroed row of
-/// the result) are work space. 1, kFileError for a row that cannot be fetched, or what stopped
-/// `store` or `progress`.
+/// the result) are work space. kSuccess, kFileError for a row that cannot be fetched, or what
+/// stopped `store` or `progress`.
 int ScaleByArea(AreaRule rule, const Geometry& source, const Geometry& destination,
                 std::span<uint64_t> sums, MutableBytes row, RowFetch fetch, RowStore store,
                 Progress progress);

@@ -46,8 +46,8 @@ void ScaleRowPlain(uint32_t bits, const std::byte* source, std::span<const uint3
   }
 }
 
-/// Copies `columns.size()` whole pixels of `bits` each from those columns of `source` into `row`.
-/// Below 8 bits the bytes of `row` that hold pixels are zeroed first.
+/// Copies the pixels of `bits` at `columns` of `source` into `row`. Below 8 bits the bytes of `row`
+/// that hold pixels are zeroed first.
 void ScaleRow(uint32_t bits, const std::byte* source, std::span<const uint32_t> columns,
               std::byte* row) {
   const size_t done = bits == 32 && HasAvx2() ? GatherPixelsAvx2(source, columns, row) : 0;

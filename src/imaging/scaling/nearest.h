@@ -11,10 +11,10 @@
 namespace quillo::imaging {
 
 /// Walks the source positions of nearest-neighbour scaling, in integer steps only: the whole and
-/// the remainder of source / destination, the remainders gathered until they make one step more.
+/// the remainder of source / destination, the remainders accumulate until they make another step.
 class NearestSteps {
  public:
-  /// `destination` is not 0. Equal sizes advance by a whole remainder.
+  /// `destination` is not 0. Equal sizes have the step 0 and the size as remainder.
   constexpr NearestSteps(uint32_t source, uint32_t destination)
       : destination_(destination),
         quotient_(source == destination ? 0 : source / destination),
@@ -43,9 +43,10 @@ class NearestSteps {
 void FillColumns(uint32_t source_width, std::span<uint32_t> columns);
 
 /// Nearest neighbour of a whole bitmap; both have the same depth. Destination rows are written in
-/// place, or put together in `row` and stored. `columns` (destination.width) and `row`
-/// (destination.bytes_per_line, zero) are work space. A source row is fetched once, in rising
-/// order. 1, kFileError for a row that cannot be fetched, or what stopped `store` or `progress`.
+/// place, or assembled in `row` and stored. `columns` (destination.width) and `row`
+/// (destination.bytes_per_line, zero) are work space. Source rows are fetched once, in rising
+/// order. kSuccess, kFileError for a row that cannot be fetched, or what stopped `store` or
+/// `progress`.
 int ResizeNearest(const Geometry& source, const Geometry& destination, std::span<uint32_t> columns,
                   MutableBytes row, RowFetch fetch, RowPlace place, RowStore store,
                   Progress progress);

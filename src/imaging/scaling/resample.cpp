@@ -17,7 +17,7 @@ struct Taps {
   uint32_t count;
 };
 
-/// How destination positions of one direction are made of source positions.
+/// How destination positions in one direction derive from source positions.
 class Direction {
  public:
   Direction(CubicFilter filter, uint32_t source, uint32_t destination)
@@ -26,7 +26,7 @@ class Direction {
         ratio_(static_cast<double>(source) / destination),
         widening_(std::max(ratio_, 1.0)) {}
 
-  /// Most source positions that one destination position takes.
+  /// The maximum of source positions that one destination position takes.
   [[nodiscard]] static uint32_t MaxTaps(uint32_t source, uint32_t destination) {
     const double ratio = static_cast<double>(source) / destination;
     return static_cast<uint32_t>(std::ceil(2 * kRadius * std::max(ratio, 1.0))) + 1;
@@ -49,7 +49,7 @@ class Direction {
     return {first, count};
   }
 
-  /// The source position that stands for one that may lie outside.
+  /// The source position that replaces one outside.
   [[nodiscard]] uint32_t Inside(int64_t position) const {
     return static_cast<uint32_t>(std::clamp<int64_t>(position, 0, int64_t{source_} - 1));
   }
@@ -82,7 +82,7 @@ struct Work {
   uint32_t max_x_taps;
 };
 
-/// Lays the work space out from `base`; gives its size.
+/// Lays the work space out from `base` and returns its size.
 size_t LayOut(const Geometry& source, const Geometry& destination, std::byte* base, Work* work) {
   const uint32_t max_y_taps = Direction::MaxTaps(source.height, destination.height);
   work->max_x_taps = Direction::MaxTaps(source.width, destination.width);

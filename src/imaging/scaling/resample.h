@@ -20,7 +20,7 @@ enum class CubicFilter {
 /// The filter's value at `distance`, in source pixels (or, when shrinking, in destination pixels).
 double CubicWeight(CubicFilter filter, double distance);
 
-/// Bytes of work space that Resample wants.
+/// Bytes of work space that Resample needs.
 size_t ResampleWorkSize(const Geometry& source, const Geometry& destination);
 
 /// Scales a bitmap with a separable filter, first along the rows, then along the columns. When
@@ -29,7 +29,8 @@ size_t ResampleWorkSize(const Geometry& source, const Geometry& destination);
 ///
 /// Source and destination are not empty and share `format`. `work` has ResampleWorkSize bytes,
 /// aligned for double; `row` is a zeroed destination row. Source rows may be fetched more than
-/// once. 1, kFileError for a row that cannot be fetched, or what stopped `store` or `progress`.
+/// once. kSuccess, kFileError for a row that cannot be fetched, or what stopped `store` or
+/// `progress`.
 int Resample(CubicFilter filter, const RowFormat& format, const Geometry& source,
              const Geometry& destination, MutableBytes work, MutableBytes row, RowFetch fetch,
              RowStore store, Progress progress);

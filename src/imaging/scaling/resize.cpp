@@ -46,7 +46,7 @@ class RowPair {
 
 enum class Method { kNearest, kArea, kResample, kEnlarge };
 
-/// Flag bit 0 goes before bit 1, and bit 1 before bit 2.
+/// kResizeArea overrides kResizeResample, which overrides kResizeSmooth.
 Method ChooseMethod(const BitmapHandle& source, const BitmapHandle& destination, uint32_t flags) {
   if ((flags & kResizeArea) != 0 && source.bits_per_pixel == 1) return Method::kArea;
   if ((flags & kResizeResample) != 0) return Method::kResample;
@@ -55,8 +55,8 @@ Method ChooseMethod(const BitmapHandle& source, const BitmapHandle& destination,
   return grows ? Method::kEnlarge : Method::kResample;
 }
 
-/// The flags that count for a bitmap that is resized in place. A bit 0 that counts takes the place
-/// of bit 1, but gives way to bit 2.
+/// The flags that count for a bitmap that is resized in place: for a black and white one,
+/// kResizeSmooth overrides kResizeArea, which overrides kResizeResample.
 uint32_t FlagsInPlace(const BitmapHandle& record, uint32_t flags) {
   if ((flags & kResizeArea) == 0) return flags;
   const bool black_and_white =
@@ -121,7 +121,7 @@ int ResizeInto(BitmapHandle* source, BitmapHandle* destination, uint32_t flags) 
       source->colour_order != destination->colour_order) {
     return kInvalidArgument;
   }
-  // In the order of their addresses, so that two threads with the same bitmaps do not block.
+  // In the order of their addresses, so that two threads with the same bitmaps cannot deadlock.
   const LockScope first(source < destination ? *source : *destination);
   const LockScope second(source < destination ? *destination : *source);
   if (first.Result() != kSuccess) return first.Result();

@@ -28,7 +28,7 @@ constexpr uint32_t ChunkCount(uint32_t height) {
   return height / kRowsPerChunk + (height % kRowsPerChunk != 0 ? 1 : 0);
 }
 
-/// Null when memory is short. All rows are zero.
+/// A table for `height` rows, all zero; null when memory is short.
 Chunk* AllocateChunks(uint32_t height, uint32_t bytes_per_line);
 void ReleaseChunks(Chunk* table, uint32_t height);
 

@@ -11,7 +11,7 @@ namespace quillo::imaging {
 /// when it cannot be extended.
 int MakeTemporaryFile(uint64_t size, KernelHandle* file);
 
-/// Read or write all of `size` bytes at `offset`.
+/// Read or write all of `size` bytes at `offset`; false when not all of them could be.
 bool ReadAt(HANDLE file, uint64_t offset, void* data, uint32_t size);
 bool WriteAt(HANDLE file, uint64_t offset, const void* data, uint32_t size);
 

@@ -12,8 +12,8 @@ namespace {
 bool MapTile(uint64_t size, bool on_disk, Tile* tile) {
   KernelHandle file;
   if (on_disk && MakeTemporaryFile(size, &file) != kSuccess) return false;
-  const HANDLE behind = file ? file.Get() : INVALID_HANDLE_VALUE;
-  KernelHandle mapping(CreateFileMappingW(behind, nullptr, PAGE_READWRITE | SEC_COMMIT,
+  const HANDLE backing = file ? file.Get() : INVALID_HANDLE_VALUE;
+  KernelHandle mapping(CreateFileMappingW(backing, nullptr, PAGE_READWRITE | SEC_COMMIT,
                                           static_cast<DWORD>(size >> 32), static_cast<DWORD>(size),
                                           nullptr));
   if (!mapping) return false;

@@ -11,7 +11,7 @@ namespace quillo::imaging {
 struct Tile {
   HANDLE mapping;   //
   std::byte* view;  // first row of the tile
-  HANDLE file;      // temporary file behind the mapping, or null (paging file)
+  HANDLE file;      // temporary file under the mapping, or null (paging file)
   uint32_t index;   // place in the table
 };
 
@@ -19,14 +19,15 @@ struct Tile {
 struct TileTable {
   uint32_t count;
   uint32_t rows_per_tile;
-  Tile tiles[1];  // in truth `count`
+  Tile tiles[1];  // really `count`
 };
 
-/// Null when a tile cannot be had; then none is left. `on_disk` puts a temporary file behind every
-/// tile. No row has more than `bytes_per_line` bytes, and a row never crosses tiles.
+/// Maps tiles for `height` rows of `bytes_per_line` bytes; `on_disk` backs each by a temporary
+/// file. Null, with nothing left allocated, when a tile cannot be mapped. A row never crosses
+/// tiles.
 TileTable* AllocateTiles(uint32_t height, uint32_t bytes_per_line, bool on_disk);
 
-/// From the last tile to the first, then the table.
+/// Releases the tiles from the last to the first, then the table.
 void ReleaseTiles(TileTable* table);
 
 std::byte* TileRow(const TileTable& table, uint32_t row, uint32_t bytes_per_line);

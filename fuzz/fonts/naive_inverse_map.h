@@ -3,7 +3,6 @@
 #include <cstdint>
 
 #include "fonts/font_tables.h"
-#include "fonts/inverse_map.h"
 
 namespace quillo::test {
 
@@ -42,14 +41,6 @@ inline Words NaiveInverseMap(const Words& words) {
   if (!table.empty()) {
     for_each_character([&](uint32_t c) { table[glyphs[c]] = static_cast<uint16_t>(c); });
   }
-  return table;
-}
-
-/// The same from the kernel.
-inline Words FastInverseMap(const Words& words) {
-  const fonts::Cmap4Table cmap(words);
-  Words table(InverseMapSize(cmap));
-  FillInverseMap(cmap, table);
   return table;
 }
 
