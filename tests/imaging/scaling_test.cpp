@@ -5,6 +5,7 @@
 #include <vector>
 
 #include "imaging/noise.h"
+#include "imaging/pixels/orientation.h"
 #include "imaging/pixels/pixel_bits.h"
 #include "imaging/scaling/area.h"
 #include "imaging/scaling/nearest.h"
@@ -103,6 +104,23 @@ TEST(Nearest, EveryDepthAndSize_TakesPixelsWhole) {
         }
       }
       EXPECT_EQ(Nearest(source, new_w, new_h, true).rows, stored.rows) << bits;
+    }
+  }
+}
+
+TEST(TurnRows, AnyBand_HoldsThePixelsSeenThere) {
+  const Image source = NoiseImage(5, 4, 8);
+  for (uint32_t view = 1; view <= 8; ++view) {
+    const Orientation orientation(view, 5, 4);
+    for (uint32_t top = 0; top < 4; top += 2) {
+      Image band(Orientation::SwapsAxes(view) ? 4 : 5, 2, 8);
+      EXPECT_EQ(TurnRows(view, source.size, source.Reader(), top, band.size, band.rows.data()),
+                kSuccess);
+      for (uint32_t i = 0; i < 20; ++i) {
+        const auto [x, y] = orientation.Seen(i % 5, i / 5);
+        if (y - top >= 2) continue;
+        EXPECT_EQ(band.At(x, y - top), source.At(i % 5, i / 5)) << view;
+      }
     }
   }
 }
