@@ -41,14 +41,14 @@ struct SheetWish {
     return {paper ? paper : other.paper, landscape ? landscape : other.landscape};
   }
   /// Throws CLI::ValidationError.
-  Sheet ToSheet(const std::vector<NamedSheet>& custom) const {
-    const std::optional<Sheet> known = paper ? ParsePaper(*paper, custom) : Sheet{};
+  SheetChoice ToSheet(const std::vector<NamedSheet>& custom) const {
+    const std::optional<SheetChoice> known = paper ? ParsePaper(*paper, custom) : SheetChoice{};
     if (!known) {
       throw CLI::ValidationError(
           "--paper",
           "no paper is called \"" + *paper + "\"; see --list-papers, or give WxH in millimetres");
     }
-    Sheet sheet = *known;
+    SheetChoice sheet = *known;
     sheet.landscape = landscape.value_or(false);
     return sheet;
   }

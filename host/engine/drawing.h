@@ -7,6 +7,7 @@
 #include <memory>
 #include <vector>
 
+#include "base/dib.h"
 #include "host/engine/clip_shape.h"
 
 namespace quillo::host {
@@ -25,7 +26,7 @@ struct BitmapSource {
   std::vector<std::byte> bits;    // rows of whole 32-bit words; missing bytes are zero
 
   /// Bytes of one uncompressed row.
-  size_t Stride() const { return (static_cast<size_t>(width) * bits_per_pixel + 31) / 32 * 4; }
+  size_t Stride() const { return DibStride(static_cast<uint64_t>(width), bits_per_pixel); }
 };
 
 struct BrushDescription {

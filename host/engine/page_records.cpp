@@ -13,6 +13,7 @@
 #include <utility>
 
 #include "base/bytes.h"
+#include "base/dib.h"
 #include "base/gdi_owners.h"
 #include "host/emf_format/carried_records.h"
 
@@ -53,7 +54,7 @@ std::optional<Pattern> FindPattern(const LOGBRUSH& brush) {
   size_t colours = header.biCompression == BI_BITFIELDS ? 3 : 0;
   if (header.biBitCount <= 8 && header.biClrUsed == 0) colours += size_t{1} << header.biBitCount;
   colours += header.biClrUsed;
-  const size_t stride = (static_cast<size_t>(header.biWidth) * header.biBitCount + 31) / 32 * 4;
+  const size_t stride = DibStride(static_cast<uint64_t>(header.biWidth), header.biBitCount);
   const size_t info_size = sizeof header + colours * sizeof(RGBQUAD);
   return Pattern{{dib, info_size}, {dib + info_size, stride * static_cast<size_t>(height)}};
 }

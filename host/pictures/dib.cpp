@@ -3,7 +3,7 @@
 #include <algorithm>
 
 #include "base/arithmetic.h"
-#include "base/dib_depth.h"
+#include "base/dib.h"
 
 namespace quillo::host::emf {
 

@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "base/bytes.h"
+#include "base/dib.h"
 
 namespace quillo::host::emf {
 
@@ -29,7 +30,7 @@ struct Dib {
   static constexpr int32_t kMaxSide = 1 << 16;
 
   /// Bytes of one plain row.
-  size_t Stride() const { return (static_cast<size_t>(width) * depth + 31) / 32 * 4; }
+  size_t Stride() const { return DibStride(static_cast<uint64_t>(width), depth); }
 };
 
 /// How a DIB's colour table is to be read, as records number it.

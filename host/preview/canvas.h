@@ -5,6 +5,7 @@
 #include <cstddef>
 
 #include "base/bytes.h"
+#include "base/dib.h"
 #include "base/gdi_owners.h"
 
 namespace quillo::host {
@@ -19,7 +20,7 @@ class Canvas {
   HBITMAP Handle() const { return bitmap_.Get(); }
   SIZE Size() const { return size_; }
   /// Bytes from row to row.
-  size_t Stride() const { return (static_cast<size_t>(size_.cx) * 24 + 31) / 32 * 4; }
+  size_t Stride() const { return DibStride(static_cast<uint64_t>(size_.cx), 24); }
   MutableBytes Rows() { return {bits_, Stride() * static_cast<size_t>(size_.cy)}; }
   /// The first byte of a pixel on the canvas.
   std::byte* At(LONG x, LONG y) {

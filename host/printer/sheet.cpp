@@ -35,8 +35,8 @@ int32_t TakeMillimetres(std::string_view& text) {
   return tenths >= 10 && tenths < INT16_MAX ? static_cast<int32_t>(tenths) : 0;
 }
 
-std::optional<Sheet> ParseSize(std::string_view text) {
-  Sheet sheet{.paper = DMPAPER_USER};
+std::optional<SheetChoice> ParseSize(std::string_view text) {
+  SheetChoice sheet{.paper = DMPAPER_USER};
   sheet.width = TakeMillimetres(text);
   if (!text.starts_with('x')) return std::nullopt;
   text.remove_prefix(1);
@@ -47,18 +47,18 @@ std::optional<Sheet> ParseSize(std::string_view text) {
 
 }  // namespace
 
-std::optional<Sheet> ParsePaper(std::string_view text, std::span<const NamedSheet> custom) {
+std::optional<SheetChoice> ParsePaper(std::string_view text, std::span<const NamedSheet> custom) {
   const std::string name = SimpleName(text);
   for (const NamedSheet& paper : custom) {
     if (SimpleName(paper.name) == name) return paper.sheet;
   }
   for (const PaperName& known : PaperNames()) {
-    if (SimpleName(known.name) == name) return Sheet{.paper = known.paper};
+    if (SimpleName(known.name) == name) return SheetChoice{.paper = known.paper};
   }
   return ParseSize(Simplified(text, " "));
 }
 
-std::string DescribeSheet(const Sheet& sheet) {
+std::string DescribeSheet(const SheetChoice& sheet) {
   const auto names = PaperNames();
   const auto known = std::ranges::find(names, sheet.paper, &PaperName::paper);
   std::string text = known != names.end()
@@ -68,7 +68,7 @@ std::string DescribeSheet(const Sheet& sheet) {
   return text;
 }
 
-DeviceMode MakeDeviceMode(const std::wstring& printer, const Sheet& sheet, int dpi) {
+DeviceMode MakeDeviceMode(const std::wstring& printer, const SheetChoice& sheet, int dpi) {
   DeviceMode mode;
   BuildDefaultDeviceMode(mode, printer.c_str());
   mode.pub.dmFields |= DM_YRESOLUTION;

@@ -16,7 +16,7 @@ struct Options {
   struct Input {
     std::string name;  // as the command line has it
     std::filesystem::path path;
-    Sheet sheet;
+    SheetChoice sheet;
   };
 
   std::vector<Input> inputs;  // empty only where the command does something else

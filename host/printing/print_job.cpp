@@ -60,7 +60,7 @@ class PrintJob {
  private:
   struct OpenedInput {
     std::string name;
-    Sheet sheet;
+    SheetChoice sheet;
     std::unique_ptr<PrintInput> content;
   };
 
@@ -170,7 +170,7 @@ class PrintJob {
     for (const std::string& what : sentences) console_.Problem(page.input + ": " + what);
   }
 
-  DeviceMode ModeFor(const Sheet& sheet) const {
+  DeviceMode ModeFor(const SheetChoice& sheet) const {
     return MakeDeviceMode(kPrinterName, sheet, options_.dpi);
   }
 
@@ -180,7 +180,7 @@ class PrintJob {
   std::map<int, PaperSize> UserSizes() const {
     std::map<int, PaperSize> sizes;
     for (const OpenedInput& input : inputs_) {
-      const Sheet& sheet = input.sheet;
+      const SheetChoice& sheet = input.sheet;
       if (sheet.paper < DMPAPER_USER) continue;
       PaperSize& size = sizes[sheet.paper];
       size = {std::max(size.width, sheet.width), std::max(size.height, sheet.height)};

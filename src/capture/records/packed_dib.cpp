@@ -3,7 +3,7 @@
 #include <cstring>
 
 #include "base/arithmetic.h"
-#include "base/dib_depth.h"
+#include "base/dib.h"
 
 namespace quillo::records {
 namespace {

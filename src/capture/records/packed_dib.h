@@ -5,6 +5,7 @@
 #include <optional>
 
 #include "base/bytes.h"
+#include "base/dib.h"
 
 // The packed bitmap that records carry: a header of 40 bytes, a colour table, the bits.
 namespace quillo::records {
@@ -35,7 +36,7 @@ constexpr size_t PackedBitsOffset(uint32_t bit_count) {
 
 /// Bytes of a row, padded to double words.
 constexpr uint64_t DibRowBytes(uint32_t width, uint32_t bit_count) {
-  return (uint64_t{width} * bit_count + 31) / 32 * 4;
+  return DibStride(width, bit_count);
 }
 
 /// Bytes of all rows of uncompressed bits. Nothing for a width below 1, no rows, a depth other than

@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <utility>
 
-#include "base/dib_depth.h"
+#include "base/dib.h"
 #include "base/gdi_owners.h"
 #include "base/system_owners.h"
 #include "imaging/lifecycle/upright.h"

@@ -4,6 +4,8 @@
 #include <limits>
 #include <optional>
 
+#include "base/dib.h"
+
 namespace quillo::imaging {
 
 /// Size of a bitmap and of its rows.
@@ -38,7 +40,7 @@ constexpr uint32_t PaletteSize(uint32_t bits_per_pixel) {
 /// The only place where row and bitmap sizes are computed. Nothing when a row has 4 GiB or more.
 constexpr std::optional<Geometry> MakeGeometry(uint32_t width, uint32_t height,
                                                uint32_t bits_per_pixel) {
-  const uint64_t bytes = (uint64_t{width} * bits_per_pixel + 31) / 32 * 4;
+  const uint64_t bytes = DibStride(width, bits_per_pixel);
   if (bytes > std::numeric_limits<uint32_t>::max()) return std::nullopt;
   return Geometry{width, height, bits_per_pixel, static_cast<uint32_t>(bytes), bytes * height};
 }

@@ -43,7 +43,7 @@ TEST_P(PrinterAtResolution, ReferenceDc_MatchesSheetAndScale) {
   const std::wstring printer = L"Quillo test " + std::to_wstring(dpi);
   EnsurePrinter(printer, dpi, {{DMPAPER_USER, {1234, 987}}, {300, {600, 1100}}});
 
-  std::vector<Sheet> sheets;
+  std::vector<SheetChoice> sheets;
   for (const PaperForm& form : StandardForms()) sheets.push_back({.paper = form.paper});
   sheets.push_back({.paper = DMPAPER_USER, .width = 1234, .height = 987});
   StoreCustomPaper(printer, {"Test", {.paper = 300, .width = 600, .height = 1100}});
@@ -53,7 +53,7 @@ TEST_P(PrinterAtResolution, ReferenceDc_MatchesSheetAndScale) {
     sheets.back().landscape = true;
   }
 
-  for (const Sheet& sheet : sheets) {
+  for (const SheetChoice& sheet : sheets) {
     SCOPED_TRACE(DescribeSheet(sheet));
     const DeviceMode mode = MakeDeviceMode(printer, sheet, dpi);
     const CreatedDc dc(CreateDCW(nullptr, printer.c_str(), nullptr, &mode.pub));

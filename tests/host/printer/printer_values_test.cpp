@@ -13,7 +13,7 @@
 namespace quillo::host {
 namespace {
 
-std::string Describe(const Sheet& sheet) {
+std::string Describe(const SheetChoice& sheet) {
   return std::to_string(sheet.paper) + " " + std::to_string(sheet.width) + "x" +
          std::to_string(sheet.height);
 }

@@ -19,4 +19,9 @@ constexpr bool IsDibDepth(uint32_t bits_per_pixel) {
   }
 }
 
+/// Bytes of each row of a DIB: whole words of 32 bits.
+constexpr uint64_t DibStride(uint64_t width, uint32_t bits_per_pixel) {
+  return (width * bits_per_pixel + 31) / 32 * 4;
+}
+
 }  // namespace quillo
