@@ -2,6 +2,7 @@
 
 #include <cstdint>
 
+#include "base/dib.h"
 #include "driver/callbacks.h"
 #include "driver/device/device.h"
 
@@ -16,9 +17,7 @@ constexpr FLONG kHooks = HOOK_BITBLT | HOOK_STRETCHBLT | HOOK_TEXTOUT | HOOK_PAI
 static_assert(kHooks == 0x000105FB);
 
 /// Bytes of a 24-bit row, padded to whole 32-bit words.
-LONG RowBytes(LONG width) {
-  return static_cast<LONG>((int64_t{width} * 24 + 31) / 8 & ~int64_t{3});
-}
+LONG RowBytes(LONG width) { return static_cast<LONG>(DibStride(static_cast<uint64_t>(width), 24)); }
 
 }  // namespace
 
