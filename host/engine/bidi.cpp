@@ -34,7 +34,7 @@ bool BeginsLeftwards(std::wstring_view text) {
   return false;
 }
 
-std::vector<size_t> VisualOrder(const std::wstring& text, bool right_to_left) {
+LineOrder OrderLine(const std::wstring& text, bool right_to_left) {
   if (text.empty() || (!right_to_left && std::none_of(text.begin(), text.end(), MayRunLeftwards))) {
     return {};
   }
@@ -56,24 +56,38 @@ std::vector<size_t> VisualOrder(const std::wstring& text, bool right_to_left) {
   std::vector<int> runs(levels.size());
   if (FAILED(ScriptLayout(count, levels.data(), runs.data(), nullptr))) return {};
 
-  std::vector<size_t> order;
+  std::vector<size_t> units;
+  std::vector<bool> leftwards(text.size());
   for (const int run : runs) {
     const auto& item = items[static_cast<size_t>(run)];
     const size_t first = static_cast<size_t>(item.iCharPos);
     const size_t last = static_cast<size_t>((&item)[1].iCharPos);
-    const size_t start = order.size();
-    for (size_t i = first; i < last; ++i) order.push_back(i);
-    if (item.a.s.uBidiLevel % 2 != 0)
-      std::reverse(order.begin() + static_cast<ptrdiff_t>(start), order.end());
+    const size_t start = units.size();
+    for (size_t i = first; i < last; ++i) units.push_back(i);
+    if (item.a.s.uBidiLevel % 2 == 0) continue;
+    std::reverse(units.begin() + static_cast<ptrdiff_t>(start), units.end());
+    std::fill(leftwards.begin() + static_cast<ptrdiff_t>(first),
+              leftwards.begin() + static_cast<ptrdiff_t>(last), true);
   }
-  for (size_t place = 1; place < order.size(); ++place) {
-    const size_t unit = order[place];
-    if (order[place - 1] == unit + 1 && IS_HIGH_SURROGATE(text[unit]) &&
+  for (size_t place = 1; place < units.size(); ++place) {
+    const size_t unit = units[place];
+    if (units[place - 1] == unit + 1 && IS_HIGH_SURROGATE(text[unit]) &&
         IS_LOW_SURROGATE(text[unit + 1])) {
-      std::swap(order[place - 1], order[place]);
+      std::swap(units[place - 1], units[place]);
     }
   }
-  return std::is_sorted(order.begin(), order.end()) ? std::vector<size_t>{} : order;
+  if (std::is_sorted(units.begin(), units.end())) units.clear();
+  return {std::move(units), std::move(leftwards)};
+}
+
+wchar_t Mirrored(wchar_t unit) {
+  // Pairs of the Unicode property Bidi_Mirroring_Glyph.
+  static constexpr std::wstring_view kPairs =
+      L"()<>[]{}\u00AB\u00BB\u2039\u203A\u2045\u2046\u207D\u207E\u208D\u208E\u2264\u2265"
+      L"\u2308\u2309\u230A\u230B\u27E6\u27E7\u27E8\u27E9\u27EA\u27EB\u2983\u2984\u3008\u3009"
+      L"\u300A\u300B\u300C\u300D\u300E\u300F\u3010\u3011\u3014\u3015";
+  const size_t at = kPairs.find(unit);
+  return at == kPairs.npos ? unit : kPairs[at ^ 1];
 }
 
 }  // namespace quillo::host

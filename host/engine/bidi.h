@@ -13,9 +13,20 @@ bool IsLeftwardLetter(wchar_t unit);
 /// Whether the first letter of a text runs from right to left.
 bool BeginsLeftwards(std::wstring_view text);
 
-/// The index of the UTF-16 unit at each place of a line, from the left, by the bidirectional
-/// algorithm of Uniscribe. `right_to_left` is the reading order of the whole line. Empty when the
-/// order is that of the text. The units of a surrogate pair stay in order.
-std::vector<size_t> VisualOrder(const std::wstring& text, bool right_to_left);
+struct LineOrder {
+  /// The index of the UTF-16 unit at each place, from the left; empty when the order is that of the
+  /// text. The units of a surrogate pair stay in order.
+  std::vector<size_t> units;
+  /// Whether each unit of the text runs from right to left; empty: none does.
+  std::vector<bool> leftwards;
+};
+
+/// The order of a line by the bidirectional algorithm of Uniscribe. `right_to_left` is the reading
+/// order of the whole line.
+LineOrder OrderLine(const std::wstring& text, bool right_to_left);
+
+/// The bracket that a bracket shows as in text from right to left; other characters are returned
+/// unchanged.
+wchar_t Mirrored(wchar_t unit);
 
 }  // namespace quillo::host

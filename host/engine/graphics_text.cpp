@@ -139,7 +139,7 @@ void Graphics::DrawGlyphs(const TextDescription& text, const TextLayout& layout,
   std::wstring units;
   for (size_t i = run.first; i < run.first + run.count; ++i) {
     if (text.glyph_indexes && text.text[i] == kNoGlyph) continue;
-    units += text.text[i];
+    units += layout.shown[i];
     const RECTL at = Around({layout.origins[i]});
     glyphs.push_back({layout.glyphs[i], nullptr, {at.left, at.top}});
   }

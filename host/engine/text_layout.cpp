@@ -66,6 +66,7 @@ class LineLayout {
       : text_(text),
         line_(text.font->Wanted().lfEscapement),
         glyph_(text.font->Wanted().lfOrientation) {
+    layout_.shown = text.text;
     const PointD along = ToDevice(text.to_device, line_.Apply(1, 0));
     pixels_ = std::hypot(along.x, along.y);
   }
@@ -79,6 +80,7 @@ class LineLayout {
     for (GlyphRun& run : layout_.runs) {
       run.font_to_device = FontToDevice(*run.font);
       run.natural = run.pair || IsNatural(run);
+      MirrorBrackets(run);
     }
     PutOnPage();
     for (const GlyphRun& run : layout_.runs) {
@@ -121,9 +123,13 @@ class LineLayout {
 
   void Order() {
     if (text_.glyph_indexes) return;
-    const std::vector<size_t> as_read = VisualOrder(text_.text, false);
-    if (!text_.in_order) order_ = text_.right_to_left ? VisualOrder(text_.text, true) : as_read;
-    order_as_read_ = order_ == as_read;
+    const LineOrder as_read = OrderLine(text_.text, false);
+    if (!text_.in_order) {
+      LineOrder order = text_.right_to_left ? OrderLine(text_.text, true) : as_read;
+      order_ = std::move(order.units);
+      leftwards_ = std::move(order.leftwards);
+    }
+    order_as_read_ = order_ == as_read.units;
     place_of_.resize(order_.size());
     for (size_t place = 0; place < order_.size(); ++place) place_of_[order_[place]] = place;
   }
@@ -226,7 +232,7 @@ class LineLayout {
     const auto order = OrderWithin(run);
     if (!order || (!order->empty() && run.count > kGlyphsAtHand)) return false;
     if (!text_.glyph_indexes &&
-        VisualOrder(text_.text.substr(run.first, run.count), false) != *order) {
+        OrderLine(text_.text.substr(run.first, run.count), false).units != *order) {
       return false;
     }
     double natural = 0;  // position by the advances of the page's font, pixels
@@ -240,6 +246,25 @@ class LineLayout {
       natural += run.font->AdvanceUnder(run.font_to_device, layout_.glyphs[i]);
     }
     return true;
+  }
+
+  /// Mirrors the brackets that run from right to left where a reader of the run alone would not
+  /// know.
+  void MirrorBrackets(const GlyphRun& run) {
+    if (leftwards_.empty() || run.pair) return;
+    std::vector<bool> known;
+    if (run.natural) {
+      known = OrderLine(text_.text.substr(run.first, run.count), false).leftwards;
+    }
+    known.resize(run.count);
+    for (size_t k = 0; k < run.count; ++k) {
+      const size_t i = run.first + k;
+      if (!leftwards_[i] || known[k]) continue;
+      const wchar_t mirrored = Mirrored(text_.text[i]);
+      if (mirrored == text_.text[i]) continue;
+      layout_.shown[i] = mirrored;
+      layout_.glyphs[i] = run.font->GlyphOf(mirrored);
+    }
   }
 
   void PutOnPage() {
@@ -272,6 +297,7 @@ class LineLayout {
   double pixels_;                 // per logical unit along the line
   std::vector<size_t> order_;     // the unit at each place; empty: as in the text
   std::vector<size_t> place_of_;  // of each unit; empty likewise
+  std::vector<bool> leftwards_;   // of each unit; empty: none
   bool order_as_read_ = true;     // as a reader orders it that starts from the left
   std::vector<PointD> places_;    // of each unit
   TextLayout layout_;

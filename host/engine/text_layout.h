@@ -32,6 +32,7 @@ struct GlyphRun {
 /// run they are in the order of their places: it is drawn as a whole from its first place, and its
 /// reader reorders the units.
 struct TextLayout {
+  std::wstring shown;           // the text, with brackets as they show where a run is read alone
   std::vector<USHORT> glyphs;   // of each unit
   std::vector<PointD> origins;  // of each glyph, on its baseline
   std::vector<GlyphRun> runs;   // one after the other in the text

@@ -55,10 +55,12 @@ TEST_F(TextTest, RightToLeft_PutsUnitsInTheirPlaces) {
 }
 
 TEST_F(TextTest, RightToLeft_ComesInRunsThatReadAlikeFromTheLeft) {
-  TextDescription line = Line(L"\x05D0\x05D1.");
+  TextDescription line = Line(L"\x05D0\x05D1)");
   line.right_to_left = true;
   const TextLayout layout = LayOut(line);
   ASSERT_EQ(layout.runs.size(), 2u);
+  EXPECT_EQ(layout.shown, L"\x05D0\x05D1(");
+  EXPECT_EQ(layout.glyphs[2], line.font->GlyphOf(L'('));
   for (const GlyphRun& run : layout.runs) EXPECT_TRUE(run.natural);
   EXPECT_NEAR(layout.origins[0].x, 56, 0.01);  // the second letter
   EXPECT_NEAR(layout.origins[1].x, 62, 0.01);
