@@ -57,8 +57,7 @@ void DrawScripts(host::Graphics& page) {
   static const auto kCases = [] {
     std::vector<host::emf::ScriptCase> all;
     for (const char* name : {"lines.txt", "pens_brushes.txt", "paths_clips.txt", "text.txt"}) {
-      const auto folder = std::filesystem::path(QUILLO_SOURCE_DIR) / "tests/corpus/emf";
-      const auto cases = host::emf::ReadScript(folder / name);
+      const auto cases = host::emf::ReadScript(name);
       all.insert(all.end(), cases.begin(), cases.end());
     }
     return all;

@@ -9,9 +9,7 @@ namespace quillo::host::emf {
 namespace {
 
 /// Pairs of a metafile with carried records, and what becomes of it.
-std::vector<ScriptCase> Cases() {
-  return ReadScript(std::filesystem::path(QUILLO_SOURCE_DIR) / "tests/corpus/emf/carried.txt");
-}
+std::vector<ScriptCase> Cases() { return ReadScript("carried.txt"); }
 
 TEST(CarriedRecords, ReplaceTheirComments) {
   const std::vector<ScriptCase> cases = Cases();

@@ -86,9 +86,14 @@ uint32_t TypeOf(const std::string& name) {
 
 }  // namespace
 
-std::vector<ScriptCase> ReadScript(const std::filesystem::path& path) {
-  std::ifstream file(path);
-  EXPECT_TRUE(file) << path;
+std::vector<ScriptCase> ReadScript(const std::string& name) {
+  std::ifstream script(QUILLO_SOURCE_DIR "/tests/corpus/emf/" + name);
+  const std::vector<ScriptCase> cases = ReadScript(script, name);
+  EXPECT_FALSE(cases.empty()) << name;
+  return cases;
+}
+
+std::vector<ScriptCase> ReadScript(std::istream& script, const std::string& name) {
   std::vector<ScriptCase> cases;
   std::map<std::string, Tokens> names;
   std::optional<MetafileBuilder> metafile;
@@ -103,7 +108,7 @@ std::vector<ScriptCase> ReadScript(const std::filesystem::path& path) {
     metafile.reset();
   };
   int number = 0;
-  for (std::string line; std::getline(file, line);) {
+  for (std::string line; std::getline(script, line);) {
     ++number;
     if (line.empty()) finish();
     const Tokens tokens = Split(line, names);
@@ -114,7 +119,7 @@ std::vector<ScriptCase> ReadScript(const std::filesystem::path& path) {
     }
     if (!metafile) {
       metafile.emplace();
-      cases.emplace_back().place = path.filename().string() + ":" + std::to_string(number);
+      cases.emplace_back().place = name + ":" + std::to_string(number);
     }
     ScriptCase& current = cases.back();
     if (std::string_view(">!~-").find(line[0]) != std::string_view::npos) {

@@ -1,7 +1,7 @@
 #pragma once
 
 #include <cstddef>
-#include <filesystem>
+#include <iosfwd>
 #include <string>
 #include <vector>
 
@@ -36,6 +36,9 @@ struct ScriptCase {
 /// A record is its name without EMR_, or a number, and its fields: 7 -7 0x7F of 32 bits, 1.5 a
 /// float, 3;-4 two numbers of 16 bits, 'ab' UTF-16 and "ab" bytes, both padded to 32 bits, ...24
 /// zeros up to 24 words of fields. `name:` marks a place, and @name is its offset in the record.
-std::vector<ScriptCase> ReadScript(const std::filesystem::path& path);
+std::vector<ScriptCase> ReadScript(std::istream& script, const std::string& name);
+
+/// Reads tests/corpus/emf/`name`.
+std::vector<ScriptCase> ReadScript(const std::string& name);
 
 }  // namespace quillo::host::emf
