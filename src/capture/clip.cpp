@@ -48,8 +48,9 @@ bool WriteRectClip(DEVICE_PDEV& device, const Rect& clip, const Rect* drawing_bo
 
 bool WriteComplexClip(DEVICE_PDEV& device, CLIPOBJ* clip, Rect* clip_bounds) {
   EnginePath outline(CLIPOBJ_ppoGetPath(clip));
-  bool drawn = false;
-  if (!outline || !WritePath(device, outline.Get(), drawn, kNoFillMode)) return false;
+  if (!outline || WritePath(device, outline.Get(), kNoFillMode) == WrittenPath::kRefused) {
+    return false;
+  }
   if (clip_bounds != nullptr) *clip_bounds = PathBounds(outline.Get());
   outline.Reset();
   EmitRecord(device, REC_SELECTCLIPPATH);

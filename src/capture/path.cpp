@@ -98,19 +98,17 @@ class PathWriter {
 
 }  // namespace
 
-bool WritePath(DEVICE_PDEV& device, PATHOBJ* path, bool& drawn, uint32_t fill_mode) {
-  drawn = false;
-  if (path == nullptr) return false;
+WrittenPath WritePath(DEVICE_PDEV& device, PATHOBJ* path, uint32_t fill_mode) {
+  if (path == nullptr) return WrittenPath::kRefused;
   PathWriter writer(device, fill_mode);
   PATHOBJ_vEnumStart(path);
   for (bool more = true; more;) {
     PATHDATA run = {};
     more = PATHOBJ_bEnum(path, &run) != FALSE;
-    if (!writer.WriteRun(run)) return false;
+    if (!writer.WriteRun(run)) return WrittenPath::kRefused;
   }
   writer.End();
-  drawn = writer.Drawn();
-  return true;
+  return writer.Drawn() ? WrittenPath::kDrawn : WrittenPath::kEmpty;
 }
 
 Rect PathBounds(PATHOBJ* path) {

@@ -21,8 +21,7 @@ void WritePathClip(DEVICE_PDEV& device, CLIPOBJ* clip, PATHOBJ* path) {
 
 /// Records a path to be filled. False, with the last error set, when it cannot be recorded.
 bool WriteFillPath(DEVICE_PDEV& device, PATHOBJ* path, FLONG options) {
-  bool drawn = false;
-  if (WritePath(device, path, drawn, options)) return true;
+  if (WritePath(device, path, options) != WrittenPath::kRefused) return true;
   SetLastError(ERROR_INVALID_PARAMETER);
   return false;
 }
@@ -42,9 +41,9 @@ BOOL APIENTRY DrvStrokePath(SURFOBJ* surface, PATHOBJ* path, CLIPOBJ* clip, XFOR
     WritePen(device, attributes, transform, brush);
     EmitSetRop2(device, PathRop2(mix));
     WritePathClip(device, clip, path);
-    bool drawn = false;
-    if (!WritePath(device, path, drawn, kNoFillMode)) return FALSE;
-    if (drawn) EmitRecord(device, REC_STROKEPATH);
+    const WrittenPath written = WritePath(device, path, kNoFillMode);
+    if (written == WrittenPath::kRefused) return FALSE;
+    if (written == WrittenPath::kDrawn) EmitRecord(device, REC_STROKEPATH);
     RememberStrokeColour(device, brush);
     return TRUE;
   });

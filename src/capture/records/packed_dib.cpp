@@ -34,9 +34,9 @@ std::optional<PackedDib> LocatePackedDib(Bytes block, size_t offset) {
 
   const auto bytes = DibBitsBytes(header);
   const size_t start = PackedBitsOffset(header.bit_count);
-  if (!bytes || start > dib.size()) return std::nullopt;
+  if (!bytes || start >= dib.size()) return std::nullopt;
   const Bytes rest = dib.subspan(start);
-  if (IsRunLength(header) && !rest.empty()) {
+  if (IsRunLength(header)) {
     found.bits = rest;
     header.size_image = static_cast<uint32_t>(rest.size());
   } else if (header.compression == kDibRgb && *bytes <= rest.size()) {

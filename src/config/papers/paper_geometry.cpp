@@ -11,8 +11,6 @@ static_assert(int{kPaperLetter} == DMPAPER_LETTER && int{kPaperA4} == DMPAPER_A4
 static_assert(int{kPaperFanfoldGermanLegal} == DMPAPER_FANFOLD_LGL_GERMAN);
 static_assert(int{kPaperUser} == DMPAPER_USER);
 
-constexpr int32_t kResolutionWithoutMode = 150;  // dots per inch
-
 ExactSize PaperSizeOf(const DEVMODEW& mode) {
   const PaperChoice choice = {mode.dmPaperSize, mode.dmOrientation == DMORIENT_LANDSCAPE,
                               mode.dmPaperWidth, mode.dmPaperLength};
@@ -42,7 +40,7 @@ int ConvertPaperSize(const DeviceMode* mode, const Fraction* width, const Fracti
   const bool pixels = target_unit == static_cast<uint32_t>(PaperUnit::kDevicePixels);
   if (mode == nullptr && pixels) return 0;
   if (width == nullptr || height == nullptr || out == nullptr) return 0;
-  const int32_t resolution = mode != nullptr ? ResolutionOf(mode->pub) : kResolutionWithoutMode;
+  const int32_t resolution = pixels ? ResolutionOf(mode->pub) : int32_t{};
   out->width = ConvertLength(*width, source_class, target_unit, resolution);
   out->height = ConvertLength(*height, source_class, target_unit, resolution);
   return 1;

@@ -94,18 +94,15 @@ HDC PresentAsDibSection(BitmapHandle* record) {
 
 void ReleaseDibSectionDc(HDC dc) {
   if (dc == nullptr) return;
-  CreatedDc owned_dc(dc);
-  Bitmap bitmap(static_cast<HBITMAP>(GetCurrentObject(dc, OBJ_BITMAP)));
-  // The DIB section must leave the DC before it is deleted.
+  // Freed from the last to the first: the stand-in has to outlive the DC that it is selected in.
   const Bitmap stand_in(CreateBitmap(1, 1, 1, 1, nullptr));
-  const bool deselected = stand_in && SelectObject(dc, stand_in.Get()) != nullptr;
+  CreatedDc owned_dc(dc);
+  const Bitmap bitmap(static_cast<HBITMAP>(GetCurrentObject(dc, OBJ_BITMAP)));
   DIBSECTION shared{};
   const bool known = GetObjectW(bitmap.Get(), sizeof(shared), &shared) == sizeof(shared);
-  KernelHandle section(known ? shared.dshSection : nullptr);
-  section.Reset();
-  if (!deselected) owned_dc.Reset();  // deleting the DC deselects the bitmap, too
-  bitmap.Reset();
-  owned_dc.Reset();
+  const KernelHandle section(known ? shared.dshSection : nullptr);
+  // The DIB section must leave the DC before it is deleted; deleting the DC takes it out, too.
+  if (!stand_in || SelectObject(dc, stand_in.Get()) == nullptr) owned_dc.Reset();
 }
 
 }  // namespace quillo::imaging

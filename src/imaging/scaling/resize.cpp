@@ -1,5 +1,7 @@
 #include "imaging/scaling/resize.h"
 
+#include <algorithm>
+
 #include "base/system_owners.h"
 #include "imaging/bitmap/kernel_settings.h"
 #include "imaging/lifecycle/create.h"
@@ -122,8 +124,9 @@ int ResizeInto(BitmapHandle* source, BitmapHandle* destination, uint32_t flags) 
     return kInvalidArgument;
   }
   // In the order of their addresses, so that two threads with the same bitmaps cannot deadlock.
-  const LockScope first(source < destination ? *source : *destination);
-  const LockScope second(source < destination ? *destination : *source);
+  const auto [low, high] = std::minmax(source, destination);
+  const LockScope first(*low);
+  const LockScope second(*high);
   if (first.Result() != kSuccess) return first.Result();
   if (second.Result() != kSuccess) return second.Result();
   return Scale(ChooseMethod(*source, *destination, flags), *source, *destination);
