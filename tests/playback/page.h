@@ -12,12 +12,6 @@
 
 namespace quillo::test {
 
-/// Records of an enhanced metafile but its header and end, as double words: type, size, and so on.
-using EmfRecords = std::vector<std::vector<DWORD>>;
-
-/// What GDI records when `draw` draws on a metafile DC.
-EmfRecords RecordDirect(const std::function<void(HDC)>& draw);
-
 using Payload = std::vector<std::byte>;
 
 template <typename T>
@@ -50,8 +44,22 @@ inline LOGFONTW FontNamed(const wchar_t* face, LONG height = 100) {
 class Page : private PlaybackEvents {
  public:
   /// `heap_limit`: bytes of the job's heap; 0 = as many as there are.
-  explicit Page(size_t heap_limit = 0);
-  ~Page();
+  explicit Page(size_t heap_limit = 0)
+      : heap_(HeapCreate(0, 0, heap_limit)),
+        context({.printer = nullptr,
+                 .heap = heap_,
+                 .device_settings = &settings,
+                 .bitmap_limits = kDefaultBitmapLimits,
+                 .font_directory = L"",
+                 .events = this}) {
+    context.page_dc = dc_.Get();
+  }
+  ~Page() {
+    ReleaseDrawingObjects(context);
+    context.seen_fonts.Clear();
+    context.run_list.Clear();
+    HeapDestroy(heap_);
+  }
   Page(const Page&) = delete;
   Page& operator=(const Page&) = delete;
 
@@ -60,16 +68,24 @@ class Page : private PlaybackEvents {
   }
 
   /// Ends the page as the job does.
-  EnhMetafile Close();
-  /// Ends the page and returns what is on it.
-  EmfRecords Records();
+  EnhMetafile Close() {
+    ReleaseDrawingObjects(context);
+    context.page_dc = nullptr;
+    return dc_.Close();
+  }
+  /// Ends the page. Whether nothing was drawn on it.
+  bool EndsEmpty() {
+    ENHMETAHEADER header = {};
+    GetEnhMetaFileHeader(Close().Get(), sizeof header, &header);
+    return header.nRecords == 2;  // this one and the end
+  }
 
  private:
   void JobFailed() override { job_failed = true; }
   HRESULT FontEmbedded(const wchar_t* path) override { return on_font(path); }
 
   HANDLE heap_;
-  MetafileDc dc_;
+  MetafileDc dc_{CreateEnhMetaFileW(nullptr, nullptr, nullptr, nullptr)};
 
  public:
   DeviceMode settings = {};
