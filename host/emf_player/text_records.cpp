@@ -4,6 +4,7 @@
 #include <cmath>
 #include <numbers>
 #include <numeric>
+#include <optional>
 #include <utility>
 
 #include "host/emf_player/emf_player.h"
@@ -46,16 +47,15 @@ size_t DropUncertainGlyphs(std::wstring& glyphs, const TextFont& font, GlyphOrde
   return static_cast<size_t>(dropped);
 }
 
-/// Replaces the codes of a symbol font that is not installed by Unicode characters.
-void ReplaceSymbols(TextLine& line, const TextFont& font) {
-  if ((line.options & ETO_GLYPH_INDEX) != 0) return;
+/// Replaces each unit of a line by a character; leaves the line alone when one has none.
+template <typename CharacterOf>
+bool ReplaceUnits(TextLine& line, CharacterOf character_of) {
   std::wstring text;
   std::vector<double> dx, dy;
   for (size_t i = 0; i < line.text.size(); ++i) {
-    const wchar_t code = line.text[i];
-    const bool shown = font.Map().symbols && font.GlyphOf(code) != 0;
-    const char32_t character = shown ? 0 : UnicodeOfSymbol(font.Wanted().lfFaceName, code);
-    AppendCharacter(text, character != 0 ? character : code);
+    const std::optional<char32_t> character = character_of(line.text[i]);
+    if (!character) return false;
+    AppendCharacter(text, *character);
     if (i < line.dx.size()) dx.push_back(line.dx[i]);
     if (i < line.dy.size()) dy.push_back(line.dy[i]);
     if (!dx.empty()) dx.resize(text.size());
@@ -64,6 +64,25 @@ void ReplaceSymbols(TextLine& line, const TextFont& font) {
   line.text = std::move(text);
   line.dx = std::move(dx);
   line.dy = std::move(dy);
+  return true;
+}
+
+/// Replaces the codes of a symbol font that is not installed by Unicode characters, and the glyph
+/// indexes of an installed font that the driver could not turn back.
+void ReplaceCodes(TextLine& line, const TextFont& font) {
+  if ((line.options & ETO_GLYPH_INDEX) == 0) {
+    ReplaceUnits(line, [&](wchar_t code) -> std::optional<char32_t> {
+      const bool shown = font.Map().symbols && font.GlyphOf(code) != 0;
+      const char32_t character = shown ? 0 : UnicodeOfSymbol(font.Wanted().lfFaceName, code);
+      return character != 0 ? character : code;
+    });
+    return;
+  }
+  if (font.Map().invertible || font.Substituted()) return;
+  if (ReplaceUnits(line, [&](wchar_t glyph) { return font.CharacterOf(glyph); })) {
+    // Glyphs come in the order of their places.
+    line.options = (line.options & ~uint32_t{ETO_GLYPH_INDEX}) | ETO_IGNORELANGUAGE;
+  }
 }
 
 /// The part of the line's text that can be drawn. Counts it in the font's use.
@@ -179,7 +198,7 @@ void DrawLine(EmfPlayer& player, TextLine line) {
   DrawState drawing = player.Drawing();
   drawing.rop2 = R2_COPYPEN;
   if (!player.path().IsOpen()) ApplyRectangle(player, line, text, drawing);
-  ReplaceSymbols(line, *text.font);
+  ReplaceCodes(line, *text.font);
   text.text = DrawableText(player, line, text);
   if (text.text.empty() && !text.opaque) return;
 

@@ -1,6 +1,8 @@
 #include "host/engine/character_map.h"
 
 #include <algorithm>
+#include <numeric>
+#include <string>
 
 #include "base/bytes.h"
 
@@ -56,6 +58,32 @@ CharacterMap ReadCharacterMap(HDC dc) {
   }
   map.invertible = of_windows && last_format == 4;
   return map;
+}
+
+std::map<uint16_t, char32_t> InvertCharacterMap(HDC dc, const CharacterMap& map) {
+  std::map<uint16_t, char32_t> characters;
+  std::vector<std::byte> block(GetFontUnicodeRanges(dc, nullptr));
+  auto* set = reinterpret_cast<GLYPHSET*>(block.data());
+  if (!block.empty() && GetFontUnicodeRanges(dc, set) != 0) {
+    for (DWORD i = 0; i < set->cRanges; ++i) {
+      std::wstring range(set->ranges[i].cGlyphs, L'\0');
+      std::iota(range.begin(), range.end(), set->ranges[i].wcLow);
+      std::vector<WORD> glyphs(range.size());
+      if (GetGlyphIndicesW(dc, range.data(), static_cast<int>(range.size()), glyphs.data(), 0) ==
+          GDI_ERROR) {
+        continue;
+      }
+      for (size_t at = 0; at < range.size(); ++at) characters.try_emplace(glyphs[at], range[at]);
+    }
+  }
+  for (const auto& group : map.groups) {
+    const uint32_t first = std::max<uint32_t>(group.first, 0x10000);
+    // No font has more glyphs than 16 bits can number.
+    for (uint32_t c = first; c <= group.last && c - group.first + group.glyph <= 0xFFFF; ++c) {
+      characters.try_emplace(static_cast<uint16_t>(group.glyph + (c - group.first)), c);
+    }
+  }
+  return characters;
 }
 
 }  // namespace quillo::host

@@ -3,6 +3,7 @@
 #include "base/windows.h"
 
 #include <cstdint>
+#include <map>
 #include <vector>
 
 namespace quillo::host {
@@ -28,5 +29,8 @@ struct CharacterMap {
 
 /// Reads it from the font that is selected in `dc`; empty if that fails.
 CharacterMap ReadCharacterMap(HDC dc);
+
+/// The first character of each glyph of the font that is selected in `dc` and has the map `map`.
+std::map<uint16_t, char32_t> InvertCharacterMap(HDC dc, const CharacterMap& map);
 
 }  // namespace quillo::host

@@ -160,6 +160,13 @@ USHORT TextFont::GlyphOf(char32_t character) const {
   return entry->second;
 }
 
+std::optional<char32_t> TextFont::CharacterOf(USHORT glyph) const {
+  if (characters_.empty()) characters_ = InvertCharacterMap(dc_.Get(), map_);
+  const auto entry = characters_.find(glyph);
+  if (glyph == 0 || entry == characters_.end()) return std::nullopt;
+  return entry->second;
+}
+
 bool TextFont::Has(std::wstring_view text) const {
   for (size_t i = 0; i < text.size(); ++i) {
     if (ShowsNothing(text[i])) continue;

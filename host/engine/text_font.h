@@ -4,6 +4,7 @@
 
 #include <array>
 #include <map>
+#include <optional>
 #include <string>
 #include <string_view>
 
@@ -43,6 +44,8 @@ class TextFont {
 
   /// The glyph of a character; 0 when the font has none.
   USHORT GlyphOf(char32_t character) const;
+  /// The first character that a glyph stands for, if there is one.
+  std::optional<char32_t> CharacterOf(USHORT glyph) const;
   /// Whether it has a glyph for each character of a UTF-16 text, invisible ones aside.
   bool Has(std::wstring_view text) const;
   const CharacterMap& Map() const { return map_; }
@@ -76,7 +79,8 @@ class TextFont {
   Bar underline_{}, strike_out_{};
   IFIMETRICS metrics_{};
   FLONG font_type_ = FO_TYPE_TRUETYPE;
-  mutable std::map<char32_t, USHORT> glyphs_;  // looked up so far
+  mutable std::map<char32_t, USHORT> glyphs_;      // looked up so far
+  mutable std::map<USHORT, char32_t> characters_;  // of every glyph, from the first question on
   mutable std::map<USHORT, int> advances_;
   CreatedDc transformed_dc_;  // has font_ selected too, and this transform set
   mutable std::array<float, 4> transform_{1, 0, 0, 1};
