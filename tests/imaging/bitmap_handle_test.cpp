@@ -2,64 +2,31 @@
 
 #include <algorithm>
 #include <gtest/gtest.h>
-#include <tuple>
 
 #include "imaging/lifecycle/create.h"
 #include "imaging/settings_scope.h"
 #include "imaging/storage/storage.h"
+#include "support/case_table.h"
+#include "support/line.h"
 
 namespace quillo::imaging {
 namespace {
 
-TEST(Init, ArgumentsAndForms_GiveTheirCodes) {
-  struct {
-    uint32_t form, width, height, bits;
-    int result;
-  } const cases[] = {
-      {kCurrentForm, 0, 0, 0, kSuccess},
-      {kOldForm, 0, 0, 0, kSuccess},
-      {271, 1, 1, 8, kWrongStructureSize},
-      {kCurrentForm, 1, 1, 9, kUnsupportedDepth},
-      {kCurrentForm, 1, 1, 0, kUnsupportedDepth},
-      {kOldForm, 16384, 0xFFFF0000u / 65536, 32, kSuccess},
-      {kOldForm, 1u << 29, 1, 64, kTooLargeForOldForm},
-      {kOldForm, 0x8000, 0x8000, 32, kTooLargeForOldForm},
-      {kCurrentForm, 0x8000, 0x8000, 32, kSuccess},
-      {kCurrentForm, 1u << 29, 1, 64, kInvalidArgument},
-  };
-  EXPECT_EQ(Init(nullptr, kCurrentForm, 1, 1, 8), kInvalidArgument);
-  for (const auto& c : cases) {
-    BitmapHandle record{};
-    EXPECT_EQ(Init(&record, c.form, c.width, c.height, c.bits), c.result)
-        << c.form << ' ' << c.width << 'x' << c.height << 'x' << c.bits;
-    const bool keeps_form = c.result != kTooLargeForOldForm && c.result != kWrongStructureSize;
-    EXPECT_EQ(record.structure_size, keeps_form ? c.form : 0);
-  }
-}
-
-TEST(Init, EveryDepthAndTheSettings_FillItsFields) {
-  struct {
-    uint32_t bits, line, colours, order;
-    int32_t high;
-  } const cases[] = {{1, 4, 2, 0, 0},    {2, 4, 4, 0, 1},    {7, 8, 128, 0, 6}, {8, 8, 256, 0, 7},
-                     {12, 8, 0, 2, 11},  {16, 12, 0, 1, 15}, {24, 16, 0, 1, 7}, {32, 20, 0, 1, -1},
-                     {48, 32, 0, 1, 15}, {64, 40, 0, 1, 15}};
+TEST(Init, FormsSizesAndDepths_FillTheFieldsOrAreRefused) {
   SettingsScope settings;
   settings->process_value = 77;
   settings->y_resolution = 600;
-  for (const auto& c : cases) {
-    BitmapHandle record{};
-    ASSERT_EQ(Init(&record, kCurrentForm, 5, 3, c.bits), kSuccess);
-    EXPECT_EQ(std::tuple(record.bytes_per_line, record.data_size, record.large_data_size),
-              std::tuple(c.line, c.line * 3, c.line * 3))
-        << c.bits;
-    EXPECT_EQ(std::tuple(record.colours, record.colour_order, record.high_bit, record.low_bit),
-              std::tuple(c.colours, c.order, c.high, c.high))
-        << c.bits;
-    EXPECT_EQ(std::tuple(record.view_perspective, record.percent, record.x_resolution,
-                         record.y_resolution, record.process_value),
-              std::tuple(kBottomRowFirst, 100u, 150u, 600u, 77u));
-  }
+  test::CheckCases("imaging/init.txt", [](const auto& fields) {
+    uint32_t form, width, height, bits;
+    test::Scan(fields[0], form, width, height, bits);
+    BitmapHandle r{};
+    const int result = Init(&r, form, width, height, bits);
+    return test::Line(result, ' ', r.structure_size, ", ", r.bytes_per_line, ' ', r.data_size, ' ',
+                      r.large_data_size, ", ", r.colours, ' ', r.colour_order, ' ', r.high_bit, ' ',
+                      r.low_bit, ", ", r.view_perspective, ' ', r.percent, ' ', r.x_resolution, ' ',
+                      r.y_resolution, ' ', r.process_value);
+  });
+  EXPECT_EQ(Init(nullptr, kCurrentForm, 1, 1, 8), kInvalidArgument);
 }
 
 TEST(Init, OldForm_TouchesNothingBehindIt) {
@@ -78,23 +45,18 @@ TEST(Init, OldForm_TouchesNothingBehindIt) {
 
 TEST(Create, Arguments_GiveTheirCodes) {
   uint8_t data[16];
-  const std::pair<BitmapDescription, int> cases[] = {
-      {Sized(0, 4, 8), kEmptyData},
-      {Sized(0, 4, 8, 3), kEmptyData},
-      {Sized(4, 4, 8, 3), kInvalidArgument},
-      {{.width = 4, .height = 4, .bits_per_pixel = 24, .colour_order = 5}, kSuccess},
-      {{.width = 4, .height = 4, .bits_per_pixel = 16, .colour_order = 5}, kUnsupportedDepth},
-      {Sized(4, 4, 8, kMemorySection, 8), kSuccess},
-      {Sized(4, 4, 8, kMemorySection, 9), kInvalidArgument},
-      {{kCurrentForm, kMemoryCaller, 4, 4, 8, 0, nullptr, 0, data, 16}, kSuccess},
-      {{kCurrentForm, kMemoryCaller, 4, 4, 8, 0, nullptr, 0, data, 15}, kInvalidArgument}};
-  for (const auto& [description, result] : cases) {
+  test::CheckCases("imaging/create.txt", [&data](const auto& fields) {
+    BitmapDescription d = {.width = 4, .height = 4};
+    test::Scan(fields[0], d.memory_type, d.width, d.bits_per_pixel, d.colour_order,
+               d.view_perspective, d.caller_data_size);
+    if (d.caller_data_size != 0) d.caller_data = data;
     BitmapHandle record{};
-    EXPECT_EQ(Create(&record, description), result);
+    const int result = Create(&record, d);
     EXPECT_EQ((record.flags & kAllocated) != 0, result == kSuccess);
     Free(&record);
     EXPECT_EQ(record.flags, 0u);
-  }
+    return std::to_string(result);
+  });
 }
 
 TEST(Create, Palettes_ComeFromRampCallerOrDefault) {

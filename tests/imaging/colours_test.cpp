@@ -9,6 +9,8 @@
 #include "imaging/pixels/packed_rows.h"
 #include "imaging/storage/storage_choice.h"
 #include "imaging/table.h"
+#include "support/case_table.h"
+#include "support/line.h"
 
 namespace quillo::imaging {
 namespace {
@@ -24,25 +26,15 @@ std::vector<PaletteEntry> Fixed(size_t colours) {
   return palette;
 }
 
-TEST(Palettes, SampleEntries_HaveTheirColours) {
-  struct {
-    size_t colours, index;
-    uint32_t colour;
-  } const cases[] = {{2, 1, 0xFFFFFF},    {4, 1, 0xFFFFFF},     {4, 2, 0x000000},
-                     {4, 3, 0x555555},    {8, 5, 0xFF00FF},     {16, 8, 0xC0C0C0},
-                     {16, 13, 0xFF00FF},  {32, 9, 0x5500FF},    {64, 27, 0x55AAFF},
-                     {128, 37, 0x552455}, {128, 127, 0xFFFFFF}, {256, 198, 0xDB24AA},
-                     {256, 41, 0x244955}, {256, 114, 0x6D92AA}, {256, 187, 0xB6DBFF}};
-  for (const auto& c : cases) {
-    EXPECT_EQ(Fixed(c.colours)[c.index], Rgb(c.colour)) << c.colours << ' ' << c.index;
-    EXPECT_TRUE(IsDefaultPalette(Fixed(c.colours), static_cast<uint32_t>(c.colours)));
-  }
-  for (uint32_t i = 0; i < 16; ++i) {
-    const uint32_t level = i < 8 ? 0x80 : 0xFF;
-    const auto channel = [i, level](uint32_t bit) { return (i >> bit & 1) * level; };
-    if (i == 8) continue;
-    EXPECT_EQ(Fixed(16)[i], Rgb(channel(0) << 16 | channel(1) << 8 | channel(2))) << i;
-  }
+TEST(Palettes, Entries_HaveTheirColours) {
+  test::CheckCases("imaging/palettes.txt", [](const auto& fields) {
+    size_t colours = 0, index = 0;
+    test::Scan(fields[0], colours, index);
+    const auto palette = Fixed(colours);
+    EXPECT_TRUE(IsDefaultPalette(palette, static_cast<uint32_t>(colours)));
+    const PaletteEntry& e = palette.at(index);
+    return test::Line(int{e.red}, ' ', int{e.green}, ' ', int{e.blue});
+  });
   std::vector<PaletteEntry> other(3);
   EXPECT_FALSE(FillDefaultPalette(other));
   PaletteEntry cube[256];

@@ -10,6 +10,8 @@
 #include "imaging/dib_convert.h"
 #include "imaging/noise.h"
 #include "imaging/table.h"
+#include "support/case_table.h"
+#include "support/line.h"
 
 namespace quillo::imaging {
 namespace {
@@ -68,27 +70,24 @@ TEST(DotsPerInch, PixelsPerMetre_TruncateTowardsZero) {
 }
 
 TEST(ReadColourTable, ShortTables_AreBlackOrGrey) {
-  struct {
-    size_t header_size;
-    uint32_t colours_used, colours;
-    PaletteEntry second, third;
-  } const cases[] = {{104, 0, 16, {8, 9, 10, 0}, {12, 13, 14, 0}},
-                     {48, 0, 16, {8, 9, 10, 0}, {0, 0, 0, 0}},
-                     {44, 0, 16, {17, 17, 17, 0}, {34, 34, 34, 0}},  // one entry is no table
-                     {104, 3, 3, {8, 9, 10, 0}, {12, 13, 14, 0}},
-                     {104, 0xFFFFFFFF, 16, {8, 9, 10, 0}, {12, 13, 14, 0}}};
-  for (const auto& c : cases) {
-    std::vector<std::byte> header(c.header_size);
-    std::ranges::copy(AsBytes({.bits = 4, .colours_used = c.colours_used}), header.begin());
-    for (size_t i = 40; i < header.size(); ++i) header[i] = static_cast<std::byte>(i - 36);
+  test::CheckCases("imaging/colour_tables.txt", [](const auto& fields) {
+    size_t size = 0;
+    uint32_t used = 0;
+    test::Scan(fields[0], size, used);
+    std::vector<std::byte> header(size);
+    std::ranges::copy(AsBytes({.bits = 4, .colours_used = used}), header.begin());
+    for (size_t i = 40; i < size; ++i) header[i] = static_cast<std::byte>(i - 36);
     DibDescription dib;
-    ASSERT_EQ(AnalyseDib(header, &dib), kSuccess);
-    EXPECT_EQ(dib.colours, c.colours) << c.header_size;
+    EXPECT_EQ(AnalyseDib(header, &dib), kSuccess);
     std::vector<PaletteEntry> palette(dib.colours);
     ReadColourTable(header, dib, palette);
-    EXPECT_EQ(palette[1], c.second) << c.header_size;
-    EXPECT_EQ(palette[2], c.third) << c.header_size;
-  }
+    std::string colours = std::to_string(dib.colours);
+    for (const size_t i : {1, 2}) {
+      const PaletteEntry& e = palette[i];
+      colours += test::Line(", ", int{e.red}, ' ', int{e.green}, ' ', int{e.blue});
+    }
+    return colours;
+  });
 }
 
 TEST(BitFieldConverter, AnyMasks_ScaleToTheRange) {

@@ -14,8 +14,10 @@
 #include "imaging/storage/rows.h"
 #include "imaging/table.h"
 #include "support/canvas.h"
+#include "support/case_table.h"
 #include "support/holdings.h"
 #include "support/import_patch.h"
+#include "support/line.h"
 
 namespace quillo::imaging {
 namespace {
@@ -165,48 +167,23 @@ TEST(Paint, EveryCaseOfTheTable_ShowsItsPicture) {
   }
 }
 
-std::vector<PALETTEENTRY> EntriesOf(HPALETTE handle) {
-  const Palette palette(handle);
-  if (!palette) return {};
-  std::vector<PALETTEENTRY> entries(GetPaletteEntries(palette.Get(), 0, 0, nullptr));
-  GetPaletteEntries(palette.Get(), 0, static_cast<UINT>(entries.size()), entries.data());
-  return entries;
-}
-
 TEST(CreatePaintPalette, EveryRule_GivesItsColours) {
-  struct {
-    const char* name;
-    uint32_t bits, order, mode;
-    int device_bits;
-    size_t colours, index;
-    COLORREF colour;
-  } const cases[] = {
-      {"dither to 8 bits, cube", 24, 1, kModeDither | kModeColourCube, 8, 256, 43,
-       RGB(0x33, 0x33, 0x33)},
-      {"dither to 8 bits", 24, 1, kModeDither, 8, 256, 43, RGB(0x24, 0x49, 0xFF)},
-      {"dither to 4 bits", 24, 1, kModeDither, 4, 16, 9, RGB(255, 0, 0)},
-      {"dither to 1 bit", 24, 1, kModeDither, 1, 2, 1, RGB(255, 255, 255)},
-      {"grey levels of 1 bit", 1, 0, kModeGreyScale, 32, 256, 77, RGB(77, 77, 77)},
-      {"own palette", 4, 0, 0, 32, 16, 9, RGB(255, 0, 0)},
-      {"grey above 8 bits", 16, 2, 0, 32, 256, 200, RGB(200, 200, 200)},
-      {"none", 24, 1, 0, 32, 0, 0, 0},
-  };
-  for (const auto& c : cases) {
+  const test::ImportPatch patch("GetDeviceCaps", DeviceCapsOfTest);
+  const Canvas canvas;
+  test::CheckCases("imaging/paint_palettes.txt", [&canvas](const auto& fields) -> std::string {
     SettingsScope settings;
-    settings->display_mode = c.mode;
-    const Canvas canvas;
-    const test::ImportPatch patch("GetDeviceCaps", DeviceCapsOfTest);
-    device_bits = c.device_bits;
+    BitmapDescription d = {.width = 4, .height = 4};
+    UINT index = 0;
+    test::Scan(fields[1], d.bits_per_pixel, d.colour_order, settings->display_mode, device_bits,
+               index);
     BitmapScope bitmap;
-    Create(bitmap.Get(),
-           {.width = 4, .height = 4, .bits_per_pixel = c.bits, .colour_order = c.order});
-    const auto entries = EntriesOf(CreatePaintPalette(canvas.Dc(), bitmap.Get()));
-    ASSERT_EQ(entries.size(), c.colours) << c.name;
-    if (c.colours == 0) continue;
-    const PALETTEENTRY& entry = entries[c.index];
-    EXPECT_EQ(RGB(entry.peRed, entry.peGreen, entry.peBlue), c.colour) << c.name;
-    EXPECT_EQ(entry.peFlags, 0) << c.name;
-  }
+    Create(bitmap.Get(), d);
+    const Palette palette(CreatePaintPalette(canvas.Dc(), bitmap.Get()));
+    PALETTEENTRY e = {};
+    if (GetPaletteEntries(palette.Get(), index, 1, &e) == 0) return "none";
+    return test::Line(GetPaletteEntries(palette.Get(), 0, 0, nullptr), ", ", int{e.peRed}, ' ',
+                      int{e.peGreen}, ' ', int{e.peBlue}, ' ', int{e.peFlags});
+  });
   EXPECT_EQ(CreatePaintPalette(nullptr, nullptr), nullptr);
 }
 

@@ -10,8 +10,10 @@
 #include "imaging/lifecycle/create.h"
 #include "imaging/settings_scope.h"
 #include "imaging/storage/rows.h"
+#include "support/case_table.h"
 #include "support/holdings.h"
 #include "support/import_patch.h"
+#include "support/line.h"
 
 namespace quillo::imaging {
 namespace {
@@ -137,129 +139,76 @@ TEST(ResizeInto, RowOrders_DecideWhereRowsGo) {
 
 /// Which method ran shows in what becomes of the second column, black among three white ones.
 TEST(SizeBitmap, Flags_ChooseTheMethod) {
-  struct {
-    const char* name;
-    uint32_t bits, flags;
-    int32_t width;
-    uint32_t x;
-    int level;  // at x
-  } const cases[] = {
-      {"none", 24, 0, 2, 0, 255},
-      {"area of 24 bits is ignored", 24, 1, 2, 0, 255},
-      {"resampling, smaller", 24, 2, 2, 0, 155},  // Mitchell
-      {"resampling, larger", 24, 2, 7, 2, 31},
-      {"smooth, smaller", 24, 4, 2, 0, 155},
-      {"smooth, larger", 24, 4, 7, 2, 3},  // Catmull and Rom
-      {"area goes before resampling", 1, 3, 2, 0, 0},
-      {"none of 1 bit", 1, 0, 2, 0, 1},
-      {"smooth goes before area", 1, 5, 2, 0, 1},
-  };
-  for (const auto& c : cases) {
+  test::CheckCases("imaging/resize_flags.txt", [](const auto& fields) {
+    uint32_t bits = 0, flags = 0, x = 0;
+    int32_t width = 0;
+    test::Scan(fields[1], bits, flags, width, x);
     BitmapScope bitmap;
-    Create(bitmap.Get(), Sized(4, 1, c.bits, kMemorySectionElseFile));
+    Create(bitmap.Get(), Sized(4, 1, bits, kMemorySectionElseFile));
     std::vector<std::byte> row(bitmap->bytes_per_line, std::byte{0xFF});
-    if (c.bits == 1) row[0] = std::byte{0xBF};
-    if (c.bits == 24) std::fill_n(&row[3], 3, std::byte{0});
+    if (bits == 1) row[0] = std::byte{0xBF};
+    if (bits == 24) std::fill_n(&row[3], 3, std::byte{0});
     StoreRow(*bitmap.Get(), 0, row);
-    ASSERT_EQ(SizeBitmap(bitmap.Get(), c.width, 1, c.flags), kSuccess) << c.name;
+    EXPECT_EQ(SizeBitmap(bitmap.Get(), width, 1, flags), kSuccess);
     row.resize(bitmap->bytes_per_line);
     FetchRow(*bitmap.Get(), 0, row);
-    EXPECT_EQ(static_cast<int>(c.bits == 1 ? row[0] >> 7 : row[c.x * 3]), c.level) << c.name;
-  }
+    return std::to_string(static_cast<int>(bits == 1 ? row[0] >> 7 : row[x * 3]));
+  });
 }
-
-constexpr DWORD kYuy2 = 0x32595559;  // "YUY2"
-
-struct PackedDib {
-  BITMAPINFOHEADER header;
-  RGBQUAD colours[2];
-  uint8_t bits[16];
-};
 
 /// A screen with 10,000 pixels a metre across and 5,000 down.
 int WINAPI ScreenOfTest(HDC, int index) {
   return index == HORZSIZE ? 100 : index == VERTSIZE ? 200 : 1000;
 }
 
-TEST(ConvertFromDib, HeaderFields_GoIntoTheRecord) {
-  struct {
-    LONG height;
-    DWORD compression;
-    WORD bits;
-    uint32_t view, result_bits;
-    LONG x_per_metre, y_per_metre;
-    uint32_t x_dpi, y_dpi;
-  } const cases[] = {{4, BI_RGB, 1, kBottomRowFirst, 1, 3780, 23622, 96, 600},
-                     {-4, BI_RGB, 1, kTopRowFirst, 1, 0, 23622, 254, 600},
-                     {2, kYuy2, 16, kTopRowFirst, 24, 3780, 0, 96, 127},
-                     {-2, kYuy2, 16, kBottomRowFirst, 24, 0, 0, 254, 127}};
-  const test::ImportPatch patch("GetDeviceCaps", ScreenOfTest);
-  enum Form { kSized, kPointers, kDescribed };
-  for (const auto& c : cases) {
-    PackedDib dib{};
-    dib.header = {sizeof(dib.header), 4, c.height, 1, c.bits, c.compression, 0, c.x_per_metre,
-                  c.y_per_metre,      0, 0};
-    dib.colours[1] = {1, 2, 3, 0};
-    dib.bits[0] = 0x50;
-    const Bytes header = std::as_bytes(std::span(&dib, 1)).first(48);
-    const Bytes bits = std::as_bytes(std::span(dib.bits));
-    for (const Form form : {kSized, kPointers, kDescribed}) {
-      SCOPED_TRACE(std::to_string(c.height) + ", form " + std::to_string(form));
-      BitmapScope record;
-      ASSERT_EQ(form == kPointers ? ConvertFromDib(record.Get(), kCurrentForm, &dib, dib.bits)
-                                  : ConvertFromDib(record.Get(), kCurrentForm, header,
-                                                   form == kSized ? bits : Bytes{}),
-                kSuccess);
-      EXPECT_EQ(record->width, 4u);
-      EXPECT_EQ(record->view_perspective, c.view);
-      EXPECT_EQ(record->bits_per_pixel, c.result_bits);
-      EXPECT_EQ(record->colours, c.result_bits == 1 ? 2u : 0u);
-      EXPECT_EQ(record->colour_order, c.result_bits > 8 ? kOrderColour : kOrderPalette);
-      EXPECT_EQ(record->x_resolution, c.x_dpi);
-      EXPECT_EQ(record->y_resolution, c.y_dpi);
-      EXPECT_EQ(record->flags == 0, form == kDescribed);
-      if (c.result_bits == 1 && form != kDescribed) {
-        EXPECT_EQ(PaletteOf(*record.Get())[1], (PaletteEntry{1, 2, 3, 0}));
-        EXPECT_EQ(FirstColumn(*record.Get()), (std::vector{0x50, 0, 0, 0}));
-      }
-    }
-  }
+struct PackedDib {
+  BITMAPINFOHEADER header = {sizeof header, 0, 0, 1, 0, 0, 0, 0, 0, 0, 0};
+  RGBQUAD colours[2] = {{}, {1, 2, 3, 0}};
+  uint8_t bits[48] = {0x50};
+};
+
+std::string FieldsOf(BitmapHandle& r) {
+  return test::Line(r.width, ' ', r.view_perspective, ' ', r.bits_per_pixel, ' ', r.colours, ' ',
+                    r.colour_order, ' ', r.x_resolution, ' ', r.y_resolution);
 }
 
-TEST(ConvertFromDib, BadInput_GivesItsCodeAndHoldsNothing) {
-  constexpr DWORD kJpeg = 0x47504A4D;  // "MJPG": described, but not converted
-  struct {
-    uint32_t form;
-    LONG width, height;
-    WORD bits;
-    DWORD compression;
-    int result;
-    uint32_t described_width;
-  } const cases[] = {{270, 4, 4, 24, BI_RGB, kWrongStructureSize, 0},
-                     {kCurrentForm, 4, 4, 24, 77, kUnsupportedFormat, 0},
-                     {kCurrentForm, 4, 4, 24, kJpeg, kUnsupportedFormat, 4},
-                     {kCurrentForm, 4, 5, 24, BI_RGB, kInvalidArgument, 4},
-                     {kCurrentForm, INT32_MAX, INT32_MIN, 64, BI_RGB, kInvalidArgument, 0},
-                     {kCurrentForm, INT32_MAX, INT32_MAX, 8, BI_RLE8, kOutOfMemory, 0},
-                     {kOldForm, 100000, 100000, 24, BI_RGB, kTooLargeForOldForm, 0},
-                     {kCurrentForm, 4, 0, 24, BI_RGB, kEmptyData, 0}};
-  const std::vector<std::byte> bits(48);
-  for (const auto& c : cases) {
-    SettingsScope settings;
-    wcscpy_s(settings->temporary_directory, L"Z:\\no\\such\\directory");
+TEST(ConvertFromDib, HeaderFields_GoIntoTheRecordOrAreRefused) {
+  const test::ImportPatch patch("GetDeviceCaps", ScreenOfTest);
+  SettingsScope settings;
+  wcscpy_s(settings->temporary_directory, L"Z:\\no\\such\\directory");
+  test::CheckCases("imaging/convert_dib.txt", [](const auto& fields) {
+    PackedDib dib;
+    uint32_t form = 0;
+    test::Scan(fields[0], form, dib.header.biWidth, dib.header.biHeight, dib.header.biBitCount,
+               dib.header.biCompression, dib.header.biXPelsPerMeter, dib.header.biYPelsPerMeter);
+    const Bytes header = std::as_bytes(std::span(&dib, 1)).first(48);
+    const Bytes bits = std::as_bytes(std::span(dib.bits));
     const uintptr_t handles = test::LiveKernelHandles();
-    SCOPED_TRACE(std::to_string(&c - cases));
-    const BITMAPINFOHEADER header = {
-        sizeof(header), c.width, c.height, 1, c.bits, c.compression, 0, 0, 0, 0, 0};
-    BitmapHandle record{};
-    EXPECT_EQ(ConvertFromDib(&record, c.form, std::as_bytes(std::span(&header, 1)), bits),
-              c.result);
-    EXPECT_EQ(record.flags & kAllocated, 0u);
-    EXPECT_EQ(record.lookup8, nullptr);
-    EXPECT_TRUE(c.described_width == 0 || record.width == c.described_width);
-    EXPECT_EQ(test::LiveKernelHandles(), handles);
-  }
-  EXPECT_EQ(ConvertFromDib(nullptr, kCurrentForm, bits, bits), kInvalidArgument);
+    std::string outcome;
+    {
+      BitmapScope record, described;
+      const int result = ConvertFromDib(record.Get(), form, header, bits);
+      outcome = test::Line(result, ", ", FieldsOf(*record.Get()));
+      EXPECT_EQ((record->flags & kAllocated) != 0, result == kSuccess) << fields[0];
+      EXPECT_EQ(record->lookup8 != nullptr, result == kSuccess) << fields[0];
+      if (result == kSuccess) {
+        ConvertFromDib(described.Get(), form, header, {});
+        EXPECT_EQ(described->flags, 0u);
+        EXPECT_EQ(FieldsOf(*described.Get()), FieldsOf(*record.Get()));
+        BitmapScope pointers;
+        EXPECT_EQ(ConvertFromDib(pointers.Get(), form, &dib, dib.bits), kSuccess);
+        EXPECT_EQ(FieldsOf(*pointers.Get()), FieldsOf(*record.Get()));
+        for (BitmapHandle* converted : {record.Get(), pointers.Get()}) {
+          if (converted->colours == 0) continue;
+          EXPECT_EQ(PaletteOf(*converted)[1], (PaletteEntry{1, 2, 3, 0}));
+          EXPECT_EQ(FirstColumn(*converted), (std::vector{0x50, 0, 0, 0}));
+        }
+      }
+    }
+    EXPECT_EQ(test::LiveKernelHandles(), handles) << fields[0];
+    return outcome;
+  });
+  EXPECT_EQ(ConvertFromDib(nullptr, kCurrentForm, Bytes{}, Bytes{}), kInvalidArgument);
 }
 
 }  // namespace

@@ -10,8 +10,10 @@
 #include "imaging/lifecycle/dib_section.h"
 #include "imaging/settings_scope.h"
 #include "imaging/storage/rows.h"
+#include "support/case_table.h"
 #include "support/holdings.h"
 #include "support/import_patch.h"
+#include "support/line.h"
 
 namespace quillo::imaging {
 namespace {
@@ -19,31 +21,7 @@ namespace {
 constexpr uint32_t kWidth = 100;
 constexpr uint32_t kHeight = 50;
 
-struct Kind {
-  const char* name;
-  uint32_t memory_type;
-  uint32_t bits;
-  int64_t threshold;  // bytes
-  int64_t maximum;    // bytes; 0: everything above the threshold is too much
-  uint32_t flags;     // the storage that has to come out
-  int files;          // temporary files while it lives
-};
-
-constexpr int64_t kRoomy = INT64_MAX;
 constexpr uint32_t kInMemory = kAllocated | kMemory;
-
-const Kind kKinds[] = {
-    {"section", 1, 24, 0, kRoomy, kInMemory, 0},
-    {"section of type 8", 8, 24, 0, kRoomy, kInMemory, 0},
-    {"large section", 1, 24, 1000, kRoomy, kInMemory, 0},
-    {"small bitmap asked onto disk", 4, 24, 0, 0, kInMemory, 0},
-    {"tiles asked for", 4, 24, 1000, kRoomy, kInMemory | kTiled, 13},
-    {"tiles for want of memory", 1, 24, 1000, 0, kInMemory | kTiled, 13},
-    {"file for want of memory", 9, 24, 1000, 0, kAllocated | kDisk, 1},
-    {"file always", 128, 24, 0, kRoomy, kAllocated | kDisk, 1},
-    {"chunks", 768, 1, 0, kRoomy, kInMemory | kCompressed, 0},
-    {"chunks for 1 bit alone", 768, 8, 0, kRoomy, kInMemory, 0},
-};
 
 std::vector<std::byte> RowOf(const BitmapHandle& record, uint32_t y) {
   std::mt19937 random(y);
@@ -71,24 +49,23 @@ void ExpectRows(const BitmapHandle& record, const char* name) {
 }
 
 TEST(Storage, EveryKind_KeepsRowsAndLeavesNothing) {
-  for (const Kind& kind : kKinds) {
+  test::CheckCases("imaging/storage_kinds.txt", [](const auto& fields) {
+    const char* name = fields[0].c_str();
     SettingsScope settings;
     const TemporaryDirectory directory;
-    settings->memory_threshold = kind.threshold;
-    settings->maximum_memory = kind.maximum;
+    uint32_t type = 0, bits = 0;
+    test::Scan(fields[1], type, bits, settings->memory_threshold, settings->maximum_memory);
     settings->tile_size = 1300;  // four rows of 24 bits
     const auto before = test::Holdings::Now();
     BitmapHandle record{};
-    ASSERT_EQ(Create(&record, Sized(kWidth, kHeight, kind.bits, kind.memory_type)), kSuccess)
-        << kind.name;
-    EXPECT_EQ(record.flags, kind.flags) << kind.name;
-    EXPECT_EQ(directory.Files(), kind.files) << kind.name;
-    if ((kind.flags & (kTiled | kCompressed)) == 0) {
-      EXPECT_EQ(reinterpret_cast<uintptr_t>(record.data_address) % 32, 0u) << kind.name;
+    EXPECT_EQ(Create(&record, Sized(kWidth, kHeight, bits, type)), kSuccess) << name;
+    const std::string outcome = test::Line(std::hex, record.flags, ' ', directory.Files());
+    if ((record.flags & (kTiled | kCompressed)) == 0) {
+      EXPECT_EQ(reinterpret_cast<uintptr_t>(record.data_address) % 32, 0u) << name;
     }
     EXPECT_EQ(record.lookup8[200], 200u);
     EXPECT_EQ(record.lookup16[60000], 60000u);
-    EXPECT_TRUE(IsValid(record)) << kind.name;
+    EXPECT_TRUE(IsValid(record)) << name;
     {
       const LockScope lock(record);
       EXPECT_EQ(record.lock->RecursionCount, 1);
@@ -96,18 +73,19 @@ TEST(Storage, EveryKind_KeepsRowsAndLeavesNothing) {
     EXPECT_EQ(record.lock->RecursionCount, 0);
     std::vector<std::byte> row(record.bytes_per_line, std::byte{1});
     EXPECT_EQ(FetchRow(record, kHeight - 1, row), kSuccess);
-    EXPECT_EQ(row, std::vector<std::byte>(row.size())) << kind.name << " starts with zeros";
+    EXPECT_EQ(row, std::vector<std::byte>(row.size())) << name << " starts with zeros";
     FillRows(record);
     FillRows(record);
-    ExpectRows(record, kind.name);
+    ExpectRows(record, name);
     Free(&record);
-    EXPECT_EQ(directory.Files(), 0) << kind.name;
+    EXPECT_EQ(directory.Files(), 0) << name;
     const auto after = test::Holdings::Now();
-    EXPECT_EQ(after.kernel_handles, before.kernel_handles) << kind.name;
-    EXPECT_LT(after.heap_bytes, before.heap_bytes + 4096) << kind.name;
+    EXPECT_EQ(after.kernel_handles, before.kernel_handles) << name;
+    EXPECT_LT(after.heap_bytes, before.heap_bytes + 4096) << name;
     EXPECT_EQ(record.lookup8, nullptr);
     EXPECT_EQ(record.lock, nullptr);
-  }
+    return outcome;
+  });
 }
 
 TEST(Storage, CompressedRowsThatGrow_AreKept) {
@@ -243,8 +221,8 @@ TEST(PresentAsDibSection, TilesAndOtherViews_AreRefusedAndTurned) {
   ASSERT_EQ(Create(tiled.Get(), Sized(40, 40, 24, kMemoryDisk)), kSuccess);
   EXPECT_EQ(PresentAsDibSection(tiled.Get()), nullptr);
 
-  // Every depth and every view of a bitmap with one white pixel, in column 3 of row 1.
-  const POINT seen[] = {{3, 1}, {1, 1}, {1, 1}, {3, 1}, {1, 3}, {1, 3}, {1, 1}, {1, 1}};
+  // Every depth and every view of a bitmap with one white pixel, in column 3 of row 0.
+  const POINT seen[] = {{3, 0}, {1, 0}, {1, 2}, {3, 2}, {0, 3}, {2, 3}, {2, 1}, {0, 1}};
   for (const uint32_t bits : {1u, 4u, 8u, 16u, 24u, 32u}) {
     for (uint32_t view = 1; view <= 8; ++view) {
       SCOPED_TRACE(std::to_string(bits) + " bits, view " + std::to_string(view));
@@ -255,7 +233,7 @@ TEST(PresentAsDibSection, TilesAndOtherViews_AreRefusedAndTurned) {
       for (uint32_t bit = 3 * bits; bit < 4 * bits; ++bit) {
         row[bit / 8] |= static_cast<std::byte>(0x80 >> bit % 8);
       }
-      StoreRow(*bitmap.Get(), 1, row);
+      StoreRow(*bitmap.Get(), 0, row);
       const DibSectionDc dc(PresentAsDibSection(bitmap.Get()));
       ASSERT_TRUE(dc);
       const POINT at = seen[view - 1];

@@ -211,6 +211,7 @@ class PlaybackScript : public testing::TestWithParam<const char*> {
       out << " '" << Narrow({argument, static_cast<size_t>(behind)}) << '\'';
     } else {
       const bool points = std::is_same_v<T, const POINT*>;
+      EXPECT_EQ(reinterpret_cast<uintptr_t>(argument) % alignof(DWORD), 0u);
       const bool array = std::is_same_v<T, const DWORD*>;
       ShowFields<LONG>(out, argument,
                        static_cast<size_t>(points  ? 2 * behind

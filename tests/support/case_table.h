@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <fstream>
 #include <gtest/gtest.h>
+#include <sstream>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -51,6 +52,14 @@ inline std::vector<CaseRow> ReadCases(const std::string& table) {
     row.fields.push_back(Unescaped(rest));
   }
   return rows;
+}
+
+/// The words of a text, with numbers as C++ writes them.
+template <typename... T>
+void Scan(const std::string& text, T&... values) {
+  std::istringstream words(text);
+  words.unsetf(std::ios::basefield);
+  (words >> ... >> values);
 }
 
 /// Expects each row's last field to be what `outcome` makes of the row's fields.
