@@ -88,6 +88,10 @@ inline Words ReadWords(MemoryCmap source) {
   return !words.empty() && ReadCmap4(source, words) ? words : Words();
 }
 
+inline Words WordsOf(const std::vector<SegmentFields>& segments, const Words& glyphs = {}) {
+  return ReadWords(MemoryCmap(Cmap(Subtable4(segments, glyphs))));
+}
+
 /// The map from glyphs back to characters.
 inline Words InverseMap(const Words& words) {
   const fonts::Cmap4Table cmap(words);

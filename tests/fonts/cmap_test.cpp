@@ -1,0 +1,174 @@
+#include <filesystem>
+#include <fstream>
+#include <gtest/gtest.h>
+#include <random>
+#include <sstream>
+#include <string>
+
+#include "fonts/cmap4_table.h"
+#include "fonts/font_tables.h"
+#include "fonts/inverse_map.h"
+#include "support/case_table.h"
+#include "support/corpus.h"
+#include "support/line.h"
+
+namespace quillo::test {
+namespace {
+
+using fonts::Cmap4Table;
+
+/// The words of a subtable by texts: "START END DELTA RANGE_OFFSET, ..." and "GLYPH ...".
+Words WordsOf(const std::string& segments, const std::string& glyphs) {
+  std::vector<SegmentFields> fields;
+  std::istringstream parts(segments);
+  for (std::string part; std::getline(parts, part, ',');) {
+    SegmentFields& s = fields.emplace_back();
+    Scan(part, s.start, s.end, s.delta, s.range_offset);
+  }
+  Words entries;
+  std::istringstream numbers(glyphs);
+  for (uint16_t number; numbers >> number;) entries.push_back(number);
+  return WordsOf(fields, entries);
+}
+
+const SegmentFields kAscii = {0x20, 0x7E, static_cast<uint16_t>(-29), 0};
+const SegmentFields kEnd = {0xFFFF, 0xFFFF, 1, 0};
+
+TEST(ReadCmap4, EncodingRecords_LastOneGivesTheSubtable) {
+  Words subtables = Subtable4({kAscii, kEnd});
+  const auto format12 = static_cast<uint16_t>(2 * subtables.size());
+  subtables.insert(subtables.end(), {12, 0, 0, 28, 0, 0, 0, 1});
+  const struct {
+    std::vector<EncodingFields> records;
+    bool readable;
+  } cases[] = {
+      {{}, false},
+      {{{3, 1}}, true},
+      {{{3, 0}}, true},
+      {{{1, 0}}, false},
+      {{{0, 3}, {1, 0, format12}, {3, 1}}, true},
+      {{{3, 1}, {3, 10, format12}}, false},
+      {{{3, 1, format12}, {3, 10}}, true},
+  };
+  for (const auto& c : cases) {
+    EXPECT_NE(ReadWords(MemoryCmap(Cmap(subtables, c.records))).empty(), c.readable) << &c - cases;
+  }
+}
+
+TEST(ReadCmap4, Truncations_FailInFrontOfTheSegmentsAndReadZeroBehind) {
+  const auto whole = Cmap(Subtable4({kAscii, {0x100, 0x101, 0, 4}, kEnd}, {7, 8}));
+  constexpr uint32_t kSegments = 4 + 8 + 14;
+  for (size_t size = 0; size < whole.size(); ++size) {
+    const Words words = ReadWords(MemoryCmap(Bytes(whole).first(size)));
+    EXPECT_EQ(words.empty(), size < kSegments) << size;
+    if (size + 2 == whole.size()) {
+      EXPECT_EQ(Cmap4Table(words).GlyphOf(0x100), 7);
+      EXPECT_EQ(Cmap4Table(words).GlyphOf(0x101), 0);
+    }
+  }
+  EXPECT_TRUE(ReadWords(MemoryCmap(whole, /*fails_from=*/kSegments)).empty());
+  MemoryCmap source(whole);
+  Words too_short(Cmap4Size(source) / 2 - 1);
+  EXPECT_FALSE(ReadCmap4(source, too_short));
+}
+
+TEST(ReadCmap4, StatedLength_MustHoldTheSegments) {
+  const struct {
+    uint16_t length;
+    uint32_t size;
+  } cases[] = {{13, 0}, {31, 0}, {32, 38}, {33, 39}, {0xFFFF, 0xFFFF + 6}};
+  for (const auto& c : cases) {
+    const auto cmap = Cmap(Subtable4({kAscii, kEnd}, {}, c.length));
+    MemoryCmap source(cmap);
+    EXPECT_EQ(Cmap4Size(source), c.size);
+    EXPECT_EQ(ReadWords(source).empty(), c.size == 0) << c.length;
+  }
+}
+
+TEST(Cmap4Table, GlyphOf_FollowsTheFirstSegmentThatEndsAtOrBehind) {
+  CheckCases("fonts/cmap4.txt", [](const auto& fields) {
+    const Words words = WordsOf(fields[1], fields[2]);
+    const Cmap4Table table(words);
+    return Line(table.GlyphOf(static_cast<uint16_t>(std::stoi(fields[3], nullptr, 0))), ' ',
+                table.MappedCount());
+  });
+  EXPECT_EQ(Cmap4Table().GlyphOf('A'), 0);
+}
+
+TEST(InverseMap, LastScannedCharacter_Stays) {
+  CheckCases("fonts/inverse_maps.txt", [](const auto& fields) {
+    std::string characters;
+    for (const uint16_t character : InverseMap(WordsOf(fields[1], fields[2]))) {
+      characters += (characters.empty() ? "" : " ") + std::to_string(character);
+    }
+    return characters;
+  });
+}
+
+/// Digests (FNV-1a over the entries) of maps that were computed character by character.
+TEST(InverseMap, RandomSegments_BecomeKnownMaps) {
+  std::ifstream golden(std::filesystem::path(QUILLO_SOURCE_DIR) /
+                       "tests/corpus/fonts/random_maps.txt");
+  std::mt19937 random(20240601);
+  const auto below = [&](uint32_t n) { return static_cast<uint16_t>(random() % n); };
+  for (int round = 0; round < 60; ++round) {
+    const bool rising = round % 2 == 0;
+    std::vector<SegmentFields> segments;
+    uint32_t position = 0;
+    for (uint32_t left = 1 + below(12); left != 0; --left) {
+      const uint32_t start = rising ? position + below(3000) : below(65535);
+      const uint32_t end = std::min<uint32_t>(65535, start + below(rising ? 2000 : 9000));
+      position = end + 1;
+      // Low glyphs, so that characters meet; now and then any.
+      const auto delta = static_cast<uint16_t>(below(4) == 0 ? random() : below(300) - start);
+      const uint32_t uses_glyphs = below(2);
+      const auto range_offset = static_cast<uint16_t>(uses_glyphs * 2 * (left + below(40)));
+      segments.push_back(
+          {static_cast<uint16_t>(start), static_cast<uint16_t>(end), delta, range_offset});
+    }
+    Words glyphs(below(3000));
+    for (uint16_t& glyph : glyphs) {
+      glyph = below(400);
+      if (below(5) == 0) glyph = 0;
+    }
+    uint32_t digest = 2166136261u, expected = 0;
+    for (const uint16_t entry : InverseMap(WordsOf(segments, glyphs))) {
+      digest = (digest ^ entry) * 16777619u;
+    }
+    golden >> std::hex >> expected;
+    EXPECT_EQ(digest, expected) << "round " << round;
+  }
+}
+
+TEST(InverseMap, MostOverlaps_TakeNoLongerThanTheCharacters) {
+  // A scan by the letter would take half a thousand million steps for each pass.
+  std::vector<SegmentFields> segments(fonts::kMaxCmap4Segments, {1, 0xFFFE, 0, 0});
+  segments.back() = {0, 0xFFFD, 0, 0};
+  const Words table = InverseMap(WordsOf(segments));
+  ASSERT_EQ(table.size(), 0xFFFFu);
+  for (uint32_t glyph = 0; glyph < table.size(); ++glyph) ASSERT_EQ(table[glyph], glyph);
+}
+
+TEST(InverseMap, FontCorpus_LeadsBackToTheGlyphs) {
+  for (const char* folder : {"fonts", "fonts-broken"}) {
+    size_t with_map = 0;
+    const auto files = CorpusFiles(folder);
+    if (files.empty()) GTEST_SKIP() << "no corpus: ../shared/corpus/" << folder << " is absent";
+    for (const auto& path : files) {
+      const auto file = ReadFile(path);
+      const Words words = ReadWords(MemoryCmap(FindTable(file, kCmapTag)));
+      if (words.empty()) continue;
+      const Words table = InverseMap(words);
+      const Cmap4Table cmap(words);
+      for (size_t glyph = 1; glyph < table.size(); ++glyph) {
+        const uint16_t character = table[glyph];
+        ASSERT_TRUE(character == fonts::kNoCharacter || cmap.GlyphOf(character) == glyph) << path;
+      }
+      with_map += !table.empty();
+    }
+    EXPECT_GT(with_map, 0u) << folder;
+  }
+}
+
+}  // namespace
+}  // namespace quillo::test
