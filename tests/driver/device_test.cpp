@@ -90,24 +90,19 @@ TEST_F(Device, EnableFailures_LeaveNothing) {
 
 /// Handles that are no living device.
 std::vector<DHPDEV> ForeignHandles(DHPDEV freed) {
-  alignas(DEVICE_PDEV) static std::array<std::byte, 2 * sizeof(DEVICE_PDEV)> foreign;
-  const auto sign = [](uint32_t opening, uint32_t closing) {
-    DEVICE_PDEV device = {};
-    device.signature = opening;
-    device.closing_signature = closing;
-    return device;
+  static DEVICE_PDEV unmarked, half_signed, other_half, whole;
+  half_signed.signature = other_half.closing_signature = kDeviceSignature;
+  whole.signature = whole.closing_signature = kDeviceSignature;
+  const auto at = [](const void* address) {
+    return static_cast<DHPDEV>(const_cast<void*>(address));
   };
-  static DEVICE_PDEV half_signed = sign(kDeviceSignature, 0);
-  static DEVICE_PDEV other_half = sign(0, kDeviceSignature);
-  static DEVICE_PDEV whole = sign(kDeviceSignature, kDeviceSignature);
-  const auto misaligned = reinterpret_cast<std::byte*>(&whole) + 4;
   return {nullptr,
-          reinterpret_cast<DHPDEV>(uintptr_t{1}),
-          reinterpret_cast<DHPDEV>(uintptr_t{0x8000}),
-          reinterpret_cast<DHPDEV>(foreign.data()),
-          reinterpret_cast<DHPDEV>(&half_signed),
-          reinterpret_cast<DHPDEV>(&other_half),
-          reinterpret_cast<DHPDEV>(misaligned),
+          at(reinterpret_cast<void*>(1)),
+          at(reinterpret_cast<void*>(0x8000)),
+          at(&unmarked),
+          at(&half_signed),
+          at(&other_half),
+          at(reinterpret_cast<const std::byte*>(&whole) + 4),
           freed};
 }
 

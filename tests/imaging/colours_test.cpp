@@ -52,14 +52,13 @@ TEST(ChoosePaintMethod, EveryRule_GivesItsMethod) {
       {"fixed16", Fixed(16)},
       {"fixed256", Fixed(256)},
       {"none", {}}};
-  const std::vector<TableRow> cases = ReadTable("paint_methods.txt");
-  EXPECT_GT(cases.size(), 45u);
-  for (const TableRow& c : cases) {
-    const RowFormat bitmap{c.Unsigned(0), c.Unsigned(1), palettes.at(c.fields.at(2))};
-    EXPECT_EQ(ChoosePaintMethod(bitmap, c.Unsigned(3), kOrderColour, c.Unsigned(4)),
-              static_cast<PaintMethod>(c.Number(5)))
-        << bitmap.bits << " bits, depth " << c.fields.at(3) << ", mode " << c.fields.at(4);
-  }
+  test::CheckCases("imaging/paint_methods.txt", [&palettes](const auto& fields) {
+    uint32_t bits = 0, order = 0, depth = 0, mode = 0;
+    std::string palette;
+    test::Scan(fields[0], bits, order, palette, depth, mode);
+    const RowFormat bitmap{bits, order, palettes.at(palette)};
+    return std::to_string(static_cast<int>(ChoosePaintMethod(bitmap, depth, kOrderColour, mode)));
+  });
   EXPECT_EQ(ChoosePaintMethod({24, kOrderRedFirst, {}}, 24, kOrderRedFirst, kModeKeepRedFirst),
             PaintMethod::kAsIs);
   const uint32_t depths[][2] = {{1, 1}, {3, 1}, {4, 4}, {7, 4}, {8, 8}, {15, 8}, {16, 24}};

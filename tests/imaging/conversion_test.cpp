@@ -1,7 +1,10 @@
 #include <algorithm>
 #include <array>
 #include <cmath>
+#include <filesystem>
 #include <gtest/gtest.h>
+#include <iomanip>
+#include <string>
 #include <vector>
 
 #include "imaging/dib/bit_fields.h"
@@ -9,8 +12,10 @@
 #include "imaging/dib/yuv.h"
 #include "imaging/dib_convert.h"
 #include "imaging/noise.h"
+#include "imaging/pixels/row_format.h"
 #include "imaging/table.h"
 #include "support/case_table.h"
+#include "support/corpus.h"
 #include "support/line.h"
 
 namespace quillo::imaging {
@@ -39,25 +44,18 @@ uint32_t CompressionOf(const std::string& name) {
 }
 
 TEST(AnalyseDib, HeadersAndCompressions_GiveTheirCodes) {
-  const std::vector<TableRow> cases = ReadTable("dib_headers.txt");
-  EXPECT_GT(cases.size(), 20u);
-  for (const TableRow& c : cases) {
-    const auto width = static_cast<int32_t>(c.Number(0)),
-               height = static_cast<int32_t>(c.Number(1));
-    const std::string& expected = c.fields.at(4);
-    const int result = expected == "unsupported" ? kUnsupportedFormat
-                       : expected == "invalid"   ? kInvalidArgument
-                                                 : kSuccess;
+  test::CheckCases("imaging/dib_headers.txt", [](const auto& fields) -> std::string {
+    Header header;
+    std::string compression;
+    test::Scan(fields[0], header.width, header.height, header.bits, compression);
+    header.compression = CompressionOf(compression);
     DibDescription dib;
-    EXPECT_EQ(AnalyseDib(AsBytes({.width = width,
-                                  .height = height,
-                                  .bits = static_cast<uint16_t>(c.Number(2)),
-                                  .compression = CompressionOf(c.fields.at(3))}),
-                         &dib),
-              result)
-        << c.fields.at(3) << ' ' << width << 'x' << height;
-    EXPECT_EQ(dib.bits_per_pixel, c.Unsigned(4)) << c.fields.at(3);
-  }
+    const int result = AnalyseDib(AsBytes(header), &dib);
+    EXPECT_EQ(dib.bits_per_pixel != 0, result == kSuccess) << compression;
+    return result == kUnsupportedFormat ? "unsupported"
+           : result == kInvalidArgument ? "invalid"
+                                        : std::to_string(dib.bits_per_pixel);
+  });
   for (const uint32_t size : {0u, 39u}) {
     DibDescription dib;
     EXPECT_EQ(AnalyseDib(AsBytes({.size = size}), &dib), kUnsupportedFormat) << size;
@@ -91,16 +89,15 @@ TEST(ReadColourTable, ShortTables_AreBlackOrGrey) {
 }
 
 TEST(BitFieldConverter, AnyMasks_ScaleToTheRange) {
-  const std::vector<TableRow> cases = ReadTable("bit_fields.txt");
-  EXPECT_GT(cases.size(), 10u);
-  for (const TableRow& c : cases) {
-    const uint32_t pixel = c.Unsigned(4);
-    uint32_t result = 0;
-    BitFieldConverter(c.Unsigned(0), {c.Unsigned(1), c.Unsigned(2), c.Unsigned(3)})
+  test::CheckCases("imaging/bit_fields.txt", [](const auto& fields) {
+    uint32_t bits = 0, red = 0, green = 0, blue = 0, pixel = 0, result = 0;
+    test::Scan(fields[0], bits, red, green, blue, pixel);
+    BitFieldConverter(bits, {red, green, blue})
         .Convert(std::as_bytes(std::span(&pixel, 1)), 1,
                  std::as_writable_bytes(std::span(&result, 1)));
-    EXPECT_EQ(result, c.Unsigned(5)) << std::hex << pixel << " becomes " << result;
-  }
+    return test::Line("0x", std::hex, std::uppercase, std::setfill('0'),
+                      std::setw(bits == 16 ? 4 : 8), result);
+  });
 }
 
 using Rgb = std::array<int, 3>;  // red, green, blue
@@ -210,6 +207,58 @@ TEST(ConvertDibRows, DamagedInput_ReadsNothingOutside) {
         }
       }
     }
+  }
+}
+
+constexpr size_t kFileHeader = 14;
+
+/// Converts the DIB of a file. One without a file header has its bits right after the colour table.
+ConvertedDib ConvertFile(const std::filesystem::path& path) {
+  const std::vector<std::byte> file = test::ReadFile(path);
+  const Bytes whole = file;
+  const size_t start = path.extension() == ".dib" ? 0 : std::min(kFileHeader, whole.size());
+  const Bytes dib = whole.subspan(start);
+  size_t bits_at = LoadOrZero<uint32_t>(whole, 10) - kFileHeader;
+  if (start == 0) {
+    DibDescription description;
+    if (AnalyseDib(dib, &description) != kSuccess) return {};
+    bits_at = description.colour_table + description.colours * description.colour_entry;
+  }
+  bits_at = std::min(bits_at, dib.size());
+  return ConvertInMemory(dib.first(bits_at), dib.subspan(bits_at));
+}
+
+/// The colours of a converted bitmap, top row first.
+uint32_t PictureDigest(const ConvertedDib& converted) {
+  const Geometry& size = converted.geometry;
+  const RowFormat format{size.bits_per_pixel,
+                         size.bits_per_pixel <= 8 ? kOrderPalette : kOrderColour,
+                         converted.palette};
+  const bool top_first = converted.dib.negative_height != IsYuv(converted.dib.layout);
+  std::vector<Colour16> colours(size.width);
+  std::vector<PaletteEntry> picture;
+  for (uint32_t y = 0; y < size.height; ++y) {
+    const uint32_t row = top_first ? y : size.height - 1 - y;
+    DecodeRow(format, converted.rows.data() + uint64_t{row} * size.bytes_per_line, 0, colours);
+    for (const Colour16 colour : colours) picture.push_back(ToEntry(colour));
+  }
+  return Digest(std::as_bytes(std::span(picture)));
+}
+
+/// Compared once with the reference pictures of the files; the table holds what came out.
+TEST(BmpCorpus, EveryFile_BecomesItsPictureOrIsRefused) {
+  const std::filesystem::path corpus =
+      std::filesystem::path(QUILLO_SOURCE_DIR) / "../shared/corpus";
+  const std::vector<TableRow> cases = ReadTable("bmp_pictures.txt");
+  EXPECT_GT(cases.size(), 40u);
+  if (!std::filesystem::exists(corpus / "bmp")) {
+    GTEST_SKIP() << "no corpus: ../shared/corpus/bmp is absent";
+  }
+  for (const TableRow& c : cases) {
+    const ConvertedDib converted = ConvertFile(corpus / c.fields.at(0));
+    EXPECT_EQ(converted.result, c.Number(1)) << c.fields.at(0);
+    EXPECT_EQ(converted.result == kSuccess ? PictureDigest(converted) : 0, c.Unsigned(2))
+        << c.fields.at(0);
   }
 }
 
