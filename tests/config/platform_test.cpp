@@ -7,13 +7,12 @@
 #include "config/platform/message_box.h"
 #include "resources/string_ids.h"
 #include "support/built_file.h"
-#include "support/import_patch.h"
 #include "support/late_functions.h"
+#include "support/watch.h"
 
 namespace quillo {
 namespace {
 
-using test::ImportPatch;
 using test::LateFunctions;
 
 TEST(PlatformKindOf, HighBitAndMajorVersion) {
@@ -22,16 +21,14 @@ TEST(PlatformKindOf, HighBitAndMajorVersion) {
   EXPECT_EQ(PlatformKindOf(0x80000A03), PlatformKind::kOther);
 }
 
-DWORD nt_version;  // of a system that knows the plain structure only; 0 = not even that
-
 TEST(IsNt6OrLater, ExtendedThenPlainStructure) {
   EXPECT_TRUE(IsNt6OrLater());
-  const ImportPatch patch(
-      "GetVersionExW", +[](OSVERSIONINFOW* version) WINAPI -> BOOL {
-        version->dwPlatformId = VER_PLATFORM_WIN32_NT;
-        version->dwMajorVersion = nt_version;
-        return version->dwOSVersionInfoSize == 276 && nt_version != 0;
-      });
+  DWORD nt_version = 0;  // of a system that knows the plain structure only; 0 = not even that
+  const WATCH(GetVersionExW) get([&nt_version](OSVERSIONINFOW* version) {
+    version->dwPlatformId = VER_PLATFORM_WIN32_NT;
+    version->dwMajorVersion = nt_version;
+    return version->dwOSVersionInfoSize == 276 && nt_version != 0;
+  });
   for (const auto& [version, expected] : {std::pair{0u, false}, {5u, false}, {6u, true}}) {
     nt_version = version;
     EXPECT_EQ(IsNt6OrLater(), expected) << version;
@@ -82,8 +79,7 @@ TEST(IsAdministrator, FunctionsMissing_OnlyThe9xFamilyIs) {
     functions.Miss(name);
     EXPECT_FALSE(IsAdministrator()) << name;
   }
-  const ImportPatch version(
-      "GetVersion", +[]() WINAPI { return DWORD{0xC0000A04}; });
+  const WATCH(GetVersion) version(DWORD{0xC0000A04});
   EXPECT_TRUE(IsAdministrator());
 }
 
@@ -115,16 +111,14 @@ TEST(Wow64, FunctionsMissing_NothingIsSwitched) {
   EXPECT_FALSE(RevertFsRedirection(state));
 }
 
-std::wstring shown;  // "caption: text, style"
-
-int WINAPI Show(HWND, const wchar_t* text, const wchar_t* caption, UINT style) {
-  shown = std::wstring(caption) + L": " + (text != nullptr ? text : L"");
-  shown += L", " + std::to_wstring(style);
-  return IDRETRY;
-}
-
 TEST(MessageBox, TextsOfResourcesAndOfTheSystem) {
-  const ImportPatch patch("MessageBoxW", Show);
+  std::wstring shown;  // "caption: text, style"
+  const WATCH(MessageBoxW)
+      show([&shown](HWND, const wchar_t* text, const wchar_t* caption, UINT style) {
+        shown = std::wstring(caption) + L": " + (text != nullptr ? text : L"");
+        shown += L", " + std::to_wstring(style);
+        return IDRETRY;
+      });
   const Library resources(LoadLibraryW(test::BuiltFile(L"QXRES06X.dll").c_str()));
   ASSERT_TRUE(resources);
   EXPECT_EQ(ShowResourceMessage(resources.Get(), IDS_NO_MORE_CUSTOM_PAPERS, IDS_ERROR, 5), IDRETRY);

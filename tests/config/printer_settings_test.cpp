@@ -5,7 +5,7 @@
 #include "config/papers/custom_papers.h"
 #include "config/settings/printer_options.h"
 #include "config/settings_test.h"
-#include "support/import_patch.h"
+#include "support/watch.h"
 
 namespace quillo {
 namespace {
@@ -32,31 +32,19 @@ TEST_F(PrinterSettingsTest, NotOpen_BadArgument_Denied) {
   EXPECT_EQ(SaveCustomPapers(L"no such printer", nullptr), SETTINGS_NOT_OPEN);
 
   const auto write = [&] { return open.WriteStore(L"v", REG_SZ, {}, SettingsStore::kUser); };
-  const ImportPatch set(
-      "RegSetValueExW", +[](HKEY, const wchar_t*, DWORD, DWORD, const BYTE*, DWORD)
-                             WINAPI { return LSTATUS{ERROR_ACCESS_DENIED}; });
+  const WATCH(RegSetValueExW) set(LSTATUS{ERROR_ACCESS_DENIED});
   EXPECT_EQ(write(), SETTINGS_SET_FAILED);
-  const ImportPatch create(
-      "RegCreateKeyExW",
-      +[](HKEY, const wchar_t*, DWORD, wchar_t*, DWORD, REGSAM, SECURITY_ATTRIBUTES*, HKEY*, DWORD*)
-           WINAPI { return LSTATUS{ERROR_ACCESS_DENIED}; });
+  const WATCH(RegCreateKeyExW) create(LSTATUS{ERROR_ACCESS_DENIED});
   EXPECT_EQ(write(), SETTINGS_KEY_FAILED);
-  const ImportPatch data(
-      "SetPrinterDataW",
-      +[](HANDLE, wchar_t*, DWORD, BYTE*, DWORD) WINAPI { return DWORD{ERROR_ACCESS_DENIED}; });
+  const WATCH(SetPrinterDataW) data(DWORD{ERROR_ACCESS_DENIED});
   EXPECT_EQ(open.Write(L"v", REG_SZ, {}, SettingsPlace::kPrinterData), SETTINGS_WRITE_FAILED);
 }
 
 TEST_F(PrinterSettingsTest, CustomPapers_UnwritableValue) {
-  static std::wstring unwritable;
-  static decltype(RegSetValueExW)* set;
-  const ImportPatch patch(
-      "RegSetValueExW",
-      +[](HKEY key, const wchar_t* name, DWORD zero, DWORD type, const BYTE* data, DWORD size)
-           WINAPI -> LSTATUS {
-        return name == unwritable ? ERROR_DISK_FULL : set(key, name, zero, type, data, size);
-      });
-  set = patch.Original<decltype(RegSetValueExW)>();
+  std::wstring unwritable;
+  const WATCH(RegSetValueExW) set([&](HKEY key, const wchar_t* name, auto... value) {
+    return name == unwritable ? ERROR_DISK_FULL : set.CallOriginal(key, name, value...);
+  });
   const CustomPapers paper(NewCustomPaper());
   for (const wchar_t* name : {L"CustomPaperDim", L"PaperID", L"Custom Papers Count"}) {
     unwritable = name;
@@ -64,24 +52,20 @@ TEST_F(PrinterSettingsTest, CustomPapers_UnwritableValue) {
   }
 }
 
-// Between asking for the size and reading, the printer's "InfoKey" becomes this long; -1 = gone.
-int size_by_then;
-decltype(GetPrinterDataW)* get_printer_data;
-
-DWORD WINAPI ChangeAfterQuery(HANDLE printer, wchar_t* name, DWORD* type, BYTE* data, DWORD size,
-                              DWORD* needed) {
-  BYTE bytes[16] = {};
-  if (data != nullptr && std::wstring(name) == L"InfoKey") {
-    if (size_by_then < 0) return ERROR_FILE_NOT_FOUND;
-    SetPrinterDataW(printer, name, REG_BINARY, bytes, static_cast<DWORD>(size_by_then));
-  }
-  return get_printer_data(printer, name, type, data, size, needed);
-}
-
 TEST_F(PrinterSettingsTest, ValueChangedBetweenQueryAndRead) {
   PutData(L"DriverFlags", Number(1));
-  const ImportPatch patch("GetPrinterDataW", ChangeAfterQuery);
-  get_printer_data = patch.Original<decltype(GetPrinterDataW)>();
+  // Between asking for the size and reading, the value becomes this long; -1 =
+  // gone.
+  int size_by_then = 0;
+  const WATCH(GetPrinterDataW)
+      get([&](HANDLE printer, wchar_t* name, DWORD* type, BYTE* data, auto... sizes) -> DWORD {
+        BYTE bytes[16] = {};
+        if (data != nullptr && std::wstring(name) == L"InfoKey") {
+          if (size_by_then < 0) return ERROR_FILE_NOT_FOUND;
+          SetPrinterDataW(printer, name, REG_BINARY, bytes, static_cast<DWORD>(size_by_then));
+        }
+        return get.CallOriginal(printer, name, type, data, sizes...);
+      });
   for (const auto& [by_then, expected] : {std::pair{8, 8u}, {-1, 0u}, {9, 0u}, {3, 3u}}) {
     PutData(L"InfoKey", Zeros(8));
     size_by_then = by_then;
@@ -91,13 +75,11 @@ TEST_F(PrinterSettingsTest, ValueChangedBetweenQueryAndRead) {
   }
 }
 
-BOOL WINAPI RefuseAllButMask8(wchar_t*, HANDLE*, PRINTER_DEFAULTSW* defaults) {
-  if (defaults->DesiredAccess != 8) std::exit(1);
-  return FALSE;
-}
-
 void OpenWithTwoMasks() {
-  const ImportPatch patch("OpenPrinterW", RefuseAllButMask8);
+  const WATCH(OpenPrinterW) open([](auto, auto, PRINTER_DEFAULTSW* defaults) {
+    if (defaults->DesiredAccess != 8) std::exit(1);
+    return FALSE;
+  });
   const PrinterSettings first(kTestPrinter, 8);
   const PrinterSettings second(kTestPrinter, PRINTER_ALL_ACCESS);
   std::exit(0);

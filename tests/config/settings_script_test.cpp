@@ -14,8 +14,8 @@
 #include "config/settings_test.h"
 #include "config/user/user_paths.h"
 #include "support/holdings.h"
-#include "support/import_patch.h"
 #include "support/late_functions.h"
+#include "support/watch.h"
 
 // The scripts of tests/corpus/settings. Empty lines stand between cases; each starts with an empty
 // registry. A line is a command of commands_ and, after " > ", what it is expected to return.
@@ -144,23 +144,8 @@ void ExpectReads(const PrinterSettings& settings, const std::string& place, cons
   }
 }
 
-std::optional<DeviceMode> spooler_default;  // what the spooler holds as the printer's default
-decltype(GetPrinterW)* get_printer;
-
-BOOL WINAPI GetPrinterWithDefault(HANDLE printer, DWORD level, BYTE* info, DWORD size,
-                                  DWORD* needed) {
-  const BOOL result = get_printer(printer, level, info, size, needed);
-  if (result && level == 2) {
-    reinterpret_cast<PRINTER_INFO_2W*>(info)->pDevMode =
-        spooler_default ? &spooler_default->pub : nullptr;
-  }
-  return result;
-}
-
 class SettingsScripts : public SettingsTest {
  protected:
-  SettingsScripts() { get_printer = patch_.Original<decltype(GetPrinterW)>(); }
-
   void RunScript(const std::string& name) {
     std::ifstream script(std::filesystem::path(QUILLO_SOURCE_DIR) / "tests/corpus/settings" / name);
     ASSERT_TRUE(script);
@@ -173,7 +158,8 @@ class SettingsScripts : public SettingsTest {
       if (std::exchange(afresh, false)) {
         StartAfresh();
         functions_.Restore();
-        spooler_default.reset();
+        spooler_default_.reset();
+        get_printer_.calls.clear();
       }
       const size_t end = text.find(" > ");
       std::istringstream line(text.substr(0, end));
@@ -188,9 +174,18 @@ class SettingsScripts : public SettingsTest {
  private:
   using Commands = std::map<std::string, std::function<void(std::istream&)>>;
 
-  std::ostringstream out_;   // what the command returns
-  LateFunctions functions_;  // without "EqualSid" nobody is an administrator
-  ImportPatch patch_{"GetPrinterW", GetPrinterWithDefault};
+  std::ostringstream out_;                     // what the command returns
+  LateFunctions functions_;                    // without "EqualSid" nobody is an administrator
+  std::optional<DeviceMode> spooler_default_;  // of the printer
+  WATCH(GetPrinterW)
+  get_printer_{[this](HANDLE printer, DWORD level, BYTE* info, DWORD size, DWORD* needed) {
+    const BOOL result = get_printer_.CallOriginal(printer, level, info, size, needed);
+    if (result && level == 2) {
+      reinterpret_cast<PRINTER_INFO_2W*>(info)->pDevMode =
+          spooler_default_ ? &spooler_default_->pub : nullptr;
+    }
+    return result;
+  }};
 
   const Commands commands_ = {
       {"put",  // HIVE KEY NAME VALUE
@@ -217,8 +212,9 @@ class SettingsScripts : public SettingsTest {
        }},
       {"person", [this](auto& line) { sandbox_->SwitchUser(WideWord(line).c_str()); }},  // NAME
       {"without", [this](auto& line) { functions_.Miss(Word(line).c_str()); }},          // FUNCTION
-      {"spooler", [](auto& line) { spooler_default = Mode(Integral<short>(line)); }},    // COPIES
-      {"read",  // PLACE NAME VALUE
+      {"spooler",
+       [this](auto& line) { spooler_default_ = Mode(Integral<short>(line)); }},  // COPIES
+      {"read",                                                                   // PLACE NAME VALUE
        [this](auto& line) {
          const std::string place = Word(line);
          const std::wstring name = WideWord(line);

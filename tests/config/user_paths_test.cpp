@@ -4,6 +4,7 @@
 
 #include "support/late_functions.h"
 #include "support/registry_sandbox.h"
+#include "support/watch.h"
 
 namespace quillo {
 namespace {
@@ -82,6 +83,8 @@ TEST(UserTempFolder, NoRoomAndNoExpansion) {
   RegDeleteKeyValueW(HKEY_CURRENT_USER, L"Environment", L"TMP");
   EXPECT_EQ(UserTempFolder(folder, MAX_PATH), spoolers_length);
   EXPECT_STREQ(folder, L"");
+  const WATCH(GetTempPathW) too_long(DWORD{MAX_PATH});  // all the room that it has
+  EXPECT_EQ(UserTempFolder(folder, MAX_PATH), 0u);
 }
 
 }  // namespace

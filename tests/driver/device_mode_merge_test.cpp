@@ -2,8 +2,9 @@
 
 #include <algorithm>
 #include <cstring>
-#include <functional>
 #include <gtest/gtest.h>
+
+#include "support/case_table.h"
 
 namespace quillo {
 namespace {
@@ -32,33 +33,22 @@ TEST(MergeDeviceMode, NoCaller_Unchanged) {
 }
 
 TEST(MergeDeviceMode, Shape_DecidesOnNameAndPrivatePart) {
-  const struct {
-    const char* what;
-    std::function<void(DEVMODEW&)> change;
-    bool taken;
-  } cases[] = {
-      {"own", [](DEVMODEW&) {}, true},
-      {"other system version", [](DEVMODEW& m) { m.dmSpecVersion = 0x0400; }, false},
-      {"other driver version", [](DEVMODEW& m) { m.dmDriverVersion = 0x0401; }, false},
-      {"other size", [](DEVMODEW& m) { m.dmSize = 188; }, false},
-      {"no private part", [](DEVMODEW& m) { m.dmDriverExtra = 0; }, false},
-      {"longer private part", [](DEVMODEW& m) { m.dmDriverExtra = 833; }, false},
-  };
-  for (const auto& c : cases) {
-    SCOPED_TRACE(c.what);
+  test::CheckCases("driver/mode_shapes.txt", [](const auto& fields) {
     DeviceMode caller;
     BuildDefaultDeviceMode(caller, nullptr);
     std::fill_n(caller.pub.dmDeviceName, CCHDEVICENAME, L'x');  // without a terminator
     std::memset(&caller.own, 0x5A, sizeof caller.own);
-    c.change(caller.pub);
+    test::Scan(fields[1], caller.pub.dmSpecVersion, caller.pub.dmDriverVersion, caller.pub.dmSize,
+               caller.pub.dmDriverExtra);
     DeviceMode mode = Default();
     MergeDeviceMode(mode, &caller.pub);
+    const bool taken = mode.pub.dmDeviceName[0] == L'x';
     EXPECT_EQ(std::wstring(mode.pub.dmDeviceName),
-              c.taken ? std::wstring(CCHDEVICENAME - 1, L'x') : L"Some printer");
-    PrivatePart expected = {};
-    if (c.taken) expected = caller.own;
-    EXPECT_EQ(std::memcmp(&mode.own, &expected, sizeof expected), 0);
-  }
+              taken ? std::wstring(CCHDEVICENAME - 1, L'x') : L"Some printer");
+    const PrivatePart expected = taken ? caller.own : PrivatePart{};
+    EXPECT_EQ(std::memcmp(&mode.own, &expected, sizeof expected), 0) << fields[0];
+    return std::string(taken ? "taken" : "not taken");
+  });
 }
 
 }  // namespace

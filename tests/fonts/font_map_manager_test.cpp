@@ -5,7 +5,7 @@
 #include <string>
 
 #include "fonts/font_tables.h"
-#include "support/import_patch.h"
+#include "support/watch.h"
 
 namespace quillo::test {
 namespace {
@@ -21,32 +21,8 @@ struct FakeFont {
 
 FakeFont& FontOf(HDC dc) { return *reinterpret_cast<FakeFont*>(dc); }
 
-DWORD WINAPI FakeFontData(HDC dc, DWORD table, DWORD offset, void* buffer, DWORD size) {
-  EXPECT_EQ(table, 0x70616D63u);
-  FontOf(dc).loads += offset == 2;
-  return MemoryCmap(FontOf(dc).cmap).Read(offset, {static_cast<std::byte*>(buffer), size});
-}
-
-WINBOOL WINAPI FakeTextMetrics(HDC dc, TEXTMETRICW* metrics) {
-  *metrics = FontOf(dc).metrics;
-  return TRUE;
-}
-
-int WINAPI FakeTextFace(HDC dc, int count, wchar_t* face) {
-  EXPECT_EQ(count, 64);
-  const std::wstring& name = FontOf(dc).face;
-  face[name.copy(face, 63)] = L'\0';
-  return static_cast<int>(std::min<size_t>(name.size(), 63));  // 0: no face
-}
-
 class FontMapManagerTest : public testing::Test {
  protected:
-  FontMapManagerTest() {
-    granted_ = 1 << 30;
-    live_ = 0;
-    system_allocate_ = allocate_.Original<decltype(GlobalAlloc)>();
-    system_free_ = free_.Original<decltype(GlobalFree)>();
-  }
   ~FontMapManagerTest() override {
     manager_.reset();
     EXPECT_EQ(live_, 0) << "global blocks are left";
@@ -68,24 +44,38 @@ class FontMapManagerTest : public testing::Test {
     return font.loads != loads_before;
   }
 
-  static HGLOBAL WINAPI Allocate(UINT flags, SIZE_T bytes) {
+  int granted_ = 1 << 30;  // allocations that succeed
+  int live_ = 0;
+  WATCH(GlobalAlloc)
+  allocate_{[this](UINT flags, SIZE_T bytes) -> HGLOBAL {
     EXPECT_EQ(flags, UINT{GMEM_MOVEABLE | GMEM_ZEROINIT});
     if (granted_-- <= 0) return nullptr;
     ++live_;
-    return system_allocate_(flags, bytes);
-  }
-  static HGLOBAL WINAPI Free(HGLOBAL block) {
+    return allocate_.CallOriginal(flags, bytes);
+  }};
+  WATCH(GlobalFree)
+  free_{[this](HGLOBAL block) {
     --live_;
-    return system_free_(block);
-  }
-
-  static inline int granted_ = 0;  // allocations that succeed
-  static inline int live_ = 0;
-  static inline decltype(GlobalAlloc)* system_allocate_ = nullptr;
-  static inline decltype(GlobalFree)* system_free_ = nullptr;
-  ImportPatch allocate_{"GlobalAlloc", &Allocate}, free_{"GlobalFree", &Free},
-      font_data_{"GetFontData", &FakeFontData}, metrics_{"GetTextMetricsW", &FakeTextMetrics},
-      face_{"GetTextFaceW", &FakeTextFace};
+    return free_.CallOriginal(block);
+  }};
+  WATCH(GetFontData)
+  font_data_{[](HDC dc, DWORD table, DWORD offset, void* buffer, DWORD size) {
+    EXPECT_EQ(table, 0x70616D63u);
+    FontOf(dc).loads += offset == 2;
+    return MemoryCmap(FontOf(dc).cmap).Read(offset, {static_cast<std::byte*>(buffer), size});
+  }};
+  WATCH(GetTextMetricsW)
+  metrics_{[](HDC dc, TEXTMETRICW* metrics) {
+    *metrics = FontOf(dc).metrics;
+    return TRUE;
+  }};
+  WATCH(GetTextFaceW)
+  face_{[](HDC dc, int count, wchar_t* face) {
+    EXPECT_EQ(count, 64);
+    const std::wstring& name = FontOf(dc).face;
+    face[name.copy(face, 63)] = L'\0';
+    return static_cast<int>(std::min<size_t>(name.size(), 63));  // 0: no face
+  }};
   std::unique_ptr<CFontMapManager> manager_ = CFontMapManager::Create();
 };
 

@@ -12,8 +12,8 @@
 #include "imaging/storage/rows.h"
 #include "support/case_table.h"
 #include "support/holdings.h"
-#include "support/import_patch.h"
 #include "support/line.h"
+#include "support/watch.h"
 
 namespace quillo::imaging {
 namespace {
@@ -156,11 +156,6 @@ TEST(SizeBitmap, Flags_ChooseTheMethod) {
   });
 }
 
-/// A screen with 10,000 pixels a metre across and 5,000 down.
-int WINAPI ScreenOfTest(HDC, int index) {
-  return index == HORZSIZE ? 100 : index == VERTSIZE ? 200 : 1000;
-}
-
 struct PackedDib {
   BITMAPINFOHEADER header = {sizeof header, 0, 0, 1, 0, 0, 0, 0, 0, 0, 0};
   RGBQUAD colours[2] = {{}, {1, 2, 3, 0}};
@@ -173,7 +168,10 @@ std::string FieldsOf(BitmapHandle& r) {
 }
 
 TEST(ConvertFromDib, HeaderFields_GoIntoTheRecordOrAreRefused) {
-  const test::ImportPatch patch("GetDeviceCaps", ScreenOfTest);
+  // A screen with 10,000 pixels a metre across and 5,000 down.
+  const WATCH(GetDeviceCaps) screen([](HDC, int index) {
+    return index == HORZSIZE ? 100 : index == VERTSIZE ? 200 : 1000;
+  });
   SettingsScope settings;
   wcscpy_s(settings->temporary_directory, L"Z:\\no\\such\\directory");
   test::CheckCases("imaging/convert_dib.txt", [](const auto& fields) {

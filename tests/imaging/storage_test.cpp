@@ -12,8 +12,8 @@
 #include "imaging/storage/rows.h"
 #include "support/case_table.h"
 #include "support/holdings.h"
-#include "support/import_patch.h"
 #include "support/line.h"
+#include "support/watch.h"
 
 namespace quillo::imaging {
 namespace {
@@ -113,16 +113,18 @@ TEST(Storage, SectionsAndFilesThatFail_GiveWay) {
     return Create(record, Sized(kWidth, kHeight, 24, type));
   };
   BitmapScope file, none;
-  const test::ImportPatch no_section(
-      "CreateFileMappingW",
-      static_cast<decltype(&CreateFileMappingW)>([](auto...) -> HANDLE { return nullptr; }));
+  const WATCH(CreateFileMappingW) no_section(nullptr);
   EXPECT_EQ(create(kMemoryNoFile, none.Get()), kOutOfMemory);
   ASSERT_EQ(create(kMemorySection, file.Get()), kSuccess);
   EXPECT_EQ(file->flags, kAllocated | kDisk);
-  const test::ImportPatch full_disk("WriteFile",
-                                    static_cast<decltype(&WriteFile)>([](auto...) { return 0; }));
-  EXPECT_EQ(create(kMemorySection, none.Get()), kFileError);
-  EXPECT_EQ(StoreRow(*file.Get(), 0, RowOf(*file.Get(), 0)), kFileError);
+  for (const BOOL written : {FALSE, TRUE}) {  // nothing, or not all
+    const WATCH(WriteFile) full_disk(written);
+    EXPECT_EQ(create(kMemorySection, none.Get()), kFileError);
+    EXPECT_EQ(StoreRow(*file.Get(), 0, RowOf(*file.Get(), 0)), kFileError);
+    const WATCH(ReadFile) unreadable(written);
+    std::vector<std::byte> row(file->bytes_per_line);
+    EXPECT_EQ(FetchRow(*file.Get(), 0, row), kFileError);
+  }
   EXPECT_EQ(directory.Files(), 1);
 }
 
@@ -206,8 +208,7 @@ TEST(ReleaseDibSectionDc, WithoutAStandIn_LeavesNothing) {
   const uintptr_t handles = test::LiveKernelHandles();
   DibSectionDc dc(PresentAsDibSection(bitmap.Get()));
   const HGDIOBJ shown = GetCurrentObject(dc.Get(), OBJ_BITMAP);
-  const test::ImportPatch patch(
-      "CreateBitmap", static_cast<decltype(&CreateBitmap)>([](auto...) -> HBITMAP { return {}; }));
+  const WATCH(CreateBitmap) no_bitmap(nullptr);
   dc.Reset();
   EXPECT_EQ(GetObjectType(shown), 0u);
   EXPECT_EQ(test::LiveKernelHandles(), handles);
