@@ -41,7 +41,7 @@ inline LOGFONTW FontNamed(const wchar_t* face, LONG height = 100) {
 }
 
 /// A playback context of its own that draws on a metafile in memory.
-class Page : private PlaybackEvents {
+class Page final : private PlaybackEvents {
  public:
   /// `heap_limit`: bytes of the job's heap; 0 = as many as there are.
   explicit Page(size_t heap_limit = 0)

@@ -43,7 +43,8 @@ inline std::vector<CaseRow> ReadCases(const std::string& table) {
   for (std::string line; std::getline(file, line);) {
     ++number;
     if (line.empty() || line[0] == '#') continue;
-    CaseRow& row = rows.emplace_back(table + ":" + std::to_string(number));
+    CaseRow& row = rows.emplace_back();
+    row.place = table + ":" + std::to_string(number);
     std::string_view rest = line;
     for (size_t end; (end = rest.find(" |")) != std::string_view::npos;) {
       row.fields.push_back(Unescaped(rest.substr(0, end)));
