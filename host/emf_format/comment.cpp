@@ -92,18 +92,18 @@ void DrawingSurvey::TakeEmfPlus(Bytes records) {
 std::string FindCommentFault(Bytes record) {
   PayloadReader reader(record);
   Bytes records = EmfPlusRecords(reader);
-  if (!reader.ok()) return "its data leave the record";
+  if (!reader.ok()) return "its data extends past the record";
   while (!records.empty()) {
     const auto type = LoadOrZero<uint16_t>(records);
     const auto size = LoadOrZero<uint32_t>(records, 4);
     const auto data_size = LoadOrZero<uint32_t>(records, 8);
     char what[80];
     if (type < kHeader || type > kLast) {
-      snprintf(what, sizeof(what), "there is no EMF+ record of type 0x%04X", type);
+      snprintf(what, sizeof(what), "unknown EMF+ record type 0x%04X", type);
       return what;
     }
     if (size < kRecordHeader || size > records.size() || data_size > size - kRecordHeader) {
-      snprintf(what, sizeof(what), "its EMF+ record of type 0x%04X does not fit", type);
+      snprintf(what, sizeof(what), "its EMF+ record of type 0x%04X has a wrong size", type);
       return what;
     }
     records = records.subspan(size);

@@ -93,8 +93,7 @@ void MetafileReader::ReadHeader() {
   header_.millimetres = reader.Read<SizeL>();
   if (header_.device.x <= 0 || header_.device.y <= 0 || header_.millimetres.x <= 0 ||
       header_.millimetres.y <= 0) {
-    throw UnreadableMetafile(
-        "is damaged: record 1 (EMR_HEADER) gives a reference device of no size");
+    throw UnreadableMetafile("is damaged: record 1 (EMR_HEADER) has a reference device of no size");
   }
 
   const Record header_record{1, kEmrHEADER, file_.first(size)};
@@ -155,14 +154,14 @@ std::optional<Record> MetafileReader::Step() {
   const auto size = LoadOrZero<uint32_t>(rest, 4);
   if (size < 8 || size > rest.size()) {
     Stop(record, "declares " + std::to_string(size) + " bytes where " +
-                     std::to_string(rest.size()) + " are left; the file is read no further");
+                     std::to_string(rest.size()) + " are left; reading stops here");
     return std::nullopt;
   }
   record.bytes = rest.first(size);
   at_ += size;
   only_comments_ = only_comments_ && (record.type == kEmrHEADER || record.type == kEmrEOF ||
                                       record.type == kEmrGDICOMMENT);
-  if (size % 4 != 0) Remark(record, "its size " + std::to_string(size) + " is no multiple of 4");
+  if (size % 4 != 0) Remark(record, "its size " + std::to_string(size) + " is not a multiple of 4");
   if (record.type == kEmrEOF) {
     ended_ = true;
     CheckEnd(record);
@@ -175,7 +174,7 @@ void MetafileReader::CheckEnd(const Record& last) {
     Remark(last, std::to_string(file_.size() - at_) + " bytes follow the end of the metafile");
   }
   if (only_comments_ && last.index > 2) {
-    Report(last, "nothing but comments stands before it; the page is empty");
+    Report(last, "only comments precede it; the page is empty");
   }
   if (header_.record_count != last.index) {
     Remark(last, "is record " + std::to_string(last.index) + ", the header declares " +

@@ -70,7 +70,7 @@ std::shared_ptr<const BitmapSource> ReadSource(EmfPlayer& player, PayloadReader&
                                                const DeviceSource& source) {
   if (!record.ok() || source.place.Empty()) return nullptr;
   if (!source.map.Usable() || !source.map.KeepsAxes()) {
-    player.Fault("the source's transform turns it or has no inverse");
+    player.Fault("the source transform rotates, shears or is not invertible");
     return nullptr;
   }
   return ReadBitmap(player, record, source.place, source.colours);
@@ -109,7 +109,7 @@ std::shared_ptr<const BitmapSource> ReadMask(EmfPlayer& player, PayloadReader& r
                                              const MaskSource& mask) {
   auto bitmap = ReadBitmap(player, record, mask.place, mask.colours);
   if (bitmap != nullptr && bitmap->bits_per_pixel != 1) {
-    player.Fault("a mask of " + std::to_string(bitmap->bits_per_pixel) + " bits a pixel");
+    player.Fault("the mask has " + std::to_string(bitmap->bits_per_pixel) + " bits per pixel");
     return nullptr;
   }
   return bitmap;
@@ -186,7 +186,7 @@ void DrawAlphaBlend(EmfPlayer& player, const RECTL& target, const BitmapSource& 
   const BLENDFUNCTION blend = {AC_SRC_OVER, 0, static_cast<BYTE>(operation >> 16),
                                static_cast<BYTE>(operation >> 24 & AC_SRC_ALPHA)};
   if ((operation & 0xFF) != AC_SRC_OVER) {
-    player.Fault("there is no blend operation " + std::to_string(operation & 0xFF));
+    player.Fault("unknown blend operation " + std::to_string(operation & 0xFF));
     return;
   }
   player.canvas().AlphaBlend(target, bitmap, source, blend, player.Drawing());

@@ -30,7 +30,7 @@ void SelectClipRegion(EmfPlayer& player, PayloadReader& record) {
   const auto size = record.Read<uint32_t>();
   const auto mode = record.Read<uint32_t>();
   if (mode < RGN_AND || mode > RGN_COPY) {
-    player.Fault("there is no way " + std::to_string(mode) + " to combine regions");
+    player.Fault("unknown region mode " + std::to_string(mode));
     return;
   }
   if (size == 0) {

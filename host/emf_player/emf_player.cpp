@@ -25,7 +25,7 @@ PlayResult EmfPlayer::Play() {
     record_ = *record;
     PlayRecord();
     if (budget_.Exhausted()) {
-      Fault("the file asks for too much work; the rest of it is not drawn");
+      Fault("the file takes too long to draw; the rest is skipped");
       break;
     }
   }
@@ -35,7 +35,7 @@ PlayResult EmfPlayer::Play() {
 
 void EmfPlayer::PlayRecord() {
   if (!IsRecordType(record_.type)) {
-    Fault("no record has this type; it is passed over");
+    Fault("unknown type, skipped");
     return;
   }
   const Handler handler = RecordHandlers()[record_.type];
@@ -46,8 +46,7 @@ void EmfPlayer::PlayRecord() {
   PayloadReader payload(record_.bytes);
   handler(*this, payload);
   if (!payload.ok()) {
-    Fault("is too short for what it announces (" + std::to_string(record_.bytes.size()) +
-          " bytes)");
+    Fault("declares more data than its " + std::to_string(record_.bytes.size()) + " bytes hold");
   }
 }
 

@@ -57,7 +57,7 @@ class EmfPlayer {
   Shared<T> FindObject(uint32_t index, const char* kind) {
     const Object object = objects_.Get(index);
     if (const auto* found = std::get_if<Shared<T>>(&object)) return *found;
-    Fault("object " + std::to_string(index) + " is no " + kind);
+    Fault("object " + std::to_string(index) + " is not a " + kind);
     return nullptr;
   }
   FontCache& fonts() { return fonts_; }

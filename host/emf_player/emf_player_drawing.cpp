@@ -48,7 +48,7 @@ std::optional<Path> EmfPlayer::Inside(const Path& path) {
   Path shape = LeadsFar(path) ? NearInside(path) : path;
   const double crossings = Crossings(shape);
   if (crossings > kMaxCrossings) {
-    Fault("the inside of its path is too intricate to be drawn");
+    Fault("the interior of its path is too complex to draw");
     return std::nullopt;
   }
   if (!Spend(crossings * kPointsPerCrossing)) return std::nullopt;

@@ -45,14 +45,14 @@ void PlayGradientFill(EmfPlayer& player, PayloadReader& record) {
   const auto mode = record.Read<uint32_t>();
   auto vertices = record.ReadArray<TRIVERTEX>(vertex_count);
   if (mode > GRADIENT_FILL_TRIANGLE) {
-    player.Fault("there is no mode " + std::to_string(mode));
+    player.Fault("unknown mode " + std::to_string(mode));
     return;
   }
   const size_t corners = mode == GRADIENT_FILL_TRIANGLE ? 3 : 2;
   auto mesh = record.ReadArray<ULONG>(size_t{shape_count} * corners);
   if (!record.ok()) return;
   if (std::ranges::any_of(mesh, [&](ULONG number) { return number >= vertex_count; })) {
-    player.Fault("a shape has a corner that is not there");
+    player.Fault("a vertex index is out of range");
   }
   ULONG drawn_as = mode;
   if (mode != GRADIENT_FILL_TRIANGLE && !player.ToPage().KeepsAxes()) {

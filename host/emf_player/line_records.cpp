@@ -68,7 +68,7 @@ void PlayPolyBezier(EmfPlayer& player, PayloadReader& record) {
   const auto points = ReadPoints<Point>(record, record.Read<uint32_t>());
   if (!record.ok()) return;
   if (points.size() % 3 != 1) {
-    player.Fault(std::to_string(points.size()) + " points make no Bézier curve");
+    player.Fault(std::to_string(points.size()) + " points do not make a Bézier curve");
     return;
   }
   Path path;
@@ -96,7 +96,7 @@ void PlayPolyBezierTo(EmfPlayer& player, PayloadReader& record) {
   const auto points = ReadPoints<Point>(record, record.Read<uint32_t>());
   if (!record.ok() || points.empty()) return;
   if (points.size() % 3 != 0) {
-    player.Fault(std::to_string(points.size()) + " points continue no Bézier curve");
+    player.Fault(std::to_string(points.size()) + " points do not continue a Bézier curve");
     return;
   }
   GrowingPath alone;
@@ -151,7 +151,7 @@ void PlayPolyDraw(EmfPlayer& player, PayloadReader& record) {
   const auto types = record.ReadArray<uint8_t>(points.size());
   if (!record.ok()) return;
   if (!PolyDrawTypesFit(types)) {
-    player.Fault("its types of points do not fit together");
+    player.Fault("its point types are inconsistent");
     return;
   }
   GrowingPath alone;

@@ -35,7 +35,7 @@ bool MakeBrush(EmfPlayer& player, uint32_t style, COLORREF colour, uint64_t hatc
   } else if (hatch >= kSolidText) {
     brush.colour = player.state().text_colour;
   }
-  if (hatch >= kEnd) player.Fault("there is no hatch " + std::to_string(hatch));
+  if (hatch >= kEnd) player.Fault("unknown hatch " + std::to_string(hatch));
   return hatch < kEnd;
 }
 
@@ -47,7 +47,7 @@ void CreateBrush(EmfPlayer& player, PayloadReader& record) {
   BrushObject brush;
   if (!record.ok()) return;
   if (!MakeBrush(player, style, colour, hatch, brush)) {
-    player.Fault("there is no plain brush of style " + std::to_string(style));
+    player.Fault("unsupported brush style " + std::to_string(style));
     return;
   }
   player.StoreObject(index, std::make_shared<const BrushObject>(brush));
@@ -100,7 +100,7 @@ void ExtCreatePen(EmfPlayer& player, PayloadReader& record) {
                          ? BrushObject::Kind::kMonoPattern
                          : BrushObject::Kind::kPattern;
   } else if (!MakeBrush(player, brush_style, colour, hatch, pen.brush)) {
-    player.Fault("there is no brush of style " + std::to_string(brush_style) + " for a pen");
+    player.Fault("unsupported brush style " + std::to_string(brush_style) + " of a pen");
     return;
   }
   player.StoreObject(index, std::make_shared<const PenObject>(std::move(pen)));
@@ -130,13 +130,14 @@ void SelectObject(EmfPlayer& player, PayloadReader& record) {
   } else if (const auto* font = std::get_if<Shared<FontObject>>(&object)) {
     player.state().font = *font;
   } else {
-    player.Fault("object " + std::to_string(index) + " is no pen, brush or font");
+    player.Fault("object " + std::to_string(index) + " is not a pen, brush or font");
   }
 }
 
 void DeleteObject(EmfPlayer& player, PayloadReader& record) {
   const auto index = record.Read<uint32_t>();
-  if (!player.objects().Delete(index)) player.Fault("there is no object " + std::to_string(index));
+  if (!player.objects().Delete(index))
+    player.Fault("object " + std::to_string(index) + " does not exist");
 }
 
 // -- Palettes ----------------------------------------------------------------------------------
@@ -197,7 +198,7 @@ void ResizePalette(EmfPlayer& player, PayloadReader& record) {
   const auto old = FindPalette(player, index);
   if (old == nullptr) return;
   if (count > kMaxEntries) {
-    player.Fault("a palette of " + std::to_string(count) + " entries");
+    player.Fault("a palette cannot have " + std::to_string(count) + " entries");
     return;
   }
   PaletteObject changed = *old;

@@ -14,7 +14,7 @@ void AbortPath(EmfPlayer& player, PayloadReader&) { player.path().Abort(); }
 
 void CloseFigure(EmfPlayer& player, PayloadReader&) {
   if (!player.path().IsOpen()) {
-    player.Fault("there is no open path");
+    player.Fault("no path is open");
     return;
   }
   player.path().Contents().CloseFigure();
@@ -43,7 +43,7 @@ void SelectClipPath(EmfPlayer& player, PayloadReader& record) {
   const auto mode = record.Read<uint32_t>();
   const std::optional<Path> inside = player.Inside(player.path().Take());
   if (mode < RGN_AND || mode > RGN_COPY) {
-    player.Fault("there is no way " + std::to_string(mode) + " to combine regions");
+    player.Fault("unknown region mode " + std::to_string(mode));
     return;
   }
   if (!inside) return;

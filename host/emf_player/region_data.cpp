@@ -84,7 +84,7 @@ std::optional<ClipShape> ReadRegion(PayloadReader& record, size_t size, const Tr
   record.Skip(4 + sizeof(RectL));  // bytes of the rectangles; bounds
   if (record.ok() && (header_size != kHeaderBytes || type != RDH_RECTANGLES ||
                       size < kHeaderBytes || count > (size - kHeaderBytes) / sizeof(RectL))) {
-    what = "its region data of " + std::to_string(size) + " bytes hold no " +
+    what = "its " + std::to_string(size) + " bytes of region data do not hold " +
            std::to_string(count) + " rectangles";
     return std::nullopt;
   }
@@ -96,7 +96,7 @@ std::optional<ClipShape> ReadRegion(PayloadReader& record, size_t size, const Tr
   if (rects.size() == 1) return MapRectangle(rects[0], to_page);
   if (rects.size() > kMaxUnordered && !InBands(rects)) {
     what = "a region of " + std::to_string(rects.size()) +
-           " rectangles in no order; its bounds are taken";
+           " unordered rectangles; its bounds are taken";
     return MapRectangle(BoundsOf(rects), to_page);
   }
   if (to_page.KeepsAxes()) return ClipShape::OfRegion(Union(rects, to_page).Get());

@@ -150,7 +150,7 @@ void PlayAngleArc(EmfPlayer& player, PayloadReader& record) {
   const double sweep = record.Read<float>();
   if (!record.ok()) return;
   if (!std::isfinite(start) || !std::isfinite(sweep)) {
-    player.Fault("an angle that is no number");
+    player.Fault("an angle is not a number");
     return;
   }
   constexpr double kDegree = std::numbers::pi / 180;

@@ -17,7 +17,7 @@ template <auto field, uint32_t min, uint32_t max>
 void SetNumber(EmfPlayer& player, PayloadReader& record) {
   const auto value = record.Read<uint32_t>();
   if (value < min || value > max) {
-    player.Fault("there is no mode " + std::to_string(value));
+    player.Fault("unknown mode " + std::to_string(value));
     return;
   }
   player.state().*field = value;
@@ -39,7 +39,7 @@ void SetMiterLimit(EmfPlayer& player, PayloadReader& record) {
   const auto as_integer = LoadOrZero<uint32_t>(record.record(), 8);
   const float limit = as_integer < 0x00800000 ? static_cast<float>(as_integer) : as_float;
   if (!(limit >= 1)) {
-    player.Fault("a miter limit below 1");
+    player.Fault("miter limit below 1");
     return;
   }
   player.state().miter_limit = limit;
@@ -63,7 +63,7 @@ void SetLayout(EmfPlayer& player, PayloadReader& record) {
 void SetMapMode(EmfPlayer& player, PayloadReader& record) {
   const auto mode = record.Read<uint32_t>();
   if (!player.state().page.SetMapMode(mode)) {
-    player.Fault("there is no mapping mode " + std::to_string(mode));
+    player.Fault("unknown mapping mode " + std::to_string(mode));
   }
   player.TransformChanged();
 }
@@ -76,7 +76,7 @@ void SetOrigin(EmfPlayer& player, PayloadReader& record) {
 
 template <auto set>
 void SetExtent(EmfPlayer& player, PayloadReader& record) {
-  if (!(player.state().page.*set)(record.Read<SizeL>())) player.Fault("an extent of 0");
+  if (!(player.state().page.*set)(record.Read<SizeL>())) player.Fault("extent of 0");
   player.TransformChanged();
 }
 
@@ -87,7 +87,7 @@ void ScaleExtent(EmfPlayer& player, PayloadReader& record) {
   divide.x = record.Read<int32_t>();
   multiply.y = record.Read<int32_t>();
   divide.y = record.Read<int32_t>();
-  if (!(player.state().page.*scale)(multiply, divide)) player.Fault("an extent scaled by 0");
+  if (!(player.state().page.*scale)(multiply, divide)) player.Fault("extent scaled by 0");
   player.TransformChanged();
 }
 
@@ -95,7 +95,7 @@ void ScaleExtent(EmfPlayer& player, PayloadReader& record) {
 
 void ChangeWorld(EmfPlayer& player, const Transform& world) {
   if (!world.Usable()) {
-    player.Fault("the transform has no inverse");
+    player.Fault("the transform is not invertible");
     return;
   }
   player.state().world = world;
@@ -120,7 +120,7 @@ void ModifyWorldTransform(EmfPlayer& player, PayloadReader& record) {
     case kSet:
       return ChangeWorld(player, map);
     default:
-      player.Fault("there is no mode " + std::to_string(mode));
+      player.Fault("unknown mode " + std::to_string(mode));
   }
 }
 
@@ -132,7 +132,7 @@ void SaveState(EmfPlayer& player, PayloadReader&) {
 
 void RestoreState(EmfPlayer& player, PayloadReader& record) {
   const auto level = record.Read<int32_t>();
-  if (!player.Restore(level)) player.Fault("there is no saved state " + std::to_string(level));
+  if (!player.Restore(level)) player.Fault("no saved state " + std::to_string(level));
 }
 
 /// Comments leave no trace, but damage in them is reported.

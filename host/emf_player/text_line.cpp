@@ -82,7 +82,7 @@ void ReadCharacters(EmfPlayer& player, PayloadReader& record, size_t offset, siz
     line.text.resize(count);
     std::memcpy(line.text.data(), bytes.data(), bytes.size());
     if ((line.options & ETO_GLYPH_INDEX) == 0 && ReplaceLoneSurrogates(line.text)) {
-      player.Fault("its text holds half a surrogate pair");
+      player.Fault("its text has an unpaired surrogate");
     }
   } else {
     AppendWide(bytes, player.state().font->font.lfCharSet, line);

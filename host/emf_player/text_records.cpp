@@ -191,7 +191,7 @@ void DrawLine(EmfPlayer& player, TextLine line) {
     font.lfOrientation = font.lfEscapement;  // the compatible mode has a single angle
   text.font = player.fonts().Find(font);
   if (text.font == nullptr) {
-    player.Fault("there is no font for its text");
+    player.Fault("no font for its text");
     return;
   }
   text.background = player.Resolve(state.background_colour);
@@ -250,7 +250,7 @@ void PlayPolyTextOut(EmfPlayer& player, PayloadReader& record) {
     if (!record.ok()) return;
     characters += line.text.size();
     if (characters > record.record().size()) {
-      player.Fault("its strings lie on one another");
+      player.Fault("its strings overlap");
       return;
     }
     DrawLine(player, std::move(line));

@@ -38,11 +38,11 @@ constexpr InputKind kKinds[] = {
 [[noreturn]] void RefuseUnknown(Bytes head) {
   const size_t place = FindNoText(head).value_or(0);
   char byte[100];
-  std::snprintf(byte, sizeof byte, "; its byte %zu is 0x%02X, which no text has", place + 1,
+  std::snprintf(byte, sizeof byte, "; byte %zu is 0x%02X, which text does not contain", place + 1,
                 std::to_integer<unsigned>(head[place]));
   throw UnreadableInput(
-      std::string("is of no kind that is printed: metafiles (EMF), pictures (PNG, JPEG, BMP, TIFF, "
-                  "GIF) and plain text") +
+      std::string("is not in a supported format: metafile (EMF), picture (PNG, JPEG, BMP, TIFF, "
+                  "GIF) or plain text") +
       byte);
 }
 

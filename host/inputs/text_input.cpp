@@ -138,7 +138,7 @@ class TextInput : public PrintInput {
 
 std::unique_ptr<PrintInput> OpenText(std::vector<std::byte> content) {
   std::wstring text = DecodeText(content);
-  if (text.find(L'\0') != std::wstring::npos) throw UnreadableInput("is no plain text");
+  if (text.find(L'\0') != std::wstring::npos) throw UnreadableInput("is not plain text");
   if (text.empty()) throw UnreadableInput("is empty");
   return std::make_unique<TextInput>(Compose(text));
 }

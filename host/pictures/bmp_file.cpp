@@ -23,7 +23,7 @@ constexpr uint32_t kInfoHeader = 40;  // size of BITMAPINFOHEADER
 
 std::string DamageOf(const ExpandedRuns& runs) {
   if (runs.is_cut) return "its run-length code is damaged: it ends before the picture does";
-  if (runs.overflows) return "its run-length code is damaged: it leaves the picture's edges";
+  if (runs.overflows) return "its run-length code is damaged: it runs past the picture's edges";
   return {};
 }
 

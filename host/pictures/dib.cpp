@@ -136,19 +136,19 @@ std::optional<Dib> ParseDib(Bytes info, Bytes bits, DibColors colours, uint32_t 
     return std::nullopt;
   };
   const auto header = ReadHeader(info);
-  if (!header) return refuse("its bitmap has no header");
+  if (!header) return refuse("its bitmap header is invalid");
   Dib dib;
   dib.depth = header->depth;
   if (!FindCoding(*header, dib)) {
     if (dib.coding == Dib::Coding::kRunLength && header->height < 0) {
-      return refuse("a run-length bitmap has its rows from the bottom, not from the top");
+      return refuse("a run-length bitmap cannot be top-down");
     }
-    return refuse("there is no bitmap of " + std::to_string(header->depth) +
-                  " bits a pixel with compression " + std::to_string(header->compression));
+    return refuse("unsupported bitmap of " + std::to_string(header->depth) +
+                  " bits per pixel, compression " + std::to_string(header->compression));
   }
   const int64_t height = header->height < 0 ? -header->height : header->height;
   if (header->width < 1 || header->width > Dib::kMaxSide || height < 1 || height > Dib::kMaxSide) {
-    return refuse("a bitmap of " + std::to_string(header->width) + " x " +
+    return refuse("invalid bitmap size of " + std::to_string(header->width) + " x " +
                   std::to_string(header->height) + " pixels");
   }
   dib.width = static_cast<int32_t>(header->width);
@@ -158,18 +158,18 @@ std::optional<Dib> ParseDib(Bytes info, Bytes bits, DibColors colours, uint32_t 
 
   if (dib.coding == Dib::Coding::kRunLength &&
       static_cast<uint64_t>(dib.width) * static_cast<uint64_t>(dib.height) > kMaxRunLengthPixels) {
-    return refuse("a run-length bitmap of " + std::to_string(dib.width) + " x " +
+    return refuse("a run-length bitmap cannot have " + std::to_string(dib.width) + " x " +
                   std::to_string(dib.height) + " pixels");
   }
   if (dib.coding == Dib::Coding::kPlain) {
     const size_t row = (static_cast<size_t>(dib.width) * dib.depth + 7) / 8;
     const size_t needed = dib.Stride() * static_cast<size_t>(dib.height - 1) + row;
     if (bits.size() < needed) {
-      return refuse("a bitmap of " + std::to_string(bits.size()) + " bytes that needs " +
-                    std::to_string(needed));
+      return refuse("bitmap data of " + std::to_string(bits.size()) + " bytes where " +
+                    std::to_string(needed) + " are needed");
     }
     if (header->compression != kRgb && !ReadMasks(info, *header, dib)) {
-      return refuse("the bitmap's colour masks do not fit");
+      return refuse("the bitmap's colour masks are invalid");
     }
   }
   if (dib.depth != 0 && dib.depth <= 8) ReadPalette(info, *header, colours, palette, dib);

@@ -16,7 +16,7 @@ std::string ReasonOf(HRESULT result) {
     case WINCODEC_ERR_COMPONENTNOTFOUND:
     case WINCODEC_ERR_UNSUPPORTEDPIXELFORMAT:
     case WINCODEC_ERR_UNSUPPORTEDOPERATION:
-      return "this system has no decoder for it";
+      return "no decoder is installed for it";
     default:
       return result == E_FAIL || HRESULT_FACILITY(result) == kOfCodecs
                  ? "it is damaged or cut off"

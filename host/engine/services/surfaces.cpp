@@ -5,6 +5,7 @@
 #include <set>
 
 #include "base/arithmetic.h"
+#include "base/dib.h"
 #include "host/engine/services/guard.h"
 #include "host/engine/services/handle_table.h"
 
@@ -45,11 +46,6 @@ ULONG BitsPerPixel(ULONG format) {
   return format < std::size(kBits) ? kBits[format] : 0;
 }
 
-LONG RowBytes(LONG width, ULONG bits_per_pixel) {
-  const int64_t bytes = (static_cast<int64_t>(width) * bits_per_pixel + 31) / 32 * 4;
-  return bytes <= MAXLONG ? static_cast<LONG>(bytes) : 0;
-}
-
 EngineDevice::EngineDevice() { Devices().insert(this); }
 
 EngineDevice::~EngineDevice() { Devices().erase(this); }
@@ -78,10 +74,12 @@ void Surface::PagesDeleter::operator()(void* pages) const { VirtualFree(pages, 0
 
 std::unique_ptr<Surface> Surface::Allocate(SIZEL size, ULONG format, bool top_down,
                                            LONG row_bytes) {
-  const LONG smallest = size.cx > 0 ? RowBytes(size.cx, BitsPerPixel(format)) : 0;
-  if (row_bytes == 0) row_bytes = smallest;
+  const uint64_t smallest =
+      size.cx > 0 ? DibStride(static_cast<uint64_t>(size.cx), BitsPerPixel(format)) : 0;
+  if (row_bytes == 0 && smallest <= MAXLONG) row_bytes = static_cast<LONG>(smallest);
   const auto bytes = CheckedMultiply<LONG>(row_bytes, size.cy);
-  if (size.cy <= 0 || smallest == 0 || row_bytes < smallest || row_bytes % 4 != 0 || !bytes ||
+  if (size.cy <= 0 || smallest == 0 || row_bytes < 0 ||
+      static_cast<uint64_t>(row_bytes) < smallest || row_bytes % 4 != 0 || !bytes ||
       format < BMF_1BPP || format > BMF_32BPP) {
     SetLastError(ERROR_INVALID_PARAMETER);
     return nullptr;

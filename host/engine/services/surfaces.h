@@ -9,8 +9,6 @@ namespace quillo::host {
 
 /// Bits of one pixel of a BMF_* format; 0 for a format without a fixed number.
 ULONG BitsPerPixel(ULONG format);
-/// Bytes of one row padded to 32-bit words; 0 when that does not fit a LONG.
-LONG RowBytes(LONG width, ULONG bits_per_pixel);
 
 /// The engine's side of an enabled device: what a driver holds as HDEV.
 class EngineDevice {

@@ -34,7 +34,7 @@ TEST(ReadBmp, RunLengths_LeaveIndex0AndNameDamage) {
       40, 0, 4, 0, 2, 0, 1, 8, 1, 0, 0, 0, 0, 0, 0, 0, 2, 0, 0, 0, 0, 0, 0xFFFF, 0xFF};
   // clang-format on
   const char* const cut = "its run-length code is damaged: it ends before the picture does";
-  const char* const over = "its run-length code is damaged: it leaves the picture's edges";
+  const char* const over = "its run-length code is damaged: it runs past the picture's edges";
   const struct {
     std::vector<uint16_t> code;  // run or escape, each two bytes
     uint32_t bottom, top;        // the rows
