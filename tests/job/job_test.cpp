@@ -111,6 +111,7 @@ class Job {
       EXPECT_TRUE(fs::exists(job_->font_folder));
     } else if (word == "margins") {
       test::SetMargins(*job_->device_settings, 0.5f, 0.25f);
+      job_->device_settings->own.margin_unit = kMarginMillimetres;  // which is not looked at
     } else if (word == "display") {
       job_->printer = nullptr;
     } else if (word == "start" || word == "send") {

@@ -138,6 +138,13 @@ std::vector<ScriptCase> ReadScript(std::istream& script, const std::string& name
       current.refusing = tokens[1];
     } else if (tokens[0] == "flat") {
       current.curves = false;
+    } else if (tokens[0] == "glyphs") {
+      current.glyph_order = tokens[1];
+    } else if (tokens[0] == "repeat") {
+      const Tokens record(tokens.begin() + 2, tokens.end());
+      for (uint32_t left = Number(tokens[1]); left != 0; --left) {
+        metafile->Add(TypeOf(record[0]), Fields(record));
+      }
     } else if (tokens[0] == "carry") {
       MetafileBuilder carried;
       const size_t start =

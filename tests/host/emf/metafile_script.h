@@ -16,6 +16,7 @@ struct ScriptCase {
   Transform to_page;
   std::string refusing;  // the driver's function that fails
   bool curves = true;    // whether the driver takes curves
+  std::string glyph_order;
   std::string expected;  // lines that begin with '>', '!', '~' or '-'
 };
 
@@ -28,6 +29,8 @@ struct ScriptCase {
 ///     patch offset value a word of the finished file
 ///     refuse name        the driver's function fails
 ///     flat               the driver takes no curves
+///     glyphs assume|drop  what becomes of glyph indexes whose font is missing
+///     repeat N RECORD    as many times
 ///     carry RECORD       a comment that carries the record (see carried_records.h)
 ///     > ...              an expected call of the driver, or the records that are read
 ///     ! ...  ~ ...       an expected fault; a harmless one, when only reading

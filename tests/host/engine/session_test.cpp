@@ -1,7 +1,10 @@
 #include <gtest/gtest.h>
+#include <sstream>
 
+#include "host/engine/driver_module.h"
 #include "host/engine/print_session.h"
 #include "host/engine/services/surfaces.h"
+#include "support/case_table.h"
 #include "tests/host/engine/fake_driver.h"
 
 namespace quillo::host {
@@ -14,76 +17,52 @@ DEVMODEW Mode(short paper) {
   return mode;
 }
 
-using Calls = std::vector<std::string>;
-
-TEST(PrintSession, PagesOnTwoSheets_ResetTheDeviceBetween) {
-  FakeDriver driver;
-  {
-    PrintSession session(driver.functions, {}, Mode(9));
-    session.StartDocument(L"name", 7);
-    for (const short paper : {9, 9, 8}) {
-      session.StartPage(Mode(paper));
-      session.SendPage();
-    }
-    session.EndDocument();
-  }
-  EXPECT_EQ(driver.calls,
-            (Calls{"EnablePDEV 9",  "CompletePDEV 1",  "EnableSurface 1",  "StartDoc 1 name 7",
-                   "StartPage 1",   "SendPage 1",      "StartPage 1",      "SendPage 1",  //
-                   "EnablePDEV 8",  "CompletePDEV 2",  "ResetPDEV 1 2",    "DisableSurface 1",
-                   "DisablePDEV 1", "EnableSurface 2", "StartDoc 2 - 0",   "StartPage 2",
-                   "SendPage 2",    "EndDoc 2",        "DisableSurface 2", "DisablePDEV 2"}));
-  EXPECT_EQ(LiveSurfaceCount(), 0u);
-}
-
-struct RefusalCase {
-  const char* refusing;
-  Calls tail;  // from the refused call on
-};
-
-TEST(PrintSession, RefusedCall_IsNamedAndEverythingIsTornDown) {
-  const RefusalCase cases[] = {
-      {"EnablePDEV", {"EnablePDEV 9"}},
-      {"EnableSurface", {"EnableSurface 1", "DisablePDEV 1"}},
-      {"StartDoc", {"StartDoc 1 name 7", "DisableSurface 1", "DisablePDEV 1"}},
-      {"StartPage", {"StartPage 1", "EndDoc 1 abort", "DisableSurface 1", "DisablePDEV 1"}},
-      {"SendPage", {"SendPage 1", "EndDoc 1 abort", "DisableSurface 1", "DisablePDEV 1"}},
-      {"ResetPDEV",
-       {"ResetPDEV 1 2", "DisablePDEV 2", "EndDoc 1 abort", "DisableSurface 1", "DisablePDEV 1"}},
-      {"EndDoc", {"EndDoc 2", "DisableSurface 2", "DisablePDEV 2"}},
-  };
-  for (const RefusalCase& c : cases) {
+TEST(PrintSession, Table_GivesCallsAndTheOneThatFails) {
+  test::CheckCases("host/sessions.txt", [](const std::vector<std::string>& fields) {
     FakeDriver driver;
-    driver.refusing = c.refusing;
+    driver.refusing = fields[1];
+    std::string outcome;
     try {
       PrintSession session(driver.functions, {}, Mode(9));
       session.StartDocument(L"name", 7);
-      for (const short paper : {9, 8}) {
+      std::istringstream papers(fields[0]);
+      for (short paper = 0; papers >> paper;) {
         session.StartPage(Mode(paper));
         session.SendPage();
       }
       session.EndDocument();
-      FAIL() << c.refusing;
     } catch (const DriverFailure& failure) {
-      EXPECT_EQ(failure.Call(), std::string("Drv") + c.refusing);
       EXPECT_EQ(failure.LastError(), ULONG{ERROR_GEN_FAILURE});
+      outcome = failure.Call() + ": ";
     }
-    const size_t length = std::min(c.tail.size(), driver.calls.size());
-    EXPECT_EQ(Calls(driver.calls.end() - static_cast<ptrdiff_t>(length), driver.calls.end()),
-              c.tail);
     EXPECT_EQ(LiveSurfaceCount(), 0u);
+    for (const std::string& call : driver.calls) outcome += call + ", ";
+    return outcome.substr(0, outcome.size() - 2);
+  });
+}
+
+/// The call of the failure that a driver module or its table leads to.
+template <typename Load>
+std::string FailureOf(Load load) {
+  try {
+    load();
+    return "none";
+  } catch (const DriverFailure& failure) {
+    EXPECT_NE(failure.LastError(), 0u);
+    return failure.Call();
   }
 }
 
-TEST(DriverFunctions, TableWithoutARequiredFunction_IsRefusedByName) {
+TEST(DriverModule, WrongModuleOrTable_IsRefusedByName) {
+  EXPECT_EQ(FailureOf([] { DriverModule(L"C:\\no such driver.dll"); }), "loading the driver");
+  EXPECT_EQ(FailureOf([] { DriverModule(L"C:\\windows\\system32\\version.dll"); }),
+            "finding DrvQueryDriverInfo");
   const PFN any = [] { return LONG_PTR{0}; };
   DRVFN entries[] = {{INDEX_DrvEnablePDEV, any}, {4000000000u, nullptr}};
-  try {
-    DriverFunctions::FromTable({DDI_DRIVER_VERSION_NT5_01, 2, entries});
-    FAIL();
-  } catch (const DriverFailure& failure) {
-    EXPECT_NE(failure.Call().find("DrvCompletePDEV"), std::string::npos);
-  }
+  EXPECT_EQ(FailureOf([&] {
+              DriverFunctions::FromTable({DDI_DRIVER_VERSION_NT5_01, 2, entries});
+            }),
+            "DrvEnableDriver: no DrvCompletePDEV in its table");
 }
 
 }  // namespace
