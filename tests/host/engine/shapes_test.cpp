@@ -5,7 +5,6 @@
 
 #include "host/engine/clip_shape.h"
 #include "host/engine/path.h"
-#include "host/engine/polygons.h"
 
 namespace quillo::host {
 namespace {
@@ -46,33 +45,6 @@ TEST(Path, Coordinates_AreClampedToTheFormat) {
   EXPECT_EQ(ToFix(std::nan("")), 0);
 }
 
-/// Whether filling the outline by the alternate rule gives the region back exactly.
-bool OutlineGivesRegion(const ClipShape& shape) {
-  const Region filled = FillPolygons(ToPolygons(shape.Outline()), FillMode::kAlternate);
-  return EqualRgn(filled.Get(), shape.Handle()) != FALSE;
-}
-
-TEST(ClipShape, OutlineOfRectangles_IsTheRegion) {
-  const auto rect = [](LONG l, LONG t, LONG r, LONG b) { return ClipShape(RECTL{l, t, r, b}); };
-  Path overlapping;
-  overlapping.AddRectangle(0, 0, 20, 20);
-  overlapping.AddRectangle(10, 10, 30, 30);
-  const ClipShape shapes[] = {
-      rect(0, 0, 10, 10).Combined(rect(5, 5, 20, 20), RGN_OR),
-      rect(0, 0, 30, 30).Combined(rect(10, 10, 20, 20), RGN_DIFF),  // a hole
-      rect(0, 0, 10, 10).Combined(rect(10, 10, 20, 20), RGN_OR),    // touching corners
-      rect(10, 0, 20, 10).Combined(rect(0, 10, 10, 20), RGN_OR),    // the other corners
-      rect(0, 0, 10, 5).Combined(rect(0, 9, 10, 14), RGN_OR),       // apart
-      rect(0, 0, 30, 30)
-          .Combined(rect(5, 5, 25, 25), RGN_XOR)            // a frame with
-          .Combined(rect(8, 8, 12, 30), RGN_OR),            // a bar through it
-      rect(0, 0, 9, 1).Combined(rect(4, 0, 5, 9), RGN_OR),  // a thin T
-      ClipShape::OfPath(overlapping, FillMode::kWinding),
-      ClipShape::OfPath(overlapping, FillMode::kAlternate),
-  };
-  for (const ClipShape& shape : shapes) EXPECT_TRUE(OutlineGivesRegion(shape)) << &shape - shapes;
-}
-
 TEST(ClipShape, OutlineOfSlantedRegion_TakesFewPoints) {
   const ClipShape circle = ClipShape::OfPath(Circle(500, 500, 400), FillMode::kAlternate);
   const ClipShape copied = ClipShape::OfRegion(circle.Handle());  // knows its pixels only
@@ -97,15 +69,6 @@ TEST(ClipShape, Combined_UnboundedGivesWay) {
   EXPECT_TRUE(rect.Combined(rect, RGN_DIFF).Empty());
   EXPECT_FALSE(everything.Combined(rect, RGN_DIFF).Contains({0, 0, 5, 5}));
   EXPECT_TRUE(everything.Combined(rect, RGN_DIFF).Contains({10, 10, 500, 500}));
-}
-
-TEST(ClipShape, HugePath_IsCutToWhatAPageCanHold) {
-  Path path;
-  path.AddRectangle(-1e8, -1e8, 1e8, 1e8);
-  path.AddRectangle(10, 10, 20, 20);
-  const ClipShape clip = ClipShape::OfPath(path, FillMode::kAlternate);
-  EXPECT_FALSE(clip.Intersects({12, 12, 18, 18}));
-  EXPECT_TRUE(clip.Contains({100, 100, 30000, 30000}));
 }
 
 }  // namespace

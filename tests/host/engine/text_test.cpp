@@ -1,5 +1,4 @@
 #include <algorithm>
-#include <cmath>
 
 #include "host/engine/font_cache.h"
 #include "tests/host/engine/graphics_fixture.h"
@@ -15,60 +14,11 @@ LOGFONTW FixedPitch(LONG height) {
   return font;
 }
 
-class TextTest : public GraphicsTest {
- protected:
-  static TextDescription Line(std::wstring text, const LOGFONTW& font = FixedPitch(-10)) {
-    TextDescription line;
-    line.font = std::make_shared<TextFont>(font);
-    line.text = std::move(text);
-    line.x = 50;
-    line.y = 40;
-    line.align = TA_BASELINE;
-    return line;
-  }
-  static DrawState Transparent() {
-    DrawState state;
-    state.opaque_background = false;
-    return state;
-  }
-};
-
-TEST_F(TextTest, RightToLeft_PutsUnitsInTheirPlaces) {
-  // Units in text order; a driver gets the places of a natural line from the left.
-  const std::wstring hebrew = L"a\x05D0\x05D1";
-  TextDescription line = Line(hebrew);
-  TextLayout layout = LayOut(line);
-  EXPECT_TRUE(layout.Natural());
-  EXPECT_LT(layout.origins[0].x, layout.origins[1].x);
-  EXPECT_LT(layout.origins[1].x, layout.origins[2].x);
-
-  line.dx = {8, 9, 10};
-  layout = LayOut(line);
-  EXPECT_FALSE(layout.Natural());
-  EXPECT_EQ(layout.origins[0].x, 50);
-  EXPECT_EQ(layout.origins[1].x, 68);  // after the third unit
-  EXPECT_EQ(layout.origins[2].x, 58);
-  line.right_to_left = true;
-  EXPECT_EQ(LayOut(line).origins[0].x, 69);
-  line.in_order = true;
-  EXPECT_EQ(LayOut(line).origins[0].x, 50);
-}
-
-TEST_F(TextTest, RightToLeft_ComesInRunsThatReadAlikeFromTheLeft) {
-  TextDescription line = Line(L"\x05D0\x05D1)");
-  line.right_to_left = true;
-  const TextLayout layout = LayOut(line);
-  ASSERT_EQ(layout.runs.size(), 2u);
-  EXPECT_EQ(layout.shown, L"\x05D0\x05D1(");
-  EXPECT_EQ(layout.glyphs[2], line.font->GlyphOf(L'('));
-  for (const GlyphRun& run : layout.runs) EXPECT_TRUE(run.natural);
-  EXPECT_NEAR(layout.origins[0].x, 56, 0.01);  // the second letter
-  EXPECT_NEAR(layout.origins[1].x, 62, 0.01);
-  EXPECT_EQ(layout.origins[2].x, 50);
-}
-
-TEST_F(TextTest, LongString_ComesInBatches) {
-  Page().Text(Line(std::wstring(600, L'x'), FixedPitch(-1)), Transparent());
+TEST_F(GraphicsTest, LongText_ComesInBatches) {
+  TextDescription line;
+  line.font = std::make_shared<TextFont>(FixedPitch(-1));
+  line.text.assign(600, L'x');
+  Page().Text(line, {});
   const std::string& call = driver_.calls.back();
   EXPECT_EQ(std::ranges::count(call, ','), 2 + 3 + 3 * 4) << call;  // 4 places of each batch
 }
