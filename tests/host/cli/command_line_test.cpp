@@ -3,26 +3,11 @@
 #include <gtest/gtest.h>
 #include <sstream>
 
+#include "host/base/text.h"
 #include "support/case_table.h"
 
 namespace quillo::host {
 namespace {
-
-TEST(ParseCommandLine, Options_AreTaken) {
-  const auto result = ParseCommandLine({"--dpi", "300", "--actual-size", "-o", "/tmp/a b", "a.emf",
-                                        "--document=Grüße", "--preview", "0", "--quiet", "--client",
-                                        "late", "--", "--b.emf"});
-  const Options& options = std::get<Options>(result);
-  EXPECT_EQ(options.dpi, 300);
-  EXPECT_FALSE(options.fit);
-  EXPECT_EQ(options.output, L"Z:/tmp/a b");
-  EXPECT_EQ(options.document, L"Grüße");
-  EXPECT_EQ(options.preview_dpi, 0);
-  EXPECT_TRUE(options.quiet);
-  EXPECT_EQ(options.client, ClientFault::kLate);
-  ASSERT_EQ(options.inputs.size(), 2u);
-  EXPECT_EQ(options.inputs[1].name, "--b.emf");
-}
 
 std::string Describe(const Options& options) {
   std::string text;
@@ -31,6 +16,17 @@ std::string Describe(const Options& options) {
     const int paper = input.sheet.paper;
     if (paper > DMPAPER_USER) text += " (" + std::to_string(paper) + ")";
   }
+  const Options usual;
+  if (options.dpi != usual.dpi) text += "; " + std::to_string(options.dpi) + " dpi";
+  if (!options.fit) text += "; actual size";
+  if (options.output != L"out") text += "; into " + ToUtf8(options.output.wstring());
+  const std::string document = ToUtf8(options.document);
+  if (!options.inputs.empty() && document != options.inputs[0].name) text += "; as " + document;
+  if (options.preview_dpi != usual.preview_dpi) {
+    text += "; preview " + std::to_string(options.preview_dpi);
+  }
+  if (options.quiet) text += "; quiet";
+  if (options.client != usual.client) text += "; client " + std::string(NameOf(options.client));
   const size_t stored = options.custom_papers.size() + options.printer_values.size();
   return text + (stored == 0 ? "" : "; stores " + std::to_string(stored));
 }

@@ -7,7 +7,7 @@
 #include "host/emf/metafile_builder.h"
 #include "host/emf/metafile_script.h"
 #include "support/line.h"
-#include "tests/host/engine/graphics_fixture.h"
+#include "tests/host/engine/fake_driver.h"
 
 namespace quillo::host::emf {
 namespace {

@@ -1,7 +1,6 @@
 #pragma once
 
 #include <cstdint>
-#include <initializer_list>
 #include <vector>
 
 #include "base/bytes.h"
@@ -9,8 +8,7 @@
 
 namespace quillo::host::emf {
 
-/// Bytes of an enhanced metafile, put together record by record. Every field is 32 bits wide unless
-/// it is appended as something else.
+/// Bytes of an enhanced metafile, put together record by record. Every field is 32 bits wide.
 class MetafileBuilder {
  public:
   /// Header of 88 bytes: a 100 x 50 pixel drawing on a device of 1000 x 500 pixels, 200 x 100 mm.
@@ -35,12 +33,10 @@ class MetafileBuilder {
     return start;
   }
 
-  /// Appends to the record added last.
-  template <typename T>
-  MetafileBuilder& Extend(size_t record, std::initializer_list<T> values) {
-    for (const T& value : values) Append(value);
-    Patch(record + 4, static_cast<uint32_t>(bytes_.size() - record));
-    return *this;
+  /// Appends to the header, while there is no other record.
+  void ExtendHeader(const std::vector<uint32_t>& payload) {
+    for (const uint32_t word : payload) Append(word);
+    Patch(4, static_cast<uint32_t>(bytes_.size()));
   }
 
   void Patch(size_t offset, uint32_t value) { Store(MutableBytes(bytes_), offset, value); }
@@ -54,10 +50,9 @@ class MetafileBuilder {
   }
 
  private:
-  template <typename T>
-  void Append(const T& value) {
-    bytes_.resize(bytes_.size() + sizeof(T));
-    Store(MutableBytes(bytes_), bytes_.size() - sizeof(T), value);
+  void Append(uint32_t word) {
+    bytes_.resize(bytes_.size() + sizeof word);
+    Store(MutableBytes(bytes_), bytes_.size() - sizeof word, word);
   }
 
   std::vector<std::byte> bytes_;

@@ -132,6 +132,8 @@ std::vector<ScriptCase> ReadScript(std::istream& script, const std::string& name
       constexpr size_t kMillimetres = 80;  // of the reference device, in the header
       metafile->Patch(kMillimetres, Number(tokens[1]));
       metafile->Patch(kMillimetres + 4, Number(tokens[2]));
+    } else if (tokens[0] == "header") {
+      metafile->ExtendHeader(Fields(tokens));
     } else if (tokens[0] == "patch") {
       patches.emplace_back(Number(tokens[1]), Number(tokens[2]));
     } else if (tokens[0] == "refuse") {

@@ -26,6 +26,7 @@ struct ScriptCase {
 ///     $name = ...        $name is replaced by this in the lines below
 ///     page a b c d x y   the transform to the page
 ///     millimetres x y    the size of the reference device, 1000 by 500 pixels
+///     header FIELDS      more of the header than its 88 bytes
 ///     patch offset value a word of the finished file
 ///     refuse name        the driver's function fails
 ///     flat               the driver takes no curves

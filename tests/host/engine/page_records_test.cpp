@@ -108,42 +108,29 @@ TEST_F(RecordedPage, HoldsWholePens) {
                                      BS_DIBPATTERNPT,  0,   0, 0,  0};
   const auto* words = reinterpret_cast<const DWORD*>(&pattern);
   with_pattern.insert(with_pattern.end(), words, words + sizeof pattern / 4);
-  const struct {
-    DWORD style;
-    LOGBRUSH brush;
-    DWORD dash_count;
-    std::vector<DWORD> record;
-  } kCases[] = {
-      {kWide | PS_USERSTYLE,
-       {BS_SOLID, 0x123456, 0},
-       2,
-       {EMR_EXTCREATEPEN, 60, 1, 60, 0, 60, 0, kWide | PS_USERSTYLE, 9, BS_SOLID, 0x123456, 0, 2,
-        10, 5}},
-      {kWide,
-       {BS_HATCHED, 0xFF, HS_CROSS},
-       0,
-       {EMR_EXTCREATEPEN, 56, 1, 56, 0, 56, 0, kWide, 9, BS_HATCHED, 0xFF, HS_CROSS, 0, 0}},
-      {kWide, {BS_DIBPATTERNPT, DIB_RGB_COLORS, pattern_at}, 0, with_pattern},
-      // What cannot be carried stays as GDI records it.
-      {kWide,
-       {BS_DIBPATTERNPT, DIB_PAL_COLORS, pattern_at},
-       0,
-       {EMR_CREATEPEN, 28, 1, kWide, 9, 0, 0}},
-  };
   Records expected;
-  const auto select = CALL(SelectObject);
-  for (const auto& c : kCases) {
-    const Pen pen(CALL(ExtCreatePen)(c.style, 9, &c.brush, c.dash_count,
-                                     c.dash_count == 0 ? nullptr : kDashes));
-    expected.push_back(c.record);
+  const auto use = [&](DWORD style, const LOGBRUSH& brush, DWORD dash_count,
+                       const std::vector<DWORD>& record) {
+    const Pen pen(
+        CALL(ExtCreatePen)(style, 9, &brush, dash_count, dash_count == 0 ? nullptr : kDashes));
+    expected.push_back(record);
     for (int twice = 0; twice < 2; ++twice) {
-      const HGDIOBJ previous = select(dc_, pen.Get());
-      select(dc_, previous);
+      const HGDIOBJ previous = CALL(SelectObject)(dc_, pen.Get());
+      CALL(SelectObject)(dc_, previous);
       expected.push_back({EMR_SELECTOBJECT, 12, 1});
       expected.push_back({EMR_SELECTOBJECT, 12, 0x80000007});
     }
     expected.push_back({EMR_DELETEOBJECT, 12, 1});
-  }
+  };
+  constexpr DWORD kDashed = kWide | PS_USERSTYLE;
+  use(kDashed, {BS_SOLID, 0x123456, 0}, 2,
+      {EMR_EXTCREATEPEN, 60, 1, 60, 0, 60, 0, kDashed, 9, BS_SOLID, 0x123456, 0, 2, 10, 5});
+  use(kWide, {BS_HATCHED, 0xFF, HS_CROSS}, 0,
+      {EMR_EXTCREATEPEN, 56, 1, 56, 0, 56, 0, kWide, 9, BS_HATCHED, 0xFF, HS_CROSS, 0, 0});
+  use(kWide, {BS_DIBPATTERNPT, DIB_RGB_COLORS, pattern_at}, 0, with_pattern);
+  // What cannot be carried stays as GDI records it.
+  use(kWide, {BS_DIBPATTERNPT, DIB_PAL_COLORS, pattern_at}, 0,
+      {EMR_CREATEPEN, 28, 1, kWide, 9, 0, 0});
   const LOGBRUSH no_brush = {0xFFFF, 0, 0};
   EXPECT_EQ(CALL(ExtCreatePen)(kWide, 9, &no_brush, 0, nullptr), nullptr);
   EXPECT_EQ(Close(), expected);

@@ -1,6 +1,6 @@
 #include "host/inputs/text_input.h"
 
-#include "tests/host/engine/graphics_fixture.h"
+#include "tests/host/engine/fake_driver.h"
 
 namespace quillo::host {
 namespace {
