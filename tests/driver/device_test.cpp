@@ -9,6 +9,7 @@
 #include "base/module_instance.h"
 #include "capture/hooks.h"
 #include "driver/callbacks.h"
+#include "driver/capabilities.h"
 #include "host/engine/services/colours.h"
 #include "host/engine/services/guard.h"
 #include "host/engine/services/surfaces.h"
@@ -210,6 +211,12 @@ TEST_F(DocumentStart, Records_SettingsThenOffset) {
   std::string settings;
   for (int i = 0; i < 1052; ++i) settings += "5a";
   EXPECT_EQ(TakeRecords(), "DEVMODE [" + settings + "]\nPAGEVALUE 12 -34\n");
+}
+
+TEST_F(DocumentStart, Raster_HasTheResolutionOfEachAxis) {
+  const GDIINFO raster = DescribeGraphics(device_);
+  EXPECT_EQ(raster.ulLogPixelsX, 600u);
+  EXPECT_EQ(raster.ulLogPixelsY, 300u);
 }
 
 }  // namespace

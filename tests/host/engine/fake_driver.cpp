@@ -1,7 +1,6 @@
 #include "tests/host/engine/fake_driver.h"
 
 #include <cmath>
-#include <cstring>
 #include <iomanip>
 #include <span>
 
@@ -68,11 +67,10 @@ std::string Describe(PATHOBJ* path) {
 // Defaults are omitted: a clip of the whole page, R2_COPYPEN for both mixes, an origin of 0.
 
 std::string Describe(CLIPOBJ* clip) {
-  const RECTL page{0, 0, fake->size.cx, fake->size.cy};
   if (clip->iDComplexity == DC_TRIVIAL) return "";
   if (clip->iDComplexity == DC_RECT) {
-    const bool whole = std::memcmp(&clip->rclBounds, &page, sizeof page) == 0;
-    return whole ? "" : ", clip " + Describe(clip->rclBounds);
+    const std::string bounds = Describe(clip->rclBounds);
+    return bounds == Line("0,0,", fake->size.cx, ",", fake->size.cy) ? "" : ", clip " + bounds;
   }
   PATHOBJ* outline = CLIPOBJ_ppoGetPath(clip);
   std::string text = ", clip inside " + Describe(clip->rclBounds) + Describe(outline);
