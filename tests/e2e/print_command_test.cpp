@@ -57,19 +57,14 @@ CommandResult RunPrint(const std::wstring& arguments, const fs::path& folder) {
   PROCESS_INFORMATION info{};
   const std::wstring program = BuiltFile(L"quillo-print.exe");
   std::wstring command = L"\"" + program + L"\" " + arguments;
-  if (!CreateProcessW(program.c_str(), command.data(), nullptr, nullptr, TRUE, 0, nullptr, nullptr,
-                      &startup, &info)) {
-    ADD_FAILURE() << "cannot start the print command";
-    return {};
-  }
+  EXPECT_TRUE(CreateProcessW(program.c_str(), command.data(), nullptr, nullptr, TRUE, 0, nullptr,
+                             nullptr, &startup, &info));
   const KernelHandle process(info.hProcess);
   const KernelHandle thread(info.hThread);
   output_file.Reset();
   errors_file.Reset();
-  if (WaitForSingleObject(process.Get(), 120'000) != WAIT_OBJECT_0) {
-    ADD_FAILURE() << "the print command hangs";
-    TerminateProcess(process.Get(), 1);
-  }
+  EXPECT_EQ(WaitForSingleObject(process.Get(), 120'000), WAIT_OBJECT_0) << "it hangs";
+  TerminateProcess(process.Get(), 1);
   DWORD exit_code = 0;
   GetExitCodeProcess(process.Get(), &exit_code);
   return {static_cast<int>(exit_code), ReadText(output), ReadText(errors)};
