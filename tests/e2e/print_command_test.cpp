@@ -38,8 +38,10 @@ std::string ReadText(const fs::path& path) {
 
 KernelHandle MakeInheritedFile(const fs::path& path) {
   SECURITY_ATTRIBUTES inherited{sizeof inherited, nullptr, TRUE};
-  return KernelHandle(CreateFileW(path.c_str(), GENERIC_WRITE, FILE_SHARE_READ, &inherited,
-                                  CREATE_ALWAYS, FILE_ATTRIBUTE_NORMAL, nullptr));
+  // Shared, since what the command starts may outlive it with this handle.
+  constexpr DWORD kShared = FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE;
+  return KernelHandle(CreateFileW(path.c_str(), GENERIC_WRITE, kShared, &inherited, CREATE_ALWAYS,
+                                  FILE_ATTRIBUTE_NORMAL, nullptr));
 }
 
 /// Runs quillo-print.exe with these arguments, quoted as a command line has them. What it writes
@@ -63,8 +65,10 @@ CommandResult RunPrint(const std::wstring& arguments, const fs::path& folder) {
   const KernelHandle thread(info.hThread);
   output_file.Reset();
   errors_file.Reset();
-  EXPECT_EQ(WaitForSingleObject(process.Get(), 120'000), WAIT_OBJECT_0) << "it hangs";
-  TerminateProcess(process.Get(), 1);
+  if (WaitForSingleObject(process.Get(), 120'000) != WAIT_OBJECT_0) {
+    ADD_FAILURE() << "the print command hangs";
+    TerminateProcess(process.Get(), 1);
+  }
   DWORD exit_code = 0;
   GetExitCodeProcess(process.Get(), &exit_code);
   return {static_cast<int>(exit_code), ReadText(output), ReadText(errors)};
