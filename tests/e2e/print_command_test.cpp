@@ -16,6 +16,7 @@
 #include "support/built_file.h"
 #include "support/case_table.h"
 #include "support/corpus.h"
+#include "support/line.h"
 
 // The print command as its users meet it: the shipped driver, the client in its own process.
 namespace quillo::test {
@@ -248,7 +249,7 @@ TEST_F(PrintScript, Lines_Hold) {
         word == "print" || word == "run") {
       run = line;
     }
-    SCOPED_TRACE(run + "\n" + line);
+    SCOPED_TRACE(Line(run, "\n", line));
     if (line.empty() || line[0] == '#') continue;
     Execute(line.substr(0, blank), blank == std::string::npos ? "" : line.substr(blank + 1),
             script);
