@@ -87,7 +87,14 @@ TEST(Wow64, FunctionsMissing_NothingIsSwitched) {
   LateFunctions functions;
   functions.Replace(
       "IsWow64Process", +[](HANDLE, BOOL* wow64) WINAPI { return *wow64 = TRUE; });
-  EXPECT_TRUE(IsWow64());
+  {
+    WATCH(LoadLibraryExW) loads([&loads](LPCWSTR name, HANDLE file, DWORD flags) {
+      EXPECT_EQ(flags, static_cast<DWORD>(LOAD_LIBRARY_SEARCH_SYSTEM32));
+      return loads.CallOriginal(name, file, flags);
+    });
+    EXPECT_TRUE(IsWow64());
+    EXPECT_EQ(loads.calls.size(), 1u);
+  }
   static int redirections_off;
   functions.Replace(
       "Wow64DisableWow64FsRedirection", +[](void** state) WINAPI -> BOOL {

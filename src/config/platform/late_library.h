@@ -6,13 +6,15 @@
 
 namespace quillo {
 
-/// A system library that may be missing, loaded for as long as this lives.
+/// A system library that may be missing, loaded for as long as this lives. It is taken from the
+/// system folder alone, whatever lies beside the program or on the path.
 ///
 ///   const LateLibrary security(L"Advapi32.dll");
 ///   auto* open = security.Find<decltype(OpenProcessToken)>("OpenProcessToken");
 class LateLibrary {
  public:
-  explicit LateLibrary(const wchar_t* name) : library_(LoadLibraryW(name)) {}
+  explicit LateLibrary(const wchar_t* name)
+      : library_(LoadLibraryExW(name, nullptr, LOAD_LIBRARY_SEARCH_SYSTEM32)) {}
 
   /// One of its functions, valid for as long as this lives; null when it or the library is missing.
   template <typename Function>
