@@ -14,7 +14,9 @@ HRESULT WriteCompoundFile(const wchar_t* path, const wchar_t* stream_name, const
   if (SUCCEEDED(result)) result = stream->Write(data, size, &written);
   if (SUCCEEDED(result) && written != size) result = STG_E_MEDIUMFULL;
   stream.Reset();
-  if (FAILED(result)) storage.Reset();
+  if (SUCCEEDED(result)) return result;
+  storage.Reset();
+  DeleteFileW(path);
   return result;
 }
 

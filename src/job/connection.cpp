@@ -1,6 +1,9 @@
 #include "job/connection.h"
 
+#include "config/user/as_user.h"
+#include "config/user/user_files.h"
 #include "config/user/user_paths.h"
+#include "job/client_reference.h"
 #include "job/job_path.h"
 
 namespace quillo {
@@ -10,12 +13,13 @@ namespace {
 /// Compatibility: misspelt, because this is the name under which clients write it.
 constexpr wchar_t kConnectionStream[] = L"IQuilloConnectionPiont";
 
+/// Between two attempts, in milliseconds: whoever still holds the file may let go of it.
+constexpr DWORD kPause = 50;
+
 bool FileExists(const wchar_t* path) { return GetFileAttributesW(path) != INVALID_FILE_ATTRIBUTES; }
 
-/// The file in the TEMP folder, or the one in the session's folder when the first does not exist.
-bool FindConnectionFile(DWORD job_id, JobPath& path) {
-  wchar_t folder[MAX_PATH];
-  if (UserTempFolder(folder, MAX_PATH) == 0) return false;
+/// The file in the user's folder, or the one in the session's folder when the first does not exist.
+bool FindConnectionFile(const wchar_t* folder, DWORD job_id, JobPath& path) {
   const bool fits = path.Format(L"%s\\%d.stg", folder, static_cast<int>(job_id));
   if (fits && FileExists(path.Text())) return true;
   DWORD session = 0;
@@ -24,7 +28,8 @@ bool FindConnectionFile(DWORD job_id, JobPath& path) {
                      static_cast<int>(job_id));
 }
 
-HRESULT Unmarshal(const wchar_t* path, ComPtr<IQuilloClient>& client) {
+HRESULT ReadConnectionFile(const wchar_t* path, Reference& reference) {
+  if (!IsPlainFileOrFree(path)) return E_ACCESSDENIED;
   ComPtr<IStorage> storage;
   HRESULT result = StgOpenStorage(path, nullptr, STGM_READ | STGM_SHARE_EXCLUSIVE, nullptr, 0,
                                   storage.Receive());
@@ -32,10 +37,22 @@ HRESULT Unmarshal(const wchar_t* path, ComPtr<IQuilloClient>& client) {
   ComPtr<IStream> stream;
   result = storage->OpenStream(kConnectionStream, nullptr, STGM_READ | STGM_SHARE_EXCLUSIVE, 0,
                                stream.Receive());
-  if (FAILED(result)) return result;
-  void* interface_pointer = nullptr;
-  result = CoUnmarshalInterface(stream.Get(), __uuidof(IQuilloClient), &interface_pointer);
-  client.Reset(static_cast<IQuilloClient*>(interface_pointer));
+  return SUCCEEDED(result) ? ReadReference(*stream.Get(), reference) : result;
+}
+
+/// The reference that the client left; the file is gone then.
+HRESULT TakeReference(DWORD job_id, Reference& reference) {
+  wchar_t folder[MAX_PATH];
+  if (!UserFilesFolder(folder)) return E_FAIL;
+  const AsUser user;
+  JobPath path;
+  if (!user || !FindConnectionFile(folder, job_id, path)) return E_FAIL;
+  HRESULT result = ReadConnectionFile(path.Text(), reference);
+  if (FAILED(result) && FileExists(path.Text())) {
+    Sleep(kPause);
+    result = ReadConnectionFile(path.Text(), reference);
+  }
+  DeleteFileW(path.Text());
   return result;
 }
 
@@ -43,12 +60,9 @@ HRESULT Unmarshal(const wchar_t* path, ComPtr<IQuilloClient>& client) {
 
 HRESULT OpenConnection(DWORD job_id, ComPtr<IQuilloClient>& client) {
   client.Reset();
-  JobPath path;
-  if (!FindConnectionFile(job_id, path)) return E_FAIL;
-  const HRESULT result = Unmarshal(path.Text(), client);
-  DeleteFileW(path.Text());
-  if (FAILED(result)) client.Reset();
-  return SUCCEEDED(result) && !client ? E_FAIL : result;
+  Reference reference;
+  const HRESULT result = TakeReference(job_id, reference);
+  return SUCCEEDED(result) ? UnmarshalClient(reference, client) : result;
 }
 
 }  // namespace quillo

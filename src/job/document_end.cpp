@@ -1,7 +1,8 @@
 #include "job/document_end.h"
 
 #include "base/system_owners.h"
-#include "config/user/user_paths.h"
+#include "config/user/as_user.h"
+#include "config/user/user_files.h"
 #include "job/compound_file.h"
 #include "job/job_path.h"
 #include "job/notifications.h"
@@ -22,22 +23,28 @@ HeapBlock CollectFonts(const CQloPrinter& job) {
   return fonts;
 }
 
+bool WriteFontsFile(const wchar_t* path, const HeapBlock& fonts, uint32_t count) {
+  const AsUser user;
+  if (!user || !IsPlainFileOrFree(path)) return false;
+  ComPtr<IStorage> storage;
+  const auto size = static_cast<ULONG>(count * sizeof(LOGFONTW));
+  return SUCCEEDED(WriteCompoundFile(path, kFontsStream, fonts.Get(), size, storage));
+}
+
 /// Writes the font-options file, shows it to the client and deletes it: the client reads it during
 /// the call.
 void DeliverFontsFile(const CQloPrinter& job) {
   const HeapBlock fonts = CollectFonts(job);
   wchar_t folder[MAX_PATH];
   JobPath path;
-  if (!fonts || UserTempFolder(folder, MAX_PATH) == 0 ||
+  if (!fonts || !UserFilesFolder(folder) ||
       !path.Format(L"%s\\%d.fpt", folder, static_cast<int>(job.job_id))) {
     return;
   }
-  ComPtr<IStorage> storage;
-  const auto size = static_cast<ULONG>(job.playback.seen_fonts.Count() * sizeof(LOGFONTW));
-  const HRESULT result = WriteCompoundFile(path.Text(), kFontsStream, fonts.Get(), size, storage);
-  storage.Reset();
-  if (SUCCEEDED(result)) NotifyFontsFile(job, path.Text());
-  DeleteFileW(path.Text());
+  if (!WriteFontsFile(path.Text(), fonts, job.playback.seen_fonts.Count())) return;
+  NotifyFontsFile(job, path.Text());
+  const AsUser user;
+  if (user) DeleteFileW(path.Text());
 }
 
 }  // namespace

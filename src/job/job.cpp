@@ -7,7 +7,8 @@
 #include "base/module_instance.h"
 #include "base/text.h"
 #include "config/settings/stored_device_mode.h"
-#include "config/user/user_paths.h"
+#include "config/user/as_user.h"
+#include "config/user/user_files.h"
 #include "job/connection.h"
 #include "job/end_signal.h"
 #include "job/notifications.h"
@@ -24,12 +25,16 @@ constexpr wchar_t kResourceModule[] = L"QXRES06X.DLL";
 
 void MakeFontFolder(CQloPrinter& job) {
   wchar_t folder[MAX_PATH];
-  if (UserTempFolder(folder, MAX_PATH) == 0) return;
+  if (!UserFilesFolder(folder)) return;
+  const AsUser user;
+  if (!user) return;
   if (FAILED(StringCchPrintfW(job.font_folder, MAX_PATH, L"%s\\%s", folder, kFontFolderName))) {
     job.font_folder[0] = L'\0';
     return;
   }
   CreateDirectoryW(job.font_folder, nullptr);
+  // A link in its place may lead to a folder whose files are somebody else's.
+  if (!IsPlainFolder(job.font_folder)) job.font_folder[0] = L'\0';
 }
 
 /// Allocates the job's own copy of the settings and reads the printer's stored ones into it: a job
@@ -45,14 +50,14 @@ bool ReadDeviceSettings(CQloPrinter& job) {
   return true;
 }
 
-/// Loads the resource module that lies beside the driver.
+/// Loads the resource module that lies beside the driver; what it needs comes from the system.
 Library LoadResources() {
   wchar_t path[MAX_PATH];
   const DWORD length = GetModuleFileNameW(g_module_instance, path, MAX_PATH);
   if (length == 0 || length >= MAX_PATH) return Library();
   const auto folder = static_cast<size_t>(FileNamePart(path) - path);
   if (FAILED(StringCchCopyW(path + folder, MAX_PATH - folder, kResourceModule))) return Library();
-  return Library(LoadLibraryW(path));
+  return Library(LoadLibraryExW(path, nullptr, LOAD_LIBRARY_SEARCH_SYSTEM32));
 }
 
 /// Releases what the job holds, each part before what it depends on; the heap goes last.

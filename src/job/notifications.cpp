@@ -1,10 +1,13 @@
 #include "job/notifications.h"
 
 #include "base/system_owners.h"
+#include "job/client_reference.h"
 
 namespace quillo {
 
 namespace {
+
+constexpr size_t kPageSlots = 18;
 
 /// The code of NotifyError: a page metafile could not be created or closed.
 constexpr LONG kPageError = -295;
@@ -64,6 +67,7 @@ ComPtr<IQuilloPage> OpenClientPage(const CQloPrinter& job) {
   if (!ClientConnected(job)) return {};
   ComPtr<IQuilloPage> page;
   if (FAILED(job.client->GetPageObject(page.Receive()))) return {};
+  if (page && !IsCallable(*page.Get(), kPageSlots)) return {};
   if (page) job.client->NotifyPageStart(job.printer_name.Get(), IdOf(job), page.Get());
   return page;
 }

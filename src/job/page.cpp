@@ -3,7 +3,8 @@
 #include "base/gdi_owners.h"
 #include "config/papers/paper_geometry.h"
 #include "config/settings/printer_dc.h"
-#include "config/user/user_paths.h"
+#include "config/user/as_user.h"
+#include "config/user/user_files.h"
 #include "job/notifications.h"
 #include "job/text_runs.h"
 #include "playback/dispatcher.h"
@@ -25,7 +26,9 @@ constexpr LONG kPageMode = 3;
 void CreatePageFile(CQloPrinter& job) {
   wchar_t folder[MAX_PATH];
   job.page_path[0] = L'\0';
-  if (UserTempFolder(folder, MAX_PATH) == 0) return;
+  if (!UserFilesFolder(folder)) return;
+  const AsUser user;
+  if (!user) return;
   if (GetTempFileNameW(folder, kPageFilePrefix, 0, job.page_path) == 0) job.page_path[0] = L'\0';
 }
 
@@ -48,6 +51,9 @@ MetafileDc CreatePageMetafile(const CQloPrinter& job, const Extent& sheet) {
   const CreatedDc reference = CreatePrinterDc(job.printer, &job.device_settings->pub);
   // In hundredths of a millimetre.
   const RECT frame = {0, 0, sheet.width * 10, sheet.height * 10};
+  // The client knows the path by now.
+  const AsUser user;
+  if (!user || !IsPlainFileOrFree(job.page_path)) return MetafileDc();
   return MetafileDc(CreateEnhMetaFileW(reference.Get(), job.page_path, &frame, kDescription));
 }
 
@@ -87,6 +93,7 @@ bool ClosePageMetafile(CQloPrinter& job) {
   if (job.playback.page_dc == nullptr) return false;
   ReleaseDrawingObjects(job.playback);
   MetafileDc metafile(std::exchange(job.playback.page_dc, nullptr));
+  const AsUser user;  // GDI may open the file again
   if (metafile.Close()) return true;
   job.state |= kJobFailed;
   return false;
@@ -105,7 +112,10 @@ bool FinishPage(CQloPrinter& job) {
 
 void DropPageFile(CQloPrinter& job) {
   job.page_object.Reset();
-  if (job.page_path[0] != L'\0') DeleteFileW(job.page_path);
+  if (job.page_path[0] != L'\0') {
+    const AsUser user;
+    if (user) DeleteFileW(job.page_path);
+  }
   job.page_path[0] = L'\0';
   job.state &= ~kPageFilePending;
   job.playback.run_list.Clear();

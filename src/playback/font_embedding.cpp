@@ -6,6 +6,8 @@
 
 #include "base/gdi_owners.h"
 #include "base/system_owners.h"
+#include "config/user/as_user.h"
+#include "config/user/user_files.h"
 
 namespace quillo {
 namespace {
@@ -69,8 +71,15 @@ HeapBlock ReadFontFile(HDC dc, DWORD& size) {
   return content;
 }
 
-/// False, and no file at `path`, when it cannot be written completely.
-bool WriteFontFile(const wchar_t* path, const void* content, DWORD size) {
+/// Writes the font's file; `path` receives where. False when it cannot be written completely; no
+/// file is left then.
+bool WriteFontFile(const wchar_t* directory, const wchar_t* face, const void* content, DWORD size,
+                   Path& path) {
+  const AsUser user;
+  if (!user || !IsPlainFolder(directory) || !MakePath(directory, face, path) ||
+      !IsPlainFileOrFree(path)) {
+    return false;
+  }
   KernelHandle file(
       CreateFileW(path, GENERIC_ALL, 0, nullptr, CREATE_ALWAYS, FILE_ATTRIBUTE_TEMPORARY, nullptr));
   if (!file) return false;
@@ -97,9 +106,10 @@ bool EmbedFont(const PlaybackContext& context, const LOGFONTW& font) {
   DWORD size = 0;
   const HeapBlock content = ReadFontFile(dc.Get(), size);
   Path path;
-  if (!content || !MakePath(directory, face, path)) return false;
-  if (!WriteFontFile(path, content.Get(), size)) return false;
-  if (FAILED(context.job.events->FontEmbedded(path))) DeleteFileW(path);
+  if (!content || !WriteFontFile(directory, face, content.Get(), size, path)) return false;
+  if (SUCCEEDED(context.job.events->FontEmbedded(path))) return true;
+  const AsUser user;
+  if (user) DeleteFileW(path);
   return true;
 }
 

@@ -2,6 +2,8 @@
 
 #include <gtest/gtest.h>
 
+#include "config/user/as_user.h"
+#include "config/user/user_files.h"
 #include "support/late_functions.h"
 #include "support/registry_sandbox.h"
 #include "support/watch.h"
@@ -85,6 +87,100 @@ TEST(UserTempFolder, NoRoomAndNoExpansion) {
   EXPECT_STREQ(folder, L"");
   const WATCH(GetTempPathW) too_long(DWORD{MAX_PATH});  // all the room that it has
   EXPECT_EQ(UserTempFolder(folder, MAX_PATH), 0u);
+}
+
+TEST(UserFilesFolder, AbsoluteOnALocalDriveOnly) {
+  const RegistrySandbox sandbox;
+  const struct {
+    const wchar_t* folder;
+    UINT drive;
+    bool there;
+  } cases[] = {{L"C:\\tmp", DRIVE_FIXED, true},        {L"c:/tmp", DRIVE_RAMDISK, true},
+               {L"z:\\", DRIVE_REMOVABLE, true},       {L"C:\\tmp", DRIVE_REMOTE, false},
+               {L"C:\\tmp", DRIVE_NO_ROOT_DIR, false}, {L"C:tmp", DRIVE_FIXED, false},
+               {L"tmp", DRIVE_FIXED, false},           {L"\\tmp", DRIVE_FIXED, false},
+               {L"\\\\host\\tmp", DRIVE_FIXED, false}, {L"[:\\tmp", DRIVE_FIXED, false}};
+  for (const auto& c : cases) {
+    PutValue(HKEY_CURRENT_USER, L"Environment", L"TMP", Terminated(c.folder));
+    const WATCH(GetDriveTypeW) drive([&](LPCWSTR root) {
+      EXPECT_EQ(std::wstring(root), std::wstring(1, c.folder[0]) + L":\\");
+      return c.drive;
+    });
+    wchar_t folder[MAX_PATH];
+    EXPECT_EQ(UserFilesFolder(folder), c.there) << &c - cases;
+    EXPECT_STREQ(folder, c.folder);
+  }
+}
+
+int tries, reverts;
+bool works;
+
+TEST(AsUser, OnlyAThreadWithoutTokenChanges) {
+  LateFunctions functions;
+  const auto use = [&functions] {
+    tries = reverts = 0;
+    functions.Replace(
+        "ImpersonateLoggedOnUser", +[](HANDLE) WINAPI -> BOOL { return works && ++tries == 2; });
+    functions.Replace(
+        "RevertToSelf", +[]() WINAPI -> BOOL { return ++reverts == 2; });
+  };
+  // Each step is tried once more.
+  use();
+  works = true;
+  EXPECT_TRUE(AsUser());
+  EXPECT_EQ(std::pair(tries, reverts), std::pair(2, 2));
+  // A user whom nobody can work as has no files; without a user, the account's own count.
+  use();
+  works = false;
+  EXPECT_FALSE(AsUser());
+  functions.Miss("RevertToSelf");
+  works = true;
+  EXPECT_FALSE(AsUser());
+  EXPECT_EQ(reverts, 0);
+  use();
+  functions.Miss("DuplicateTokenEx");
+  EXPECT_TRUE(AsUser());
+  functions.Restore();
+  // Who works as somebody already stays so.
+  use();
+  functions.Replace("OpenThreadToken", RefuseThreadToken);
+  EXPECT_TRUE(AsUser());
+  ASSERT_TRUE(ImpersonateSelf(SecurityImpersonation));
+  functions.Restore();
+  use();
+  EXPECT_TRUE(AsUser());
+  RevertToSelf();
+  EXPECT_EQ(std::pair(tries, reverts), std::pair(0, 0));
+}
+
+TEST(IsPlain, FilesAndFoldersThatAreNoLinks) {
+  wchar_t file[MAX_PATH], folder[MAX_PATH];
+  GetTempPathW(MAX_PATH, folder);
+  GetTempFileNameW(folder, L"pln", 0, file);
+  const std::wstring other = std::wstring(file) + L"2";
+  EXPECT_TRUE(IsPlainFileOrFree(file));
+  EXPECT_TRUE(IsPlainFileOrFree(other.c_str()));
+  EXPECT_FALSE(IsPlainFileOrFree(folder));
+  EXPECT_TRUE(IsPlainFolder(folder));
+  EXPECT_FALSE(IsPlainFolder(file));
+  EXPECT_FALSE(IsPlainFolder(other.c_str()));
+  CreateHardLinkW(other.c_str(), file, nullptr);
+  EXPECT_FALSE(IsPlainFileOrFree(file));
+  DeleteFileW(other.c_str());
+  // Wine makes no links of other kinds.
+  {
+    const WATCH(GetFileAttributesW)
+        link(DWORD{FILE_ATTRIBUTE_DIRECTORY | FILE_ATTRIBUTE_REPARSE_POINT});
+    EXPECT_FALSE(IsPlainFolder(folder));
+    WATCH(GetFileInformationByHandle)
+    file_link([&](HANDLE handle, auto* information) {
+      const BOOL known = file_link.CallOriginal(handle, information);
+      information->dwFileAttributes |= FILE_ATTRIBUTE_REPARSE_POINT;
+      return known;
+    });
+    EXPECT_FALSE(IsPlainFileOrFree(file));
+  }
+  DeleteFileW(file);
 }
 
 }  // namespace

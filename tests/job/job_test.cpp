@@ -9,13 +9,10 @@
 #include "base/system_owners.h"
 #include "capture/records/types.h"
 #include "host/printer/printer_setup.h"
-#include "host/printer/sheet.h"
-#include "host/printer/spool_job.h"
-#include "job/document_end.h"
 #include "job/record_sink.h"
+#include "job/spooled_job.h"
 #include "support/line.h"
 #include "support/margins.h"
-#include "support/recording_client.h"
 #include "support/watch.h"
 
 namespace quillo {
@@ -24,17 +21,6 @@ namespace {
 namespace fs = std::filesystem;
 using Json = nlohmann::ordered_json;
 using test::Line;
-
-/// Files in the TEMP folder that pages and jobs make.
-int LeftFiles() {
-  int count = 0;
-  for (const auto& entry : fs::directory_iterator(test::TempFolder())) {
-    const std::wstring name = entry.path().filename();
-    count += (name.starts_with(L"VXP") && name.ends_with(L".tmp")) || name.ends_with(L".fpt") ||
-             name.ends_with(L".stg");
-  }
-  return count;
-}
 
 /// A number, or the name of a record for its type.
 uint32_t WordOf(const std::string& token) {
@@ -63,32 +49,11 @@ std::shared_ptr<void> Failing(const std::string& function) {
 }
 
 /// A job of tests/corpus/job/jobs.txt, whose head says what its lines mean, and what came of it.
-class Job {
+class Job : test::SpooledJob {
  public:
   Job() {
-    // The client lives in this apartment, as it would in a process of its own.
-    EXPECT_TRUE(SUCCEEDED(CoInitializeEx(nullptr, COINIT_MULTITHREADED)));
-    host::EnsurePrinter(host::kPrinterName, kDpi, {});
-    spool_job_.emplace(host::kPrinterName, L"A document");
-    // What a run that broke off left would be taken for this job's client.
-    for (const bool in_session_folder : {false, true}) fs::remove(Connection(in_session_folder));
-    RemoveDirectoryW((test::TempFolder() + L"\\QLOFNT500").c_str());
-    files_before_ = LeftFiles();
-    heaps_before_ = GetProcessHeaps(0, nullptr);
     client_.on_call = [this](const Json& call) { Note(call); };
   }
-  Job(const Job&) = delete;
-  Job& operator=(const Job&) = delete;
-  ~Job() {
-    EXPECT_EQ(LeftFiles(), files_before_);
-    EXPECT_EQ(GetProcessHeaps(0, nullptr), heaps_before_);
-    EXPECT_EQ(client_.CountLeaks(), 0);
-    CoUninitialize();
-    // No job is left in the apartment: another kind may be entered.
-    EXPECT_EQ(CoInitializeEx(nullptr, COINIT_APARTMENTTHREADED), S_OK);
-    CoUninitialize();
-  }
-
   void Execute(const std::string& line) {
     std::istringstream fields(line);
     std::string word, argument;
@@ -96,17 +61,15 @@ class Job {
     const std::vector<std::string> more{std::istream_iterator<std::string>(fields), {}};
     if (word == "client") {
       const auto fault = host::ParseClientFault(argument);
-      client_.LeaveConnection(spool_job_->Id(), argument == "session", fault.value_or(kSound));
+      Connect(fault.value_or(host::ClientFault::kNone), argument == "session");
     } else if (word == "unreadable") {
-      std::ofstream(Connection(false)).flush();
+      std::ofstream(Connection()).flush();
     } else if (word == "waiter") {
-      const auto id = std::to_wstring(spool_job_->Id());
+      const auto id = std::to_wstring(Id());
       waiter_.Reset(CreateEventW(nullptr, TRUE, FALSE,
                                  (L"Global\\VORNIXQUILLO5_JOB_END" + id + L" version5").c_str()));
     } else if (word == "open") {
-      job_ = OpenJob(spool_job_->Printer(), spool_job_->Id());
-      const DeviceMode mode = host::MakeDeviceMode(host::kPrinterName, {.paper = DMPAPER_A4}, kDpi);
-      Send(records::REC_DEVMODE, &mode, sizeof mode);
+      job_ = Open();
       EXPECT_EQ(job_->font_folder, test::TempFolder() + L"\\QLOFNT500");
       EXPECT_TRUE(fs::exists(job_->font_folder));
     } else if (word == "margins") {
@@ -122,13 +85,12 @@ class Job {
     } else if (word == "work") {
       failing_.reset();
     } else if (word == "close") {
-      EndDocument(job_);
-      SignalEndAndDestroy(job_);
+      Close(job_);
     } else if (word == "font") {
       LOGFONTW font = {};
       font.lfHeight = std::stoi(argument);
       lstrcpyW(font.lfFaceName, more[0] == "Mono" ? L"Liberation Mono" : L"Liberation Sans");
-      Send(records::REC_CREATEFONT, &font, sizeof font);
+      Send(job_, records::REC_CREATEFONT, &font, sizeof font);
     } else if (word == "record" || word == "write") {
       std::vector<uint32_t> words = {WordOf(argument)};
       if (word == "record") words.push_back(static_cast<uint32_t>(more.size() * 4));
@@ -148,28 +110,17 @@ class Job {
       ADD_FAILURE() << "no such line: " << line;
     }
     if (word == "open" || word == "start") {
-      EXPECT_FALSE(fs::exists(Connection(false)) || fs::exists(Connection(true)));
+      EXPECT_FALSE(fs::exists(Connection()) || fs::exists(Connection(true)));
     }
   }
 
   const std::string& Outcome() const { return outcome_; }
 
  private:
-  static constexpr int kDpi = 300;
-  static constexpr auto kSound = host::ClientFault::kNone;
-
-  fs::path Connection(bool in_session_folder) const {
-    return test::ConnectionPath(spool_job_->Id(), in_session_folder);
-  }
   void Write(const void* data, size_t size) {
     uint32_t written = 0;
     EXPECT_EQ(WriteJob(job_, data, static_cast<uint32_t>(size), &written), 1);
     EXPECT_EQ(written, size);
-  }
-  void Send(uint32_t type, const void* payload, uint32_t size) {
-    const uint32_t header[] = {type, size};
-    WriteJob(job_, header, sizeof header, nullptr);
-    WriteJob(job_, payload, size, nullptr);
   }
   void EndStep(const std::string& step, bool done) {
     if (done) return;
@@ -181,7 +132,7 @@ class Job {
   /// file that it can read by then, and whether a waiter has heard of the end.
   void Note(const Json& call) {
     std::string line = client_.calls.back();
-    const std::string job = Line(" VORNIX Quillo 6 ", spool_job_->Id());
+    const std::string job = Line(" VORNIX Quillo 6 ", Id());
     if (const size_t at = line.find(job); at != std::string::npos) line.erase(at, job.size());
     const Json& holder = call.contains("page_object") ? call["page_object"] : call;
     if (holder.contains("path")) line += FileAt(holder["path"].get<std::string>());
@@ -192,7 +143,7 @@ class Job {
     EXPECT_EQ(path.parent_path(), test::TempFolder());
     if (!fs::exists(path)) return " no file";
     if (path.extension() == L".fpt") {
-      EXPECT_EQ(path.stem(), std::to_wstring(spool_job_->Id()));
+      EXPECT_EQ(path.stem(), std::to_wstring(Id()));
       return "";
     }
     EXPECT_TRUE(path.filename().wstring().starts_with(L"VXP"));
@@ -206,15 +157,11 @@ class Job {
                 drawn.top, ",", drawn.right, ",", drawn.bottom);
   }
 
-  test::RecordingClient client_;
-  std::optional<host::SpoolJob> spool_job_;
   CQloPrinter* job_ = nullptr;
   KernelHandle waiter_;
   std::shared_ptr<void> failing_;
   bool no_reference_ = false;
   std::string outcome_;
-  int files_before_ = 0;
-  DWORD heaps_before_ = 0;
   const WATCH(MessageBoxW) boxes_{[this](auto, auto, LPCWSTR caption, UINT style) -> int {
     EXPECT_STREQ(caption, L"Error");
     EXPECT_EQ(style, static_cast<UINT>(MB_SETFOREGROUND));

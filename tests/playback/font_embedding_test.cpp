@@ -61,6 +61,11 @@ TEST_F(FontEmbeddingTest, TemporaryFont_GoesIntoTheFolderOnceAHeight) {
   EXPECT_EQ(announced_[1].wstring(), plain + std::to_wstring(number));
   EXPECT_EQ(announced_[2].wstring(), plain + std::to_wstring(number + 1));
   EXPECT_EQ(ReadFile(announced_[2]), file);
+  // Nothing is written through a link.
+  const std::wstring next = plain + std::to_wstring(number + 2);
+  std::filesystem::create_hard_link(announced_[2], next);
+  Play(L"Abc.TMP", 400);
+  EXPECT_EQ(announced_.size(), 3u);
   RemoveFontMemResourceEx(installed);
 }
 
@@ -111,6 +116,7 @@ TEST_F(FontEmbeddingTest, AnyStepThatFails_LeavesNoFileAndNoObject) {
     const WATCH(function) watch(answer); \
     embed(#function);                    \
   } while (false)
+  FAIL_WITH(GetFileAttributesW, DWORD{FILE_ATTRIBUTE_DIRECTORY | FILE_ATTRIBUTE_REPARSE_POINT});
   FAIL_WITH(GetDC, nullptr);
   FAIL_WITH(CreateFontIndirectW, nullptr);
   FAIL_WITH(SelectObject, nullptr);

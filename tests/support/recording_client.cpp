@@ -4,10 +4,13 @@
 
 #include "config/user/user_paths.h"
 #include "host/client/client_object.h"
+#include "support/built_file.h"
 
 namespace quillo::test {
 
 namespace {
+
+std::wstring TypeLibrary() { return BuiltFile(L"..\\interface\\quillo.tlb"); }
 
 std::string LineOf(const nlohmann::ordered_json& call) {
   std::string line;
@@ -26,24 +29,45 @@ int ReleaseLast(ComPtr<Interface>& object) {
   return object && object.Detach()->Release() != 0 ? 1 : 0;
 }
 
+/// An object that describes itself as an interface; a null one: not at all.
+template <typename Object>
+class Described : public Object {
+ public:
+  template <typename... Arguments>
+  explicit Described(const IID* const& table, Arguments&&... arguments)
+      : Object(std::forward<Arguments>(arguments)...), table_(table) {}
+
+  HRESULT STDMETHODCALLTYPE GetTypeInfoCount(UINT* count) override {
+    *count = table_ != nullptr;
+    return S_OK;
+  }
+  HRESULT STDMETHODCALLTYPE GetTypeInfo(UINT, LCID, ITypeInfo** info) override {
+    ComPtr<ITypeLib> library;
+    const bool own = IsEqualIID(*table_, __uuidof(IQuilloPage));
+    LoadTypeLib(own ? TypeLibrary().c_str() : L"stdole2.tlb", library.Receive());
+    return library->GetTypeInfoOfGuid(*table_, info);
+  }
+
+ private:
+  const IID* const& table_;
+};
+
 }  // namespace
 
-/// In one process the object itself is passed.
-class RecordingClient::Client : public host::ClientObject {
+class RecordingClient::Client : public Described<host::ClientObject> {
  public:
   Client(RecordingClient& owner, host::ClientFault fault)
-      : ClientObject(L"no such folder", fault, [&owner](const auto& call) { owner.Note(call); }),
-        owner_(owner) {
-    CoCreateFreeThreadedMarshaler(this, marshaler_.Receive());
-  }
+      : Described(owner.client_table, L"no such folder", fault,
+                  [&owner](const auto& call) { owner.Note(call); }),
+        owner_(owner) {}
 
-  HRESULT STDMETHODCALLTYPE QueryInterface(REFIID id, void** out) override {
-    return id == IID_IMarshal ? marshaler_->QueryInterface(id, out)
-                              : ClientObject::QueryInterface(id, out);
-  }
   HRESULT STDMETHODCALLTYPE GetPageObject(IQuilloPage** page) override {
     const HRESULT result = ClientObject::GetPageObject(page);
     if (FAILED(result)) return result;
+    if (owner_.page_table != nullptr) {
+      (*page)->Release();
+      *page = new Described<host::PageObject>(owner_.page_table, 0, false);
+    }
     owner_.leaks_ += ReleaseLast(owner_.page_);  // delivered or dropped by now
     owner_.page_.Reset(*page);
     owner_.page_->AddRef();
@@ -52,7 +76,6 @@ class RecordingClient::Client : public host::ClientObject {
 
  private:
   RecordingClient& owner_;
-  ComPtr<IUnknown> marshaler_;
 };
 
 void RecordingClient::Note(const nlohmann::ordered_json& call) {
@@ -69,6 +92,8 @@ void RecordingClient::LeaveConnection(DWORD job_id, bool in_session_folder,
                                       host::ClientFault fault) {
   CountLeaks();
   client_.Reset(new Client(*this, fault));
+  ComPtr<ITypeLib> library;
+  LoadTypeLibEx(TypeLibrary().c_str(), REGKIND_REGISTER, library.Receive());
   const std::wstring path = ConnectionPath(job_id, in_session_folder);
   CreateDirectoryW(path.substr(0, path.rfind(L'\\')).c_str(), nullptr);
   ComPtr<IStorage> storage;
@@ -77,7 +102,7 @@ void RecordingClient::LeaveConnection(DWORD job_id, bool in_session_folder,
                    storage.Receive());
   storage->CreateStream(L"IQuilloConnectionPiont", STGM_CREATE | STGM_SHARE_EXCLUSIVE | STGM_WRITE,
                         0, 0, stream.Receive());
-  CoMarshalInterface(stream.Get(), __uuidof(IQuilloClient), client_.Get(), MSHCTX_INPROC, nullptr,
+  CoMarshalInterface(stream.Get(), __uuidof(IQuilloClient), client_.Get(), MSHCTX_LOCAL, nullptr,
                      MSHLFLAGS_NORMAL);
 }
 

@@ -26,6 +26,11 @@ class RecordingClient {
   std::vector<std::string> calls;
   std::function<void(const nlohmann::ordered_json& call)> on_call;  // during the call
 
+  /// The interfaces (IQuilloPage or IDispatch) as which the client and its pages describe
+  /// themselves; null: they do not.
+  const IID* client_table = nullptr;
+  const IID* page_table = nullptr;
+
   /// Releases its objects; the number of those that somebody else still holds. (LeaveConnection
   /// does so for the connection before.)
   int CountLeaks();
