@@ -1,5 +1,7 @@
 #include "driver/device_mode_merge.h"
 
+#include <algorithm>
+#include <cstddef>
 #include <cstring>
 
 #include "config/papers/paper_geometry.h"
@@ -11,6 +13,24 @@ namespace {
 constexpr short kMinDpi = 50;
 constexpr short kMaxDpi = 1600;
 constexpr short kFallbackDpi = 96;
+
+/// The caller's public members up to its own size; what lies beyond is zero and not given.
+DEVMODEW GivenBy(const DEVMODEW& caller) {
+  static constexpr struct {
+    DWORD field;
+    size_t end;
+  } kFields[] = {{DM_ORIENTATION, offsetof(DEVMODEW, dmPaperSize)},
+                 {DM_PAPERSIZE, offsetof(DEVMODEW, dmPaperLength)},
+                 {DM_COPIES, offsetof(DEVMODEW, dmDefaultSource)},
+                 {DM_DEFAULTSOURCE, offsetof(DEVMODEW, dmPrintQuality)},
+                 {DM_PRINTQUALITY, offsetof(DEVMODEW, dmColor)}};
+  DEVMODEW given = {};
+  std::memcpy(&given, &caller, std::min<size_t>(caller.dmSize, sizeof given));
+  for (const auto& [field, end] : kFields) {
+    if (caller.dmSize < end) given.dmFields &= ~field;
+  }
+  return given;
+}
 
 void MergePaper(DeviceMode& mode, const DEVMODEW& caller) {
   mode.pub.dmPaperSize = caller.dmPaperSize;
@@ -40,21 +60,22 @@ void MergeQuality(DEVMODEW& mode, const DEVMODEW& caller) {
 
 void MergeDeviceMode(DeviceMode& mode, const DEVMODEW* caller) {
   if (caller == nullptr) return;
-  const DWORD fields = mode.pub.dmFields & caller->dmFields;
+  const DEVMODEW given = GivenBy(*caller);
+  const DWORD fields = mode.pub.dmFields & given.dmFields;
 
   if ((fields & DM_ORIENTATION) != 0 &&
-      (caller->dmOrientation == DMORIENT_PORTRAIT || caller->dmOrientation == DMORIENT_LANDSCAPE)) {
-    mode.pub.dmOrientation = caller->dmOrientation;
+      (given.dmOrientation == DMORIENT_PORTRAIT || given.dmOrientation == DMORIENT_LANDSCAPE)) {
+    mode.pub.dmOrientation = given.dmOrientation;
   }
-  if ((fields & DM_PAPERSIZE) != 0) MergePaper(mode, *caller);
+  if ((fields & DM_PAPERSIZE) != 0) MergePaper(mode, given);
   // The device never makes copies itself.
-  if ((fields & DM_COPIES) != 0 && caller->dmCopies == 1) mode.pub.dmCopies = 1;
-  if ((fields & DM_DEFAULTSOURCE) != 0) mode.pub.dmDefaultSource = caller->dmDefaultSource;
-  if ((fields & DM_PRINTQUALITY) != 0) MergeQuality(mode.pub, *caller);
+  if ((fields & DM_COPIES) != 0 && given.dmCopies == 1) mode.pub.dmCopies = 1;
+  if ((fields & DM_DEFAULTSOURCE) != 0) mode.pub.dmDefaultSource = given.dmDefaultSource;
+  if ((fields & DM_PRINTQUALITY) != 0) MergeQuality(mode.pub, given);
   // dmColor and dmBitsPerPel stay: the device always works in 24-bit colour.
 
-  if (!HasOwnShape(*caller)) return;
-  std::memcpy(mode.pub.dmDeviceName, caller->dmDeviceName, sizeof mode.pub.dmDeviceName);
+  if (!HasOwnShape(given)) return;
+  std::memcpy(mode.pub.dmDeviceName, given.dmDeviceName, sizeof mode.pub.dmDeviceName);
   mode.pub.dmDeviceName[CCHDEVICENAME - 1] = L'\0';
   const auto& callers = *reinterpret_cast<const DeviceMode*>(caller);
   mode.own = callers.own;

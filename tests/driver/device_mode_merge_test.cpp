@@ -32,6 +32,32 @@ TEST(MergeDeviceMode, NoCaller_Unchanged) {
   EXPECT_EQ(std::memcmp(&mode, &before, sizeof mode), 0);
 }
 
+TEST(MergeDeviceMode, FieldsAfterItsOwnSize_NeitherReadNorGiven) {
+  // Ends where no byte can be read.
+  auto* const pages = static_cast<std::byte*>(
+      VirtualAlloc(nullptr, 8192, MEM_RESERVE | MEM_COMMIT, PAGE_READWRITE));
+  DWORD protection = 0;
+  ASSERT_TRUE(VirtualProtect(pages + 4096, 4096, PAGE_NOACCESS, &protection));
+  DeviceMode full = Default();
+  full.pub.dmOrientation = DMORIENT_LANDSCAPE;
+  full.pub.dmPaperSize = DMPAPER_A5;
+  full.pub.dmDefaultSource = DMBIN_MANUAL;
+  full.pub.dmPrintQuality = DMRES_HIGH;
+  for (WORD size = offsetof(DEVMODEW, dmDriverExtra); size < sizeof(DEVMODEW); ++size) {
+    SCOPED_TRACE(size);
+    full.pub.dmSize = size;
+    auto* const caller = pages + 4096 - size;
+    std::memcpy(caller, &full, size);
+    DeviceMode mode = Default();
+    MergeDeviceMode(mode, reinterpret_cast<const DEVMODEW*>(caller));
+    EXPECT_EQ(mode.pub.dmOrientation == DMORIENT_LANDSCAPE, size >= 78);
+    EXPECT_EQ(mode.pub.dmPaperSize == DMPAPER_A5, size >= 80);
+    EXPECT_EQ(mode.pub.dmDefaultSource == DMBIN_MANUAL, size >= 90);
+    EXPECT_EQ(mode.pub.dmPrintQuality == DMRES_HIGH, size >= 92);
+  }
+  VirtualFree(pages, 0, MEM_RELEASE);
+}
+
 TEST(MergeDeviceMode, Shape_DecidesOnNameAndPrivatePart) {
   test::CheckCases("driver/mode_shapes.txt", [](const auto& fields) {
     DeviceMode caller;

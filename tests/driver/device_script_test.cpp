@@ -49,6 +49,7 @@ Values Parse(const std::string& text) {
 /// millimetres; `fields` says which members count, by default those that are given.
 DeviceMode CallersMode(Values values) {
   DeviceMode mode = {};
+  mode.pub.dmSize = sizeof(DEVMODEW);
   if (values.contains("left")) {
     BuildDefaultDeviceMode(mode, nullptr);
     test::SetMargins(mode, std::stof(values["left"]), std::stof(values["top"]));
