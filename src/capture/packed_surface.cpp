@@ -21,6 +21,16 @@ SurfaceBits BitsOf(const SURFOBJ& surface) {
           .top_down = (surface.fjBitmap & BMF_TOPDOWN) != 0};
 }
 
+/// Whether the zeros that stand for missing rows of a top-down surface are no more than what is
+/// there (of a surface without bits: than its size) and a row: its row size is anybody's number.
+bool HasBoundedZeros(const SURFOBJ& surface, const SurfaceBits& bits, uint16_t bit_count) {
+  constexpr uint64_t kMaxRow = 1 << 20;
+  const uint64_t rows =
+      DibStride(static_cast<uint32_t>(surface.sizlBitmap.cx), bit_count) * bits.row_count;
+  return bits.Size() - bits.bits.size() <=
+         (surface.pvBits != nullptr ? bits.bits.size() : rows) + kMaxRow;
+}
+
 /// The translation vector unchanged, else the source palette with red and blue exchanged.
 void FillColourTable(XLATEOBJ* translation, std::span<uint32_t> table) {
   const auto vector = TranslationVector(translation);
@@ -51,8 +61,10 @@ PackedSurface::PackedSurface(const SURFOBJ* surface, XLATEOBJ* translation)
     : surface_(surface), translation_(translation) {
   if (surface == nullptr) return;
   format_ = FindSurfaceFormat(surface->iBitmapFormat);
-  if (!format_) return;
+  const SIZEL size = surface->sizlBitmap;
+  if (!format_ || !HasBoundedPixels(format_->compression, size.cx, size.cy)) return;
   bits_ = BitsOf(*surface);
+  if (!HasBoundedZeros(*surface, bits_, format_->bit_count)) return;
   size_ = PackedSize(*format_, bits_.Size()).value_or(0);
 }
 

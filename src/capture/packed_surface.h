@@ -22,7 +22,8 @@ class PackedSurface {
   /// `translation` may be null: a 1-bit surface is then packed as a mask.
   PackedSurface(const SURFOBJ* surface, XLATEOBJ* translation);
 
-  /// Bytes of the packed bitmap; 0 without a surface and for a format that cannot be packed.
+  /// Bytes of the packed bitmap; 0 without a surface, for a format that cannot be packed, and for
+  /// more pixels or missing rows than records carry.
   [[nodiscard]] uint32_t Size() const { return size_; }
   /// Whether there are pixels to pack. A surface without bits still has a size.
   [[nodiscard]] bool HasBits() const { return size_ != 0 && surface_->pvBits != nullptr; }

@@ -81,6 +81,7 @@ bool BeginPage(CQloPrinter& job) {
     return false;
   }
   job.playback.page_dc = metafile.Detach();
+  job.playback.run_length_pixels_left = kRunLengthPixelsPerPage;
 
   // Records use coordinates of the printable area; the page is the whole sheet.
   const Margins& margins = sheet.pixels.margins;

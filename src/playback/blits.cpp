@@ -20,7 +20,7 @@ int32_t PlayPatBlt(PlaybackContext& context, Bytes payload) {
 int32_t PlayBitBlt(PlaybackContext& context, Bytes payload) {
   const auto record = LoadOrZero<BitBltPayload>(payload);
   SourceBitmap source;
-  if (!source.Load(payload, record.source_offset)) return 0;
+  if (!source.Load(context, payload, record.source_offset)) return 0;
   const HDC source_dc = source.Present();
   if (source_dc == nullptr) return 0;
 
@@ -35,7 +35,8 @@ int32_t PlayBitBlt(PlaybackContext& context, Bytes payload) {
 int32_t PlayStretchBlt(PlaybackContext& context, Bytes payload) {
   const auto record = LoadOrZero<StretchBltPayload>(payload);
   SourceBitmap source;
-  if (!source.Load(payload, record.source_offset) || !source.Reduce(context.job.bitmap_limits)) {
+  if (!source.Load(context, payload, record.source_offset) ||
+      !source.Reduce(context.job.bitmap_limits)) {
     return 0;
   }
   const HDC source_dc = source.Present();
@@ -57,7 +58,8 @@ int32_t PlayStretchBlt(PlaybackContext& context, Bytes payload) {
 int32_t PlayAlphaBlend(PlaybackContext& context, Bytes payload) {
   const auto record = LoadOrZero<AlphaBlendPayload>(payload);
   SourceBitmap source;
-  if (!source.Load(payload, record.source_offset) || !source.Reduce(context.job.bitmap_limits)) {
+  if (!source.Load(context, payload, record.source_offset) ||
+      !source.Reduce(context.job.bitmap_limits)) {
     return 0;
   }
   const HDC source_dc = source.Present();

@@ -6,6 +6,7 @@
 #include <cstdint>
 #include <memory>
 
+#include "capture/records/packed_dib.h"
 #include "capture/records/payloads.h"
 #include "config/device_mode/device_mode.h"
 #include "fonts/font_map_manager.h"
@@ -35,6 +36,9 @@ struct JobLink {
   const wchar_t* font_directory;  // where embedded fonts go; empty = nothing is embedded
   PlaybackEvents* events;
 };
+
+/// Run-length pixels that the sources of one page may have together: two of the largest.
+inline constexpr uint64_t kRunLengthPixelsPerPage = 2 * records::kMaxRunLengthPixels;
 
 /// One entry of the seen-font list. The key is a LOGFONTW whose height went through the world
 /// transform.
@@ -66,6 +70,7 @@ struct PlaybackContext {
   HeapList<uint32_t> run_list;  // glyphs of each text run of the page
   XFORM world_transform = {};   // last transform set, kept when the DC's is reset
   uint32_t non_ascii_text_seen = 0;
+  uint64_t run_length_pixels_left = kRunLengthPixelsPerPage;  // of the page
   JobLink job;
 };
 

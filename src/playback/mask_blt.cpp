@@ -35,7 +35,7 @@ int32_t PlayMaskBlt(PlaybackContext& context, Bytes payload) {
   const auto record = LoadOrZero<MaskBltPayload>(payload);
   const Bitmap mask = CreateMask(context.job, payload, record.mask_offset);
   SourceBitmap source;
-  if (!source.Load(payload, record.source_offset)) return 0;
+  if (!source.Load(context, payload, record.source_offset)) return 0;
   const HDC source_dc = source.Present();
   if (!mask || source_dc == nullptr) return 0;
 

@@ -13,6 +13,7 @@
 #include "imaging/painting/paint_method.h"
 #include "playback/actions.h"
 #include "playback/rectangles.h"
+#include "playback/source_bitmap.h"
 
 // Bitmaps that the imaging kernel paints onto the page DC itself.
 namespace quillo {
@@ -93,7 +94,7 @@ int32_t PlaySetDibitsToDevice(PlaybackContext& context, Bytes payload) {
   const auto record = LoadOrZero<SetDibitsPayload>(payload);
   const auto dib = LocatePackedDib(payload, record.source_offset);
   imaging::BitmapScope bitmap;
-  if (!dib || !ConvertByGdi(*dib, bitmap.Get())) return 0;
+  if (!dib || !TakePixels(context, dib->info.header) || !ConvertByGdi(*dib, bitmap.Get())) return 0;
 
   const PaintPaletteScope palette(context.page_dc, *bitmap.Get());
   const Rect& to = record.destination;
@@ -106,8 +107,9 @@ int32_t PlaySetDibitsToDevice(PlaybackContext& context, Bytes payload) {
 }
 
 int32_t PlayPageBitmap(PlaybackContext& context, Bytes payload) {
-  const bool drawn =
-      context.page_dc != nullptr && PaintPage(context.page_dc, context.band_header, payload);
+  const bool drawn = context.page_dc != nullptr &&
+                     TakePixels(context, LoadOrZero<DibHeader>(context.band_header)) &&
+                     PaintPage(context.page_dc, context.band_header, payload);
   if (!drawn) context.job.events->JobFailed();
   return drawn;
 }

@@ -6,9 +6,17 @@
 
 namespace quillo {
 
-bool SourceBitmap::Load(Bytes payload, uint32_t offset) {
+bool TakePixels(PlaybackContext& context, const records::DibHeader& header) {
+  if (!records::IsRunLength(header.compression)) return true;
+  const uint64_t pixels = records::PixelCount(header.width, header.height);
+  if (pixels > context.run_length_pixels_left) return false;
+  context.run_length_pixels_left -= pixels;
+  return true;
+}
+
+bool SourceBitmap::Load(PlaybackContext& context, Bytes payload, uint32_t offset) {
   const auto dib = records::LocatePackedDib(payload, offset);
-  if (!dib) return false;
+  if (!dib || !TakePixels(context, dib->info.header)) return false;
   return imaging::ConvertFromDib(bitmap_.Get(), imaging::kCurrentForm,
                                  records::PackedHeadBytes(dib->info),
                                  dib->bits) == imaging::kSuccess;

@@ -195,5 +195,35 @@ TEST_F(CaptureLimits, SurfaceToPackedBitmap_SizesAndRefusals) {
   EXPECT_EQ(PackedBitmapSize(&picture), 68u);
 }
 
+TEST_F(CaptureLimits, PackedBitmapSize_NoMoreThanTheBitsAccountFor) {
+  std::vector<uint32_t> bits(500'000);
+  const struct {
+    SIZEL size;
+    ULONG format;
+    bool has_bits;
+    LONG delta;  // of top-down surfaces; 0 = bottom-up
+    ULONG bytes;
+    bool packed;
+  } cases[] = {{{8192, 8192}, BMF_8RLE, true, 0, 4, true},
+               {{8192, 8193}, BMF_8RLE, true, 0, 4, false},
+               {{32767, 32767}, BMF_4RLE, true, 0, 4, false},
+               {{16384, 16384}, BMF_1BPP, true, 0, 4, true},
+               {{16384, -16385}, BMF_1BPP, true, 0, 4, false},
+               {{5, 3}, BMF_1BPP, true, 500'000, 1'000'004, true},  // a short last row
+               {{5, 2}, BMF_1BPP, true, 1 << 20, 4, false},
+               {{5, 1}, BMF_1BPP, true, 1 << 20, 4, true},
+               {{5, 1}, BMF_1BPP, true, INT32_MIN, 4, false},
+               {{4096, 4096}, BMF_8BPP, false, 4096, 0, true},
+               {{4096, 4096}, BMF_8BPP, false, 1 << 14, 0, false}};
+  for (const auto& c : cases) {
+    SCOPED_TRACE(&c - cases);
+    host::Surface picture({1, 1}, c.format, c.delta != 0, bits.data(), c.bytes, c.delta);
+    picture.sizlBitmap = c.size;
+    picture.lDelta = c.delta;
+    if (!c.has_bits) picture.pvBits = nullptr;
+    EXPECT_EQ(PackedBitmapSize(&picture) != 0, c.packed);
+  }
+}
+
 }  // namespace
 }  // namespace quillo

@@ -78,6 +78,7 @@ class Job : test::SpooledJob {
     } else if (word == "display") {
       job_->printer = nullptr;
     } else if (word == "start" || word == "send") {
+      job_->playback.run_length_pixels_left = 0;
       EndStep(word, word == "start" ? StartPage(job_) : SendPage(job_));
     } else if (word == "fail") {
       no_reference_ = argument == "CreateDCW";
@@ -123,6 +124,9 @@ class Job : test::SpooledJob {
     EXPECT_EQ(written, size);
   }
   void EndStep(const std::string& step, bool done) {
+    if (done && step == "start") {
+      EXPECT_EQ(job_->playback.run_length_pixels_left, kRunLengthPixelsPerPage);
+    }
     if (done) return;
     outcome_ += "> no " + step + "\n";
     EXPECT_EQ(LeftFiles(), files_before_);

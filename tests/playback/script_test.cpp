@@ -95,6 +95,8 @@ class PlaybackScript : public testing::TestWithParam<const char*> {
       answers_[name] = answer;
     } else if (name == "limits") {
       words >> page_->context.job.bitmap_limits.width >> page_->context.job.bitmap_limits.height;
+    } else if (name == "room") {
+      words >> page_->context.run_length_pixels_left;
     } else if (name == "pixels") {
       ShowPixels(words);
     } else if (name == "state") {

@@ -8,9 +8,9 @@
 namespace quillo::records {
 namespace {
 
-bool IsRunLength(const DibHeader& header) {
-  return (header.compression == kDibRle8 && header.bit_count == 8) ||
-         (header.compression == kDibRle4 && header.bit_count == 4);
+bool HasRunLengthBits(const DibHeader& header) {
+  return IsRunLength(header.compression) &&
+         header.bit_count == (header.compression == kDibRle8 ? 8 : 4);
 }
 
 }  // namespace
@@ -34,9 +34,12 @@ std::optional<PackedDib> LocatePackedDib(Bytes block, size_t offset) {
 
   const auto bytes = DibBitsBytes(header);
   const size_t start = PackedBitsOffset(header.bit_count);
-  if (!bytes || start >= dib.size()) return std::nullopt;
+  if (!bytes || start >= dib.size() ||
+      !HasBoundedPixels(header.compression, header.width, header.height)) {
+    return std::nullopt;
+  }
   const Bytes rest = dib.subspan(start);
-  if (IsRunLength(header)) {
+  if (HasRunLengthBits(header)) {
     found.bits = rest;
     header.size_image = static_cast<uint32_t>(rest.size());
   } else if (header.compression == kDibRgb && *bytes <= rest.size()) {

@@ -43,6 +43,29 @@ constexpr uint64_t DibRowBytes(uint32_t width, uint32_t bit_count) {
 /// 1, 4, 8, 16, 24 and 32, and sizes beyond 64 bits.
 std::optional<uint64_t> DibBitsBytes(const DibHeader& header);
 
+/// Most pixels of a source. The bits of an uncompressed one are there, but 1-bit sources are
+/// converted to 24 bits; a few bytes of a run-length one stand for any number of pixels.
+inline constexpr uint64_t kMaxSourcePixels = 1 << 28;
+inline constexpr uint64_t kMaxRunLengthPixels = 1 << 26;
+
+/// Whether the bits are run-length codes, so that their size does not bound the pixels.
+constexpr bool IsRunLength(uint32_t compression) {
+  return compression == kDibRle8 || compression == kDibRle4;
+}
+
+/// Width times rows, whatever the sign of the height.
+constexpr uint64_t PixelCount(int32_t width, int32_t height) {
+  const auto magnitude = [](int64_t value) {
+    return static_cast<uint64_t>(value < 0 ? -value : value);
+  };
+  return magnitude(width) * magnitude(height);
+}
+
+constexpr bool HasBoundedPixels(uint32_t compression, int32_t width, int32_t height) {
+  return PixelCount(width, height) <=
+         (IsRunLength(compression) ? kMaxRunLengthPixels : kMaxSourcePixels);
+}
+
 /// Header and colour table in one piece, as GDI takes them.
 struct DibInfo {
   DibHeader header;
@@ -56,8 +79,8 @@ struct PackedDib {
 };
 
 /// Finds the DIB that begins `offset` bytes into `block` and ends within it. Nothing when the
-/// header is invalid (a size other than 40, a depth or compression that no record carries), or when
-/// the bits would begin or end outside the block.
+/// header is invalid (a size other than 40, a depth or compression that no record carries, more
+/// pixels than the maximum), or when the bits would begin or end outside the block.
 std::optional<PackedDib> LocatePackedDib(Bytes block, size_t offset);
 
 }  // namespace quillo::records
