@@ -8,7 +8,9 @@
 
 #include "base/gdi_owners.h"
 #include "host/emf_player/logical_pen.h"
+#include "host/emf_player/path_work.h"
 #include "host/emf_player/rounding.h"
+#include "host/emf_player/work_budget.h"
 
 namespace quillo::host::emf {
 
@@ -102,6 +104,11 @@ std::optional<ClipShape> ReadRegion(PayloadReader& record, size_t size, const Tr
   if (to_page.KeepsAxes()) return ClipShape::OfRegion(Union(rects, to_page).Get());
   Path path;
   for (const RectL& rect : rects) AddRectangle(path, rect, to_page);
+  if (Crossings(path) > kMaxCrossings) {
+    what = "a turned region of " + std::to_string(rects.size()) +
+           " rectangles that is too intricate; its bounds are taken";
+    return MapRectangle(BoundsOf(rects), to_page);
+  }
   return ClipShape::OfPath(path, FillMode::kWinding);
 }
 

@@ -17,13 +17,13 @@ std::optional<ClipShape> ReadLogicalRegion(EmfPlayer& player, PayloadReader& rec
   std::string what;
   auto region = ReadRegion(record, size, player.ToPage(), what);
   if (!what.empty()) player.Fault(what);
+  if (region) player.Spend(static_cast<double>(region->RectangleCount()));
   return region;
 }
 
 void PaintWith(EmfPlayer& player, const ClipShape& area, const BrushObject& object) {
   BrushDescription brush;
   if (!player.DescribeBrush(object, brush)) return;
-  player.Spend(static_cast<double>(area.RectangleCount()));
   player.canvas().Paint(area, brush, player.Drawing());
 }
 

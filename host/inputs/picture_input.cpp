@@ -15,8 +15,9 @@ namespace quillo::host {
 
 namespace {
 
-// A frame of this size takes 1.5 GB.
-constexpr uint64_t kMaxPixels = 500'000'000;
+// An A0 sheet at 400 dpi has 248 million. A frame of this size takes 750 MB, and what the system's
+// decoder needs.
+constexpr uint64_t kMaxPixels = 250'000'000;
 
 /// Where a picture of this size in inches goes on the page.
 RECTL Place(double width, double height, SIZEL page, const PageSetup& setup) {

@@ -48,9 +48,12 @@ Resolution UsableResolution(Resolution dpi) {
 }
 
 BitmapSource BlankPicture(UINT width, UINT height, uint64_t max_pixels) {
-  if (width == 0 || height == 0 || uint64_t{width} * height > max_pixels) {
-    throw UnreadablePicture("has " + std::to_string(width) + " x " + std::to_string(height) +
-                            " pixels");
+  const std::string sides =
+      "has " + std::to_string(width) + " x " + std::to_string(height) + " pixels";
+  if (width == 0 || height == 0) throw UnreadablePicture(sides);
+  if (uint64_t{width} * height > max_pixels) {
+    throw UnreadablePicture(sides + ", more than the " + std::to_string(max_pixels / 1'000'000) +
+                            " million that can be printed");
   }
   BitmapSource picture;
   picture.width = static_cast<LONG>(width);
