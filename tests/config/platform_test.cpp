@@ -140,6 +140,22 @@ TEST(MessageBox, TextsOfResourcesAndOfTheSystem) {
   ShowLastError();
   EXPECT_EQ(shown, L"Error: , 64");
 
+  // Where nobody can answer, nothing is shown.
+  for (const bool of_a_service : {false, true}) {
+    const WATCH(GetUserObjectInformationW) station([&](HANDLE, int, void* out, auto, auto) -> BOOL {
+      static_cast<USEROBJECTFLAGS*>(out)->dwFlags = of_a_service ? WSF_VISIBLE : 0;
+      return TRUE;
+    });
+    const WATCH(ProcessIdToSessionId) session([&](DWORD, DWORD* out) -> BOOL {
+      *out = of_a_service ? 0 : 1;
+      return TRUE;
+    });
+    const WATCH(OutputDebugStringW) debug([&](const wchar_t* part) { shown += part; });
+    shown.clear();
+    EXPECT_EQ(ShowMessageBox(L"text", L"caption", MB_OK), 0);
+    EXPECT_EQ(shown, L"caption: text\n");
+  }
+
   const wchar_t* first = ResourceString(resources.Get(), IDS_ERROR);
   EXPECT_STREQ(first, L"Error");
   EXPECT_EQ(ResourceString(resources.Get(), IDS_NO_MORE_CUSTOM_PAPERS), first);

@@ -2,8 +2,29 @@
 
 namespace quillo {
 
+namespace {
+
+/// Whether this process is on a desktop where somebody can answer a box. A service's is not, and a
+/// box there would wait for ever.
+bool IsInteractive() {
+  constexpr DWORD kServices = 0;
+  DWORD session = kServices;
+  USEROBJECTFLAGS flags = {};
+  DWORD size = 0;
+  return ProcessIdToSessionId(GetCurrentProcessId(), &session) && session != kServices &&
+         GetUserObjectInformationW(GetProcessWindowStation(), UOI_FLAGS, &flags, sizeof flags,
+                                   &size) &&
+         (flags.dwFlags & WSF_VISIBLE) != 0;
+}
+
+}  // namespace
+
 int ShowMessageBox(const wchar_t* text, const wchar_t* caption, UINT style) {
-  return MessageBoxW(nullptr, text, caption, style);
+  if (IsInteractive()) return MessageBoxW(nullptr, text, caption, style);
+  for (const wchar_t* part : {caption, L": ", text != nullptr ? text : L"", L"\n"}) {
+    OutputDebugStringW(part);
+  }
+  return 0;
 }
 
 LocalBlock SystemMessage(DWORD code) {

@@ -16,7 +16,9 @@ struct LocalBlockTraits {
 };
 using LocalBlock = Owner<LocalBlockTraits>;
 
-/// MessageBoxW without an owner window, and its result.
+/// MessageBoxW without an owner window, and its result. Where nobody can see a box, as in the
+/// spooler's session, the text goes to the debugger, and the result is 0, as when
+/// a box cannot be made.
 int ShowMessageBox(const wchar_t* text, const wchar_t* caption, UINT style);
 
 /// The system's text for an error code or HRESULT, in the user's language; empty when it has none.
