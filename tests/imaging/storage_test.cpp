@@ -1,6 +1,7 @@
 #include "imaging/storage/storage.h"
 
 #include <gtest/gtest.h>
+#include <optional>
 #include <random>
 #include <string>
 #include <thread>
@@ -202,16 +203,28 @@ TEST(PresentAsDibSection, GlobalMemoryAndChunks_MoveIntoASection) {
   }
 }
 
-TEST(ReleaseDibSectionDc, WithoutAStandIn_LeavesNothing) {
-  BitmapScope bitmap;
-  ASSERT_EQ(Create(bitmap.Get(), Sized(4, 4, 24)), kSuccess);
-  const uintptr_t handles = test::LiveKernelHandles();
-  DibSectionDc dc(PresentAsDibSection(bitmap.Get()));
-  const HGDIOBJ shown = GetCurrentObject(dc.Get(), OBJ_BITMAP);
-  const WATCH(CreateBitmap) no_bitmap(nullptr);
-  dc.Reset();
-  EXPECT_EQ(GetObjectType(shown), 0u);
-  EXPECT_EQ(test::LiveKernelHandles(), handles);
+TEST(ReleaseDibSectionDc, ACallFails_LeavesNothing) {
+  for (const int failing : {0, 1, 2}) {
+    SCOPED_TRACE(failing);
+    BitmapScope bitmap;
+    ASSERT_EQ(Create(bitmap.Get(), Sized(4, 4, 24)), kSuccess);
+    const uintptr_t handles = test::LiveKernelHandles();
+    DibSectionDc dc(PresentAsDibSection(bitmap.Get()));
+    const HGDIOBJ shown = GetCurrentObject(dc.Get(), OBJ_BITMAP);
+    std::optional<WATCH(CreateBitmap)> no_stand_in;
+    std::optional<WATCH(GetCurrentObject)> not_current;
+    std::optional<WATCH(GetObjectW)> not_at_once;
+    if (failing == 0) no_stand_in.emplace(nullptr);
+    if (failing == 1) not_current.emplace(nullptr);
+    if (failing == 2) {
+      not_at_once.emplace([&](auto... arguments) {
+        return not_at_once->calls.size() == 1 ? 0 : not_at_once->CallOriginal(arguments...);
+      });
+    }
+    dc.Reset();
+    EXPECT_EQ(GetObjectType(shown), 0u);
+    EXPECT_EQ(test::LiveKernelHandles(), handles);
+  }
 }
 
 TEST(PresentAsDibSection, TilesAndOtherViews_AreRefusedAndTurned) {

@@ -69,6 +69,17 @@ CreatedDc CreateScreenCompatibleDc() {
   return CreatedDc(CreateCompatibleDC(screen.Get()));
 }
 
+/// Closes the section of a DIB section. Asks for it once more when that fails: nobody else knows
+/// it.
+void CloseSection(HBITMAP bitmap) {
+  DIBSECTION shared{};
+  for (int attempt = 0; attempt < 2; ++attempt) {
+    if (GetObjectW(bitmap, sizeof(shared), &shared) != sizeof(shared)) continue;
+    const KernelHandle section(shared.dshSection);
+    return;
+  }
+}
+
 }  // namespace
 
 HDC PresentAsDibSection(BitmapHandle* record) {
@@ -97,12 +108,13 @@ void ReleaseDibSectionDc(HDC dc) {
   // Freed from the last to the first: the stand-in has to outlive the DC that it is selected in.
   const Bitmap stand_in(CreateBitmap(1, 1, 1, 1, nullptr));
   CreatedDc owned_dc(dc);
-  const Bitmap bitmap(static_cast<HBITMAP>(GetCurrentObject(dc, OBJ_BITMAP)));
-  DIBSECTION shared{};
-  const bool known = GetObjectW(bitmap.Get(), sizeof(shared), &shared) == sizeof(shared);
-  const KernelHandle section(known ? shared.dshSection : nullptr);
   // The DIB section must leave the DC before it is deleted; deleting the DC takes it out, too.
-  if (!stand_in || SelectObject(dc, stand_in.Get()) == nullptr) owned_dc.Reset();
+  Bitmap bitmap(static_cast<HBITMAP>(stand_in ? SelectObject(dc, stand_in.Get()) : nullptr));
+  if (!bitmap) {
+    bitmap.Reset(static_cast<HBITMAP>(GetCurrentObject(dc, OBJ_BITMAP)));
+    owned_dc.Reset();
+  }
+  CloseSection(bitmap.Get());
 }
 
 }  // namespace quillo::imaging
