@@ -65,7 +65,7 @@ struct PlaybackContext {
   uint32_t pen_brush_pending = 0;  // once 1, every REC_EXTCREATEPEN takes pen_brush
   LOGBRUSH pen_brush = {};         // lbHatch of BS_DIBPATTERNPT is a copy on the job's heap
   std::unique_ptr<CFontMapManager> glyph_translator =
-      CFontMapManager::Create();  // null = nothing is translated
+      CFontMapManager::Create();  // null = no memory; made by the next run of glyphs
   HeapList<SeenFont> seen_fonts;
   HeapList<uint32_t> run_list;  // glyphs of each text run of the page
   XFORM world_transform = {};   // last transform set, kept when the DC's is reset

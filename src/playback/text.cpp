@@ -44,7 +44,8 @@ bool HoldsNonAscii(Bytes units) {
 
 /// The characters of a run of glyph indexes; all zero when the page's font cannot be read. Empty
 /// when memory is short.
-HeapBlock TranslateRun(const PlaybackContext& context, Bytes glyphs, uint32_t count) {
+HeapBlock TranslateRun(PlaybackContext& context, Bytes glyphs, uint32_t count) {
+  if (!context.glyph_translator) context.glyph_translator = CFontMapManager::Create();
   HeapBlock text(glyphs.size(), context.job.heap);
   if (!text) return text;
   // Translated in the copy: the record's indexes may begin at an odd address.

@@ -79,6 +79,7 @@ class PlaybackScript : public testing::TestWithParam<const char*> {
 
   void BeginCase() {
     page_.emplace(/*heap_limit=*/0x10000);
+    page_->context.glyph_translator.reset();  // as when there was no memory for it
     answers_.clear();
     objects_.clear();
     dc_ = page_->context.page_dc;
