@@ -4,7 +4,8 @@
 
 // The device, surface, document and page callbacks of the driver's table, by their interface names.
 // (The drawing hooks are in capture/hooks.h.) Without a living device they fail with last error
-// ERROR_INVALID_PARAMETER; other failures return FALSE or null and set none.
+// ERROR_INVALID_PARAMETER. A refused page leaves the system's last error or ERROR_CAN_NOT_COMPLETE;
+// other failures set none.
 namespace quillo {
 
 DHPDEV APIENTRY DrvEnablePDEV(DEVMODEW* mode, LPWSTR log_address, ULONG pattern_count,

@@ -82,6 +82,12 @@ void DestroyJob(CQloPrinter* job) {
   HeapDestroy(heap);
 }
 
+/// The result of refusing a page: false with a last error, the system's where it left one.
+bool Refuse() {
+  if (GetLastError() == ERROR_SUCCESS) SetLastError(ERROR_CAN_NOT_COMPLETE);
+  return false;
+}
+
 }  // namespace
 
 void JobEvents::JobFailed() { job_.state |= kJobFailed; }
@@ -126,26 +132,26 @@ CQloPrinter* OpenJob(HANDLE printer, DWORD job_id) {
 }
 
 bool StartPage(CQloPrinter* job) {
-  if (job == nullptr || job->signature != kJobSignature) return false;
-  if ((job->state & (kJobValid | kJobFailed)) != kJobValid) return false;
+  if (job == nullptr || job->signature != kJobSignature) return Refuse();
+  if ((job->state & (kJobValid | kJobFailed)) != kJobValid) return Refuse();
   if ((job->state & kClientNotConnected) != 0) {
     // Retried once: when it fails, the next page goes ahead without a client.
     job->state &= ~kClientNotConnected;
-    if (FAILED(OpenConnection(job->job_id, job->client))) return false;
+    if (FAILED(OpenConnection(job->job_id, job->client))) return Refuse();
     NotifyJobStart(*job);
   }
   ++job->pages_started;
   if (BeginPage(*job)) return true;
   job->state |= kJobFailed;
-  return false;
+  return Refuse();
 }
 
 bool SendPage(CQloPrinter* job) {
-  if (job == nullptr) return false;
+  if (job == nullptr) return Refuse();
   job->record_buffer.Reset();
   job->lost_bytes = 0;
   ++job->pages_sent;
-  return FinishPage(*job);
+  return FinishPage(*job) || Refuse();
 }
 
 void SignalEndAndDestroy(CQloPrinter* job) {

@@ -68,10 +68,11 @@ struct CQloPrinter {
 CQloPrinter* OpenJob(HANDLE printer, DWORD job_id);
 
 /// Begins a page. False for a null, foreign, invalid or failed job, when the client cannot be
-/// reached at the retry, and when the page metafile cannot be created.
+/// reached at the retry, and when the page metafile cannot be created; with a last error.
 bool StartPage(CQloPrinter* job);
 
-/// Empties the record buffer, finishes the page and delivers it. True when the metafile was closed.
+/// Empties the record buffer, finishes the page and delivers it. True when the metafile was
+/// closed, else false with a last error.
 bool SendPage(CQloPrinter* job);
 
 /// Sets the job-end event, closes an open page and destroys the job.

@@ -76,8 +76,10 @@ bool BeginPage(CQloPrinter& job) {
 
   MetafileDc metafile = CreatePageMetafile(job, sheet.tenths.size);
   if (!metafile) {
+    const DWORD last_error = GetLastError();
     NotifyPageError(job);
     DropPageFile(job);
+    SetLastError(last_error);
     return false;
   }
   job.playback.page_dc = metafile.Detach();

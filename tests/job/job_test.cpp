@@ -33,7 +33,10 @@ uint32_t WordOf(const std::string& token) {
 /// A system function that fails for as long as it is held.
 std::shared_ptr<void> Failing(const std::string& function) {
   if (function == "GetTempFileNameW") return std::make_shared<WATCH(GetTempFileNameW)>(0u);
-  if (function == "CreateEnhMetaFileW") return std::make_shared<WATCH(CreateEnhMetaFileW)>(nullptr);
+  if (function == "CreateEnhMetaFileW") {
+    return std::make_shared<WATCH(CreateEnhMetaFileW)>(
+        [](auto...) { return SetLastError(ERROR_DISK_FULL), HDC{}; });
+  }
   if (function == "HeapReAlloc") return std::make_shared<WATCH(HeapReAlloc)>(nullptr);
   // The client's page objects take only arrays of one dimension.
   if (function == "SafeArrayGetDim") return std::make_shared<WATCH(SafeArrayGetDim)>(2u);
@@ -79,6 +82,7 @@ class Job : test::SpooledJob {
       job_->printer = nullptr;
     } else if (word == "start" || word == "send") {
       job_->playback.run_length_pixels_left = 0;
+      SetLastError(0);
       EndStep(word, word == "start" ? StartPage(job_) : SendPage(job_));
     } else if (word == "fail") {
       no_reference_ = argument == "CreateDCW";
@@ -128,7 +132,9 @@ class Job : test::SpooledJob {
       EXPECT_EQ(job_->playback.run_length_pixels_left, kRunLengthPixelsPerPage);
     }
     if (done) return;
-    outcome_ += "> no " + step + "\n";
+    const DWORD error = GetLastError();
+    EXPECT_NE(error, 0u);
+    outcome_ += "> no " + step + (error == ERROR_DISK_FULL ? ": disk full\n" : "\n");
     EXPECT_EQ(LeftFiles(), files_before_);
   }
 
