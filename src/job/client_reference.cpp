@@ -65,27 +65,38 @@ bool HideIdentity(IUnknown& proxy) {
 /// Sets the proxy of the interface and that of the object itself, through which it is released.
 bool HideIdentityFrom(IUnknown& object) {
   ComPtr<IUnknown> identity;
-  return HideIdentity(object) &&
-         SUCCEEDED(object.QueryInterface(__uuidof(IUnknown),
-                                         reinterpret_cast<void**>(identity.Receive()))) &&
-         HideIdentity(*identity.Get());
+  object.QueryInterface(__uuidof(IUnknown), reinterpret_cast<void**>(identity.Receive()));
+  return HideIdentity(object) && (!identity || HideIdentity(*identity.Get()));
+}
+
+struct Table {
+  TYPEKIND kind = TKIND_MAX;
+  size_t entries = 0;
+};
+
+Table TableOf(ITypeInfo& info) {
+  TYPEATTR* attributes = nullptr;
+  if (FAILED(info.GetTypeAttr(&attributes)) || attributes == nullptr) return {};
+  const Table table = {attributes->typekind, attributes->cbSizeVft / sizeof(void*)};
+  info.ReleaseTypeAttr(attributes);
+  return table;
 }
 
 /// Whether `info` describes a table with fewer entries. The late-bound face of a dual interface
 /// says nothing about the table; its other face does.
 bool DescribesShorterTable(ITypeInfo& info, size_t slots) {
-  TYPEATTR* attributes = nullptr;
-  if (FAILED(info.GetTypeAttr(&attributes)) || attributes == nullptr) return false;
-  const TYPEKIND kind = attributes->typekind;
-  const size_t entries = attributes->cbSizeVft / sizeof(void*);
-  info.ReleaseTypeAttr(attributes);
-  if (kind == TKIND_INTERFACE) return entries < slots;
-  HREFTYPE other = 0;
-  ComPtr<ITypeInfo> table;
-  return kind == TKIND_DISPATCH &&
-         SUCCEEDED(info.GetRefTypeOfImplType(static_cast<UINT>(-1), &other)) &&
-         SUCCEEDED(info.GetRefTypeInfo(other, table.Receive())) && table &&
-         HideIdentityFrom(*table.Get()) && DescribesShorterTable(*table.Get(), slots);
+  Table table = TableOf(info);
+  if (table.kind == TKIND_DISPATCH) {
+    HREFTYPE reference = 0;
+    ComPtr<ITypeInfo> other;
+    if (FAILED(info.GetRefTypeOfImplType(static_cast<UINT>(-1), &reference)) ||
+        FAILED(info.GetRefTypeInfo(reference, other.Receive())) || !other ||
+        !HideIdentityFrom(*other.Get())) {
+      return false;
+    }
+    table = TableOf(*other.Get());
+  }
+  return table.kind == TKIND_INTERFACE && table.entries < slots;
 }
 
 }  // namespace

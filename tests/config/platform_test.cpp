@@ -88,7 +88,8 @@ TEST(Wow64, FunctionsMissing_NothingIsSwitched) {
   functions.Replace(
       "IsWow64Process", +[](HANDLE, BOOL* wow64) WINAPI { return *wow64 = TRUE; });
   {
-    WATCH(LoadLibraryExW) loads([&loads](LPCWSTR name, HANDLE file, DWORD flags) {
+    WATCH(LoadLibraryExW)
+    loads([&loads](LPCWSTR name, HANDLE file, DWORD flags) {
       EXPECT_EQ(flags, static_cast<DWORD>(LOAD_LIBRARY_SEARCH_SYSTEM32));
       return loads.CallOriginal(name, file, flags);
     });

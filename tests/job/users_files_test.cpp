@@ -168,8 +168,11 @@ TEST_F(UsersFiles, FontsFile_OnlyWhatTheJobMadeIsDeleted) {
 }
 
 TEST_F(UsersFiles, ObjectThatDescribesAShorterTable_IsNotCalled) {
+  // A dual interface of three methods.
+  constexpr IID kDrives = {
+      0xC7C3F5A1, 0x88A3, 0x11D0, {0xAB, 0xCB, 0, 0xA0, 0xC9, 0x0F, 0xFF, 0xC0}};
   for (const bool of_page : {false, true}) {
-    for (const IID* table : {&__uuidof(IQuilloPage), &__uuidof(IDispatch)}) {
+    for (const IID* table : {&__uuidof(IQuilloPage), &__uuidof(IDispatch), &kDrives}) {
       const bool whole = table == &__uuidof(IQuilloPage);
       (of_page ? client_.page_table : client_.client_table) = table;
       Connect();

@@ -43,8 +43,10 @@ class Described : public Object {
   }
   HRESULT STDMETHODCALLTYPE GetTypeInfo(UINT, LCID, ITypeInfo** info) override {
     ComPtr<ITypeLib> library;
-    const bool own = IsEqualIID(*table_, __uuidof(IQuilloPage));
-    LoadTypeLib(own ? TypeLibrary().c_str() : L"stdole2.tlb", library.Receive());
+    LoadTypeLib(IsEqualIID(*table_, __uuidof(IQuilloPage)) ? TypeLibrary().c_str()
+                : IsEqualIID(*table_, __uuidof(IDispatch)) ? L"stdole2.tlb"
+                                                           : L"scrrun.dll",
+                library.Receive());
     return library->GetTypeInfoOfGuid(*table_, info);
   }
 

@@ -26,8 +26,8 @@ class RecordingClient {
   std::vector<std::string> calls;
   std::function<void(const nlohmann::ordered_json& call)> on_call;  // during the call
 
-  /// The interfaces (IQuilloPage or IDispatch) as which the client and its pages describe
-  /// themselves; null: they do not.
+  /// The interfaces (IQuilloPage, IDispatch, or a dual one of scrrun.dll) as which the client and
+  /// its pages describe themselves; null: they do not.
   const IID* client_table = nullptr;
   const IID* page_table = nullptr;
 
