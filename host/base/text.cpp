@@ -21,6 +21,19 @@ std::wstring ToWide(std::string_view text) {
   return wide;
 }
 
+wchar_t AsSearched(wchar_t unit) {
+  switch (unit) {
+    case L'\0':
+      return L'\xFFFD';
+    case L'\x00A0':
+      return L' ';
+    case L'\x00AD':
+      return L'-';
+    default:
+      return unit;
+  }
+}
+
 std::string FormatTenths(int tenths) {
   std::string text = std::to_string(tenths / 10);
   if (tenths % 10 != 0) text += "." + std::to_string(tenths % 10);

@@ -10,6 +10,11 @@ std::string ToUtf8(std::wstring_view text);
 /// UTF-8 to UTF-16; bytes that are not UTF-8 become U+FFFD.
 std::wstring ToWide(std::string_view text);
 
+/// A character of a page as people type it: a blank for a no-break space, a hyphen for a soft one
+/// (many fonts show both of a pair by one glyph, and a glyph's last character is on the page), and
+/// U+FFFD for NUL.
+wchar_t AsSearched(wchar_t unit);
+
 /// A number of tenths as a decimal number: 2159 is "215.9", 2100 is "210".
 std::string FormatTenths(int tenths);
 

@@ -10,7 +10,7 @@
 
 namespace quillo::host::emf {
 
-EmfPlayer::EmfPlayer(MetafileReader& reader, const Transform& to_page, Graphics& canvas,
+EmfPlayer::EmfPlayer(MetafileReader& reader, const Transform& to_page, Canvas& canvas,
                      const PlayOptions& options)
     : reader_(reader),
       canvas_(canvas),

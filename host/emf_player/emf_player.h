@@ -15,9 +15,9 @@
 #include "host/emf_player/dc_state.h"
 #include "host/emf_player/object_table.h"
 #include "host/emf_player/work_budget.h"
+#include "host/engine/canvas.h"
 #include "host/engine/font_cache.h"
 #include "host/engine/font_use.h"
-#include "host/engine/graphics.h"
 
 namespace quillo::host::emf {
 
@@ -38,7 +38,7 @@ class EmfPlayer {
  public:
   /// `reader` and `canvas` must outlive the player. `to_page`: from pixels of the reference device
   /// to pixels of the canvas (see page_mapping.h).
-  EmfPlayer(MetafileReader& reader, const Transform& to_page, Graphics& canvas,
+  EmfPlayer(MetafileReader& reader, const Transform& to_page, Canvas& canvas,
             const PlayOptions& options = {});
 
   /// Draws all records that the reader still has. Skips a damaged record and draws the rest; the
@@ -88,7 +88,7 @@ class EmfPlayer {
 
   // -- Drawing --------------------------------------------------------------------------------
   /// Where everything is drawn. Each drawing call takes Drawing().
-  Graphics& canvas() { return canvas_; }
+  Canvas& canvas() { return canvas_; }
   /// The clip, brush origin and mixing of the DC for one drawing call; counts as its work.
   DrawState Drawing();
   /// Counts work that a record asks for (see WorkBudget). False when the budget is exhausted: no
@@ -132,7 +132,7 @@ class EmfPlayer {
   Shared<BitmapSource> InTextColours(const Shared<BitmapSource>& bitmap);
 
   MetafileReader& reader_;
-  Graphics& canvas_;
+  Canvas& canvas_;
   const PlayOptions options_;
   const Transform device_to_page_;
   Transform to_page_;

@@ -58,7 +58,11 @@ void DrawContour(Bytes contour, GlyphPen& pen) {
   pen.Close();
 }
 
-void DrawGlyph(HDC dc, USHORT glyph, GlyphPen& pen) {
+}  // namespace
+
+void AddGlyphOutline(Path& path, HDC dc, USHORT glyph, const XFORML& font_to_device,
+                     const quillo::host::PointD& origin) {
+  GlyphPen pen(path, font_to_device, origin);
   constexpr MAT2 kIdentity = {{0, 1}, {0, 0}, {0, 0}, {0, 1}};
   constexpr UINT kFormat = GGO_BEZIER | GGO_GLYPH_INDEX | GGO_UNHINTED;
   GLYPHMETRICS metrics{};
@@ -78,15 +82,13 @@ void DrawGlyph(HDC dc, USHORT glyph, GlyphPen& pen) {
   }
 }
 
-}  // namespace
-
 Path TextOutline(const TextLayout& layout) {
   Path path;
   for (const GlyphRun& run : layout.runs) {
     for (size_t i = run.first; i < run.first + run.count; ++i) {
       if (layout.glyphs[i] == kNoGlyph) continue;
-      GlyphPen pen(path, run.font_to_device, layout.origins[i]);
-      DrawGlyph(run.font->Dc(), layout.glyphs[i], pen);
+      AddGlyphOutline(path, run.font->Dc(), layout.glyphs[i], run.font_to_device,
+                      layout.origins[i]);
     }
   }
   return path;

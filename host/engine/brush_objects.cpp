@@ -16,7 +16,8 @@ constexpr std::array<std::array<uint8_t, 8>, HS_DDI_MAX> kHatches{{
     {0x81, 0x42, 0x24, 0x18, 0x18, 0x24, 0x42, 0x81},  // HS_DIAGCROSS
 }};
 
-/// A hatch as a monochrome picture: background, then foreground.
+}  // namespace
+
 BitmapSource HatchPicture(const BrushDescription& brush) {
   BitmapSource picture;
   picture.width = picture.height = 8;
@@ -29,8 +30,6 @@ BitmapSource HatchPicture(const BrushDescription& brush) {
   }
   return picture;
 }
-
-}  // namespace
 
 BrushObjects::BrushObjects(const BrushDescription& brush, PFN_DrvRealizeBrush realise,
                            SURFOBJ& target) {

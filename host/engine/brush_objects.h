@@ -10,6 +10,9 @@
 
 namespace quillo::host {
 
+/// A hatch as a monochrome picture of one cell: background, then lines.
+BitmapSource HatchPicture(const BrushDescription& brush);
+
 /// The engine's objects for one brush during one call.
 class BrushObjects {
  public:

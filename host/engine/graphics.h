@@ -12,13 +12,11 @@
 #include <string>
 #include <vector>
 
-#include "host/engine/drawing.h"
+#include "host/engine/canvas.h"
 #include "host/engine/driver_functions.h"
-#include "host/engine/path.h"
 #include "host/engine/picture_budget.h"
 #include "host/engine/services/clips.h"
 #include "host/engine/services/surfaces.h"
-#include "host/engine/text.h"
 #include "host/engine/text_layout.h"
 
 namespace quillo::host {
@@ -36,66 +34,49 @@ struct DdiCalls {
 
 /// The drawing engine of one page: what GDI does between an application's call and the driver.
 ///
-/// Everything is in device space. Like GDI, drops calls whose drawing lies outside the clip or the
-/// surface. Calls only hooks that the table has and the surface asks for; when one returns FALSE,
-/// falls back as Windows does.
-class Graphics {
+/// Like GDI, drops calls whose drawing lies outside the clip or the surface. Calls only hooks that
+/// the table has and the surface asks for; when one returns FALSE, falls back as Windows does.
+class Graphics : public Canvas {
  public:
   /// `surface` must have been associated with a device of `driver`, and outlive this object.
   Graphics(const DriverFunctions& driver, const DEVINFO& device_info, Surface& surface);
-  ~Graphics();
+  ~Graphics() override;
 
-  void Stroke(const Path& path, const PenDescription& pen, const DrawState& state);
-  void Fill(const Path& path, const BrushDescription& brush, FillMode mode, const DrawState& state);
+  void Stroke(const Path& path, const PenDescription& pen, const DrawState& state) override;
+  void Fill(const Path& path, const BrushDescription& brush, FillMode mode,
+            const DrawState& state) override;
   void StrokeAndFill(const Path& path, const PenDescription& pen, const BrushDescription& brush,
-                     FillMode mode, const DrawState& state);
-  /// One line. With a solid cosmetic pen it goes to DrvLineTo first, otherwise it is a path.
-  void Line(POINTFIX from, POINTFIX to, const PenDescription& pen, const DrawState& state);
-  /// Paints the pixels of `area` inside the clip (FillRgn, PaintRgn, InvertRgn, FrameRgn).
-  void Paint(const ClipShape& area, const BrushDescription& brush, const DrawState& state);
+                     FillMode mode, const DrawState& state) override;
+  /// With a solid cosmetic pen it goes to DrvLineTo first, otherwise it is a path.
+  void Line(POINTFIX from, POINTFIX to, const PenDescription& pen, const DrawState& state) override;
+  void Paint(const ClipShape& area, const BrushDescription& brush, const DrawState& state) override;
 
-  /// The blits. `source_origin` and source rectangles are in pixels of the source, rows from the
-  /// top; parts outside the source draw nothing. Targets may be mirrored (right < left, bottom <
-  /// top) where a source rectangle is given. `rop3` is the operation byte of a ternary code (0xCC:
-  /// SRCCOPY); a brush or source that the operation does not use may be null.
   void BitBlt(const RECTL& target, uint8_t rop3, const BrushDescription* brush,
-              const BitmapSource* source, POINTL source_origin, const DrawState& state);
+              const BitmapSource* source, POINTL source_origin, const DrawState& state) override;
   void StretchBlt(const RECTL& target, const BitmapSource& source, const RECTL& source_rect,
                   uint8_t rop3, const BrushDescription* brush, ULONG stretch_mode,
-                  const DrawState& state);
+                  const DrawState& state) override;
   /// Draws a whole picture that is not run-length coded. A picture with a palette always goes to
   /// DrvStretchBlt, which keeps its depth on the page: DrvCopyBits would store 24 bits a pixel.
   void DrawPicture(const RECTL& target, const BitmapSource& picture);
-  /// Two operations on one rectangle: where the mask (1 bit a pixel, as large as the source
-  /// rectangle from `mask_origin` on) is set the low byte of `rop4`, elsewhere the high one.
   void MaskBlt(const RECTL& target, uint16_t rop4, const BrushDescription* brush,
                const BitmapSource& source, const RECTL& source_rect, const BitmapSource& mask,
-               POINTL mask_origin, const DrawState& state);
-  /// Copies a source rectangle into a parallelogram: its top left, top right and bottom left
-  /// corner. With a mask (1 bit a pixel, as large as the source rectangle from `mask_origin` on)
-  /// only the pixels where it is set are drawn.
+               POINTL mask_origin, const DrawState& state) override;
   void PlgBlt(const std::array<POINTFIX, 3>& target, const BitmapSource& source,
               const RECTL& source_rect, const BitmapSource* mask, POINTL mask_origin,
-              ULONG stretch_mode, const DrawState& state);
-  /// With AC_SRC_ALPHA the source has 32 bits, the colours multiplied by the alpha.
+              ULONG stretch_mode, const DrawState& state) override;
   void AlphaBlend(const RECTL& target, const BitmapSource& source, const RECTL& source_rect,
-                  BLENDFUNCTION blend, const DrawState& state);
-  /// Copies all pixels but those of the colour `key` (0x00RRGGBB).
+                  BLENDFUNCTION blend, const DrawState& state) override;
   void TransparentBlt(const RECTL& target, const BitmapSource& source, const RECTL& source_rect,
-                      uint32_t key, const DrawState& state);
-  /// Vertices in device pixels; `mesh` holds their numbers, two for each rectangle
-  /// (GRADIENT_FILL_RECT_H, _V) or three for each triangle (GRADIENT_FILL_TRIANGLE). Skips shapes
-  /// with the number of no vertex.
+                      uint32_t key, const DrawState& state) override;
   void GradientFill(std::span<const TRIVERTEX> vertices, std::span<const ULONG> mesh, ULONG mode,
-                    const DrawState& state);
+                    const DrawState& state) override;
 
-  /// Draws what is held back: stretches that combine their source with the page wait for the next
-  /// drawing, as a mask and its picture come one after the other and are drawn as one. To be called
-  /// when the page is complete.
-  void Finish();
+  double Text(const TextDescription& text, const DrawState& state) override;
 
-  /// Draws a line of text; see text.h. Returns the length of the line in logical units.
-  double Text(const TextDescription& text, const DrawState& state);
+  /// Stretches that combine their source with the page wait for the next drawing, as a mask and its
+  /// picture come one after the other and are drawn as one.
+  void Finish() override;
 
   /// Size in device pixels.
   SIZEL Size() const;
@@ -151,7 +132,7 @@ class Graphics {
   void FillTriangle(const TRIVERTEX (&corners)[3], const DrawState& state);
 
   /// Fills a quadrangle of device pixels with R2_COPYPEN.
-  void FillPolygon(const PointD (&corners)[4], const BrushDescription& brush,
+  void FillPolygon(const Quadrangle& corners, const BrushDescription& brush,
                    const DrawState& state);
   /// `accelerators` are SO_*; an opaque rectangle is painted together with the glyphs.
   void DrawGlyphs(const TextDescription& text, const TextLayout& layout, const GlyphRun& run,

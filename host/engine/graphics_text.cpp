@@ -1,5 +1,6 @@
 #include <algorithm>
 #include <cmath>
+#include <span>
 #include <utility>
 
 #include "host/engine/brush_objects.h"
@@ -14,7 +15,7 @@ namespace {
 LONG Round(double value) { return static_cast<LONG>(std::lround(value)); }
 
 /// The bounding rectangle of points, in whole pixels.
-RECTL Around(std::initializer_list<PointD> points) {
+RECTL Around(std::span<const PointD> points) {
   double left = 1e9, top = 1e9, right = -1e9, bottom = -1e9;
   for (const PointD& p : points) {
     left = std::clamp(p.x, -1e9, left);
@@ -48,14 +49,8 @@ FLONG Accelerators(const TextDescription& text, const TextLayout& layout) {
 
 double Graphics::Text(const TextDescription& text, const DrawState& state) {
   const TextLayout layout = LayOut(text);
-  const TextFont& font = *text.font;
-
-  // The cell of the line: its length by the font's height.
-  const auto corner = [&](const PointD& end, double units) { return layout.Above(end, units); };
-  const PointD corners[] = {corner(layout.start, font.Ascent()), corner(layout.end, font.Ascent()),
-                            corner(layout.end, -font.Descent()),
-                            corner(layout.start, -font.Descent())};
-  const RECTL cell = Around({corners[0], corners[1], corners[2], corners[3]});
+  const Quadrangle corners = CellOf(text, layout);
+  const RECTL cell = Around(corners);
 
   // A driver that draws glyph by glyph repeats the opaque rectangle with each of them, which erases
   // the previous ones. So the rectangle is only passed along with a line that is drawn at once,
@@ -88,29 +83,15 @@ double Graphics::Text(const TextDescription& text, const DrawState& state) {
 
   // This kind of driver does not draw bars itself.
   const BrushDescription ink = BrushDescription::Solid(text.colour);
-  const auto draw_bar = [&](const TextFont::Bar& bar) {
-    // At least a pixel thick; the position is that of the bar's upper edge.
-    const double min_thickness = 1 / std::max(std::hypot(layout.up.x, layout.up.y), 1e-6);
-    const double bottom = bar.position - std::max<double>(bar.thickness, min_thickness);
-    const PointD outline[] = {layout.Above(layout.start, bar.position),
-                              layout.Above(layout.end, bar.position),
-                              layout.Above(layout.end, bottom), layout.Above(layout.start, bottom)};
-    FillPolygon(outline, ink, state);
-  };
-  if (font.Wanted().lfUnderline != 0) draw_bar(font.Underline());
-  if (font.Wanted().lfStrikeOut != 0) draw_bar(font.StrikeOut());
+  for (const Quadrangle& bar : BarsOf(text, layout)) FillPolygon(bar, ink, state);
   return layout.length;
 }
 
-void Graphics::FillPolygon(const PointD (&corners)[4], const BrushDescription& brush,
+void Graphics::FillPolygon(const Quadrangle& corners, const BrushDescription& brush,
                            const DrawState& state) {
-  Path outline;
-  outline.MoveTo(corners[0].x, corners[0].y);
-  for (int i = 1; i < 4; ++i) outline.LineTo(corners[i].x, corners[i].y);
-  outline.CloseFigure();
   DrawState copying = state;
   copying.rop2 = R2_COPYPEN;
-  Fill(outline, brush, FillMode::kAlternate, copying);
+  Fill(OutlineOf(corners), brush, FillMode::kAlternate, copying);
 }
 
 void Graphics::DrawGlyphs(const TextDescription& text, const TextLayout& layout,
@@ -122,7 +103,7 @@ void Graphics::DrawGlyphs(const TextDescription& text, const TextLayout& layout,
   const LONG reach = Round(std::min(em * (std::hypot(layout.up.x, layout.up.y)), 1e6)) + 1;
   RECTL bounds{cell.left - reach, cell.top - reach, cell.right + reach, cell.bottom + reach};
   for (size_t i = run.first; i < run.first + run.count; ++i) {
-    const RECTL at = Around({layout.origins[i]});
+    const RECTL at = Around({&layout.origins[i], 1});
     bounds = {std::min(bounds.left, at.left - reach), std::min(bounds.top, at.top - reach),
               std::max(bounds.right, at.right + reach), std::max(bounds.bottom, at.bottom + reach)};
   }
@@ -140,7 +121,7 @@ void Graphics::DrawGlyphs(const TextDescription& text, const TextLayout& layout,
   for (size_t i = run.first; i < run.first + run.count; ++i) {
     if (text.glyph_indexes && text.text[i] == kNoGlyph) continue;
     units += layout.shown[i];
-    const RECTL at = Around({layout.origins[i]});
+    const RECTL at = Around({&layout.origins[i], 1});
     glyphs.push_back({layout.glyphs[i], nullptr, {at.left, at.top}});
   }
   if (glyphs.empty()) return;

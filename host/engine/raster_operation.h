@@ -7,6 +7,7 @@ namespace quillo::host {
 
 inline constexpr uint8_t kSourceCopy = 0xCC;
 inline constexpr uint8_t kPatternCopy = 0xF0;
+inline constexpr uint8_t kPatternInvert = 0x5A;
 
 /// The quaternary operation of the same result with and without a mask.
 constexpr uint16_t SameOperation(uint8_t rop3) { return static_cast<uint16_t>(rop3 << 8 | rop3); }

@@ -75,6 +75,8 @@ class LineLayout {
     FindGlyphs();
     Order();
     Place();
+    layout_.unit_of.resize(text_.text.size());
+    std::iota(layout_.unit_of.begin(), layout_.unit_of.end(), size_t{0});
     CutIntoRuns();
     if (!order_as_read_) CutEndsOff();
     for (GlyphRun& run : layout_.runs) {
@@ -287,8 +289,10 @@ class LineLayout {
     const std::vector<USHORT> glyphs = layout_.glyphs;
     const std::vector<PointD> origins = layout_.origins;
     for (size_t place = 0; place < run.count; ++place) {
-      layout_.glyphs[run.first + place] = glyphs[run.first + (*order)[place]];
-      layout_.origins[run.first + place] = origins[run.first + (*order)[place]];
+      const size_t unit = run.first + (*order)[place];
+      layout_.glyphs[run.first + place] = glyphs[unit];
+      layout_.origins[run.first + place] = origins[unit];
+      layout_.unit_of[run.first + place] = unit;
     }
   }
 
@@ -306,5 +310,35 @@ class LineLayout {
 }  // namespace
 
 TextLayout LayOut(const TextDescription& text) { return LineLayout(text).Make(); }
+
+Quadrangle CellOf(const TextDescription& text, const TextLayout& layout) {
+  const double ascent = text.font->Ascent(), descent = text.font->Descent();
+  return {layout.Above(layout.start, ascent), layout.Above(layout.end, ascent),
+          layout.Above(layout.end, -descent), layout.Above(layout.start, -descent)};
+}
+
+std::vector<Quadrangle> BarsOf(const TextDescription& text, const TextLayout& layout) {
+  std::vector<Quadrangle> bars;
+  const auto add = [&](const TextFont::Bar& bar) {
+    // At least a pixel thick; the position is that of the bar's upper edge.
+    const double min_thickness = 1 / std::max(std::hypot(layout.up.x, layout.up.y), 1e-6);
+    const double bottom = bar.position - std::max<double>(bar.thickness, min_thickness);
+    bars.push_back({layout.Above(layout.start, bar.position),
+                    layout.Above(layout.end, bar.position), layout.Above(layout.end, bottom),
+                    layout.Above(layout.start, bottom)});
+  };
+  const LOGFONTW& wanted = text.font->Wanted();
+  if (wanted.lfUnderline != 0) add(text.font->Underline());
+  if (wanted.lfStrikeOut != 0) add(text.font->StrikeOut());
+  return bars;
+}
+
+Path OutlineOf(const Quadrangle& corners) {
+  Path outline;
+  outline.MoveTo(corners[0].x, corners[0].y);
+  for (size_t i = 1; i < corners.size(); ++i) outline.LineTo(corners[i].x, corners[i].y);
+  outline.CloseFigure();
+  return outline;
+}
 
 }  // namespace quillo::host

@@ -2,8 +2,10 @@
 
 #include "base/ddi.h"
 
+#include <array>
 #include <vector>
 
+#include "host/engine/path.h"
 #include "host/engine/text.h"
 
 namespace quillo::host {
@@ -32,8 +34,9 @@ struct GlyphRun {
 /// run they are in the order of their places: it is drawn as a whole from its first place, and its
 /// reader reorders the units.
 struct TextLayout {
-  std::wstring shown;           // the text, with brackets as they show where a run is read alone
-  std::vector<USHORT> glyphs;   // of each unit
+  std::wstring shown;  // the text, with brackets as they show where a run is read alone
+  std::vector<USHORT> glyphs;
+  std::vector<size_t> unit_of;  // of each glyph: its unit of the text
   std::vector<PointD> origins;  // of each glyph, on its baseline
   std::vector<GlyphRun> runs;   // one after the other in the text
   double length = 0;            // of the line, logical units
@@ -50,5 +53,14 @@ struct TextLayout {
 };
 
 TextLayout LayOut(const TextDescription& text);
+
+using Quadrangle = std::array<PointD, 4>;
+
+/// What is drawn besides the glyphs: the cell of a line, its length by its font's height, and the
+/// bars that underline it or strike it out.
+Quadrangle CellOf(const TextDescription& text, const TextLayout& layout);
+std::vector<Quadrangle> BarsOf(const TextDescription& text, const TextLayout& layout);
+/// A closed figure.
+Path OutlineOf(const Quadrangle& corners);
 
 }  // namespace quillo::host

@@ -38,21 +38,6 @@ std::wstring TextOf(Bytes record) {
   return characters;
 }
 
-/// A character of a page as people type it. Many fonts have one glyph for a blank and a no-break
-/// space, or for a hyphen and a soft one, and a glyph's last character is on the page.
-wchar_t AsSearched(wchar_t unit) {
-  switch (unit) {
-    case L'\0':
-      return L'\xFFFD';
-    case L'\x00A0':
-      return L' ';
-    case L'\x00AD':
-      return L'-';
-    default:
-      return unit;
-  }
-}
-
 /// Follows the fonts of a page and collects its text.
 class TextCollector {
  public:

@@ -49,7 +49,7 @@ bool IsBlit(const ENHMETARECORD& record) {
 }
 
 /// Copies a part of the sheet, each pixel as a square of `factor`.
-void Enlarge(Canvas& sheet, const Enlargement& by, Canvas& enlarged) {
+void Enlarge(SheetBitmap& sheet, const Enlargement& by, SheetBitmap& enlarged) {
   const SIZE size = enlarged.Size();
   for (LONG y = 0; y < size.cy; ++y) {
     if (y % by.factor != 0) {
@@ -64,7 +64,7 @@ void Enlarge(Canvas& sheet, const Enlargement& by, Canvas& enlarged) {
 }
 
 /// Puts the part back, each pixel as the average of its square.
-void Average(Canvas& enlarged, const Enlargement& by, Canvas& sheet) {
+void Average(SheetBitmap& enlarged, const Enlargement& by, SheetBitmap& sheet) {
   const SIZE size = SizeOf(by.part);
   const auto area = static_cast<unsigned>(by.factor * by.factor);
   std::vector<unsigned> sums;  // of a row
@@ -107,7 +107,7 @@ double ScaleOf(HDC dc) {
 
 class PagePlayer {
  public:
-  PagePlayer(HDC dc, Canvas& sheet) : dc_(dc), sheet_(sheet) {}
+  PagePlayer(HDC dc, SheetBitmap& sheet) : dc_(dc), sheet_(sheet) {}
 
   void Play(HANDLETABLE& handles, const ENHMETARECORD& record, UINT handle_count) {
     if (record.iType == EMR_HEADER) SetStretchBltMode(dc_, HALFTONE);
@@ -207,7 +207,7 @@ class PagePlayer {
     const SIZE size = {part.cx * by.factor, part.cy * by.factor};
     pixels_ += static_cast<double>(size.cx) * size.cy;
     if (pixels_ > kMaxPixelsOfPage) return false;
-    Canvas enlarged(size);
+    SheetBitmap enlarged(size);
     if (!enlarged) return false;
     GdiFlush();
     Enlarge(sheet_, by, enlarged);
@@ -227,7 +227,7 @@ class PagePlayer {
   }
 
   HDC dc_;
-  Canvas& sheet_;
+  SheetBitmap& sheet_;
   const bool under_wine_ = RunsUnderWine();
   double pixels_ = 0;  // drawn enlarged so far
 };
@@ -240,7 +240,7 @@ int CALLBACK PlayRecord(HDC, HANDLETABLE* handles, const ENHMETARECORD* record, 
 
 }  // namespace
 
-bool PlayPage(HENHMETAFILE page, Canvas& sheet) {
+bool PlayPage(HENHMETAFILE page, SheetBitmap& sheet) {
   const CreatedDc dc(CreateCompatibleDC(nullptr));
   if (!dc) return false;
   const SelectScope drawn_on(dc.Get(), sheet.Handle());

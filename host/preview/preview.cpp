@@ -27,7 +27,7 @@ void WritePreview(const std::filesystem::path& page, const std::filesystem::path
     throw ResultFailure(kCannotRender, "GetEnhMetaFile");
   }
   const RECTL& frame = header.rclFrame;
-  Canvas sheet({Pixels(frame.right - frame.left, dpi), Pixels(frame.bottom - frame.top, dpi)});
+  SheetBitmap sheet({Pixels(frame.right - frame.left, dpi), Pixels(frame.bottom - frame.top, dpi)});
   if (!sheet) throw ResultFailure(kCannotRender, "CreateDIBSection");
   std::memset(sheet.Rows().data(), 0xFF, sheet.Rows().size());
   if (!PlayPage(metafile.Get(), sheet)) throw ResultFailure(kCannotRender, "CreateCompatibleDC");

@@ -1,8 +1,8 @@
-#include "host/preview/canvas.h"
+#include "host/preview/sheet_bitmap.h"
 
 namespace quillo::host {
 
-Canvas::Canvas(SIZE size) : size_(size) {
+SheetBitmap::SheetBitmap(SIZE size) : size_(size) {
   BITMAPINFO format{};
   format.bmiHeader.biSize = sizeof format.bmiHeader;
   format.bmiHeader.biWidth = size.cx;

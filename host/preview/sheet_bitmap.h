@@ -11,10 +11,10 @@
 namespace quillo::host {
 
 /// A bitmap whose pixels lie in memory: rows from the top, three bytes a pixel, blue first.
-class Canvas {
+class SheetBitmap {
  public:
   /// Pixels; both above 0. False when memory does not suffice.
-  explicit Canvas(SIZE size);
+  explicit SheetBitmap(SIZE size);
   explicit operator bool() const { return static_cast<bool>(bitmap_); }
 
   HBITMAP Handle() const { return bitmap_.Get(); }
