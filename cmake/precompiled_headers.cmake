@@ -12,7 +12,8 @@ if(WIN32)
   set(windows "${PROJECT_SOURCE_DIR}/src/base/windows.h" <oleauto.h> <winspool.h>)
   set(standard <filesystem> <functional> <map> <optional> <string> <vector>)
   quillo_precompile(TARGETS quillo_driver HEADERS ${ddi})
-  quillo_precompile(TARGETS host_engine host_engine_services host_emf_player HEADERS ${ddi} ${standard})
+  quillo_precompile(TARGETS host_engine host_engine_services host_emf_player host_pdf
+    HEADERS ${ddi} ${standard})
   quillo_precompile(TARGETS host_inputs host_pictures host_plain_text host_preview host_printer
     HEADERS ${windows} ${standard})
   quillo_precompile(TARGETS host_client host_pages host_printing

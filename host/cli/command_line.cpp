@@ -19,7 +19,7 @@ constexpr char kFooter[] =
     "input they hold for every input that has none of its own:\n"
     "  print --paper A4 a.emf --paper A3 --landscape b.emf --paper Letter --portrait c.emf\n"
     "\n"
-    "Results: page-0001.emf and page-0001.png ..., embedded fonts, and job.json.\n"
+    "Results: page-0001.emf and page-0001.png ..., a PDF file, embedded fonts, and job.json.\n"
     "Exit codes: 0 printed; 2 wrong command line; 3 an input cannot be read or printed (the "
     "others\n"
     "are), or with --strict a page lacks something; 4 the driver refused or failed; 5 results "
@@ -88,6 +88,11 @@ class Parser {
         ->type_name("DPI")
         ->check(CLI::Range(0, 1200))
         ->capture_default_str();
+    CLI::Option* pdf = app_.add_option("--pdf", pdf_,
+                                       "PDF file of all pages; by default "
+                                       "DIR/<document>.pdf")
+                           ->type_name("FILE");
+    no_pdf_ = AddFlag("--no-pdf", "Make no PDF file")->excludes(pdf);
     glyph_order_ = AddFlag("--assume-glyph-order,!--no-assume-glyph-order",
                            "Draw text of glyph numbers also when its font is not installed, with "
                            "the substitute's glyphs; by default where the substitute keeps the "
@@ -157,6 +162,8 @@ class Parser {
 
   Options Result() {
     options_.output = ToPath(output_);
+    options_.make_pdf = no_pdf_->count() == 0;
+    if (!pdf_.empty()) options_.pdf = ToPath(pdf_);
     options_.fit = actual_size_->count() == 0;
     if (glyph_order_->count() != 0) {
       options_.glyph_order = glyph_order_->as<bool>() ? GlyphOrder::kAssume : GlyphOrder::kDrop;
@@ -209,6 +216,7 @@ class Parser {
   CLI::Option* landscape_ = nullptr;
   CLI::Option* portrait_ = nullptr;
   CLI::Option* actual_size_ = nullptr;
+  CLI::Option* no_pdf_ = nullptr;
   CLI::Option* glyph_order_ = nullptr;
   CLI::Option* custom_paper_ = nullptr;
   CLI::Option* printer_value_ = nullptr;
@@ -218,6 +226,7 @@ class Parser {
   std::vector<std::string> printer_values_;
   std::string output_ = "out";
   std::string document_;
+  std::string pdf_;
   std::string client_ = "none";
   Options options_;
 };

@@ -1,14 +1,18 @@
 #include "host/client/client_main.h"
 
 #include <filesystem>
+#include <mutex>
+#include <optional>
 #include <string>
 
 #include "base/com_owners.h"
 #include "base/system_owners.h"
 #include "host/base/com_apartment.h"
 #include "host/base/failure.h"
+#include "host/base/text.h"
 #include "host/client/client_object.h"
 #include "host/client/connection_file.h"
+#include "host/client/pdf_maker.h"
 #include "host/client/type_library.h"
 
 namespace quillo::host {
@@ -26,6 +30,8 @@ bool WriteLine(DWORD stream, const std::string& text) {
 }
 
 void Send(const Json& message) {
+  static std::mutex one_at_a_time;
+  const std::lock_guard lock(one_at_a_time);
   WriteLine(STD_OUTPUT_HANDLE, message.dump(-1, ' ', false, Json::error_handler_t::replace));
 }
 
@@ -46,13 +52,31 @@ KernelHandle MakeJobEndEvent(DWORD job_id) {
   return event;
 }
 
-void ServeJob(DWORD job_id, ClientFault fault) {
+/// Passes on what a call means for the PDF file.
+void Take(PdfMaker& pdf, const Json& call) {
+  const std::string& method = call["method"].get_ref<const std::string&>();
+  const auto file = [&call] {
+    return std::filesystem::current_path() / ToWide(call["file"].get_ref<const std::string&>());
+  };
+  if (method == "NotifyJobStart") {
+    pdf.SetTitle(call["document"]);
+  } else if (method == "NotifyEmbeddedFont" && call.contains("file")) {
+    pdf.AddFont(file());
+  } else if (method == "NotifyPage" && call.contains("file")) {
+    pdf.AddPage(file(), call["page_object"]["width"], call["page_object"]["height"]);
+  }
+}
+
+void ServeJob(DWORD job_id, ClientFault fault, const std::filesystem::path& pdf_path) {
   const ComApartment apartment;
   RegisterTypeLibrary();
   const KernelHandle job_end = MakeJobEndEvent(job_id);
+  std::optional<PdfMaker> pdf;
+  if (!pdf_path.empty()) pdf.emplace(pdf_path, [](int page) { Send({{"pdf_page", page}}); });
   const ComPtr<ClientObject> client(
-      new ClientObject(std::filesystem::current_path(), fault, [](const Json& call) {
+      new ClientObject(std::filesystem::current_path(), fault, [&pdf](const Json& call) {
         Send({{"call", call}});
+        if (pdf) Take(*pdf, call);
       }));
   {
     const ConnectionFile connection(job_id, *client.Get());
@@ -61,13 +85,14 @@ void ServeJob(DWORD job_id, ClientFault fault) {
   }
   CoDisconnectObject(client.Get(), 0);
   Send({{"job_end_event", WaitForSingleObject(job_end.Get(), 0) == WAIT_OBJECT_0}});
+  if (pdf) Send({{"pdf", pdf->Finish()}});
 }
 
 }  // namespace
 
-int RunClient(DWORD job_id, ClientFault fault) {
+int RunClient(DWORD job_id, ClientFault fault, const std::filesystem::path& pdf) {
   try {
-    ServeJob(job_id, fault);
+    ServeJob(job_id, fault, pdf);
     return 0;
   } catch (const std::exception& failure) {
     WriteLine(STD_ERROR_HANDLE, std::string("quillo-print: the client failed: ") + failure.what());

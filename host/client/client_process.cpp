@@ -11,7 +11,9 @@ namespace {
 
 constexpr char kCannotStart[] = "cannot start the client process";
 constexpr auto kStartLimit = std::chrono::seconds(60);
-constexpr DWORD kEndLimit = 30'000;  // milliseconds
+// How long a client may be silent once its input has ended, in milliseconds: it may have to draw a
+// page of its PDF file.
+constexpr ULONGLONG kSilenceLimit = 120'000;
 
 /// A pipe whose one end a child process inherits.
 struct Pipe {
@@ -55,11 +57,13 @@ KernelHandle StartProcess(const std::filesystem::path& program, const std::wstri
 }  // namespace
 
 ClientProcess::ClientProcess(const std::filesystem::path& program, DWORD job_id,
-                             const std::filesystem::path& folder, ClientFault fault) {
+                             const std::filesystem::path& folder, const std::filesystem::path& pdf,
+                             ClientFault fault) {
   Pipe input = MakePipe(true);
   Pipe output = MakePipe(false);
-  const std::wstring arguments =
-      L"--client-mode " + std::to_wstring(job_id) + L" " + ToWide(NameOf(fault));
+  // A file name has no quotes.
+  const std::wstring arguments = L"--client-mode " + std::to_wstring(job_id) + L" " +
+                                 ToWide(NameOf(fault)) + L" \"" + pdf.wstring() + L"\"";
   process_ = StartProcess(program, arguments, std::filesystem::absolute(folder), input.read.Get(),
                           output.write.Get());
   input_ = std::move(input.write);
@@ -85,8 +89,9 @@ ClientProcess::~ClientProcess() {
 
 ClientReport ClientProcess::Finish() {
   input_.Reset();
-  if (WaitForSingleObject(process_.Get(), kEndLimit) != WAIT_OBJECT_0) {
-    TerminateProcess(process_.Get(), 1);
+  heard_ = GetTickCount64();
+  while (WaitForSingleObject(process_.Get(), 1000) == WAIT_TIMEOUT) {
+    if (GetTickCount64() - heard_ > kSilenceLimit) TerminateProcess(process_.Get(), 1);
   }
   reader_.join();
   return std::move(report_);
@@ -97,6 +102,7 @@ void ClientProcess::ReadLines(HANDLE output) {
   char buffer[4096];
   DWORD read = 0;
   while (ReadFile(output, buffer, sizeof buffer, &read, nullptr) && read != 0) {
+    heard_ = GetTickCount64();
     text.append(buffer, read);
     for (size_t end; (end = text.find('\n')) != std::string::npos; text.erase(0, end + 1)) {
       TakeLine(text.substr(0, end));
@@ -113,6 +119,7 @@ void ClientProcess::TakeLine(const std::string& line) {
     ready_.set_value(true);
   }
   if (message.contains("call")) report_.calls.push_back(std::move(message["call"]));
+  if (message.contains("pdf")) report_.pdf = std::move(message["pdf"]);
   if (message.contains("job_end_event")) report_.job_end_event = message["job_end_event"] == true;
 }
 

@@ -2,6 +2,7 @@
 
 #include "base/windows.h"
 
+#include <atomic>
 #include <filesystem>
 #include <future>
 #include <nlohmann/json.hpp>
@@ -17,16 +18,18 @@ namespace quillo::host {
 struct ClientReport {
   nlohmann::ordered_json calls = nlohmann::ordered_json::array();  // as ClientObject reports them
   bool job_end_event = false;                                      // whether it was seen
+  nlohmann::ordered_json pdf;  // PdfMaker's result; null when there is none
 };
 
 /// The client of one job as its parent sees it. The client copies pages and fonts into a folder
 /// while the job runs.
 class ClientProcess {
  public:
-  /// Starts `program` as the client of the job and waits until it can be called. Throws
-  /// SystemFailure.
+  /// Starts `program` as the client of the job and waits until it can be called. `pdf`: the file
+  /// that it makes of the pages; empty: none. Throws SystemFailure.
   ClientProcess(const std::filesystem::path& program, DWORD job_id,
-                const std::filesystem::path& folder, ClientFault fault);
+                const std::filesystem::path& folder, const std::filesystem::path& pdf,
+                ClientFault fault);
   /// Ends a client that still runs.
   ~ClientProcess();
   ClientProcess(const ClientProcess&) = delete;
@@ -40,8 +43,9 @@ class ClientProcess {
   void TakeLine(const std::string& line);
 
   KernelHandle process_;
-  KernelHandle input_;   // the client's standard input; closing it ends the client
-  KernelHandle output_;  // the client's standard output
+  KernelHandle input_;                // the client's standard input; closing it ends the client
+  KernelHandle output_;               // the client's standard output
+  std::atomic<ULONGLONG> heard_ = 0;  // when it wrote last: GetTickCount64
   std::promise<bool> ready_;
   bool ready_known_ = false;  // whether ready_ has its value
   ClientReport report_;

@@ -24,7 +24,9 @@ struct Options {
   int dpi = 600;
   bool fit = true;        // else pictures keep their size
   std::wstring document;  // never empty
-  int preview_dpi = 96;   // 0: no previews
+  bool make_pdf = true;
+  std::filesystem::path pdf;  // empty: DIR/<document>.pdf
+  int preview_dpi = 96;       // 0: no previews
   bool quiet = false;
   bool strict = false;  // a page that lacks something changes the exit code
   bool list_papers = false;

@@ -10,6 +10,7 @@
 #include "host/base/text.h"
 #include "host/engine/driver_module.h"
 #include "host/engine/print_session.h"
+#include "host/pdf/unfinished.h"
 #include "host/preview/preview.h"
 #include "host/printer/printer_setup.h"
 #include "host/printer/spool_job.h"
@@ -85,7 +86,7 @@ class PrintJob {
 
     std::optional<ClientProcess> client;
     const auto start_client = [&] {
-      client.emplace(program, spool.Id(), folder.Path(), options_.client);
+      client.emplace(program, spool.Id(), folder.Path(), PdfPath(folder), options_.client);
     };
     const bool late = options_.client == ClientFault::kLate;
     if (!late && options_.client != ClientFault::kAbsent) start_client();
@@ -99,6 +100,7 @@ class PrintJob {
       session.EndDocument();
     }
     if (client) report_.client = client->Finish();
+    CheckPdf(folder);
   }
 
   void PrintInputPages(OpenedInput& input, PrintSession& session, const ResultFolder& folder) {
@@ -152,6 +154,30 @@ class PrintJob {
     } catch (const ResultFailure& failure) {
       Fail(kResultsLost, failure.what());
     }
+  }
+
+  /// Empty when there is to be none.
+  fs::path PdfPath(const ResultFolder& folder) const {
+    if (!options_.make_pdf) return {};
+    return fs::absolute(options_.pdf.empty()
+                            ? folder.Path() / ResultFolder::PdfFile(options_.document)
+                            : options_.pdf);
+  }
+
+  void CheckPdf(const ResultFolder& folder) {
+    const fs::path pdf = PdfPath(folder);
+    if (pdf.empty()) return;
+    const auto& made = report_.client.pdf;
+    if (made.contains("pages")) {
+      const bool in_folder = pdf.parent_path() == fs::absolute(folder.Path());
+      if (made["pages"] != 0) report_.pdf = ToUtf8((in_folder ? pdf.filename() : pdf).wstring());
+      return;
+    }
+    Fail(kResultsLost, made.contains("error")
+                           ? made["error"].get<std::string>()
+                           : "the client ended before it had made " + ToUtf8(pdf.wstring()));
+    std::error_code ignored;
+    fs::remove(pdf::Unfinished(pdf), ignored);
   }
 
   /// Without --strict only the first losses and remarks of each page, and no substitutes.

@@ -125,6 +125,8 @@ Json ToJson(const JobReport& report) {
           {"document", report.document},
           {"job_id", report.job_id},
           {"pages", std::move(pages)},
+          {"pdf", NameOrNull(report.pdf)},
+          {"pdf_approximated", report.client.pdf.value("approximated", Json::object())},
           {"fonts", FontFiles(report.client.calls)},
           {"notifications", report.client.calls},
           {"job_end_event", report.client.job_end_event}};

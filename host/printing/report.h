@@ -48,6 +48,7 @@ struct JobReport {
   DWORD job_id = 0;
   std::vector<PageReport> pages;
   ClientReport client;
+  std::string pdf;  // the PDF file, relative to the result folder when it is there; empty: none
 };
 
 nlohmann::ordered_json ToJson(const JobReport& report);

@@ -47,6 +47,17 @@ std::string ResultFolder::PageFile(int number, const char* extension) {
   return name;
 }
 
+std::wstring ResultFolder::PdfFile(const std::wstring& document) {
+  constexpr size_t kMaxLength = 200;
+  std::wstring name = document.substr(0, kMaxLength);
+  for (wchar_t& unit : name) {
+    if (unit < L' ' || std::wstring_view(L"<>:\"/\\|?*").find(unit) != std::wstring_view::npos) {
+      unit = L'_';
+    }
+  }
+  return name + L".pdf";
+}
+
 void ResultFolder::WriteReport(const Json& report) const {
   std::ofstream file(path_ / kReportName, std::ios::binary);
   file << report.dump(2, ' ', false, Json::error_handler_t::replace) << '\n';
@@ -67,6 +78,7 @@ void ResultFolder::RemoveEarlierResults() const {
     RemoveNamed(path_, Member(page, "preview"));
   }
   for (const Json& font : Member(earlier, "fonts")) RemoveNamed(path_, font);
+  RemoveNamed(path_, Member(earlier, "pdf"));
   std::error_code ignored;
   fs::remove(path_ / kReportName, ignored);
 }

@@ -26,7 +26,7 @@ TEST(ClientProcess, RareCalls_ReachTheClient) {
   EnsurePrinter(kPrinterName, 600, {});
   {
     const SpoolJob spool(kPrinterName, L"A document");
-    ClientProcess client(test::BuiltFile(L"quillo-print.exe"), spool.Id(), folder,
+    ClientProcess client(test::BuiltFile(L"quillo-print.exe"), spool.Id(), folder, {},
                          ClientFault::kNone);
     CQloPrinter* job = OpenJob(spool.Printer(), spool.Id());
     ASSERT_NE(job, nullptr);

@@ -1,0 +1,74 @@
+#include "host/client/pdf_maker.h"
+
+#include <exception>
+#include <utility>
+
+#include "host/base/com_apartment.h"
+#include "host/pdf/pdf_document.h"
+
+namespace quillo::host {
+
+PdfMaker::PdfMaker(std::filesystem::path path, std::function<void(int)> page_done)
+    : path_(std::move(path)), page_done_(std::move(page_done)), thread_([this] { Run(); }) {}
+
+PdfMaker::~PdfMaker() {
+  if (thread_.joinable()) Finish();
+}
+
+void PdfMaker::SetTitle(const std::string& title) { Add({Work::Kind::kTitle, {}, title}); }
+
+void PdfMaker::AddFont(const std::filesystem::path& file) { Add({Work::Kind::kFont, file, {}}); }
+
+void PdfMaker::AddPage(const std::filesystem::path& metafile, double width, double height) {
+  Add({Work::Kind::kPage, metafile, {}, width, height});
+}
+
+nlohmann::ordered_json PdfMaker::Finish() {
+  Add({Work::Kind::kEnd, {}, {}});
+  thread_.join();
+  return std::move(result_);
+}
+
+void PdfMaker::Add(Work work) {
+  const std::lock_guard lock(mutex_);
+  queue_.push_back(std::move(work));
+  added_.notify_one();
+}
+
+PdfMaker::Work PdfMaker::Next() {
+  std::unique_lock lock(mutex_);
+  added_.wait(lock, [this] { return !queue_.empty(); });
+  Work work = std::move(queue_.front());
+  queue_.pop_front();
+  return work;
+}
+
+void PdfMaker::Run() {
+  try {
+    const ComApartment apartment;  // for coded pictures
+    pdf::PdfDocument document(path_);
+    for (;;) {
+      const Work work = Next();
+      switch (work.kind) {
+        case Work::Kind::kTitle:
+          document.SetTitle(work.title);
+          break;
+        case Work::Kind::kFont:
+          AddFontResourceExW(work.file.c_str(), FR_PRIVATE, nullptr);
+          break;
+        case Work::Kind::kPage:
+          document.AddPage(work.file, work.width, work.height);
+          page_done_(document.Pages());
+          break;
+        case Work::Kind::kEnd:
+          document.Finish();
+          result_ = {{"pages", document.Pages()}, {"approximated", document.Approximated()}};
+          return;
+      }
+    }
+  } catch (const std::exception& failure) {
+    result_ = {{"error", failure.what()}};
+  }
+}
+
+}  // namespace quillo::host
