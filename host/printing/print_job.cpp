@@ -99,7 +99,8 @@ class PrintJob {
       for (OpenedInput& input : inputs_) PrintInputPages(input, session, folder);
       session.EndDocument();
     }
-    if (client) report_.client = client->Finish();
+    if (!client) return;
+    report_.client = client->Finish();
     CheckPdf(folder);
   }
 

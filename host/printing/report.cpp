@@ -126,7 +126,9 @@ Json ToJson(const JobReport& report) {
           {"job_id", report.job_id},
           {"pages", std::move(pages)},
           {"pdf", NameOrNull(report.pdf)},
-          {"pdf_approximated", report.client.pdf.value("approximated", Json::object())},
+          {"pdf_approximated", report.client.pdf.is_object()
+                                   ? report.client.pdf.value("approximated", Json::object())
+                                   : Json::object()},
           {"fonts", FontFiles(report.client.calls)},
           {"notifications", report.client.calls},
           {"job_end_event", report.client.job_end_event}};
