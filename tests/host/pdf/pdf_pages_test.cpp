@@ -39,10 +39,12 @@ TEST(PdfPages, AreMadeOfMetafiles) {
   fs::remove_all(folder);
   fs::create_directories(folder);
   Write(folder / L"locked.tmp", LockedFont());
+  Write(folder / L"upright.tmp", test::RenamedFont(u"Quillo Upright.tmp"));
   int done = 0, page = 0;
   PdfMaker pdf(folder / L"pages.pdf", [&done](int) { ++done; });
   pdf.SetTitle("Title \xCE\xA9");
   pdf.AddFont(folder / L"locked.tmp");
+  pdf.AddFont(folder / L"upright.tmp");
   std::ofstream expected(folder / L"expected", std::ios::binary);
   for (const auto& c : emf::ReadScript(QUILLO_SOURCE_DIR "/tests/corpus/pdf/pages.txt")) {
     char name[32];
