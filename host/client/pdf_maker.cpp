@@ -62,7 +62,9 @@ void PdfMaker::Run() {
           break;
         case Work::Kind::kEnd:
           document.Finish();
-          result_ = {{"pages", document.Pages()}, {"approximated", document.Approximated()}};
+          result_ = {{"pages", document.Pages()},
+                     {"approximated", document.Approximated()},
+                     {"faults", document.Faults()}};
           return;
       }
     }

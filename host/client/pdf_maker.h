@@ -31,8 +31,8 @@ class PdfMaker {
   void AddFont(const std::filesystem::path& file);
   /// A page's metafile. The sheet's sides are in 0.1 mm.
   void AddPage(const std::filesystem::path& metafile, double width, double height);
-  /// Waits for the file. The result has "pages" and "approximated" (counts by operation), or
-  /// "error" (a sentence) when there is no file.
+  /// Waits for the file. The result has "pages", "approximated" (counts by operation) and "faults"
+  /// (what pages lack; phrases), or "error" (a sentence) when there is no file.
   nlohmann::ordered_json Finish();
 
  private:

@@ -21,6 +21,7 @@ namespace quillo::host::pdf {
 
 namespace {
 
+constexpr size_t kMaxFaults = 8;
 constexpr double kPointsPerInch = 72, kTenthsPerInch = 254;
 
 /// "2024-02-29T12:34:56+01:00"
@@ -89,8 +90,9 @@ void PdfDocument::AddPage(const std::filesystem::path& metafile, double width, d
       Fail(cairo_status_to_string(status), ERROR_INVALID_DATA);
     }
     cairo_surface_show_page(surface_.get());
-    if (!reader.faults().empty()) {
-      Fail(emf::Describe(reader.faults().front()).c_str(), ERROR_INVALID_DATA);
+    for (const emf::MetafileFault& fault : reader.faults()) {
+      if (fault.harmless || faults_.size() == kMaxFaults) continue;
+      faults_.push_back("page " + std::to_string(pages_) + ": " + emf::Describe(fault));
     }
   } catch (const emf::UnreadableMetafile& refused) {
     throw ResultFailure("the page " + ToUtf8(metafile.wstring()) + " " + refused.what(),

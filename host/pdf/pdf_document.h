@@ -5,6 +5,7 @@
 #include <filesystem>
 #include <fstream>
 #include <string>
+#include <vector>
 
 #include "host/pdf/cairo_owners.h"
 #include "host/pdf/pdf_fonts.h"
@@ -33,6 +34,8 @@ class PdfDocument {
 
   int Pages() const { return pages_; }
   const Approximations& Approximated() const { return approximations_; }
+  /// What pages lack of their metafiles: phrases, the first few.
+  const std::vector<std::string>& Faults() const { return faults_; }
 
  private:
   static cairo_status_t Write(void* document, const unsigned char* bytes, unsigned length);
@@ -45,6 +48,7 @@ class PdfDocument {
   PdfFonts fonts_;
   CairoSurface surface_;
   Approximations approximations_;
+  std::vector<std::string> faults_;
   int pages_ = 0;
   double first_height_ = 0;  // points
   bool finished_ = false;

@@ -171,6 +171,9 @@ class PrintJob {
     const auto& made = report_.client.pdf;
     if (made.contains("pages")) {
       const bool in_folder = pdf.parent_path() == fs::absolute(folder.Path());
+      for (const auto& fault : made["faults"]) {
+        Fail(kResultsLost, "the PDF file lacks something of " + fault.get<std::string>());
+      }
       if (made["pages"] != 0) report_.pdf = ToUtf8((in_folder ? pdf.filename() : pdf).wstring());
       return;
     }

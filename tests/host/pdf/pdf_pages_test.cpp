@@ -61,8 +61,11 @@ TEST(PdfPages, AreMadeOfMetafiles) {
       WritePreview(emf, folder / (std::string(name) + "-" + dpi + ".png"), std::stoi(dpi));
     }
   }
-  EXPECT_EQ(pdf.Finish().dump(),
-            "{\"pages\":" + std::to_string(page) + ",\"approximated\":{\"R2_XORPEN\":1}}");
+  const nlohmann::ordered_json made = pdf.Finish();
+  EXPECT_EQ(made["pages"], page);
+  EXPECT_EQ(made["approximated"].dump(), R"({"R2_XORPEN":1})");
+  EXPECT_EQ(made["faults"].dump(),
+            R"(["page 13: record 2 (EMR_CLOSEFIGURE): there is no open path"])");
   EXPECT_EQ(done, page);
 
   PdfMaker lost(folder / L"missing" / L"a.pdf", [](int) {});
