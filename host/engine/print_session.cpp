@@ -62,9 +62,10 @@ void PrintSession::Reset(const DEVMODEW& mode) {
   if (driver_.ResetPDEV == nullptr || !driver_.ResetPDEV(device_->Handle(), next->Handle())) {
     throw DriverFailure("DrvResetPDEV", GetLastError());
   }
+  // Before the old surface goes: without one, nobody could end the document.
+  next->EnableSurface();
   device_ = std::move(next);  // destroys the old device and its surface
   mode_ = CopyOf(mode);
-  device_->EnableSurface();
   SetLastError(ERROR_SUCCESS);
   if (document_open_ && !driver_.StartDoc(device_->Surface(), nullptr, 0)) {
     throw DriverFailure("DrvStartDoc", GetLastError());
