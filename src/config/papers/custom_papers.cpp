@@ -4,7 +4,6 @@
 #include <cstdint>
 #include <cwchar>
 #include <optional>
-#include <ranges>
 #include <span>
 #include <winspool.h>
 
@@ -190,9 +189,10 @@ CustomPapers ReadStore(const PrinterSettings& settings, SettingsStore store) {
   const StoredPapers stored = OpenStore(settings, store);
   CustomPapers papers;
   // Downwards, each to the front, so that the list ends up in index order.
-  for (const DWORD index : std::views::reverse(stored.Indexes())) {
+  const auto indexes = stored.Indexes();
+  for (auto index = indexes.rbegin(); index != indexes.rend(); ++index) {
     CustomPapers paper(NewCustomPaper());
-    if (!paper || !ReadPaper(OpenPaper(stored.Key(), index).Get(), *paper.Get())) continue;
+    if (!paper || !ReadPaper(OpenPaper(stored.Key(), *index).Get(), *paper.Get())) continue;
     paper.Get()->next = papers.Detach();
     papers = std::move(paper);
   }
