@@ -1,6 +1,7 @@
 #include "host/engine/services/paths.h"
 
 #include <algorithm>
+#include <atomic>
 #include <utility>
 
 #include "host/engine/services/guard.h"
@@ -8,7 +9,7 @@
 namespace quillo::host {
 namespace {
 
-size_t live_paths = 0;
+std::atomic<size_t> live_paths = 0;
 
 }  // namespace
 
