@@ -25,8 +25,7 @@ void BuildDefaultDeviceMode(DeviceMode& mode, const wchar_t* device_name) {
   mode.pub.dmDriverVersion = kDriverVersion;
   mode.pub.dmSize = sizeof(DEVMODEW);
   mode.pub.dmDriverExtra = kDriverExtra;
-  mode.pub.dmFields = DM_ORIENTATION | DM_PAPERSIZE | DM_COPIES | DM_DEFAULTSOURCE |
-                      DM_PRINTQUALITY | DM_COLOR | DM_BITSPERPEL;
+  mode.pub.dmFields = kModeFields;
   mode.pub.dmOrientation = DMORIENT_PORTRAIT;
   mode.pub.dmPaperSize = DMPAPER_LETTER;
   mode.pub.dmCopies = 1;

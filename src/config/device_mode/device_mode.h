@@ -26,6 +26,10 @@ inline constexpr uint16_t kDriverExtra = sizeof(PrivatePart);
 inline constexpr uint16_t kSpecVersion = 0x0401;
 inline constexpr uint16_t kDriverVersion = 0x0400;
 
+/// The dmFields of this driver's device modes: what it takes from a caller's.
+inline constexpr DWORD kModeFields = DM_ORIENTATION | DM_PAPERSIZE | DM_COPIES | DM_DEFAULTSOURCE |
+                                     DM_PRINTQUALITY | DM_COLOR | DM_BITSPERPEL;
+
 /// Whether `mode` carries this driver's version numbers and sizes. Reads the public members only.
 bool HasOwnShape(const DEVMODEW& mode);
 
