@@ -19,7 +19,7 @@ if(WIN32)
   quillo_precompile(TARGETS host_client host_pages host_printing
     HEADERS ${windows} ${standard} <nlohmann/json.hpp>)
   quillo_precompile(TARGETS driver_tests host_tests HEADERS ${ddi} ${standard} <gtest/gtest.h>)
-  quillo_precompile(TARGETS shipped_tests e2e_tests faults
+  quillo_precompile(TARGETS shipped_tests ui_tests e2e_tests faults
     HEADERS ${windows} ${standard} <gtest/gtest.h>)
 endif()
 quillo_precompile(TARGETS pure_tests HEADERS <gtest/gtest.h>)

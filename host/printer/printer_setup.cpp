@@ -3,7 +3,6 @@
 #include "base/windows.h"
 
 #include <filesystem>
-#include <fstream>
 
 #include "base/gdi_owners.h"
 #include "base/system_owners.h"
@@ -11,13 +10,13 @@
 #include "host/base/named_mutex.h"
 #include "host/base/platform.h"
 #include "host/base/text.h"
+#include "host/installation/installation.h"
 
 namespace quillo::host {
 
 namespace {
 
 constexpr wchar_t kDescriptionFile[] = L"quillo.ppd";
-constexpr wchar_t kPlatformDriver[] = L"wineps.drv";
 
 PrinterHandle TryOpenPrinter(const std::wstring& name) {
   PrinterHandle printer;
@@ -26,56 +25,16 @@ PrinterHandle TryOpenPrinter(const std::wstring& name) {
   return printer;
 }
 
-/// Writes the printer description to where the spooler looks for version 3 drivers' files.
-void WriteDescription(const std::string& ppd) {
-  wchar_t folder[MAX_PATH];
-  DWORD needed = 0;
-  if (!GetPrinterDriverDirectoryW(nullptr, nullptr, 1, reinterpret_cast<BYTE*>(folder),
-                                  sizeof folder, &needed)) {
-    throw SystemFailure("cannot set up the printer", "GetPrinterDriverDirectory");
+/// The folder of this program, where the driver's files lie. Of a test program, that is the folder
+/// "bin" of its build.
+std::filesystem::path DriverSource() {
+  wchar_t program[MAX_PATH];
+  const DWORD length = GetModuleFileNameW(nullptr, program, MAX_PATH);
+  if (length == 0 || length == MAX_PATH) {
+    throw SystemFailure("cannot find this program's folder", "GetModuleFileName");
   }
-  const auto path = std::filesystem::path(folder) / L"3" / kDescriptionFile;
-  std::error_code ignored;
-  std::filesystem::create_directories(path.parent_path(), ignored);
-  std::ofstream file(path, std::ios::binary);
-  file << ppd;
-  file.close();
-  if (!file) {
-    throw SystemFailure("cannot set up the printer", "writing " + ToUtf8(path.wstring()));
-  }
-}
-
-void RegisterDriver(std::wstring name) {
-  std::wstring platform_driver = kPlatformDriver;
-  std::wstring description = kDescriptionFile;
-  std::wstring environment = L"Windows x64";
-  std::wstring data_type = L"RAW";
-  DRIVER_INFO_3W driver{};
-  driver.cVersion = 3;
-  driver.pName = name.data();
-  driver.pEnvironment = environment.data();
-  driver.pDriverPath = platform_driver.data();
-  driver.pConfigFile = platform_driver.data();
-  driver.pDataFile = description.data();
-  driver.pDefaultDataType = data_type.data();
-  if (!AddPrinterDriverExW(nullptr, 3, reinterpret_cast<BYTE*>(&driver),
-                           APD_COPY_NEW_FILES | APD_COPY_FROM_DIRECTORY)) {
-    throw SystemFailure("cannot set up the printer", "AddPrinterDriverEx");
-  }
-}
-
-void RegisterPrinter(std::wstring name) {
-  std::wstring port = L"FILE:";
-  std::wstring processor = L"WinPrint";
-  std::wstring data_type = L"RAW";
-  PRINTER_INFO_2W info{};
-  info.pPrinterName = name.data();
-  info.pPortName = port.data();
-  info.pDriverName = name.data();
-  info.pPrintProcessor = processor.data();
-  info.pDatatype = data_type.data();
-  const PrinterHandle printer(AddPrinterW(nullptr, 2, reinterpret_cast<BYTE*>(&info)));
-  if (!printer) throw SystemFailure("cannot set up the printer", "AddPrinter");
+  const auto folder = std::filesystem::path(program).parent_path();
+  return exists(folder / L"QXDRV06X.dll") ? folder : folder.parent_path() / L"bin";
 }
 
 }  // namespace
@@ -88,11 +47,12 @@ void EnsurePrinter(const std::wstring& name, int dpi, const std::map<int, PaperS
   // Another process may ask for another resolution: nobody else may write the description until
   // this process has read it, which Wine's driver does once, at the first DC.
   const NamedMutex only_one(L"Local\\QuilloPrintPrinterSetup");
-  WriteDescription(MakePpd(dpi, user_sizes));
-  if (!TryOpenPrinter(name)) {
-    RegisterDriver(name);
-    RegisterPrinter(name);
-  }
+  PrintSystem system;
+  Installation(system, {.source = DriverSource(),
+                        .printer = name,
+                        .with_client = false,
+                        .data_file = {kDescriptionFile, MakePpd(dpi, user_sizes)}})
+      .Install();
   const CreatedDc dc(CreateDCW(nullptr, name.c_str(), nullptr, nullptr));
   if (!dc) throw SystemFailure("cannot set up the printer", "CreateDC");
 }

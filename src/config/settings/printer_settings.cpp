@@ -11,8 +11,6 @@ namespace quillo {
 
 namespace {
 
-constexpr wchar_t kBuiltInProductKey[] =
-    L"Software\\Wow6432Node\\Halvard Technologies, Inc.\\Quillo 6.0";
 constexpr wchar_t kLegacyKey[] = L"Printers\\VORNIX\\";
 
 /// The defaults that every printer is opened with.

@@ -10,6 +10,10 @@
 
 namespace quillo {
 
+/// The key, in either hive, with the own keys of printers that have no other product key.
+inline constexpr wchar_t kBuiltInProductKey[] =
+    L"Software\\Wow6432Node\\Halvard Technologies, Inc.\\Quillo 6.0";
+
 /// Which of the two places a value operation goes to.
 enum class SettingsPlace { kPrinterData, kRegistry };
 
