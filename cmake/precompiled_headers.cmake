@@ -16,7 +16,7 @@ if(WIN32)
     HEADERS ${ddi} ${standard})
   quillo_precompile(TARGETS host_inputs host_pictures host_plain_text host_preview host_printer
     HEADERS ${windows} ${standard})
-  quillo_precompile(TARGETS host_client host_pages host_printing
+  quillo_precompile(TARGETS host_client host_client_app host_pages host_printing
     HEADERS ${windows} ${standard} <nlohmann/json.hpp>)
   quillo_precompile(TARGETS driver_tests host_tests HEADERS ${ddi} ${standard} <gtest/gtest.h>)
   quillo_precompile(TARGETS shipped_tests ui_tests e2e_tests faults

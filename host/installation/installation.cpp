@@ -95,6 +95,14 @@ void TakeAway(PrintSystem& system, const Part& part, const std::wstring& remark)
 
 }  // namespace
 
+std::vector<std::wstring> MissingFiles(const InstallationPlan& plan) {
+  std::vector<std::wstring> files = {kDriverFile, kInterfaceFile, kResourceFile};
+  if (plan.with_client) files.emplace_back(kClientFile);
+  if (plan.as_package) files.emplace_back(kPackageFile);
+  std::erase_if(files, [&](const std::wstring& file) { return fs::exists(plan.source / file); });
+  return files;
+}
+
 std::wstring DescribePart(const Part& part) {
   return kWords[static_cast<size_t>(part.kind)] + (L" " + part.name);
 }

@@ -24,6 +24,9 @@ struct InstallationPlan {
   std::pair<std::wstring, std::string> data_file;
 };
 
+/// The plan's files that its source folder lacks.
+std::vector<std::wstring> MissingFiles(const InstallationPlan& plan);
+
 /// What an installation consists of, in the order in which it is made.
 enum class PartKind { kFile, kPackage, kInterface, kDriver, kPort, kPrinter, kDefault };
 

@@ -15,6 +15,7 @@
 #include "config/platform/late_library.h"
 #include "config/settings/printer_settings.h"
 #include "host/base/failure.h"
+#include "host/base/platform.h"
 #include "host/base/text.h"
 
 namespace quillo::host {
@@ -263,8 +264,9 @@ void PrintSystem::AddDriver(DriverFiles driver) {
 void PrintSystem::RemoveDriver(std::wstring name) {
   Begin("DeletePrinterDriverEx");
   if (!HasDriver(name)) return;
-  Check(DeletePrinterDriverExW(nullptr, const_cast<wchar_t*>(kEnvironment), name.data(),
-                               DPD_DELETE_UNUSED_FILES, 3),
+  // Wine knows no flags.
+  const DWORD flags = RunsUnderWine() ? 0 : DPD_DELETE_UNUSED_FILES;
+  Check(DeletePrinterDriverExW(nullptr, const_cast<wchar_t*>(kEnvironment), name.data(), flags, 3),
         "cannot remove the driver", "DeletePrinterDriverEx");
 }
 

@@ -16,8 +16,6 @@ namespace quillo::host {
 
 namespace {
 
-constexpr wchar_t kDescriptionFile[] = L"quillo.ppd";
-
 PrinterHandle TryOpenPrinter(const std::wstring& name) {
   PrinterHandle printer;
   std::wstring copy = name;
@@ -25,19 +23,21 @@ PrinterHandle TryOpenPrinter(const std::wstring& name) {
   return printer;
 }
 
-/// The folder of this program, where the driver's files lie. Of a test program, that is the folder
-/// "bin" of its build.
 std::filesystem::path DriverSource() {
+  const auto folder = ProgramFolder();
+  return exists(folder / L"QXDRV06X.dll") ? folder : folder.parent_path() / L"bin";
+}
+
+}  // namespace
+
+std::filesystem::path ProgramFolder() {
   wchar_t program[MAX_PATH];
   const DWORD length = GetModuleFileNameW(nullptr, program, MAX_PATH);
   if (length == 0 || length == MAX_PATH) {
     throw SystemFailure("cannot find this program's folder", "GetModuleFileName");
   }
-  const auto folder = std::filesystem::path(program).parent_path();
-  return exists(folder / L"QXDRV06X.dll") ? folder : folder.parent_path() / L"bin";
+  return std::filesystem::path(program).parent_path();
 }
-
-}  // namespace
 
 void EnsurePrinter(const std::wstring& name, int dpi, const std::map<int, PaperSize>& user_sizes) {
   if (!RunsUnderWine()) {

@@ -15,8 +15,8 @@ constexpr size_t kTerminalWidth = 79;
 
 }  // namespace
 
-Console::Console(bool quiet)
-    : quiet_(quiet), terminal_(IsTerminal(GetStdHandle(STD_OUTPUT_HANDLE))) {}
+Console::Console(bool quiet, const char* program)
+    : program_(program), quiet_(quiet), terminal_(IsTerminal(GetStdHandle(STD_OUTPUT_HANDLE))) {}
 
 void Console::Write(std::string_view text, DWORD stream) {
   const HANDLE handle = GetStdHandle(stream);
@@ -31,7 +31,7 @@ void Console::Write(std::string_view text, DWORD stream) {
 
 void Console::Problem(const std::string& sentence) {
   EraseProgress();
-  Write("quillo-print: " + sentence + "\n", STD_ERROR_HANDLE);
+  Write(program_ + (": " + sentence + "\n"), STD_ERROR_HANDLE);
 }
 
 void Console::PageBegins(const std::string& line) {

@@ -10,8 +10,8 @@ namespace quillo::host {
 /// Standard output and error: UTF-16 on a terminal, else UTF-8.
 class Console {
  public:
-  /// `quiet`: only problems are shown.
-  explicit Console(bool quiet = false);
+  /// `quiet`: only problems are shown, each after the name of the program.
+  explicit Console(bool quiet = false, const char* program = "quillo-print");
 
   /// Writes `text` unchanged to `stream`: STD_OUTPUT_HANDLE or STD_ERROR_HANDLE.
   void Write(std::string_view text, DWORD stream = STD_OUTPUT_HANDLE);
@@ -25,6 +25,7 @@ class Console {
  private:
   void EraseProgress();
 
+  const char* program_;
   bool quiet_;
   bool terminal_;  // whether standard output is one
   bool progress_shown_ = false;

@@ -17,6 +17,7 @@
 #include "support/case_table.h"
 #include "support/corpus.h"
 #include "support/line.h"
+#include "support/program.h"
 
 // The print command as its users meet it: the shipped driver, the client in its own process.
 namespace quillo::test {
@@ -24,56 +25,6 @@ namespace {
 
 namespace fs = std::filesystem;
 using Json = nlohmann::ordered_json;
-
-/// What a run of the print command left.
-struct CommandResult {
-  int exit_code = -1;
-  std::string output;
-  std::string errors;
-};
-
-std::string ReadText(const fs::path& path) {
-  std::ifstream file(path, std::ios::binary);
-  return {std::istreambuf_iterator<char>(file), {}};
-}
-
-KernelHandle MakeInheritedFile(const fs::path& path) {
-  SECURITY_ATTRIBUTES inherited{sizeof inherited, nullptr, TRUE};
-  // Shared, since what the command starts may outlive it with this handle.
-  constexpr DWORD kShared = FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE;
-  return KernelHandle(CreateFileW(path.c_str(), GENERIC_WRITE, kShared, &inherited, CREATE_ALWAYS,
-                                  FILE_ATTRIBUTE_NORMAL, nullptr));
-}
-
-/// Runs quillo-print.exe with these arguments, quoted as a command line has them. What it writes
-/// goes to two files of `folder` on its way.
-CommandResult RunPrint(const std::wstring& arguments, const fs::path& folder) {
-  const fs::path output = folder / L"output";
-  const fs::path errors = folder / L"errors";
-  KernelHandle output_file = MakeInheritedFile(output);
-  KernelHandle errors_file = MakeInheritedFile(errors);
-  STARTUPINFOW startup{};
-  startup.cb = sizeof startup;
-  startup.dwFlags = STARTF_USESTDHANDLES;
-  startup.hStdOutput = output_file.Get();
-  startup.hStdError = errors_file.Get();
-  PROCESS_INFORMATION info{};
-  const std::wstring program = BuiltFile(L"quillo-print.exe");
-  std::wstring command = L"\"" + program + L"\" " + arguments;
-  EXPECT_TRUE(CreateProcessW(program.c_str(), command.data(), nullptr, nullptr, TRUE, 0, nullptr,
-                             nullptr, &startup, &info));
-  const KernelHandle process(info.hProcess);
-  const KernelHandle thread(info.hThread);
-  output_file.Reset();
-  errors_file.Reset();
-  if (WaitForSingleObject(process.Get(), 120'000) != WAIT_OBJECT_0) {
-    ADD_FAILURE() << "the print command hangs";
-    TerminateProcess(process.Get(), 1);
-  }
-  DWORD exit_code = 0;
-  GetExitCodeProcess(process.Get(), &exit_code);
-  return {static_cast<int>(exit_code), ReadText(output), ReadText(errors)};
-}
 
 /// A page as GDI reads it: its header, and the characters of its text but for glyph indexes.
 struct Page {
@@ -117,7 +68,8 @@ class PrintScript : public testing::Test {
   /// `more`: where a line takes those from that belong to it.
   void Execute(const std::string& word, const std::string& rest, std::istream& more) {
     if (word == "print" || word == "run") {
-      result_ = RunPrint(WithPaths(word == "run" ? rest : rest + " -o [out]"), folder_);
+      result_ = RunProgram(BuiltFile(L"quillo-print.exe"),
+                           WithPaths(word == "run" ? rest : rest + " -o [out]"), folder_);
       const std::string report = ReadText(folder_ / L"out" / L"job.json");
       report_ = report.empty() ? Json() : Json::parse(report);
     } else if (word == "exit") {
@@ -235,7 +187,7 @@ class PrintScript : public testing::Test {
 
   const host::ComApartment apartment_;
   const fs::path folder_ = fs::temp_directory_path() / L"quillo print";
-  CommandResult result_;
+  ProgramResult result_;
   Json report_;
 };
 

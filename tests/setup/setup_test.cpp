@@ -1,0 +1,272 @@
+#include "base/windows.h"
+
+#include <filesystem>
+#include <fstream>
+#include <gtest/gtest.h>
+#include <map>
+#include <nlohmann/json.hpp>
+#include <shlobj.h>
+#include <string>
+
+#include "base/gdi_owners.h"
+#include "base/system_owners.h"
+#include "host/base/failure.h"
+#include "host/base/text.h"
+#include "host/client_app/document_name.h"
+#include "host/client_app/resident.h"
+#include "host/installation/installation.h"
+#include "host/printer/printer_setup.h"
+#include "support/built_file.h"
+#include "support/case_table.h"
+#include "support/program.h"
+#include "ui/printer_interface.h"
+
+// The life of the printer on a fresh machine.
+namespace quillo::host {
+namespace {
+
+namespace fs = std::filesystem;
+
+test::ProgramResult RunProgram(const std::wstring& program, const std::wstring& arguments) {
+  return test::RunProgram(program, arguments, fs::temp_directory_path());
+}
+
+fs::path Folder() { return fs::path(test::BuiltFile(L"")); }
+
+/// Everything that an installation could leave: registry values and files.
+class Traces {
+ public:
+  Traces() {
+    AddKey(HKEY_LOCAL_MACHINE, L"System\\CurrentControlSet\\Control\\Print");
+    AddKey(HKEY_LOCAL_MACHINE, L"Software\\Halvard Technologies, Inc.");
+    AddKey(HKEY_LOCAL_MACHINE, L"Software\\Wow6432Node\\Halvard Technologies, Inc.");
+    AddKey(HKEY_LOCAL_MACHINE, L"Software\\Microsoft\\Windows NT\\CurrentVersion\\Ports");
+    AddKey(HKEY_CLASSES_ROOT, L"TypeLib");
+    AddKey(HKEY_CLASSES_ROOT, L"Interface\\{7A3E5D12-9B41-4C6F-A8D2-3F5B9C0E1D47}");
+    AddKey(HKEY_CURRENT_USER, L"Software\\Microsoft\\Windows NT\\CurrentVersion");
+    AddKey(HKEY_CURRENT_USER, L"Software\\Wow6432Node\\Halvard Technologies, Inc.");
+    AddKey(HKEY_CURRENT_USER, L"Printers");
+    for (const auto& entry : fs::recursive_directory_iterator(L"C:\\windows\\system32\\spool")) {
+      if (!entry.is_regular_file()) continue;
+      std::ifstream file(entry.path(), std::ios::binary);
+      found_[entry.path().wstring()] = {std::istreambuf_iterator<char>(file), {}};
+    }
+  }
+  /// What is in one and not the same in the other.
+  friend std::string Difference(const Traces& a, const Traces& b) {
+    std::string difference;
+    for (const auto& [name, content] : a.found_) {
+      const auto same = b.found_.find(name);
+      if (same == b.found_.end() || same->second != content) difference += ToUtf8(name) + "\n";
+    }
+    for (const auto& [name, content] : b.found_) {
+      if (!a.found_.contains(name)) difference += "+ " + ToUtf8(name) + "\n";
+    }
+    return difference;
+  }
+
+ private:
+  void AddKey(HKEY root, const std::wstring& path) {
+    RegistryKey key;
+    if (RegOpenKeyExW(root, path.c_str(), 0, KEY_READ, key.Receive()) != ERROR_SUCCESS) return;
+    wchar_t name[512];
+    for (DWORD i = 0, size = 512; RegEnumKeyExW(key.Get(), i, name, &size, nullptr, nullptr,
+                                                nullptr, nullptr) == ERROR_SUCCESS;
+         ++i, size = 512) {
+      AddKey(root, path + L"\\" + name);
+    }
+    std::string data(65536, '\0');
+    DWORD size = 512, bytes = 65536;
+    for (DWORD i = 0; RegEnumValueW(key.Get(), i, name, &size, nullptr, nullptr,
+                                    reinterpret_cast<BYTE*>(data.data()), &bytes) == ERROR_SUCCESS;
+         ++i, size = 512, bytes = 65536) {
+      found_[path + L" " + name] = data.substr(0, bytes);
+    }
+  }
+
+  std::map<std::wstring, std::string> found_;
+};
+
+InstallationPlan Plan() {
+  return {.source = Folder(),
+          .printer = kPrinterName,
+          .make_default = true,
+          .data_file = {kDescriptionFile, "first"}};
+}
+
+/// A system whose `fails`-th change is refused. Counts from 1.
+class FailingSystem : public PrintSystem {
+ public:
+  explicit FailingSystem(int fails) : left_(fails) {}
+  bool HasFailed() const { return left_ <= 0; }
+
+ private:
+  void Begin(const char* change) override {
+    if (--left_ == 0) throw SystemFailure("refused", change, ERROR_ACCESS_DENIED);
+  }
+  int left_;
+};
+
+// First of all tests: Wine makes some keys of its own with the first printer.
+TEST(Installation, EachCallFails_EverythingIsAsBefore) {
+  PrintSystem system;
+  Installation(system, Plan()).Install();
+  RemoveInstallation(system);
+  const Traces before;
+  int calls = 0;
+  for (bool failed = true; failed;) {
+    FailingSystem failing(++calls);
+    SCOPED_TRACE(calls);
+    try {
+      Installation(failing, Plan()).Install();
+      failed = false;
+    } catch (const SystemFailure&) {
+      EXPECT_EQ(Difference(before, Traces()), "");
+    }
+  }
+  EXPECT_GT(calls, 15);
+  // An update that fails leaves what was there.
+  const Traces installed;
+  InstallationPlan update = Plan();
+  update.data_file.second = "second";
+  update.printer = L"Another printer";
+  int update_calls = 0;
+  for (bool failed = true; failed;) {
+    FailingSystem failing(++update_calls);
+    SCOPED_TRACE(update_calls);
+    try {
+      Installation(failing, update).Install();
+      failed = false;
+    } catch (const SystemFailure&) {
+      EXPECT_EQ(Difference(installed, Traces()), "");
+    }
+  }
+  EXPECT_GT(update_calls, 4);
+  // Removal goes on after a failure, and a second one finishes it.
+  FailingSystem failing(1);
+  EXPECT_THROW(RemoveInstallation(failing), SystemFailure);
+  RemoveInstallation(system);
+  EXPECT_EQ(Difference(before, Traces()), "");
+}
+
+TEST(Installation, NotesOfOthers_AreLeftAlone) {
+  PrintSystem system;
+  system.WriteNote(L"file ..\\..\\win.ini", L"");
+  system.WriteNote(L"something else", L"");
+  EXPECT_TRUE(RemoveInstallation(system).empty());
+  system.DeleteNote(L"file ..\\..\\win.ini");
+  system.DeleteNote(L"something else");
+}
+
+TEST(SetupProgram, CommandLines_GiveCodeAndSentence) {
+  for (const test::CaseRow& row : test::ReadCases("setup/command_lines.txt")) {
+    SCOPED_TRACE(row.place);
+    const auto result =
+        RunProgram(test::BuiltFile(ToWide(row.fields[0]).c_str()), ToWide(row.fields[1]));
+    EXPECT_EQ(result.exit_code, std::stoi(row.fields[2])) << result.errors;
+    const std::string& text = result.exit_code == 0 ? result.output : result.errors;
+    EXPECT_NE(text.find(row.fields[3]), std::string::npos) << text;
+  }
+}
+
+TEST(DocumentNames, BecomeFileNames) {
+  test::CheckCases("setup/document_names.txt", [](const std::vector<std::string>& fields) {
+    return ToUtf8(FileNameFor(ToWide(fields[0])));
+  });
+  EXPECT_EQ(FileNameFor(std::wstring(119, L'x') + L"\xD83D\xDE00"
+                                                  L"y"),
+            std::wstring(119, L'x'));
+}
+
+TEST(Resident, OneClientAJob_Bounded) {
+  std::vector<DWORD> jobs = {1, 2, 3, 4};
+  std::vector<DWORD> started;
+  std::map<DWORD, HANDLE> ends;
+  Resident resident([&] { return jobs; },
+                    [&](DWORD job) {
+                      started.push_back(job);
+                      if (job == 4) return KernelHandle();
+                      ends[job] = CreateEventW(nullptr, TRUE, FALSE, nullptr);
+                      return KernelHandle(ends[job]);
+                    },
+                    2);
+  resident.Step();
+  resident.Step();
+  EXPECT_EQ(started, (std::vector<DWORD>{1, 2}));
+  SetEvent(ends[1]);
+  resident.Step();
+  EXPECT_EQ(started, (std::vector<DWORD>{1, 2, 3}));  // not 1 again
+  SetEvent(ends[2]);
+  jobs = {3, 4};
+  resident.Step();
+  EXPECT_EQ(resident.Running(), 1u);
+  jobs = {1, 3};  // a new job of an old number
+  resident.Step();
+  EXPECT_EQ(started, (std::vector<DWORD>{1, 2, 3, 4, 1}));
+}
+
+fs::path Documents() {
+  wchar_t* path = nullptr;
+  SHGetKnownFolderPath(FOLDERID_Documents, KF_FLAG_CREATE, nullptr, &path);
+  const fs::path folder = path;
+  CoTaskMemFree(path);
+  return folder;
+}
+
+void DrawSample(const fs::path& file) {
+  const MetafileDc dc(CreateEnhMetaFileW(nullptr, file.c_str(), nullptr, nullptr));
+  Rectangle(dc.Get(), 10, 10, 200, 200);
+}
+
+TEST(SetupProgram, InstalledPrinter_TakesADocumentToTheUser) {
+  const Traces before;
+  const std::wstring setup = test::BuiltFile(L"quillo-setup.exe");
+  EXPECT_EQ(RunProgram(setup, L"status").exit_code, 4);
+  for (int i = 0; i < 2; ++i) {  // twice is once
+    const auto installed = RunProgram(setup, L"install --default");
+    ASSERT_EQ(installed.exit_code, 0) << installed.errors;
+  }
+  const auto status = nlohmann::json::parse(RunProgram(setup, L"status --json").output);
+  EXPECT_EQ(status["installed"], true);
+  EXPECT_EQ(status["protected_print_mode"], false);
+  PrintSystem system;
+  EXPECT_EQ(system.DefaultPrinter(), kPrinterName);
+
+  // As an application prints: the installed DLL starts the installed client for the job.
+  const fs::path driver = system.DriverFolder();
+  {
+    const Library ui(LoadLibraryW((driver / L"QXUI06X.dll").c_str()));
+    ASSERT_TRUE(ui);
+    auto* on_event = reinterpret_cast<decltype(&DrvDocumentEvent)>(
+        reinterpret_cast<void*>(GetProcAddress(ui.Get(), "DrvDocumentEvent")));
+    LONG job = 1;  // Wine counts jobs by process
+    EXPECT_EQ(on_event(nullptr, nullptr, DOCUMENTEVENT_STARTDOCPOST, sizeof job, &job, 0, nullptr),
+              DOCUMENTEVENT_SUCCESS)
+        << GetLastError();
+  }
+  const fs::path work = fs::temp_directory_path() / L"quillo setup";
+  fs::create_directories(work);
+  DrawSample(work / L"a.emf");
+  // The print host beside the installed driver loads that one.
+  fs::copy_file(Folder() / L"quillo-print.exe", driver / L"quillo-print.exe");
+  const fs::path delivered = Documents() / L"Über_1 (2).emf";
+  std::ofstream(Documents() / L"Über_1.emf") << "mine";
+  const auto printed =
+      RunProgram((driver / L"quillo-print.exe").wstring(),
+                 L"--client absent --document \"Über/1\" --preview 0 -o \"" +
+                     (work / L"out").wstring() + L"\" \"" + (work / L"a.emf").wstring() + L"\"");
+  EXPECT_EQ(printed.exit_code, 5) << printed.errors;  // its own client took nothing
+  for (int tries = 0; !fs::exists(delivered) && tries < 100; ++tries) Sleep(100);
+  EXPECT_TRUE(fs::exists(delivered));
+  fs::remove(delivered);
+  fs::remove(Documents() / L"Über_1.emf");
+  fs::remove_all(work);
+  fs::remove(driver / L"quillo-print.exe");
+
+  const auto removed = RunProgram(setup, L"remove");
+  EXPECT_EQ(removed.exit_code, 0) << removed.errors;
+  EXPECT_EQ(Difference(before, Traces()), "");
+}
+
+}  // namespace
+}  // namespace quillo::host
