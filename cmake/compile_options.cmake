@@ -21,5 +21,5 @@ if(WIN32)
   target_compile_definitions(quillo_options INTERFACE
     UNICODE _UNICODE NOMINMAX WIN32_LEAN_AND_MEAN WINVER=0x0A00 _WIN32_WINNT=0x0A00)
   target_link_options(quillo_options INTERFACE
-    -static -Wl,--dynamicbase,--nxcompat,--high-entropy-va)
+    -static -Wl,--dynamicbase,--nxcompat,--high-entropy-va,--no-insert-timestamp)
 endif()

@@ -1,10 +1,13 @@
 #include "base/windows.h"
 
+#include <algorithm>
 #include <filesystem>
 #include <fstream>
 #include <gtest/gtest.h>
 #include <map>
+#include <memory>
 #include <nlohmann/json.hpp>
+#include <setupapi.h>
 #include <shlobj.h>
 #include <string>
 
@@ -156,6 +159,65 @@ TEST(Installation, NotesOfOthers_AreLeftAlone) {
   EXPECT_TRUE(RemoveInstallation(system).empty());
   system.DeleteNote(L"file ..\\..\\win.ini");
   system.DeleteNote(L"something else");
+}
+
+/// "6.0.1.0", from a file's version block.
+std::wstring VersionOf(const fs::path& file) {
+  std::vector<std::byte> block(GetFileVersionInfoSizeW(file.c_str(), nullptr));
+  VS_FIXEDFILEINFO* info = nullptr;
+  UINT size = 0;
+  if (!GetFileVersionInfoW(file.c_str(), 0, static_cast<DWORD>(block.size()), block.data()) ||
+      !VerQueryValueW(block.data(), L"\\", reinterpret_cast<void**>(&info), &size)) {
+    return L"";
+  }
+  wchar_t text[32];
+  wsprintfW(text, L"%u.%u.%u.%u", HIWORD(info->dwFileVersionMS), LOWORD(info->dwFileVersionMS),
+            HIWORD(info->dwFileVersionLS), LOWORD(info->dwFileVersionLS));
+  return text;
+}
+
+// Windows reads the INF with the same library.
+TEST(DriverPackage, Inf_NamesTheBuiltFiles) {
+  const std::unique_ptr<void, decltype(&SetupCloseInfFile)> inf(
+      SetupOpenInfFileW((Folder() / L"quillo.inf").c_str(), L"Printer", INF_STYLE_WIN4, nullptr),
+      SetupCloseInfFile);
+  ASSERT_NE(inf.get(), INVALID_HANDLE_VALUE);
+  const auto value = [&](const wchar_t* section, const wchar_t* key, DWORD field = 1) {
+    INFCONTEXT line;
+    wchar_t text[260] = L"";
+    if (SetupFindFirstLineW(inf.get(), section, key, &line)) {
+      SetupGetStringFieldW(&line, field, text, 260, nullptr);
+    }
+    return std::wstring(text);
+  };
+  EXPECT_EQ(value(L"Version", L"CatalogFile"), L"quillo.cat");
+  EXPECT_EQ(value(L"Manufacturer", L"Halvard Technologies, Inc.", 2), L"NTamd64");
+  EXPECT_EQ(value(L"Quillo.NTamd64", kDriverName), L"Install");
+  EXPECT_EQ(value(L"Quillo.NTamd64", kDriverName, 2), L"");
+  EXPECT_EQ(value(L"Install", L"DriverCategory"), L"PrintFax.Printer.Virtual");
+  EXPECT_EQ(value(L"Install", L"DriverIsolation"), L"2");
+  EXPECT_EQ(value(L"PrinterPackageInstallation.amd64", L"PackageAware"), L"TRUE");
+  EXPECT_EQ(value(L"DestinationDirs", L"DefaultDestDir"), L"66000");
+  const std::wstring version = value(L"Version", L"DriverVer", 2);
+  const std::wstring files = value(L"Install", L"CopyFiles");
+  std::vector<std::wstring> copied;
+  for (LONG i = 0; i < SetupGetLineCountW(inf.get(), files.c_str()); ++i) {
+    INFCONTEXT line;
+    wchar_t name[260] = L"";
+    SetupGetLineByIndexW(inf.get(), files.c_str(), static_cast<DWORD>(i), &line);
+    SetupGetStringFieldW(&line, 1, name, 260, nullptr);
+    EXPECT_EQ(VersionOf(Folder() / name), version) << ToUtf8(name);
+    EXPECT_EQ(value(L"SourceDisksFiles.amd64", name), L"1") << ToUtf8(name);
+    copied.emplace_back(name);
+  }
+  EXPECT_EQ(copied.size(), 4u);
+  for (const wchar_t* key : {L"DriverFile", L"ConfigFile", L"DataFile"}) {
+    EXPECT_EQ(std::ranges::count(copied, value(L"Install", key)), 1) << ToUtf8(key);
+  }
+  InstallationPlan plan;
+  plan.source = L"C:\\nowhere";
+  plan.as_package = true;
+  EXPECT_EQ(MissingFiles(plan).size(), copied.size() + 1);
 }
 
 TEST(SetupProgram, CommandLines_GiveCodeAndSentence) {
