@@ -8,10 +8,9 @@
 #include "base/com_owners.h"
 #include "base/system_owners.h"
 #include "host/base/com_apartment.h"
-#include "host/base/failure.h"
-#include "host/base/text.h"
 #include "host/client/client_object.h"
 #include "host/client/connection_file.h"
+#include "host/client/job_end_event.h"
 #include "host/client/pdf_maker.h"
 #include "host/client/type_library.h"
 
@@ -43,30 +42,6 @@ void WaitForEndOfInput() {
   }
 }
 
-KernelHandle MakeJobEndEvent(DWORD job_id) {
-  // Compatibility: the driver's name for it has a blank before "version", which clients rely on.
-  wchar_t name[80];
-  wsprintfW(name, L"Global\\VORNIXQUILLO5_JOB_END%d version%d", job_id, 5);
-  KernelHandle event(CreateEventW(nullptr, TRUE, FALSE, name));
-  if (!event) throw SystemFailure("cannot make the job-end event", "CreateEvent");
-  return event;
-}
-
-/// Passes on what a call means for the PDF file.
-void Take(PdfMaker& pdf, const Json& call) {
-  const std::string& method = call["method"].get_ref<const std::string&>();
-  const auto file = [&call] {
-    return std::filesystem::current_path() / ToWide(call["file"].get_ref<const std::string&>());
-  };
-  if (method == "NotifyJobStart") {
-    pdf.SetTitle(call["document"]);
-  } else if (method == "NotifyEmbeddedFont" && call.contains("file")) {
-    pdf.AddFont(file());
-  } else if (method == "NotifyPage" && call.contains("file")) {
-    pdf.AddPage(file(), call["page_object"]["width"], call["page_object"]["height"]);
-  }
-}
-
 void ServeJob(DWORD job_id, ClientFault fault, const std::filesystem::path& pdf_path) {
   const ComApartment apartment;
   RegisterTypeLibrary();
@@ -76,7 +51,7 @@ void ServeJob(DWORD job_id, ClientFault fault, const std::filesystem::path& pdf_
   const ComPtr<ClientObject> client(
       new ClientObject(std::filesystem::current_path(), fault, [&pdf](const Json& call) {
         Send({{"call", call}});
-        if (pdf) Take(*pdf, call);
+        if (pdf) pdf->Hear(call, std::filesystem::current_path());
       }));
   {
     const ConnectionFile connection(job_id, *client.Get());

@@ -4,6 +4,7 @@
 #include <utility>
 
 #include "host/base/com_apartment.h"
+#include "host/base/text.h"
 #include "host/pdf/pdf_document.h"
 
 namespace quillo::host {
@@ -13,6 +14,17 @@ PdfMaker::PdfMaker(std::filesystem::path path, std::function<void(int)> page_don
 
 PdfMaker::~PdfMaker() {
   if (thread_.joinable()) Finish();
+}
+
+void PdfMaker::Hear(const nlohmann::ordered_json& call, const std::filesystem::path& folder) {
+  const std::string& method = call["method"].get_ref<const std::string&>();
+  if (method == "NotifyJobStart") SetTitle(call["document"]);
+  if (!call.contains("file")) return;
+  const auto file = folder / ToWide(call["file"].get_ref<const std::string&>());
+  if (method == "NotifyEmbeddedFont") AddFont(file);
+  if (method == "NotifyPage") {
+    AddPage(file, call["page_object"]["width"], call["page_object"]["height"]);
+  }
 }
 
 void PdfMaker::SetTitle(const std::string& title) { Add({Work::Kind::kTitle, {}, title}); }

@@ -25,6 +25,8 @@ class PdfMaker {
   PdfMaker(const PdfMaker&) = delete;
   PdfMaker& operator=(const PdfMaker&) = delete;
 
+  /// Passes on what a call to the client means for the file; `folder` has what was copied.
+  void Hear(const nlohmann::ordered_json& call, const std::filesystem::path& folder);
   /// UTF-8. To be called before the first page.
   void SetTitle(const std::string& title);
   /// A font for the pages that follow, known to this process alone.

@@ -10,6 +10,7 @@
 #include "host/client/client_object.h"
 #include "host/client/connection_file.h"
 #include "host/client/job_end_event.h"
+#include "host/client/pdf_maker.h"
 #include "host/client/type_library.h"
 
 namespace quillo::host {
@@ -98,20 +99,28 @@ JobClaim::JobClaim(DWORD job_id)
   is_first_ = GetLastError() != ERROR_ALREADY_EXISTS;
 }
 
-ServedJob ServeJob(DWORD job_id, const std::filesystem::path& folder, const Patience& patience,
+ServedJob ServeJob(DWORD job_id, const std::filesystem::path& folder,
+                   const std::filesystem::path& pdf_path, const Patience& patience,
                    const std::function<void(const std::string&)>& report) {
   const ComApartment apartment;
   RegisterTypeLibrary();
   const KernelHandle job_end = MakeJobEndEvent(job_id);
   Listener listener(folder, report);
-  const ComPtr<ClientObject> client(new ClientObject(
-      folder, ClientFault::kNone, [&listener](const Json& call) { listener.Hear(call); }));
+  std::optional<PdfMaker> pdf;
+  if (!pdf_path.empty()) pdf.emplace(pdf_path, [](int /*page*/) {});
+  const ComPtr<ClientObject> client(
+      new ClientObject(folder, ClientFault::kNone, [&](const Json& call) {
+        if (pdf) pdf->Hear(call, folder);
+        listener.Hear(call);
+      }));
   {
     const ConnectionFile connection(job_id, *client.Get());
     WaitForEnd(job_end.Get(), listener, patience);
   }
   CoDisconnectObject(client.Get(), 0);
-  return listener.Take();
+  ServedJob job = listener.Take();
+  if (pdf) job.pdf = pdf->Finish();
+  return job;
 }
 
 }  // namespace quillo::host

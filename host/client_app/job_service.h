@@ -4,6 +4,7 @@
 
 #include <filesystem>
 #include <functional>
+#include <nlohmann/json.hpp>
 #include <optional>
 #include <string>
 #include <vector>
@@ -18,7 +19,8 @@ struct ServedJob {
   std::vector<std::filesystem::path> pages;  // in order
   int lost_pages = 0;                        // announced, but not copied
   int driver_errors = 0;
-  bool ended = false;  // whether the driver has ended it; else it was given up
+  nlohmann::ordered_json pdf;  // PdfMaker's result; null when no file was asked for
+  bool ended = false;          // whether the driver has ended it; else it was given up
 };
 
 /// Bounds for the waiting of a client.
@@ -42,9 +44,11 @@ class JobClaim {
 };
 
 /// Serves one job: lets the driver find it, copies pages and fonts into `folder`, and returns when
-/// the job has ended, has left the queue, or nothing was heard of it for too long. `report` gets a
-/// line for each call. Throws SystemFailure.
-ServedJob ServeJob(DWORD job_id, const std::filesystem::path& folder, const Patience& patience,
+/// the job has ended, has left the queue, or nothing was heard of it for too long. Unless `pdf` is
+/// empty, it becomes a PDF file of the pages. `report` gets a line for each call. Throws
+/// SystemFailure.
+ServedJob ServeJob(DWORD job_id, const std::filesystem::path& folder,
+                   const std::filesystem::path& pdf, const Patience& patience,
                    const std::function<void(const std::string&)>& report);
 
 }  // namespace quillo::host

@@ -33,6 +33,7 @@ constexpr wchar_t kStopEvent[] = L"Local\\QuilloClientStop";
 struct ClientOptions {
   std::optional<DWORD> job;
   std::string output;  // empty: the user's documents
+  std::string pdf;     // with an output folder; empty: no PDF file
   bool stop = false;
 };
 
@@ -73,16 +74,16 @@ class WorkFolder {
 
 ExitCode ResultOf(const ServedJob& job) {
   if (!job.ended || job.driver_errors != 0) return kDriverFailed;
-  return job.lost_pages != 0 ? kResultsLost : kPrinted;
+  return job.lost_pages != 0 || job.pdf.contains("error") ? kResultsLost : kPrinted;
 }
 
-ServedJob Serve(DWORD job_id, const fs::path& folder, const Log& log) {
+ServedJob Serve(DWORD job_id, const fs::path& folder, const fs::path& pdf, const Log& log) {
   const std::string name = "job " + std::to_string(job_id) + ": ";
-  const ServedJob job =
-      ServeJob(job_id, folder, {[job_id] { return std::optional(IsQueued(job_id)); }, kIdleLimit},
-               [&](const std::string& call) { log.Write(name + call); });
+  const ServedJob job = ServeJob(job_id, folder, pdf,
+                                 {[job_id] { return std::optional(IsQueued(job_id)); }, kIdleLimit},
+                                 [&](const std::string& call) { log.Write(name + call); });
   log.Write(name + (job.ended ? "ended, " : "given up, ") + std::to_string(job.pages.size()) +
-            " pages, " + std::to_string(job.lost_pages) + " lost");
+            " pages, " + std::to_string(job.lost_pages) + " lost; PDF: " + job.pdf.dump());
   return job;
 }
 
@@ -90,15 +91,19 @@ ExitCode RunJob(const ClientOptions& options, const Log& log) {
   const JobClaim claim(*options.job);
   if (!claim) return kPrinted;  // another client has it
   if (!options.output.empty()) {
-    const fs::path folder = fs::absolute(ToWide(options.output));
+    const fs::path folder = fs::absolute(fs::path(ToWide(options.output)));
     fs::create_directories(folder);
-    return ResultOf(Serve(*options.job, folder, log));
+    const fs::path pdf = options.pdf.empty() ? fs::path() : fs::absolute(ToWide(options.pdf));
+    return ResultOf(Serve(*options.job, folder, pdf, log));
   }
   const WorkFolder work(*options.job);
-  const ServedJob job = Serve(*options.job, work.Path(), log);
+  const fs::path pdf = work.Path() / L"document.pdf";
+  const ServedJob job = Serve(*options.job, work.Path(), pdf, log);
+  // Without a PDF file, the pages at least.
+  const std::vector<fs::path> results = fs::exists(pdf) ? std::vector{pdf} : job.pages;
   const fs::path documents = KnownFolder(FOLDERID_Documents, "cannot find the user's documents");
-  for (const fs::path& page : job.pages) {
-    log.Write("delivered " + ToUtf8(Deliver(page, documents, job.document).wstring()));
+  for (const fs::path& result : results) {
+    log.Write("delivered " + ToUtf8(Deliver(result, documents, job.document).wstring()));
   }
   return ResultOf(job);
 }
@@ -147,10 +152,14 @@ int Run(std::vector<std::string> arguments) {
   auto* job = app.add_option("--job", options.job, "Take one job, then end")
                   ->type_name("N")
                   ->check(CLI::Range(1u, 0x7FFFFFFFu));
-  app.add_option("-o,--output", options.output,
-                 "Folder for pages and fonts; by default documents go to the user's documents")
-      ->type_name("DIR")
-      ->needs(job);
+  auto* output =
+      app.add_option("-o,--output", options.output,
+                     "Folder for pages and fonts; by default documents go to the user's documents")
+          ->type_name("DIR")
+          ->needs(job);
+  app.add_option("--pdf", options.pdf, "PDF file of the pages, besides those in the folder")
+      ->type_name("FILE")
+      ->needs(output);
   app.add_flag("--stop", options.stop, "Stop the client that waits for jobs")->excludes(job);
   Console console(false, "quillo-client");
   try {

@@ -302,6 +302,12 @@ void PrintSystem::MakePrinter(std::wstring name, std::wstring driver, std::wstri
   // Not PRINTER_ATTRIBUTE_RAW_ONLY: documents are spooled as EMF, and drawn in the spooler.
   const PrinterHandle printer(AddPrinterW(nullptr, 2, reinterpret_cast<BYTE*>(&info)));
   Check(static_cast<bool>(printer), "cannot add the printer", "AddPrinter");
+  // Wine's own printer driver, which makes the DCs there, takes the device mode that the spooler
+  // has stored for one of its own and measures the sheet by the scale in it. Without one it works.
+  if (RunsUnderWine()) {
+    const std::wstring key = L"System\\CurrentControlSet\\Control\\Print\\Printers\\" + name;
+    RegDeleteKeyValueW(HKEY_LOCAL_MACHINE, key.c_str(), L"Default DevMode");
+  }
 }
 
 void PrintSystem::RemovePrinter(const std::wstring& name) {

@@ -311,8 +311,8 @@ TEST(SetupProgram, InstalledPrinter_TakesADocumentToTheUser) {
   DrawSample(work / L"a.emf");
   // The print host beside the installed driver loads that one.
   fs::copy_file(Folder() / L"quillo-print.exe", driver / L"quillo-print.exe");
-  const fs::path delivered = Documents() / L"Über_1 (2).emf";
-  std::ofstream(Documents() / L"Über_1.emf") << "mine";
+  const fs::path delivered = Documents() / L"Über_1 (2).pdf";
+  std::ofstream(Documents() / L"Über_1.pdf") << "mine";
   const auto printed =
       RunProgram((driver / L"quillo-print.exe").wstring(),
                  L"--client absent --document \"Über/1\" --preview 0 -o \"" +
@@ -321,7 +321,7 @@ TEST(SetupProgram, InstalledPrinter_TakesADocumentToTheUser) {
   for (int tries = 0; !fs::exists(delivered) && tries < 100; ++tries) Sleep(100);
   EXPECT_TRUE(fs::exists(delivered));
   fs::remove(delivered);
-  fs::remove(Documents() / L"Über_1.emf");
+  fs::remove(Documents() / L"Über_1.pdf");
   fs::remove_all(work);
   fs::remove(driver / L"quillo-print.exe");
 
