@@ -7,6 +7,7 @@
 #include "config/platform/message_box.h"
 #include "resources/string_ids.h"
 #include "support/built_file.h"
+#include "support/import_patch.h"
 #include "support/late_functions.h"
 #include "support/watch.h"
 
@@ -151,10 +152,12 @@ TEST(MessageBox, TextsOfResourcesAndOfTheSystem) {
       *out = of_a_service ? 0 : 1;
       return TRUE;
     });
-    const WATCH(OutputDebugStringW) debug([&](const wchar_t* part) { shown += part; });
-    shown.clear();
+    static std::wstring debugged;
+    const test::ImportPatch debug(
+        "OutputDebugStringW", +[](const wchar_t* part) WINAPI { debugged += part; });
+    debugged.clear();
     EXPECT_EQ(ShowMessageBox(L"text", L"caption", MB_OK), 0);
-    EXPECT_EQ(shown, L"caption: text\n");
+    EXPECT_EQ(debugged, L"caption: text\n");
   }
 
   const wchar_t* first = ResourceString(resources.Get(), IDS_ERROR);
