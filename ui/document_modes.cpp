@@ -2,9 +2,9 @@
 
 #include <cstring>
 
+#include "config/merge/device_mode_merge.h"
 #include "config/papers/paper_geometry.h"
 #include "config/settings/stored_device_mode.h"
-#include "driver/device_mode_merge.h"
 #include "ui/papers.h"
 
 namespace quillo {

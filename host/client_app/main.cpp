@@ -11,7 +11,7 @@
 #include "base/system_owners.h"
 #include "host/base/failure.h"
 #include "host/base/text.h"
-#include "host/client_app/document_name.h"
+#include "host/client_app/delivery.h"
 #include "host/client_app/job_service.h"
 #include "host/client_app/log.h"
 #include "host/client_app/resident.h"

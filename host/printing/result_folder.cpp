@@ -4,6 +4,7 @@
 #include <fstream>
 
 #include "host/base/failure.h"
+#include "host/base/file_name.h"
 #include "host/base/text.h"
 
 namespace quillo::host {
@@ -48,14 +49,7 @@ std::string ResultFolder::PageFile(int number, const char* extension) {
 }
 
 std::wstring ResultFolder::PdfFile(const std::wstring& document) {
-  constexpr size_t kMaxLength = 200;
-  std::wstring name = document.substr(0, kMaxLength);
-  for (wchar_t& unit : name) {
-    if (unit < L' ' || std::wstring_view(L"<>:\"/\\|?*").find(unit) != std::wstring_view::npos) {
-      unit = L'_';
-    }
-  }
-  return name + L".pdf";
+  return FileNameFor(document) + L".pdf";
 }
 
 void ResultFolder::WriteReport(const Json& report) const {

@@ -16,7 +16,7 @@ class ResultFolder {
   const std::filesystem::path& Path() const { return path_; }
   /// "page-0001.emf": the name under which the client keeps a page.
   static std::string PageFile(int number, const char* extension);
-  /// "<document>.pdf", without characters that no file name has.
+  /// "<document>.pdf", as FileNameFor spells the document.
   static std::wstring PdfFile(const std::wstring& document);
   /// Throws ResultFailure.
   void WriteReport(const nlohmann::ordered_json& report) const;

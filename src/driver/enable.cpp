@@ -3,11 +3,11 @@
 
 #include "base/module_instance.h"
 #include "base/system_owners.h"
+#include "config/merge/device_mode_merge.h"
 #include "config/papers/paper_geometry.h"
 #include "driver/callbacks.h"
 #include "driver/capabilities.h"
 #include "driver/device/device.h"
-#include "driver/device_mode_merge.h"
 
 namespace quillo {
 

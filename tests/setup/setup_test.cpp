@@ -14,8 +14,8 @@
 #include "base/gdi_owners.h"
 #include "base/system_owners.h"
 #include "host/base/failure.h"
+#include "host/base/file_name.h"
 #include "host/base/text.h"
-#include "host/client_app/document_name.h"
 #include "host/client_app/resident.h"
 #include "host/installation/installation.h"
 #include "host/printer/printer_setup.h"
@@ -315,7 +315,7 @@ TEST(SetupProgram, InstalledPrinter_TakesADocumentToTheUser) {
   std::ofstream(Documents() / L"Über_1.pdf") << "mine";
   const auto printed =
       RunProgram((driver / L"quillo-print.exe").wstring(),
-                 L"--client absent --document \"Über/1\" --preview 0 -o \"" +
+                 L"--client absent --no-pdf --document \"Über/1\" --preview 0 -o \"" +
                      (work / L"out").wstring() + L"\" \"" + (work / L"a.emf").wstring() + L"\"");
   EXPECT_EQ(printed.exit_code, 5) << printed.errors;  // its own client took nothing
   for (int tries = 0; !fs::exists(delivered) && tries < 100; ++tries) Sleep(100);

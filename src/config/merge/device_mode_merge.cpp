@@ -1,4 +1,4 @@
-#include "driver/device_mode_merge.h"
+#include "config/merge/device_mode_merge.h"
 
 #include <algorithm>
 #include <cstddef>

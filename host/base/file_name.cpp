@@ -1,19 +1,15 @@
-#include "host/client_app/document_name.h"
+#include "host/base/file_name.h"
 
 #include "base/windows.h"
 
 #include <algorithm>
 #include <iterator>
 
-#include "host/base/failure.h"
-#include "host/base/text.h"
-
 namespace quillo::host {
 
 namespace {
 
 constexpr size_t kMaxLength = 120;  // leaves room for a folder in MAX_PATH
-constexpr int kMaxNumber = 9999;
 
 /// Characters that turn the direction of what follows: a name could read as another.
 bool IsDirectional(wchar_t c) {
@@ -57,23 +53,6 @@ std::wstring FileNameFor(std::wstring_view document) {
   }
   if (name.empty()) return L"Document";
   return IsDevice(name) ? L"_" + name : name;
-}
-
-std::filesystem::path Deliver(const std::filesystem::path& file,
-                              const std::filesystem::path& folder, std::wstring_view document) {
-  const std::wstring name = FileNameFor(document);
-  for (int number = 1; number <= kMaxNumber; ++number) {
-    const std::wstring numbered =
-        number == 1 ? name : name + L" (" + std::to_wstring(number) + L")";
-    const auto target = folder / (numbered + file.extension().wstring());
-    if (MoveFileExW(file.c_str(), target.c_str(), MOVEFILE_COPY_ALLOWED)) return target;
-    const DWORD error = GetLastError();
-    if (error != ERROR_ALREADY_EXISTS && error != ERROR_FILE_EXISTS) {
-      throw ResultFailure("cannot write " + ToUtf8(target.wstring()), "MoveFileEx", error);
-    }
-  }
-  throw ResultFailure("cannot write " + ToUtf8((folder / name).wstring()), "MoveFileEx",
-                      ERROR_ALREADY_EXISTS);
 }
 
 }  // namespace quillo::host

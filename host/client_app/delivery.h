@@ -6,10 +6,6 @@
 
 namespace quillo::host {
 
-/// A file name, without extension, for a document that an application has named: one that every
-/// folder takes, that shows as it reads, and that names no device. "Document" when nothing is left.
-std::wstring FileNameFor(std::wstring_view document);
-
 /// Moves a finished file into `folder` under the document's name, with its own extension. A file
 /// that is there already stays: the next free one of "name (2)", "name (3)" ... is taken. Returns
 /// the path; throws ResultFailure.
