@@ -3,6 +3,7 @@
 #include "base/module_instance.h"
 #include "base/system_owners.h"
 #include "base/text.h"
+#include "config/user/client_claim.h"
 #include "config/user/user_paths.h"
 
 namespace quillo {
@@ -11,6 +12,7 @@ namespace {
 
 constexpr wchar_t kClient[] = L"quillo-client.exe";
 constexpr DWORD kLimit = 20'000;  // milliseconds
+constexpr DWORD kClaimedLimit = 2'000;
 constexpr DWORD kStep = 50;
 
 using Path = wchar_t[MAX_PATH];
@@ -47,6 +49,13 @@ bool Stands(const Path& file) {
                                FILE_ATTRIBUTE_NORMAL, nullptr)));
 }
 
+/// Whether a client that waits for this user's jobs has found the job before this DLL did.
+bool IsClaimed(DWORD job_id) {
+  wchar_t name[64];
+  wsprintfW(name, kClientClaim, job_id);
+  return static_cast<bool>(KernelHandle(OpenMutexW(SYNCHRONIZE, FALSE, name)));
+}
+
 KernelHandle StartProcess(Path& program, DWORD job_id) {
   wchar_t command[MAX_PATH + 32];
   wsprintfW(command, L"\"%s\" --job %u", program, job_id);
@@ -68,6 +77,13 @@ KernelHandle StartProcess(Path& program, DWORD job_id) {
 bool StartClient(DWORD job_id) {
   Path client, connection;
   if (!FindClient(client) || !ConnectionFileOf(job_id, connection)) return false;
+  if (IsClaimed(job_id)) {
+    // The driver may have taken the file by now.
+    for (DWORD waited = 0; waited < kClaimedLimit && !Stands(connection); waited += kStep) {
+      Sleep(kStep);
+    }
+    return true;
+  }
   // One that an earlier client of this number left behind reaches nobody.
   DeleteFileW(connection);
   const KernelHandle process = StartProcess(client, job_id);
@@ -75,8 +91,8 @@ bool StartClient(DWORD job_id) {
   for (DWORD waited = 0; !Stands(connection); waited += kStep) {
     if (waited >= kLimit) return Fail(ERROR_TIMEOUT);
     if (WaitForSingleObject(process.Get(), kStep) == WAIT_OBJECT_0) {
-      // Another client may have taken the job.
-      return Stands(connection) || Fail(ERROR_PROCESS_ABORTED);
+      // Another client may have taken the job meanwhile.
+      return IsClaimed(job_id) || Fail(ERROR_PROCESS_ABORTED);
     }
   }
   return true;

@@ -4,6 +4,7 @@
 #include <mutex>
 
 #include "base/com_owners.h"
+#include "config/user/client_claim.h"
 #include "host/base/com_apartment.h"
 #include "host/base/failure.h"
 #include "host/base/text.h"
@@ -92,11 +93,13 @@ void WaitForEnd(HANDLE job_end, const Listener& listener, const Patience& patien
 
 }  // namespace
 
-JobClaim::JobClaim(DWORD job_id)
-    : mutex_(CreateMutexW(nullptr, FALSE,
-                          (L"Local\\QuilloClientJob" + std::to_wstring(job_id)).c_str())) {
+JobClaim::JobClaim(DWORD job_id) {
+  wchar_t name[64];
+  wsprintfW(name, kClientClaim, job_id);
+  mutex_.Reset(CreateMutexW(nullptr, FALSE, name));
+  const bool existed = GetLastError() == ERROR_ALREADY_EXISTS;
   if (!mutex_) throw SystemFailure("cannot claim the job", "CreateMutex");
-  is_first_ = GetLastError() != ERROR_ALREADY_EXISTS;
+  is_first_ = !existed;
 }
 
 ServedJob ServeJob(DWORD job_id, const std::filesystem::path& folder,

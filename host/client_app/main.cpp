@@ -83,7 +83,8 @@ ServedJob Serve(DWORD job_id, const fs::path& folder, const fs::path& pdf, const
                                  {[job_id] { return std::optional(IsQueued(job_id)); }, kIdleLimit},
                                  [&](const std::string& call) { log.Write(name + call); });
   log.Write(name + (job.ended ? "ended, " : "given up, ") + std::to_string(job.pages.size()) +
-            " pages, " + std::to_string(job.lost_pages) + " lost; PDF: " + job.pdf.dump());
+            " pages, " + std::to_string(job.lost_pages) + " lost; PDF: " +
+            job.pdf.dump(-1, ' ', false, nlohmann::json::error_handler_t::replace));
   return job;
 }
 

@@ -18,6 +18,8 @@ constexpr wchar_t kDriverFile[] = L"QXDRV06X.dll";
 constexpr wchar_t kInterfaceFile[] = L"QXUI06X.dll";
 constexpr wchar_t kResourceFile[] = L"QXRES06X.dll";
 constexpr wchar_t kClientFile[] = L"quillo-client.exe";
+constexpr const wchar_t* kProductFiles[] = {kDriverFile, kInterfaceFile, kResourceFile,
+                                            kClientFile};
 constexpr wchar_t kPackageFile[] = L"quillo.inf";
 constexpr wchar_t kOld[] = L".old";  // of a file that is being replaced
 
@@ -43,15 +45,18 @@ DriverFiles DriverOf(const InstallationPlan& plan) {
 
 fs::path OldOf(const fs::path& file) { return fs::path(file) += kOld; }
 
+std::vector<std::wstring> FilesOf(const InstallationPlan& plan) {
+  std::vector<std::wstring> files(std::begin(kProductFiles), std::end(kProductFiles));
+  if (!plan.with_client) std::erase(files, kClientFile);
+  return files;
+}
+
 std::vector<Part> PartsOf(const InstallationPlan& plan) {
   std::vector<Part> parts;
   if (plan.as_package) {
     parts.push_back({PartKind::kPackage, kPackageFile});
   } else {
-    for (const wchar_t* file : {kDriverFile, kInterfaceFile, kResourceFile}) {
-      parts.push_back({PartKind::kFile, file});
-    }
-    if (plan.with_client) parts.push_back({PartKind::kFile, kClientFile});
+    for (const std::wstring& file : FilesOf(plan)) parts.push_back({PartKind::kFile, file});
     if (!plan.data_file.first.empty()) parts.push_back({PartKind::kFile, plan.data_file.first});
   }
   parts.push_back({PartKind::kDriver, kDriverName});
@@ -96,8 +101,7 @@ void TakeAway(PrintSystem& system, const Part& part, const std::wstring& remark)
 }  // namespace
 
 std::vector<std::wstring> MissingFiles(const InstallationPlan& plan) {
-  std::vector<std::wstring> files = {kDriverFile, kInterfaceFile, kResourceFile};
-  if (plan.with_client) files.emplace_back(kClientFile);
+  std::vector<std::wstring> files = FilesOf(plan);
   if (plan.as_package) files.emplace_back(kPackageFile);
   std::erase_if(files, [&](const std::wstring& file) { return fs::exists(plan.source / file); });
   return files;
@@ -113,6 +117,12 @@ Installation::Installation(PrintSystem& system, InstallationPlan plan)
       folder_(system.DriverFolder()),
       parts_(PartsOf(plan_)) {}
 
+bool Installation::HasCurrentFiles() const {
+  return std::ranges::all_of(kProductFiles, [this](const wchar_t* file) {
+    return PrintSystem::HasSameContent(plan_.source / file, folder_ / file);
+  });
+}
+
 bool Installation::IsThere(const Part& part) {
   switch (part.kind) {
     case PartKind::kFile:
@@ -120,12 +130,11 @@ bool Installation::IsThere(const Part& part) {
                  ? PrintSystem::HasContent(folder_ / part.name, plan_.data_file.second)
                  : PrintSystem::HasSameContent(plan_.source / part.name, folder_ / part.name);
     case PartKind::kPackage:
-      return system_.Notes().contains(DescribePart(part)) &&
-             PrintSystem::HasSameContent(plan_.source / kDriverFile, folder_ / kDriverFile);
+      return system_.Notes().contains(DescribePart(part)) && HasCurrentFiles();
     case PartKind::kInterface:
       return system_.HasInterface(folder_ / part.name);
     case PartKind::kDriver:
-      return system_.HasDriver(DriverOf(plan_));
+      return system_.HasDriver(DriverOf(plan_)) && (!plan_.as_package || HasCurrentFiles());
     case PartKind::kPort:
       return system_.HasPort(part.name);
     case PartKind::kPrinter:

@@ -59,6 +59,8 @@ class Installation {
     bool replaces;
   };
 
+  /// Whether the driver folder has the source's files.
+  [[nodiscard]] bool HasCurrentFiles() const;
   bool IsThere(const Part& part);
   /// Whether something is there that making the part replaces.
   bool Replaces(const Part& part);

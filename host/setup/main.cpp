@@ -186,9 +186,9 @@ int Run(std::vector<std::string> arguments) {
   try {
     std::ranges::reverse(arguments);
     app.parse(std::move(arguments));
-    const NamedMutex only_one(L"Global\\QuilloSetup");
     Setup setup(options, console);
     if (status->parsed()) return setup.Status();
+    const NamedMutex only_one(L"Global\\QuilloSetup");
     return remove->parsed() ? setup.Remove() : setup.Install();
   } catch (const CLI::CallForHelp&) {
     console.Write(app.help());
