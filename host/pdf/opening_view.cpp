@@ -1,8 +1,10 @@
 #include "host/pdf/opening_view.h"
 
+#include <algorithm>
 #include <charconv>
 #include <cstdio>
 #include <optional>
+#include <string_view>
 
 namespace quillo::host::pdf {
 
@@ -10,9 +12,9 @@ namespace {
 
 constexpr size_t kNowhere = std::string_view::npos;
 
-/// The number that follows `key` at or behind `from`.
-std::optional<size_t> NumberAt(std::string_view text, std::string_view key, size_t from) {
-  const size_t at = text.find(key, from);
+/// The number that follows `key`.
+std::optional<size_t> NumberAfter(std::string_view text, std::string_view key) {
+  const size_t at = text.find(key);
   if (at == kNowhere) return std::nullopt;
   const size_t digits = text.find_first_not_of(" \r\n", at + key.size());
   if (digits == kNowhere) return std::nullopt;
@@ -21,35 +23,40 @@ std::optional<size_t> NumberAt(std::string_view text, std::string_view key, size
   return parsed.ec == std::errc() ? std::optional(number) : std::nullopt;
 }
 
-/// An object's text, by the table at `table`, which has one section that begins with object 0.
-std::string_view ObjectText(std::string_view file, size_t table, size_t number) {
-  constexpr size_t kEntry = 20;
-  const size_t first = file.find("0000000000 65535 f", table);
-  if (first == kNowhere) return {};
-  const auto offset =
-      NumberAt(file.substr(0, first + (number + 1) * kEntry), "", first + number * kEntry);
-  if (!offset || *offset >= table) return {};
-  const size_t end = file.find("endobj", *offset);
-  return end == kNowhere ? std::string_view() : file.substr(*offset, end - *offset);
+/// Where an object begins, by the table at `table`, which has one section that begins with object
+/// 0.
+std::optional<size_t> PlaceOf(const ReadAt& read, size_t table, size_t number) {
+  constexpr size_t kHead = 64, kEntry = 20;
+  const size_t first = read(table, kHead).find("0000000000 65535 f");
+  if (first == kNowhere) return std::nullopt;
+  return NumberAfter(read(table + first + number * kEntry, kEntry), "");
 }
 
 }  // namespace
 
-std::string OpenAtPageWidth(std::string_view file, double top) {
-  const size_t last = file.rfind("startxref");
-  const size_t trailer = file.rfind("trailer");
-  if (last == kNowhere || trailer == kNowhere) return {};
-  const auto table = NumberAt(file, "startxref", last);
-  const auto size = NumberAt(file, "/Size", trailer);
-  const auto root = NumberAt(file, "/Root", trailer);
-  const auto info = NumberAt(file, "/Info", trailer);
-  if (!table || !size || !root || !info || *table >= file.size()) return {};
+std::string OpenAtPageWidth(const ReadAt& read, size_t size, double top) {
+  constexpr size_t kEnd = 512, kObject = 4096;
+  std::string end = read(size - std::min(size, kEnd), kEnd);
+  const size_t trailer = end.rfind("trailer");
+  if (trailer == kNowhere) return {};
+  end.erase(0, trailer);
+  const auto table = NumberAfter(end, "startxref");
+  const auto objects = NumberAfter(end, "/Size");
+  const auto root = NumberAfter(end, "/Root");
+  const auto info = NumberAfter(end, "/Info");
+  if (!table || !objects || !root || !info) return {};
+  const auto place = PlaceOf(read, *table, *root);
+  if (!place) return {};
   constexpr std::string_view kType = "/Type /Catalog";
-  std::string catalog(ObjectText(file, *table, *root));
+  std::string catalog = read(*place, kObject);
   const size_t type = catalog.find(kType);
-  const auto pages = NumberAt(catalog, "/Pages", 0);
-  if (type == kNowhere || !pages) return {};
-  const auto first_page = NumberAt(ObjectText(file, *table, *pages), "/Kids [", 0);
+  const size_t catalog_end = catalog.find("endobj");
+  const auto pages = NumberAfter(catalog, "/Pages");
+  if (type == kNowhere || catalog_end == kNowhere || type > catalog_end || !pages) return {};
+  catalog.resize(catalog_end);
+  const auto pages_place = PlaceOf(read, *table, *pages);
+  if (!pages_place) return {};
+  const auto first_page = NumberAfter(read(*pages_place, kObject), "/Kids [");
   if (!first_page) return {};
 
   char view[128];
@@ -64,7 +71,7 @@ std::string OpenAtPageWidth(std::string_view file, double top) {
                 "xref\n%zu 1\n%010zu 00000 n \n"
                 "trailer\n<< /Size %zu\n   /Root %zu 0 R\n   /Info %zu 0 R\n   /Prev %zu\n>>\n"
                 "startxref\n%zu\n%%%%EOF\n",
-                *root, file.size(), *size, *root, *info, *table, file.size() + update.size());
+                *root, size, *objects, *root, *info, *table, size + update.size());
   return update + tail;
 }
 

@@ -106,7 +106,17 @@ void PdfDocument::Finish() {
   Check();
   file_.flush();
   const std::filesystem::path unfinished = Unfinished(path_);
-  file_ << OpenAtPageWidth(ReadAll(unfinished), first_height_);
+  std::ifstream written(unfinished, std::ios::binary);
+  const auto read = [&written](size_t offset, size_t length) {
+    std::string bytes(length, '\0');
+    written.clear();
+    written.seekg(static_cast<std::streamoff>(offset));
+    written.read(bytes.data(), static_cast<std::streamsize>(length));
+    bytes.resize(static_cast<size_t>(written.gcount()));
+    return bytes;
+  };
+  file_ << OpenAtPageWidth(read, static_cast<size_t>(file_.tellp()), first_height_);
+  written.close();
   file_.close();
   if (!file_) Fail("WriteFile", GetLastError());
   if (pages_ == 0) return;
@@ -131,7 +141,8 @@ void PdfDocument::Check() const {
 }
 
 void PdfDocument::Fail(const char* call, DWORD error) const {
-  throw ResultFailure("cannot write " + ToUtf8(path_.wstring()), call, error);
+  throw ResultFailure("cannot write " + ToUtf8(path_.wstring()), call,
+                      error != ERROR_SUCCESS ? error : DWORD{ERROR_WRITE_FAULT});
 }
 
 }  // namespace quillo::host::pdf
