@@ -8,16 +8,15 @@
 // end.
 #include "base/windows.h"
 
-#include <algorithm>
 #include <atomic>
 #include <barrier>
 #include <chrono>
 #include <cstdio>
-#include <functional>
 #include <string>
 #include <thread>
 #include <vector>
 
+#include "fuzz/harness/page_content.h"
 #include "host/base/com_apartment.h"
 #include "host/emf_player/emf_player.h"
 #include "host/engine/driver_module.h"
@@ -41,21 +40,6 @@ constexpr size_t kHeapSlack = 256 * 1024;  // bytes: caches of fonts, of the pla
 
 using Metafiles = std::vector<std::vector<std::byte>>;
 
-/// A number for the content of a page's file but for the ends of font records, which Wine leaves
-/// undefined.
-size_t NumberFor(const std::filesystem::path& path) {
-  const auto file = test::ReadFile(path);
-  if (file.empty()) return 0;
-  std::string content;
-  host::emf::MetafileReader reader(file);
-  while (const auto record = reader.Next()) {
-    const size_t kept = record->type == EMR_EXTCREATEFONTINDIRECTW ? 12 + sizeof(LOGFONTW) : ~0u;
-    content.append(reinterpret_cast<const char*>(record->bytes.data()),
-                   std::min(record->bytes.size(), kept));
-  }
-  return std::hash<std::string>()(content);
-}
-
 /// Prints one job; the numbers of its pages in order.
 std::vector<size_t> PrintJob(const host::DriverModule& driver, const Metafiles& metafiles) {
   const host::SpoolJob spool(host::kPrinterName, L"Load");
@@ -64,7 +48,7 @@ std::vector<size_t> PrintJob(const host::DriverModule& driver, const Metafiles& 
   test::RecordingClient client;
   client.on_call = [&pages](const nlohmann::ordered_json& call) {
     if (call["method"] == "NotifyPage" && call.contains("page_object")) {
-      pages.push_back(NumberFor(call["page_object"]["path"].get<std::string>()));
+      pages.push_back(harness::PageContent(call["page_object"]["path"].get<std::string>()));
     }
   };
   client.LeaveConnection(spool.Id());

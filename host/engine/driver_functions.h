@@ -33,6 +33,7 @@ class DriverFailure : public std::runtime_error {
   X(StartPage, true)            \
   X(SendPage, true)             \
   X(EndDoc, true)               \
+  X(Escape, false)              \
   X(RealizeBrush, false)        \
   X(BitBlt, false)              \
   X(StretchBlt, false)          \

@@ -1,40 +1,35 @@
 #pragma once
 
-#include "base/windows.h"
-
 #include <memory>
 #include <string>
 #include <vector>
 
-#include "host/printer/spool_job.h"
-
 namespace quillo::faults {
 
-/// A job whose calls are made to fail, one run each.
+/// A job of two pages whose calls are made to fail, one in each run.
 struct Scenario {
   const char* name;
-  std::vector<const char*> scripts;  // of tests/corpus/emf, drawn on both pages
-  bool pictures = false;             // of every depth, through every blit, are too
+  std::vector<const char*> scripts;  // of tests/corpus, drawn on both pages
+  unsigned points;                   // at most so many calls of each function fail in turn
   bool short_of_memory = false;      // a large picture goes to a file
-  bool fonts = false;          // one is embedded; and papers, settings, escapes, reset devices
-  bool other_process = false;  // where the client is
-  unsigned points;             // at most so many calls of each function fail in turn
+  bool custom_paper = false;         // of the second page, for which the device is reset
+  bool other_process = false;        // where the client is
 };
 extern const std::vector<Scenario> kScenarios;
 
 /// What came of a job.
 struct Outcome {
-  std::vector<std::string> problems;  // the contract was broken
-  std::vector<size_t> pages;          // a number for the content of each page that the client got
+  std::vector<std::string> problems;  // how the contract was broken
+  std::vector<size_t> pages;          // the content of each page that the client got
   bool connected = false;             // the client heard of the job
 };
 
-/// Everything that jobs share.
+/// Printer, driver and all else that jobs share. The driver's imports are the interposer's.
 class Stage {
  public:
   Stage();
   ~Stage();
-  /// Prints the scenario's two pages. Whatever the driver refuses is left out.
+  /// Prints the scenario's job, without what the driver refuses.
   Outcome Print(const Scenario& scenario);
 
  private:

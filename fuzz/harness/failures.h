@@ -3,7 +3,7 @@
 #include <cstdint>
 #include <string_view>
 
-namespace quillo::faults {
+namespace quillo::harness {
 
 /// Takes what any system function takes, up to four arguments.
 using AnyFunction = uintptr_t(__stdcall*)(uintptr_t, uintptr_t, uintptr_t, uintptr_t);
@@ -17,4 +17,4 @@ AnyFunction FailureOf(std::string_view library, std::string_view function);
 /// something do so, and only report that they did not.
 extern AnyFunction released_by;
 
-}  // namespace quillo::faults
+}  // namespace quillo::harness

@@ -1,11 +1,11 @@
-#include "faults/failures.h"
+#include "fuzz/harness/failures.h"
 
-#include "base/ddi.h"
+#include "base/windows.h"
 
 #include <algorithm>
 #include <string>
 
-namespace quillo::faults {
+namespace quillo::harness {
 namespace {
 
 template <uintptr_t kResult, DWORD kError = ERROR_NOT_ENOUGH_MEMORY>
@@ -73,11 +73,12 @@ AnyFunction released_by = nullptr;
 
 AnyFunction FailureOf(std::string_view library, std::string_view function) {
   if (library == "msvcrt.dll") return nullptr;
-  const std::string name = " " + std::string(function) + " ";
+  std::string name(function);
+  name.insert(0, 1, ' ').push_back(' ');
   const auto* row = std::ranges::find_if(kFailures, [&name](const auto& failures) {
     return failures.names.find(name) != std::string_view::npos;
   });
   return row != std::end(kFailures) ? row->failure : kZero;
 }
 
-}  // namespace quillo::faults
+}  // namespace quillo::harness

@@ -7,9 +7,9 @@
 #include <string>
 #include <vector>
 
-#include "faults/failures.h"
+#include "fuzz/harness/failures.h"
 
-namespace quillo::faults {
+namespace quillo::harness {
 
 /// A system function as the driver calls it.
 struct Import {
@@ -27,7 +27,10 @@ class Interposer {
   void TakeOver(HMODULE module);
 
   /// Calls of the import `name` go to `function` from now on.
-  void Replace(std::string_view name, void* function);
+  template <typename Function>
+  void Replace(std::string_view name, Function* function) {
+    Replace(name, reinterpret_cast<AnyFunction>(reinterpret_cast<void*>(function)));
+  }
 
   /// Counts from 0 again and makes a call of `import` fail: the `call`th one (1: the first), or
   /// all from it on. Without an import, none.
@@ -42,6 +45,7 @@ class Interposer {
   const char* phase_of_failure = "";
 
  private:
+  void Replace(std::string_view name, AnyFunction function);
   friend AnyFunction ChooseFunction(Import* import);
   static FARPROC WINAPI FindLate(HMODULE module, const char* name);
 
@@ -56,4 +60,4 @@ class Interposer {
 
 extern Interposer interposer;
 
-}  // namespace quillo::faults
+}  // namespace quillo::harness

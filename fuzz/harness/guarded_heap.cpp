@@ -1,11 +1,15 @@
-#include "faults/guarded_heap.h"
+#include "fuzz/harness/guarded_heap.h"
+
+#include "base/windows.h"
 
 #include <algorithm>
 #include <cstdlib>
 #include <cstring>
 #include <unordered_map>
 
-namespace quillo::faults {
+#include "fuzz/harness/interposer.h"
+
+namespace quillo::harness {
 namespace {
 
 constexpr size_t kPage = 4096;
@@ -32,8 +36,6 @@ void Release(std::unordered_map<void*, Block>::iterator at) {
   blocks.erase(at);
 }
 
-}  // namespace
-
 void* WINAPI GuardedAlloc(HANDLE heap, DWORD flags, SIZE_T size) {
   const size_t pages = (Aligned(size) + kPage - 1) / kPage * kPage;
   auto* first = static_cast<char*>(
@@ -48,14 +50,6 @@ void* WINAPI GuardedAlloc(HANDLE heap, DWORD flags, SIZE_T size) {
   return block;
 }
 
-void* WINAPI GuardedReAlloc(HANDLE heap, DWORD flags, void* block, SIZE_T size) {
-  void* grown = GuardedAlloc(heap, flags, size);
-  if (grown == nullptr) return nullptr;
-  std::memcpy(grown, block, std::min(size, blocks.at(block).size));
-  GuardedFree(heap, 0, block);
-  return grown;
-}
-
 BOOL WINAPI GuardedFree(HANDLE heap, DWORD, void* block) {
   if (block == nullptr) return TRUE;
   const auto at = blocks.find(block);
@@ -67,6 +61,14 @@ BOOL WINAPI GuardedFree(HANDLE heap, DWORD, void* block) {
   return TRUE;
 }
 
+void* WINAPI GuardedReAlloc(HANDLE heap, DWORD flags, void* block, SIZE_T size) {
+  void* grown = GuardedAlloc(heap, flags, size);
+  if (grown == nullptr) return nullptr;
+  std::memcpy(grown, block, std::min(size, blocks.at(block).size));
+  GuardedFree(heap, 0, block);
+  return grown;
+}
+
 BOOL WINAPI GuardedDestroy(HANDLE heap) {
   for (auto at = blocks.begin(); at != blocks.end();) {
     const auto block = at++;
@@ -75,6 +77,18 @@ BOOL WINAPI GuardedDestroy(HANDLE heap) {
   return HeapDestroy(heap);
 }
 
+}  // namespace
+
+void GuardHeap() {
+  interposer.Replace("HeapAlloc", &GuardedAlloc);
+  interposer.Replace("HeapReAlloc", &GuardedReAlloc);
+  interposer.Replace("HeapFree", &GuardedFree);
+  interposer.Replace("HeapDestroy", &GuardedDestroy);
+}
+
+void* AllocateGuarded(size_t size) { return GuardedAlloc(nullptr, 0, size); }
+void FreeGuarded(void* block) { GuardedFree(nullptr, 0, block); }
+
 size_t GuardedBlocks() { return blocks.size(); }
 
-}  // namespace quillo::faults
+}  // namespace quillo::harness

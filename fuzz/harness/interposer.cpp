@@ -1,4 +1,4 @@
-#include "faults/interposer.h"
+#include "fuzz/harness/interposer.h"
 
 #include <algorithm>
 #include <cstring>
@@ -8,7 +8,7 @@
 // jumps there, with the arguments as they came.
 asm(R"(
   .text
-faults_gate:
+harness_gate:
   pushq %rcx
   pushq %rdx
   pushq %r8
@@ -19,7 +19,7 @@ faults_gate:
   movups %xmm2, 64(%rsp)
   movups %xmm3, 80(%rsp)
   movq %r11, %rcx
-  call faults_choose
+  call harness_choose
   movups 32(%rsp), %xmm0
   movups 48(%rsp), %xmm1
   movups 64(%rsp), %xmm2
@@ -31,9 +31,9 @@ faults_gate:
   popq %rcx
   jmp *%rax
 )");
-extern "C" void faults_gate();
+extern "C" void harness_gate();
 
-namespace quillo::faults {
+namespace quillo::harness {
 
 Interposer interposer;
 
@@ -51,7 +51,7 @@ AnyFunction ChooseFunction(Import* import) {
   released_by = import->function;
   return import->failure;
 }
-extern "C" AnyFunction faults_choose(Import* import) { return ChooseFunction(import); }
+extern "C" AnyFunction harness_choose(Import* import) { return ChooseFunction(import); }
 
 void* Interposer::GateTo(const std::string& library, const std::string& name, void* function) {
   static std::map<std::string, uint8_t*> gates;
@@ -63,10 +63,10 @@ void* Interposer::GateTo(const std::string& library, const std::string& name, vo
   }
   Import* import = &imports.emplace_back(Import{name, target, FailureOf(library, name)});
   known[name] = import;
-  // movabs $import, %r11; movabs $faults_gate, %rax; jmp *%rax
+  // movabs $import, %r11; movabs $harness_gate, %rax; jmp *%rax
   auto* code = static_cast<uint8_t*>(
       VirtualAlloc(nullptr, 64, MEM_RESERVE | MEM_COMMIT, PAGE_EXECUTE_READWRITE));
-  const auto* gate = reinterpret_cast<const void*>(&faults_gate);
+  const auto* gate = reinterpret_cast<const void*>(&harness_gate);
   std::memcpy(code, "\x49\xBB", 2);
   std::memcpy(code + 2, &import, 8);
   std::memcpy(code + 10, "\x48\xB8", 2);
@@ -104,12 +104,12 @@ void Interposer::TakeOver(HMODULE module) {
       VirtualProtect(entries, sizeof *entries, protection, &protection);
     }
   }
-  Replace("GetProcAddress", reinterpret_cast<void*>(&FindLate));
+  Replace("GetProcAddress", &FindLate);
 }
 
-void Interposer::Replace(std::string_view name, void* function) {
+void Interposer::Replace(std::string_view name, AnyFunction function) {
   const auto import = std::ranges::find(imports, name, &Import::name);
-  if (import != imports.end()) import->function = reinterpret_cast<AnyFunction>(function);
+  if (import != imports.end()) import->function = function;
 }
 
 void Interposer::Arm(const Import* import, uint32_t call, bool and_later) {
@@ -120,4 +120,4 @@ void Interposer::Arm(const Import* import, uint32_t call, bool and_later) {
   failures_ = 0;
 }
 
-}  // namespace quillo::faults
+}  // namespace quillo::harness
