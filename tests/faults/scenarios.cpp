@@ -16,6 +16,7 @@
 #include "host/printer/printer_values.h"
 #include "host/printer/spool_job.h"
 #include "support/built_file.h"
+#include "support/holdings.h"
 #include "support/recording_client.h"
 #include "support/registry_sandbox.h"
 #include "support/renamed_font.h"
@@ -129,11 +130,14 @@ class Stage::Job {
   }
 
   Outcome Print() {
+    const uintptr_t handles = test::LiveKernelHandles();
     try {
       PrintDocument();
     } catch (const host::DriverFailure&) {  // the rest is left out
     }
     interposer.phase = "";
+    // (Later, COM keeps some for the client's object.)
+    outcome_.leaves_handles = test::LiveKernelHandles() > handles;
     if (process_) {
       for (const auto& call : process_->Finish().calls) Hear(call);
     }

@@ -22,6 +22,7 @@ struct Outcome {
   std::vector<std::string> problems;  // how the contract was broken
   std::vector<size_t> pages;          // the content of each page that the client got
   bool connected = false;             // the client heard of the job
+  bool leaves_handles = false;        // kernel handles were open when the document was at its end
 };
 
 /// Printer, driver and all else that jobs share. The driver's imports are the interposer's.
