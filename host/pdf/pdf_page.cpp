@@ -11,6 +11,7 @@
 #include "host/engine/clusters.h"
 #include "host/engine/raster.h"
 #include "host/engine/raster_operation.h"
+#include "host/engine/services/colours.h"
 #include "host/engine/text_layout.h"
 #include "host/pdf/cairo_path.h"
 #include "host/pdf/pictures.h"
@@ -37,10 +38,6 @@ cairo_operator_t OperatorOf(Blend blend) {
     default:
       return CAIRO_OPERATOR_OVER;
   }
-}
-
-uint32_t ToRgb(COLORREF colour) {
-  return uint32_t{GetRValue(colour)} << 16 | uint32_t{GetGValue(colour)} << 8 | GetBValue(colour);
 }
 
 bool SamePixels(const ClipShape& a, const ClipShape& b) {
@@ -140,7 +137,7 @@ void PdfPage::WithInk(const BrushDescription& brush, uint8_t rop3, const std::st
                       const std::function<void()>& draw) {
   const bool hatched = brush.kind == BrushDescription::Kind::kHatched && brush.hatch < HS_DDI_MAX;
   const bool patterned = brush.kind == BrushDescription::Kind::kPattern && brush.pattern != nullptr;
-  std::vector<Mixing> mixings = {MixingOf(rop3, ToRgb(brush.colour), 0)};
+  std::vector<Mixing> mixings = {MixingOf(rop3, SwapRedBlue(brush.colour), 0)};
   SIZEL size{1, 1};
   if (hatched || patterned) {
     const BitmapSource hatch = hatched ? HatchPicture(brush) : BitmapSource();
@@ -160,7 +157,8 @@ void PdfPage::WithInk(const BrushDescription& brush, uint8_t rop3, const std::st
     // What it clears has the colour when the inversion is taken back.
     layers = {.list = {{Blend::kNormal, {}}}};
     for (const Mixing& mixing : mixings) {
-      layers.list[0].pixels.push_back(mixing.keep != 0 ? 0 : ToRgb(inversion_->colour) | kOpaque);
+      layers.list[0].pixels.push_back(mixing.keep != 0 ? 0
+                                                       : SwapRedBlue(inversion_->colour) | kOpaque);
     }
   } else {
     SettleInversion();

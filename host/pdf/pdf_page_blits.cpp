@@ -5,6 +5,7 @@
 #include "host/engine/blit_areas.h"
 #include "host/engine/raster.h"
 #include "host/engine/raster_operation.h"
+#include "host/engine/services/colours.h"
 #include "host/pdf/cairo_path.h"
 #include "host/pdf/pdf_page.h"
 #include "host/pdf/pictures.h"
@@ -27,10 +28,6 @@ cairo_matrix_t PlacingOf(const RECTL& target) {
           double{1} * target.bottom - target.top,
           static_cast<double>(target.left),
           static_cast<double>(target.top)};
-}
-
-uint32_t ToRgb(COLORREF colour) {
-  return uint32_t{GetRValue(colour)} << 16 | uint32_t{GetGValue(colour)} << 8 | GetBValue(colour);
 }
 
 /// The value of each pixel of a rectangle.
@@ -57,7 +54,7 @@ uint32_t Sane(uint32_t argb) {
 /// The one colour that stands for a brush where a picture is mixed with it: of a pattern, its mean.
 uint32_t MeanColour(const BrushDescription& brush) {
   if (brush.kind != BrushDescription::Kind::kPattern || brush.pattern == nullptr) {
-    return ToRgb(brush.colour);
+    return SwapRedBlue(brush.colour);
   }
   const ReadablePicture tile(*brush.pattern);
   const PixelReader pixels(*tile);
