@@ -13,7 +13,9 @@ namespace {
 
 bool LeavesRoom(int32_t printable, int32_t sheet) { return printable > 0 && printable <= sheet; }
 
-bool IsPrintable(const DeviceMode& mode) {
+/// Whether the driver could print on the sheet: it takes all margins for inches.
+bool IsPrintable(DeviceMode mode) {
+  UseInchMargins(mode);
   const SheetArea area = ResolveSheet(mode).pixels;
   return LeavesRoom(area.printable.width, area.size.width) &&
          LeavesRoom(area.printable.height, area.size.height);

@@ -24,7 +24,7 @@ constexpr wchar_t kPackageFile[] = L"quillo.inf";
 constexpr wchar_t kOld[] = L".old";  // of a file that is being replaced
 
 /// By PartKind; a part's note is the word, a blank and its name.
-constexpr const wchar_t* kWords[] = {L"file", L"package", L"interface", L"driver",
+constexpr const wchar_t* kWords[] = {L"file", L"package", L"driver", L"interface",
                                      L"port", L"printer", L"default"};
 
 std::optional<Part> ParseNote(const std::wstring& note) {

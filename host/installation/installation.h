@@ -27,8 +27,9 @@ struct InstallationPlan {
 /// The plan's files that its source folder lacks.
 std::vector<std::wstring> MissingFiles(const InstallationPlan& plan);
 
-/// What an installation consists of, in the order in which it is made.
-enum class PartKind { kFile, kPackage, kInterface, kDriver, kPort, kPrinter, kDefault };
+/// What an installation consists of, in the order in which it is made. (The interface goes before
+/// the driver, which takes the client's file with it.)
+enum class PartKind { kFile, kPackage, kDriver, kInterface, kPort, kPrinter, kDefault };
 
 struct Part {
   PartKind kind;

@@ -16,6 +16,7 @@
 #include "host/base/failure.h"
 #include "host/base/file_name.h"
 #include "host/base/text.h"
+#include "host/client_app/job_service.h"
 #include "host/client_app/resident.h"
 #include "host/installation/installation.h"
 #include "host/printer/printer_setup.h"
@@ -301,6 +302,14 @@ TEST(SetupProgram, InstalledPrinter_TakesADocumentToTheUser) {
     ASSERT_TRUE(ui);
     auto* on_event = reinterpret_cast<decltype(&DrvDocumentEvent)>(
         reinterpret_cast<void*>(GetProcAddress(ui.Get(), "DrvDocumentEvent")));
+    {  // A job that another client has claimed is left to that one.
+      const JobClaim claim(77);
+      LONG claimed = 77;
+      EXPECT_EQ(on_event(nullptr, nullptr, DOCUMENTEVENT_STARTDOCPOST, sizeof claimed, &claimed, 0,
+                         nullptr),
+                DOCUMENTEVENT_SUCCESS);
+      EXPECT_EQ(RunProgram((driver / L"quillo-client.exe").wstring(), L"--job 77").exit_code, 0);
+    }
     LONG job = 1;  // Wine counts jobs by process
     EXPECT_EQ(on_event(nullptr, nullptr, DOCUMENTEVENT_STARTDOCPOST, sizeof job, &job, 0, nullptr),
               DOCUMENTEVENT_SUCCESS)

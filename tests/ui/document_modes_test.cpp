@@ -3,6 +3,7 @@
 #include <random>
 
 #include "config/papers/paper_geometry.h"
+#include "support/case_table.h"
 #include "ui/printer_interface_test.h"
 
 namespace quillo::test {
@@ -25,7 +26,8 @@ class DocumentModes : public PrinterInterface {
   }
 
   /// What holds for every device mode that leaves the DLL.
-  static void ExpectValid(const DeviceMode& mode) {
+  static void ExpectValid(DeviceMode mode) {
+    UseInchMargins(mode);  // as the driver does
     EXPECT_TRUE(HasOwnShape(mode.pub));
     EXPECT_EQ(mode.pub.dmFields, kModeFields);
     EXPECT_STREQ(mode.pub.dmDeviceName, kUiPrinter);
@@ -41,13 +43,7 @@ class DocumentModes : public PrinterInterface {
     EXPECT_TRUE(area.printable.height > 0 && area.printable.height <= area.size.height);
   }
 
-  DeviceMode default_ = [] {
-    DeviceMode mode;
-    BuildDefaultDeviceMode(mode, kUiPrinter);
-    mode.pub.dmPaperWidth = 2159;
-    mode.pub.dmPaperLength = 2794;
-    return mode;
-  }();
+  DeviceMode default_ = DefaultMode();
 };
 
 TEST_F(DocumentModes, Application_SizedDefaultedAndMerged) {
@@ -55,20 +51,19 @@ TEST_F(DocumentModes, Application_SizedDefaultedAndMerged) {
   DeviceMode mode;
   EXPECT_EQ(Ask(nullptr, DM_OUT_BUFFER, &mode), IDOK);
   EXPECT_EQ(std::memcmp(&mode, &default_, sizeof mode), 0);
-
-  DeviceMode wanted = default_;
-  wanted.pub.dmPaperSize = DMPAPER_A4;
-  wanted.pub.dmOrientation = DMORIENT_LANDSCAPE;
-  wanted.pub.dmPrintQuality = wanted.pub.dmYResolution = 300;
-  wanted.pub.dmCopies = 5;
-  wanted.own.reserved_before_flag[7] = std::byte{9};
-  EXPECT_EQ(Ask(&wanted.pub, DM_IN_BUFFER | DM_OUT_BUFFER, &mode), IDOK);
-  ExpectValid(mode);
-  EXPECT_EQ(mode.pub.dmPaperSize, DMPAPER_A4);
-  EXPECT_EQ(mode.pub.dmPaperWidth, 2970);
-  EXPECT_EQ(mode.pub.dmOrientation, DMORIENT_LANDSCAPE);
-  EXPECT_EQ(ResolutionOf(mode.pub), 300);
-  EXPECT_EQ(mode.own.reserved_before_flag[7], std::byte{9});
+  for (const CaseRow& row : ReadCases("ui/modes.txt")) {
+    SCOPED_TRACE(row.place);
+    DeviceMode wanted = default_;
+    wanted.own.top = wanted.own.right = wanted.own.bottom = wanted.own.left = {0, 1};
+    wanted.own.margins_given = row.fields[0].find("left") != std::string::npos;
+    SetMembers(wanted, row.fields[0]);
+    // No byte after those that it says it has.
+    const GuardedBytes in(size_t{wanted.pub.dmSize} + wanted.pub.dmDriverExtra);
+    std::memcpy(in.Get(), &wanted, std::min(in.Size(), sizeof wanted));
+    EXPECT_EQ(Ask(in.Mode(), DM_IN_BUFFER | DM_OUT_BUFFER, &mode), IDOK);
+    ExpectValid(mode);
+    ExpectMembers(mode, row.fields[1]);
+  }
 }
 
 TEST_F(DocumentModes, Request_SizeIsOnlyWritten) {
@@ -126,38 +121,6 @@ TEST_F(DocumentModes, Conversions_RefuseOrFillTheBuffer) {
     EXPECT_EQ(std::memcmp(out.Get(), &expected, sizeof expected) == 0, c.error == 0);
   }
   EXPECT_FALSE(convert(name.data(), &default_.pub, &default_.pub, nullptr, kConvert));
-}
-
-// Margins and sheets that a driver could not print on.
-TEST_F(DocumentModes, ModesWithoutARoomToPrint_AreRepaired) {
-  const struct {
-    const char* what;
-    short paper, width, length;
-    StoredMargin left;
-    bool paper_taken;
-  } cases[] = {
-      {"own size", DMPAPER_USER, 1000, 500, {0, 1}, true},
-      {"no width", DMPAPER_USER, 0, 500, {0, 1}, false},
-      {"negative length", DMPAPER_USER, 1000, -500, {0, 1}, false},
-      {"margin beyond the sheet", DMPAPER_A4, 0, 0, {100, 1}, true},
-      {"negative margin", DMPAPER_A4, 0, 0, {-100, 1}, true},
-      {"divisor zero", DMPAPER_A4, 0, 0, {1, 0}, true},
-  };
-  for (const auto& c : cases) {
-    SCOPED_TRACE(c.what);
-    DeviceMode wanted = default_;
-    wanted.pub.dmPaperSize = c.paper;
-    wanted.pub.dmPaperWidth = c.width;
-    wanted.pub.dmPaperLength = c.length;
-    wanted.own.margins_given = 1;
-    wanted.own.margin_unit = kMarginInches;
-    wanted.own.top = wanted.own.right = wanted.own.bottom = {0, 1};
-    wanted.own.left = c.left;
-    DeviceMode mode;
-    EXPECT_EQ(Ask(&wanted.pub, DM_IN_BUFFER | DM_OUT_BUFFER, &mode), IDOK);
-    ExpectValid(mode);
-    EXPECT_EQ(mode.pub.dmPaperSize, c.paper_taken ? c.paper : DMPAPER_LETTER);
-  }
 }
 
 TEST_F(DocumentModes, TenThousandRandomMerges_AreValid) {

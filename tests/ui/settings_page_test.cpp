@@ -6,6 +6,7 @@
 #include <prsht.h>
 #include <thread>
 
+#include "support/case_table.h"
 #include "ui/printer_interface_test.h"
 #include "ui/resource_ids.h"
 
@@ -67,88 +68,60 @@ class SettingsPage : public PrinterInterface {
     return out;
   }
 
-  static void Choose(HWND page, int control, LPARAM number) {
-    const HWND box = GetDlgItem(page, control);
-    const auto count = SendMessageW(box, CB_GETCOUNT, 0, 0);
-    for (LRESULT i = 0; i < count; ++i) {
-      if (SendMessageW(box, CB_GETITEMDATA, static_cast<WPARAM>(i), 0) != number) continue;
-      SendMessageW(box, CB_SETCURSEL, static_cast<WPARAM>(i), 0);
-      SendMessageW(page, WM_COMMAND, MAKEWPARAM(control, CBN_SELCHANGE),
-                   reinterpret_cast<LPARAM>(box));
-      return;
-    }
-    ADD_FAILURE() << "no choice " << number;
-  }
-
   bool warned_ = false;
-  DeviceMode mode_ = [] {
-    DeviceMode mode;
-    BuildDefaultDeviceMode(mode, kUiPrinter);
-    return mode;
-  }();
+  DeviceMode mode_ = DefaultMode();
 };
 
-TEST_F(SettingsPage, Confirmed_IsApplied) {
-  const DeviceMode chosen = Prompt(
-      0,
-      [](HWND page) {
-        EXPECT_FALSE(IsWindowEnabled(GetDlgItem(page, IDC_WIDTH)));
-        Choose(page, IDC_PAPER, DMPAPER_A3);
-        Choose(page, IDC_QUALITY, 1200);
-        SendDlgItemMessageW(page, IDC_LANDSCAPE, BM_CLICK, 0, 0);
-      },
-      PSBTN_OK);
-  EXPECT_EQ(chosen.pub.dmPaperSize, DMPAPER_A3);
-  EXPECT_EQ(chosen.pub.dmOrientation, DMORIENT_LANDSCAPE);
-  EXPECT_EQ(ResolutionOf(chosen.pub), 1200);
-}
-
-TEST_F(SettingsPage, OwnSize_IsReadInMillimetres) {
-  const DeviceMode chosen = Prompt(
-      0,
-      [](HWND page) {
-        Choose(page, IDC_PAPER, DMPAPER_USER);
-        EXPECT_TRUE(IsWindowEnabled(GetDlgItem(page, IDC_WIDTH)));
-        SetDlgItemTextW(page, IDC_WIDTH, L"100,5");
-        SetDlgItemTextW(page, IDC_HEIGHT, L" 3276.7 ");
-      },
-      PSBTN_OK);
-  EXPECT_EQ(chosen.pub.dmPaperSize, DMPAPER_USER);
-  EXPECT_EQ(chosen.pub.dmPaperWidth, 1005);
-  EXPECT_EQ(chosen.pub.dmPaperLength, 32767);
-  EXPECT_EQ(chosen.pub.dmPrintQuality, DMRES_LOW);  // untouched
-}
-
-TEST_F(SettingsPage, NoSize_IsRefusedWithAWarning) {
-  for (const wchar_t* width : {L"", L"0.9", L"-5", L"3276.8", L"1e9", L"nan", L"10 cm"}) {
-    warned_ = false;
-    const DeviceMode out = Prompt(
-        0,
-        [=](HWND page) {
-          Choose(page, IDC_PAPER, DMPAPER_USER);
-          SetDlgItemTextW(page, IDC_WIDTH, width);
-        },
-        PSBTN_OK);
-    EXPECT_TRUE(warned_) << width;
-    EXPECT_EQ(out.pub.dmPaperSize, DMPAPER_LETTER);
+void Choose(HWND page, int control, LPARAM number) {
+  const HWND box = GetDlgItem(page, control);
+  const auto count = SendMessageW(box, CB_GETCOUNT, 0, 0);
+  for (LRESULT i = 0; i < count; ++i) {
+    if (SendMessageW(box, CB_GETITEMDATA, static_cast<WPARAM>(i), 0) != number) continue;
+    SendMessageW(box, CB_SETCURSEL, static_cast<WPARAM>(i), 0);
+    SendMessageW(page, WM_COMMAND, MAKEWPARAM(control, CBN_SELCHANGE),
+                 reinterpret_cast<LPARAM>(box));
+    return;
   }
+  ADD_FAILURE() << "no choice " << number;
 }
 
-TEST_F(SettingsPage, CancelledOrReadOnly_IsDropped) {
-  const auto change = [](HWND page) { Choose(page, IDC_PAPER, DMPAPER_A3); };
-  DeviceMode out = Prompt(0, change, PSBTN_CANCEL);
-  EXPECT_EQ(out.pub.dmPaperSize, DMPAPER_LETTER);
-  out = Prompt(
-      kNoPermission,
-      [&](HWND page) {
-        for (const int control : {IDC_PAPER, IDC_PORTRAIT, IDC_LANDSCAPE, IDC_QUALITY, IDC_WIDTH}) {
-          EXPECT_FALSE(IsWindowEnabled(GetDlgItem(page, control))) << control;
-        }
-        change(page);
-        EXPECT_FALSE(IsWindowEnabled(GetDlgItem(page, IDC_WIDTH)));
-      },
-      PSBTN_OK);
-  EXPECT_EQ(out.pub.dmPaperSize, DMPAPER_LETTER);
+/// What a user does with the page; "_" is a blank.
+void Act(HWND page, const std::string& actions) {
+  const bool read_only = actions.starts_with("readonly");
+  std::istringstream words(read_only ? actions.substr(9) : actions);
+  for (const int control : {IDC_PAPER, IDC_PORTRAIT, IDC_LANDSCAPE, IDC_QUALITY}) {
+    EXPECT_EQ(IsWindowEnabled(GetDlgItem(page, control)), !read_only) << control;
+  }
+  for (std::string word; words >> word;) {
+    std::ranges::replace(word, '_', ' ');
+    const size_t equals = std::min(word.find('='), word.size());
+    const std::string name = word.substr(0, equals);
+    const std::string value = word.substr(std::min(equals + 1, word.size()));
+    if (name == "paper" || name == "quality") {
+      Choose(page, name == "paper" ? IDC_PAPER : IDC_QUALITY, std::stol(value));
+    } else if (name == "width" || name == "height") {
+      SetDlgItemTextA(page, name == "width" ? IDC_WIDTH : IDC_HEIGHT, value.c_str());
+    } else {
+      SendDlgItemMessageW(page, name == "landscape" ? IDC_LANDSCAPE : IDC_PORTRAIT, BM_CLICK, 0, 0);
+    }
+  }
+  // Only a size of one's own can be typed.
+  const bool own_size = !read_only && actions.find("paper=256") != std::string::npos;
+  EXPECT_EQ(IsWindowEnabled(GetDlgItem(page, IDC_WIDTH)), own_size);
+  EXPECT_EQ(IsWindowEnabled(GetDlgItem(page, IDC_HEIGHT)), own_size);
+}
+
+TEST_F(SettingsPage, Actions_LeadToSettings) {
+  for (const CaseRow& row : ReadCases("ui/settings_page.txt")) {
+    SCOPED_TRACE(row.place);
+    warned_ = false;
+    ExpectMembers(Prompt(
+                      row.fields[0].starts_with("readonly") ? kNoPermission : 0,
+                      [&](HWND page) { Act(page, row.fields[0]); },
+                      row.fields[1] == "ok" ? PSBTN_OK : PSBTN_CANCEL),
+                  row.fields[3]);
+    EXPECT_EQ(warned_, row.fields[2] == "warned");
+  }
 }
 
 // A screen reader takes a control's name from the label before it; keys reach it by a letter.
