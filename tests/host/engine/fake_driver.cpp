@@ -161,6 +161,8 @@ WINBOOL APIENTRY EndDoc(SURFOBJ* surface, FLONG flags) {
   return Note("EndDoc", NumberOf(surface), flags & ED_ABORTDOC ? " abort" : "");
 }
 
+ULONG APIENTRY Escape(SURFOBJ*, ULONG, ULONG, void*, ULONG, void*) { return 0; }
+
 WINBOOL APIENTRY RealizeBrush(BRUSHOBJ* brush, SURFOBJ*, SURFOBJ* pattern, SURFOBJ*,
                               XLATEOBJ* xlate, ULONG hatch) {
   if (!Note("RealizeBrush")) return FALSE;
