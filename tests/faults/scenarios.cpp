@@ -1,5 +1,6 @@
 #include "faults/scenarios.h"
 
+#include <fstream>
 #include <map>
 #include <optional>
 
@@ -40,8 +41,10 @@ int WINAPI NobodyReads(HWND, LPCWSTR, LPCWSTR, UINT) { return IDOK; }
 void DrawScript(host::Graphics& page, const char* name) {
   static std::map<std::string, std::vector<host::emf::ScriptCase>> read;
   auto& cases = read[name];
-  const auto folder = std::filesystem::path(QUILLO_SOURCE_DIR) / "tests/corpus";
-  if (cases.empty()) cases = host::emf::ReadScript(folder / name);
+  if (cases.empty()) {
+    std::ifstream script(std::string(QUILLO_SOURCE_DIR "/tests/corpus/") + name);
+    cases = host::emf::ReadScript(script, name);
+  }
   for (const host::emf::ScriptCase& c : cases) {
     host::emf::MetafileReader reader(c.metafile);
     host::emf::EmfPlayer(reader, c.to_page, page).Play();
@@ -122,7 +125,7 @@ class Stage::Job {
     machine_is_small = scenario_.short_of_memory;
     if (scenario_.other_process) {
       process_.emplace(test::BuiltFile(L"quillo-print.exe"), id, things_.folder,
-                       host::ClientFault::kNone);
+                       std::filesystem::path(), host::ClientFault::kNone);
     } else {
       client_.on_call = [this](const auto& call) { Hear(call); };
       client_.LeaveConnection(id);
