@@ -52,11 +52,12 @@ class Rows {
                       static_cast<unsigned long long>(Hash(bytes, 0xCBF29CE484222325)),
                       static_cast<unsigned long long>(Hash(bytes, 0x9E3779B97F4A7C15)));
     auto kept = std::make_unique<std::string>(name, static_cast<size_t>(length));
-    const auto* data = reinterpret_cast<const unsigned char*>(kept->data());
-    const auto free = [](void* text) { delete static_cast<std::string*>(text); };
-    if (cairo_surface_set_mime_data(surface_.get(), CAIRO_MIME_TYPE_UNIQUE_ID, data, kept->size(),
-                                    free, kept.get()) == CAIRO_STATUS_SUCCESS) {
-      kept.release();
+    std::string* text = kept.get();
+    const auto* data = reinterpret_cast<const unsigned char*>(text->data());
+    const auto free = [](void* owned) { delete static_cast<std::string*>(owned); };
+    if (cairo_surface_set_mime_data(surface_.get(), CAIRO_MIME_TYPE_UNIQUE_ID, data, text->size(),
+                                    free, text) == CAIRO_STATUS_SUCCESS) {
+      static_cast<void>(kept.release());  // the surface's now
     }
     return std::move(surface_);
   }
