@@ -20,7 +20,7 @@ std::filesystem::path Deliver(const std::filesystem::path& file,
   for (int number = 1; number <= kMaxNumber; ++number) {
     const std::wstring numbered =
         number == 1 ? name : name + L" (" + std::to_wstring(number) + L")";
-    const auto target = folder / (numbered + file.extension().wstring());
+    auto target = folder / (numbered + file.extension().wstring());
     if (MoveFileExW(file.c_str(), target.c_str(), MOVEFILE_COPY_ALLOWED)) return target;
     const DWORD error = GetLastError();
     if (error != ERROR_ALREADY_EXISTS && error != ERROR_FILE_EXISTS) {

@@ -122,7 +122,11 @@ ServedJob ServeJob(DWORD job_id, const std::filesystem::path& folder,
   }
   CoDisconnectObject(client.Get(), 0);
   ServedJob job = listener.Take();
-  if (pdf) job.pdf = pdf->Finish();
+  if (pdf) {
+    const Json result = pdf->Finish();
+    job.pdf = result.dump(-1, ' ', false, Json::error_handler_t::replace);
+    job.pdf_failed = result.contains("error");
+  }
   return job;
 }
 

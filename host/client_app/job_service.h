@@ -4,7 +4,6 @@
 
 #include <filesystem>
 #include <functional>
-#include <nlohmann/json.hpp>
 #include <optional>
 #include <string>
 #include <vector>
@@ -19,8 +18,9 @@ struct ServedJob {
   std::vector<std::filesystem::path> pages;  // in order
   int lost_pages = 0;                        // announced, but not copied
   int driver_errors = 0;
-  nlohmann::ordered_json pdf;  // PdfMaker's result; null when no file was asked for
-  bool ended = false;          // whether the driver has ended it; else it was given up
+  std::string pdf;  // PdfMaker's result as text; empty when no file was asked for
+  bool pdf_failed = false;
+  bool ended = false;  // whether the driver has ended it; else it was given up
 };
 
 /// Bounds for the waiting of a client.

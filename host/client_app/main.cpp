@@ -41,7 +41,7 @@ struct ClientOptions {
 fs::path KnownFolder(const KNOWNFOLDERID& id, const char* what) {
   wchar_t* path = nullptr;
   const HRESULT result = SHGetKnownFolderPath(id, KF_FLAG_CREATE, nullptr, &path);
-  const fs::path folder = SUCCEEDED(result) ? path : L"";
+  fs::path folder = SUCCEEDED(result) ? path : L"";
   CoTaskMemFree(path);
   CheckResult(result, what, "SHGetKnownFolderPath");
   return folder;
@@ -74,17 +74,16 @@ class WorkFolder {
 
 ExitCode ResultOf(const ServedJob& job) {
   if (!job.ended || job.driver_errors != 0) return kDriverFailed;
-  return job.lost_pages != 0 || job.pdf.contains("error") ? kResultsLost : kPrinted;
+  return job.lost_pages != 0 || job.pdf_failed ? kResultsLost : kPrinted;
 }
 
 ServedJob Serve(DWORD job_id, const fs::path& folder, const fs::path& pdf, const Log& log) {
   const std::string name = "job " + std::to_string(job_id) + ": ";
-  const ServedJob job = ServeJob(job_id, folder, pdf,
-                                 {[job_id] { return std::optional(IsQueued(job_id)); }, kIdleLimit},
-                                 [&](const std::string& call) { log.Write(name + call); });
+  ServedJob job = ServeJob(job_id, folder, pdf,
+                           {[job_id] { return std::optional(IsQueued(job_id)); }, kIdleLimit},
+                           [&](const std::string& call) { log.Write(name + call); });
   log.Write(name + (job.ended ? "ended, " : "given up, ") + std::to_string(job.pages.size()) +
-            " pages, " + std::to_string(job.lost_pages) + " lost; PDF: " +
-            job.pdf.dump(-1, ' ', false, nlohmann::json::error_handler_t::replace));
+            " pages, " + std::to_string(job.lost_pages) + " lost; PDF: " + job.pdf);
   return job;
 }
 

@@ -3,7 +3,6 @@
 #include <algorithm>
 #include <exception>
 #include <optional>
-#include <ranges>
 #include <utility>
 
 #include "host/base/failure.h"
@@ -211,10 +210,10 @@ void Installation::Install() {
       Make(part);
     }
   } catch (const std::exception&) {
-    for (const MadePart& undone : made | std::views::reverse) {
+    for (auto undone = made.crbegin(); undone != made.crend(); ++undone) {
       try {
-        const std::wstring note = DescribePart(undone.part);
-        Undo(undone, system_.Notes()[note]);
+        const std::wstring note = DescribePart(undone->part);
+        Undo(*undone, system_.Notes()[note]);
         if (!earlier.contains(note)) system_.DeleteNote(note);
       } catch (const std::exception&) {  // stays noted: Remove tries again
       }

@@ -207,7 +207,7 @@ std::wstring PrintSystem::UploadPackage(const fs::path& inf) {
   return stored;
 }
 
-void PrintSystem::RemovePackage(std::wstring stored_inf) {
+void PrintSystem::RemovePackage(const std::wstring& stored_inf) {
   constexpr char kWhat[] = "cannot remove the driver package";
   Begin("DeletePrinterDriverPackage");
   const LateLibrary spooler(kSystemSpooler);
@@ -219,7 +219,7 @@ void PrintSystem::RemovePackage(std::wstring stored_inf) {
   }
 }
 
-void PrintSystem::InstallDriver(std::wstring stored_inf, std::wstring name) {
+void PrintSystem::InstallDriver(const std::wstring& stored_inf, const std::wstring& name) {
   constexpr char kWhat[] = "cannot install the driver";
   Begin("InstallPrinterDriverFromPackage");
   const LateLibrary spooler(kSystemSpooler);

@@ -36,9 +36,9 @@ class PrintSystem {
 
   /// Hands the driver package to the system. Returns the path of its INF in the driver store.
   std::wstring UploadPackage(const std::filesystem::path& inf);
-  void RemovePackage(std::wstring stored_inf);
+  void RemovePackage(const std::wstring& stored_inf);
   /// Installs a driver from an uploaded package.
-  void InstallDriver(std::wstring stored_inf, std::wstring name);
+  void InstallDriver(const std::wstring& stored_inf, const std::wstring& name);
 
   /// Whether there is a driver of the name; with files, whether it consists of these.
   bool HasDriver(const std::wstring& name);
