@@ -27,8 +27,9 @@ DeviceMode DocumentDefaults(HANDLE printer, const wchar_t* name) {
   OpenPrintersForUse(name);
   DeviceMode mode;
   BuildDefaultDeviceMode(mode, name);
-  DeviceMode stored;
-  if (LoadStoredDeviceMode(printer, stored)) TakeOver(mode, &stored.pub);
+  DeviceMode stored = mode;
+  LoadStoredDeviceMode(printer, stored);
+  TakeOver(mode, &stored.pub);  // without a stored one, too: it fills in the sheet's size
   return mode;
 }
 

@@ -46,7 +46,8 @@ TEST(PdfPages, AreMadeOfMetafiles) {
   pdf.AddFont(folder / L"locked.tmp");
   pdf.AddFont(folder / L"upright.tmp");
   std::ofstream expected(folder / L"expected", std::ios::binary);
-  for (const auto& c : emf::ReadScript(QUILLO_SOURCE_DIR "/tests/corpus/pdf/pages.txt")) {
+  std::ifstream script(QUILLO_SOURCE_DIR "/tests/corpus/pdf/pages.txt");
+  for (const auto& c : emf::ReadScript(script, "pages.txt")) {
     char name[32];
     std::snprintf(name, sizeof name, "page-%04d", ++page);
     const fs::path emf = folder / (std::string(name) + ".emf");
@@ -65,7 +66,7 @@ TEST(PdfPages, AreMadeOfMetafiles) {
   EXPECT_EQ(made["pages"], page);
   EXPECT_EQ(made["approximated"].dump(), R"({"R2_XORPEN":1})");
   EXPECT_EQ(made["faults"].dump(),
-            R"(["page 13: record 2 (EMR_CLOSEFIGURE): there is no open path"])");
+            R"(["page 13: record 2 (EMR_CLOSEFIGURE): no path is open"])");
   EXPECT_EQ(done, page);
 
   PdfMaker lost(folder / L"missing" / L"a.pdf", [](int) {});
