@@ -54,6 +54,9 @@ struct Page {
 class PrintScript : public testing::Test {
  protected:
   PrintScript() {
+    // Wine's desktop process inherits the open files of whoever is the first to need it, and keeps
+    // them: that should be no run of the command.
+    GetDesktopWindow();
     fs::remove_all(folder_);
     fs::create_directories(folder_);
   }
