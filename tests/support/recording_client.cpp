@@ -54,6 +54,12 @@ class Described : public Object {
   const IID* const& table_;
 };
 
+/// For the standard marshaller. Once: Wine leaks handles each time.
+void RegisterTypeLibrary() {
+  static ComPtr<ITypeLib> library;
+  if (!library) LoadTypeLibEx(TypeLibrary().c_str(), REGKIND_REGISTER, library.Receive());
+}
+
 }  // namespace
 
 class RecordingClient::Client : public Described<host::ClientObject> {
@@ -94,8 +100,7 @@ void RecordingClient::LeaveConnection(DWORD job_id, bool in_session_folder,
                                       host::ClientFault fault) {
   CountLeaks();
   client_.Reset(new Client(*this, fault));
-  ComPtr<ITypeLib> library;
-  LoadTypeLibEx(TypeLibrary().c_str(), REGKIND_REGISTER, library.Receive());
+  RegisterTypeLibrary();
   const std::wstring path = ConnectionPath(job_id, in_session_folder);
   CreateDirectoryW(path.substr(0, path.rfind(L'\\')).c_str(), nullptr);
   ComPtr<IStorage> storage;
