@@ -1,22 +1,24 @@
 #include "base/windows.h"
 
 #include <cstdio>
-#include <cstdlib>
 
-namespace quillo::test {
+// Part of each program: a crash, such as one of the driver in it, ends it with an error. Left to
+// itself, Wine loses the exit code of a program that has had a second thread, and the crash would
+// count as success.
+namespace quillo::host {
 namespace {
 
-/// Ends a test program that crashes. Left to itself, Wine loses the exit code of a program that has
-/// had a second thread, and the crash would count as success.
+constexpr UINT kCrashed = 4;  // as when the driver fails
+
 LONG WINAPI EndWithError(EXCEPTION_POINTERS* exception) {
   const EXCEPTION_RECORD& record = *exception->ExceptionRecord;
   std::fprintf(stderr, "crashed: exception 0x%lx at %p\n", record.ExceptionCode,
                record.ExceptionAddress);
-  TerminateProcess(GetCurrentProcess(), EXIT_FAILURE);
+  TerminateProcess(GetCurrentProcess(), kCrashed);
   return EXCEPTION_CONTINUE_SEARCH;
 }
 
 [[maybe_unused]] const auto g_previous = SetUnhandledExceptionFilter(EndWithError);
 
 }  // namespace
-}  // namespace quillo::test
+}  // namespace quillo::host
