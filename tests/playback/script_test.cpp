@@ -81,6 +81,7 @@ class PlaybackScript : public testing::TestWithParam<const char*> {
     page_.emplace(/*heap_limit=*/0x10000);
     page_->context.glyph_translator.reset();  // as when there was no memory for it
     answers_.clear();
+    no_section_.reset();
     objects_.clear();
     dc_ = page_->context.page_dc;
     calls_.clear();
@@ -96,6 +97,8 @@ class PlaybackScript : public testing::TestWithParam<const char*> {
       answers_[name] = answer;
     } else if (name == "limits") {
       words >> page_->context.job.bitmap_limits.width >> page_->context.job.bitmap_limits.height;
+    } else if (name == "unshown") {
+      no_section_.emplace(nullptr);
     } else if (name == "room") {
       words >> page_->context.run_length_pixels_left;
     } else if (name == "pixels") {
@@ -271,6 +274,7 @@ class PlaybackScript : public testing::TestWithParam<const char*> {
   std::vector<std::string> calls_;          // and other outcomes of the last line
   std::map<std::string, int64_t> answers_;  // of functions that are not to be called
   std::vector<HGDIOBJ> objects_;            // by their number
+  std::optional<WATCH(CreateDIBSection)> no_section_;
 
 #define CALL(function) \
   WATCH(function)      \
