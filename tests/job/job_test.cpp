@@ -40,6 +40,21 @@ std::shared_ptr<void> Failing(const std::string& function) {
   if (function == "HeapReAlloc") return std::make_shared<WATCH(HeapReAlloc)>(nullptr);
   // The client's page objects take only arrays of one dimension.
   if (function == "SafeArrayGetDim") return std::make_shared<WATCH(SafeArrayGetDim)>(2u);
+  if (function == "GetJobW") {
+    auto reading = std::make_shared<std::optional<WATCH(GetJobW)>>();
+    reading->emplace([original = reading.get(), grown = false](auto printer, auto id, auto level,
+                                                               auto job, auto size,
+                                                               auto needed) mutable -> BOOL {
+      // The job grows between the question for its size and the first that reads it.
+      if (size == 0 || std::exchange(grown, true)) {
+        return (*original)->CallOriginal(printer, id, level, job, size, needed);
+      }
+      *needed = size + 100;
+      SetLastError(ERROR_INSUFFICIENT_BUFFER);
+      return FALSE;
+    });
+    return reading;
+  }
   EXPECT_EQ(function, "CloseEnhMetaFile");
   auto closing = std::make_shared<std::optional<WATCH(CloseEnhMetaFile)>>();
   closing->emplace([original = closing.get()](HDC dc) -> HENHMETAFILE {
