@@ -90,21 +90,25 @@ TEST(Storage, EveryKind_KeepsRowsAndLeavesNothing) {
 }
 
 TEST(Storage, CompressedRowsThatGrow_AreKept) {
-  BitmapScope record;
-  ASSERT_EQ(Create(record.Get(), Sized(4000, 40000, 1, kMemoryChunks)), kSuccess);
-  std::vector<std::byte> fetched(record->bytes_per_line);
-  // From rows that pack to almost nothing to rows that do not pack, over two chunks.
-  for (const bool even : {true, false, true}) {
-    for (const bool store : {true, false}) {
-      for (uint32_t y = 32700; y < 32900; ++y) {
-        std::vector<std::byte> row = RowOf(*record.Get(), y);
-        if (even) std::ranges::fill(row, static_cast<std::byte>(y));
-        ASSERT_EQ(store ? StoreRow(*record.Get(), y, row) : FetchRow(*record.Get(), y, fetched),
-                  kSuccess);
-        ASSERT_TRUE(store || fetched == row) << y;
+  const size_t before = test::Holdings::Now().heap_bytes;
+  {
+    BitmapScope record;
+    ASSERT_EQ(Create(record.Get(), Sized(4000, 40000, 1, kMemoryChunks)), kSuccess);
+    std::vector<std::byte> fetched(record->bytes_per_line);
+    // From rows that pack to almost nothing to rows that do not pack, over two chunks.
+    for (const bool even : {true, false, true}) {
+      for (const bool store : {true, false}) {
+        for (uint32_t y = 32700; y < 32900; ++y) {
+          std::vector<std::byte> row = RowOf(*record.Get(), y);
+          if (even) std::ranges::fill(row, static_cast<std::byte>(y));
+          ASSERT_EQ(store ? StoreRow(*record.Get(), y, row) : FetchRow(*record.Get(), y, fetched),
+                    kSuccess);
+          ASSERT_TRUE(store || fetched == row) << y;
+        }
       }
     }
   }
+  EXPECT_LT(test::Holdings::Now().heap_bytes, before + 4096);
 }
 
 TEST(Storage, SectionsAndFilesThatFail_GiveWay) {
