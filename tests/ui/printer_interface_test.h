@@ -68,7 +68,7 @@ void ForEachMember(DeviceMode& mode, const std::string& members, Visit visit) {
                 is("quality", pub.dmPrintQuality) || is("yres", pub.dmYResolution) ||
                 is("copies", pub.dmCopies) || is("source", pub.dmDefaultSource) ||
                 is("color", pub.dmColor) || is("bits", pub.dmBitsPerPel) ||
-                is("fields", pub.dmFields) || is("spec", pub.dmSpecVersion) ||
+                is("fields", pub.dmFields) || is("specversion", pub.dmSpecVersion) ||
                 is("version", pub.dmDriverVersion) || is("size", pub.dmSize) ||
                 is("extra", pub.dmDriverExtra) || is("left", mode.own.left.value) ||
                 is("margins", mode.own.margins_given) ||
