@@ -6,11 +6,11 @@
 #include <cwchar>
 #include <vector>
 
+#include "config/merge/device_mode_merge.h"
 #include "config/papers/custom_papers.h"
 #include "config/papers/paper_geometry.h"
 #include "config/settings/printer_options.h"
 #include "config/settings/stored_device_mode.h"
-#include "driver/device_mode_merge.h"
 #include "platform/input.h"
 
 namespace quillo {
