@@ -14,6 +14,7 @@
 #include "host/printing/console.h"
 #include "host/printing/print_job.h"
 #include "host/printing/printer_command.h"
+#include "host/printing/program.h"
 
 namespace quillo::host {
 namespace {
@@ -52,7 +53,5 @@ int wmain(int count, wchar_t** arguments) {
   if (count == 5 && std::wcscmp(arguments[1], L"--client-mode") == 0) {
     return RunClientMode(arguments + 2);
   }
-  std::vector<std::string> texts;
-  for (int i = 1; i < count; ++i) texts.push_back(ToUtf8(arguments[i]));
-  return RunCommand(texts);
+  return RunCommand(ArgumentsOf(count, arguments));
 }

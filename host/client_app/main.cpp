@@ -17,6 +17,7 @@
 #include "host/client_app/resident.h"
 #include "host/printing/console.h"
 #include "host/printing/exit_code.h"
+#include "host/printing/program.h"
 #include "version.h"
 
 // quillo-client: takes what the driver makes of a job and puts it among the user's documents.
@@ -162,9 +163,7 @@ int Run(std::vector<std::string> arguments) {
       ->needs(output);
   app.add_flag("--stop", options.stop, "Stop the client that waits for jobs")->excludes(job);
   Console console(false, "quillo-client");
-  try {
-    std::ranges::reverse(arguments);
-    app.parse(std::move(arguments));
+  return RunProgram(app, std::move(arguments), console, [&] {
     if (options.stop) return StopResident();
     const Log log = UsersLog();
     try {
@@ -173,29 +172,12 @@ int Run(std::vector<std::string> arguments) {
       log.Write(std::string("failed: ") + failure.what());
       throw;
     }
-  } catch (const CLI::CallForHelp&) {
-    console.Write(app.help());
-    return kPrinted;
-  } catch (const CLI::CallForVersion& version) {
-    console.Write(std::string(version.what()) + "\n");
-    return kPrinted;
-  } catch (const CLI::ParseError& wrong) {
-    console.Problem(std::string(wrong.what()) + "\nTry --help.");
-    return kWrongUsage;
-  } catch (const ResultFailure& failure) {
-    console.Problem(failure.what());
-    return kResultsLost;
-  } catch (const std::exception& failure) {
-    console.Problem(failure.what());
-    return kDriverFailed;
-  }
+  });
 }
 
 }  // namespace
 }  // namespace quillo::host
 
 int wmain(int count, wchar_t** arguments) {
-  std::vector<std::string> texts;
-  for (int i = 1; i < count; ++i) texts.push_back(quillo::host::ToUtf8(arguments[i]));
-  return quillo::host::Run(std::move(texts));
+  return quillo::host::Run(quillo::host::ArgumentsOf(count, arguments));
 }

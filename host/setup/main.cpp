@@ -18,6 +18,7 @@
 #include "host/printer/printer_setup.h"
 #include "host/printing/console.h"
 #include "host/printing/exit_code.h"
+#include "host/printing/program.h"
 #include "version.h"
 
 // quillo-setup: puts the printer on a machine, takes it away, and says what is there.
@@ -183,33 +184,17 @@ int Run(std::vector<std::string> arguments) {
         ->type_name("DIR");
   }
   Console console(false, "quillo-setup");
-  try {
-    std::ranges::reverse(arguments);
-    app.parse(std::move(arguments));
+  return RunProgram(app, std::move(arguments), console, [&] {
     Setup setup(options, console);
     if (status->parsed()) return setup.Status();
     const NamedMutex only_one(L"Global\\QuilloSetup");
     return remove->parsed() ? setup.Remove() : setup.Install();
-  } catch (const CLI::CallForHelp&) {
-    console.Write(app.help());
-    return kPrinted;
-  } catch (const CLI::CallForVersion& version) {
-    console.Write(std::string(version.what()) + "\n");
-    return kPrinted;
-  } catch (const CLI::ParseError& wrong) {
-    console.Problem(std::string(wrong.what()) + "\nTry --help.");
-    return kWrongUsage;
-  } catch (const std::exception& failure) {
-    console.Problem(failure.what());
-    return kDriverFailed;
-  }
+  });
 }
 
 }  // namespace
 }  // namespace quillo::host
 
 int wmain(int count, wchar_t** arguments) {
-  std::vector<std::string> texts;
-  for (int i = 1; i < count; ++i) texts.push_back(quillo::host::ToUtf8(arguments[i]));
-  return quillo::host::Run(std::move(texts));
+  return quillo::host::Run(quillo::host::ArgumentsOf(count, arguments));
 }
