@@ -4,9 +4,9 @@
 
 namespace quillo::harness {
 
-/// From now on each block that the driver behind the interposer allocates from a heap ends at a
-/// page that cannot be touched, so that the first byte read beyond it is noticed (and the first
-/// written, at the latest when it is freed). Freed blocks cannot be touched either.
+/// Makes every later heap block of the interposed driver end at an inaccessible page: a read past
+/// the end faults at once, a write at the latest when the block is freed. So does any access to a
+/// freed block.
 void GuardHeap();
 
 /// A block of that kind of one's own, not zeroed; freed by FreeGuarded.
