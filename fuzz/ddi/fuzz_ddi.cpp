@@ -88,7 +88,8 @@ struct Picture {
     const ULONG depth = format == BMF_4RLE   ? 4
                         : format == BMF_8RLE ? 8
                                              : host::BitsPerPixel(format);
-    const LONG row = host::RowBytes(size.cx, depth == 0 ? 8 : depth);
+    const auto row =
+        static_cast<LONG>(DibStride(static_cast<uint64_t>(size.cx), depth == 0 ? 8 : depth));
     std::vector<BYTE> all(static_cast<size_t>(row) * static_cast<size_t>(size.cy));
     for (BYTE& byte : all)
       byte = static_cast<BYTE>(dice.OneIn(3) ? dice.Below(5) : dice.Below(256));
