@@ -150,7 +150,8 @@ class Graphics : public Canvas {
   // The last clip, and its part on the surface: successive calls mostly have the same.
   ClipShape last_clip_;
   ClipShape last_clip_on_surface_;
-  std::set<std::shared_ptr<const TextFont>> known_fonts_;  // the driver has been asked about these
+  // The driver has been asked about these. It does not keep them open.
+  std::set<std::weak_ptr<const TextFont>, std::owner_less<>> known_fonts_;
   std::vector<HeldStretch> held_;                          // all in one place
   PictureBudget budget_;
   DdiCalls calls_;

@@ -12,6 +12,9 @@
 namespace quillo::host {
 namespace {
 
+/// Of more fonts than these, those that are closed are forgotten.
+constexpr size_t kMaxKnownFonts = 500;
+
 LONG Round(double value) { return static_cast<LONG>(std::lround(value)); }
 
 /// The bounding rectangle of points, in whole pixels.
@@ -130,6 +133,9 @@ void Graphics::DrawGlyphs(const TextDescription& text, const TextLayout& layout,
   FontObject realised(font.Metrics(), font.Names(), run.font_to_device, font.FontType());
   BrushObjects ink(BrushDescription::Solid(text.colour), driver_.RealizeBrush, surface_);
   BrushObjects background(BrushDescription::Solid(text.background), driver_.RealizeBrush, surface_);
+  if (known_fonts_.size() > kMaxKnownFonts) {
+    std::erase_if(known_fonts_, [](const auto& known) { return known.expired(); });
+  }
   if (known_fonts_.insert(text.fonts.empty() ? text.font : text.fonts[run.first]).second &&
       driver_.GetGlyphMode != nullptr) {
     ++calls_.made["DrvGetGlyphMode"];
