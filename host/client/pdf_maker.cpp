@@ -27,32 +27,20 @@ void PdfMaker::Hear(const nlohmann::ordered_json& call, const std::filesystem::p
   }
 }
 
-void PdfMaker::SetTitle(const std::string& title) { Add({Work::Kind::kTitle, {}, title}); }
+void PdfMaker::SetTitle(const std::string& title) { queue_.Add({Work::Kind::kTitle, {}, title}); }
 
-void PdfMaker::AddFont(const std::filesystem::path& file) { Add({Work::Kind::kFont, file, {}}); }
+void PdfMaker::AddFont(const std::filesystem::path& file) {
+  queue_.Add({Work::Kind::kFont, file, {}});
+}
 
 void PdfMaker::AddPage(const std::filesystem::path& metafile, double width, double height) {
-  Add({Work::Kind::kPage, metafile, {}, width, height});
+  queue_.Add({Work::Kind::kPage, metafile, {}, width, height});
 }
 
 nlohmann::ordered_json PdfMaker::Finish() {
-  Add({Work::Kind::kEnd, {}, {}});
+  queue_.Add({Work::Kind::kEnd, {}, {}});
   thread_.join();
   return std::move(result_);
-}
-
-void PdfMaker::Add(Work work) {
-  const std::lock_guard lock(mutex_);
-  queue_.push_back(std::move(work));
-  added_.notify_one();
-}
-
-PdfMaker::Work PdfMaker::Next() {
-  std::unique_lock lock(mutex_);
-  added_.wait(lock, [this] { return !queue_.empty(); });
-  Work work = std::move(queue_.front());
-  queue_.pop_front();
-  return work;
 }
 
 void PdfMaker::Run() {
@@ -60,7 +48,7 @@ void PdfMaker::Run() {
     const ComApartment apartment;  // for coded pictures
     pdf::PdfDocument document(path_);
     for (;;) {
-      const Work work = Next();
+      const Work work = queue_.Take();
       switch (work.kind) {
         case Work::Kind::kTitle:
           document.SetTitle(work.title);

@@ -2,15 +2,14 @@
 
 #include "base/windows.h"
 
-#include <condition_variable>
-#include <deque>
 #include <filesystem>
 #include <functional>
-#include <mutex>
 #include <nlohmann/json.hpp>
 #include <optional>
 #include <string>
 #include <thread>
+
+#include "host/base/work_queue.h"
 
 namespace quillo::host {
 
@@ -46,15 +45,11 @@ class PdfMaker {
     double width = 0, height = 0;
   };
 
-  void Add(Work work);
-  Work Next();
   void Run();
 
   const std::filesystem::path path_;
   const std::function<void(int)> page_done_;
-  std::mutex mutex_;
-  std::condition_variable added_;
-  std::deque<Work> queue_;
+  WorkQueue<Work> queue_{0};  // the driver does not wait, and a page is only its name here
   nlohmann::ordered_json result_;
   std::thread thread_;
 };

@@ -11,7 +11,7 @@
 #include "host/engine/driver_module.h"
 #include "host/engine/print_session.h"
 #include "host/pdf/unfinished.h"
-#include "host/preview/preview.h"
+#include "host/preview/preview_maker.h"
 #include "host/printer/printer_setup.h"
 #include "host/printer/spool_job.h"
 #include "host/printing/printer_command.h"
@@ -84,6 +84,7 @@ class PrintJob {
     report_.document = ToUtf8(options_.document);
     report_.job_id = spool.Id();
 
+    if (options_.preview_dpi != 0) previews_.emplace(options_.preview_dpi);
     std::optional<ClientProcess> client;
     const auto start_client = [&] {
       client.emplace(program, spool.Id(), folder.Path(), PdfPath(folder), options_.client);
@@ -99,6 +100,7 @@ class PrintJob {
       for (OpenedInput& input : inputs_) PrintInputPages(input, session, folder);
       session.EndDocument();
     }
+    CheckPreviews();
     if (!client) return;
     report_.client = client->Finish();
     CheckPdf(folder);
@@ -136,7 +138,7 @@ class PrintJob {
     if (!page.file.empty()) console_.PageDone(title + " -> " + page.file);
   }
 
-  /// Reads the file that the client has copied, and renders its preview.
+  /// Reads the file that the client has copied, and has its preview rendered.
   void CheckPage(int number, PageReport& page, const ResultFolder& folder) {
     const std::string file = ResultFolder::PageFile(number, "emf");
     const fs::path path = folder.Path() / file;
@@ -148,12 +150,19 @@ class PrintJob {
     try {
       page.content = ReadPageFile(path, page.calls.glyph_texts);
       page.file = file;
-      if (options_.preview_dpi == 0) return;
-      const std::string preview = ResultFolder::PageFile(number, "png");
-      WritePreview(path, folder.Path() / preview, options_.preview_dpi);
-      page.preview = preview;
+      if (!previews_) return;
+      page.preview = ResultFolder::PageFile(number, "png");
+      previews_->Add(number, path, folder.Path() / page.preview);
     } catch (const ResultFailure& failure) {
       Fail(kResultsLost, failure.what());
+    }
+  }
+
+  void CheckPreviews() {
+    if (!previews_) return;
+    for (const auto& [number, failure] : previews_->Finish()) {
+      report_.pages[static_cast<size_t>(number) - 1].preview.clear();
+      Fail(kResultsLost, failure);
     }
   }
 
@@ -234,6 +243,7 @@ class PrintJob {
   Console& console_;
   std::vector<OpenedInput> inputs_;
   JobReport report_;
+  std::optional<PreviewMaker> previews_;
   ExitCode result_ = kPrinted;
 };
 
