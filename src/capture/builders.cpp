@@ -1,12 +1,25 @@
 #include "capture/builders.h"
 
+#include <utility>
+
 #include "base/arithmetic.h"
+#include "base/spare.h"
 #include "capture/records/conversions.h"
 
 namespace quillo {
 namespace {
 
 using namespace records;
+
+// Smaller blocks cost little, and larger ones would be missed elsewhere. Bytes.
+constexpr uint32_t kMinSpareSize = 256 << 10;
+constexpr uint32_t kMaxSpareSize = 32 << 20;
+
+struct SparePayload {
+  HeapBlock block;
+  uint32_t size = 0;
+};
+Spare<SparePayload> g_spare;
 
 /// Size of a payload of `fixed_size` bytes and `count` elements of type T.
 template <typename T>
@@ -26,6 +39,28 @@ void StoreAll(MutableBytes payload, size_t offset, std::span<const T> elements) 
 }
 
 }  // namespace
+
+PayloadBlock::PayloadBlock(std::optional<uint32_t> size)
+    : size_(size.value_or(0)), capacity_(size_) {
+  if (!size) return;
+  if (size_ >= kMinSpareSize) {
+    SparePayload spare = g_spare.Exchange({});
+    if (spare.size >= size_ && spare.size / 2 <= size_) {
+      std::memset(spare.block.Get(), 0, size_);
+      block_ = std::move(spare.block);
+      capacity_ = spare.size;
+      return;
+    }
+  }
+  block_ = HeapBlock(size_);
+}
+
+PayloadBlock::~PayloadBlock() {
+  if (!block_ || capacity_ < kMinSpareSize || capacity_ > kMaxSpareSize) return;
+  g_spare.Exchange({std::move(block_), capacity_});
+}
+
+void DropSparePayload() { g_spare.Exchange({}); }
 
 void EmitPolyBezier(DEVICE_PDEV& device, std::span<const Point> points) {
   const PayloadBlock block(CountedSize<Point>(sizeof(PolyPayload), points.size()));

@@ -21,9 +21,11 @@ namespace quillo {
 class PayloadBlock {
  public:
   /// Empty when memory is short, and without a size (one that does not fit 32 bits).
-  explicit PayloadBlock(std::optional<uint32_t> size) : size_(size.value_or(0)) {
-    if (size) block_ = HeapBlock(size_);
-  }
+  explicit PayloadBlock(std::optional<uint32_t> size);
+  /// A large block is kept for the next large payload, in place of the one kept before.
+  ~PayloadBlock();
+  PayloadBlock(const PayloadBlock&) = delete;
+  PayloadBlock& operator=(const PayloadBlock&) = delete;
 
   explicit operator bool() const { return static_cast<bool>(block_); }
   [[nodiscard]] MutableBytes Content() const { return {block_.As<std::byte>(), size_}; }
@@ -34,7 +36,11 @@ class PayloadBlock {
  private:
   HeapBlock block_;
   uint32_t size_;
+  uint32_t capacity_;
 };
+
+/// Frees the block that is kept.
+void DropSparePayload();
 
 /// A record whose payload is one struct.
 template <typename Payload>

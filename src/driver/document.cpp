@@ -1,5 +1,6 @@
 #include "base/ddi.h"
 
+#include "capture/builders.h"
 #include "capture/writer.h"
 #include "driver/callbacks.h"
 #include "driver/device/device.h"
@@ -32,12 +33,14 @@ BOOL APIENTRY DrvStartPage(SURFOBJ* surface) noexcept {
 
 BOOL APIENTRY DrvSendPage(SURFOBJ* surface) noexcept {
   const DEVICE_PDEV* device = FindDevice(surface);
+  DropSparePayload();
   return device != nullptr && SendPage(LivingJob(*device));
 }
 
 BOOL APIENTRY DrvEndDoc(SURFOBJ* surface, FLONG /*flags*/) noexcept {
   DEVICE_PDEV* device = FindDevice(surface);
   if (device == nullptr) return TRUE;
+  DropSparePayload();
   // An aborted document ends the same way.
   EndDocument(LivingJob(*device));
   SignalEndAndDestroy(LivingJob(*device));

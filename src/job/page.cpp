@@ -94,7 +94,7 @@ bool BeginPage(CQloPrinter& job) {
 
 bool ClosePageMetafile(CQloPrinter& job) {
   if (job.playback.page_dc == nullptr) return false;
-  ReleaseDrawingObjects(job.playback);
+  EndPagePlayback(job.playback);
   MetafileDc metafile(std::exchange(job.playback.page_dc, nullptr));
   const AsUser user;  // GDI may open the file again
   if (metafile.Close()) return true;

@@ -4,6 +4,7 @@
 #include <iterator>
 
 #include "capture/records/types.h"
+#include "imaging/storage/section.h"
 #include "playback/actions.h"
 #include "playback/current_objects.h"
 #include "playback/gdi_actions.h"
@@ -110,6 +111,11 @@ void ReleaseDrawingObjects(PlaybackContext& context) {
   ReleasePen(context);
   ReleaseFont(context);
   ReleaseBrush(context);
+}
+
+void EndPagePlayback(PlaybackContext& context) {
+  ReleaseDrawingObjects(context);
+  imaging::DropSpareSection();
 }
 
 }  // namespace quillo

@@ -14,4 +14,7 @@ int32_t DispatchRecord(PlaybackContext& context, uint32_t type, Bytes payload);
 /// Deselects and deletes the current pen, font and brush, in this order.
 void ReleaseDrawingObjects(PlaybackContext& context);
 
+/// Releases them, and the memory that is kept from one picture of a page for the next.
+void EndPagePlayback(PlaybackContext& context);
+
 }  // namespace quillo

@@ -7,6 +7,7 @@
 #include "imaging/bitmap/kernel_settings.h"
 #include "imaging/storage/chunks.h"
 #include "imaging/storage/rows.h"
+#include "imaging/storage/section.h"
 #include "imaging/storage/storage_choice.h"
 #include "imaging/storage/temporary_file.h"
 #include "imaging/storage/tiles.h"
@@ -71,16 +72,11 @@ Pixels PixelsOf(const BitmapHandle& record) {
 }
 
 bool AllocateSection(uint64_t data_size, Pixels* pixels) {
-  const uint64_t size = data_size + kAlignment - 1;
-  KernelHandle section(
-      CreateFileMappingW(INVALID_HANDLE_VALUE, nullptr, PAGE_READWRITE | SEC_COMMIT,
-                         static_cast<DWORD>(size >> 32), static_cast<DWORD>(size), nullptr));
-  if (!section) return false;
-  void* view = MapViewOfFile(section.Get(), FILE_MAP_WRITE, 0, 0, 0);
-  if (view == nullptr) return false;
-  const auto offset = static_cast<uint32_t>(-reinterpret_cast<uintptr_t>(view) % kAlignment);
-  *pixels = {section.Detach(), static_cast<std::byte*>(view) + offset, offset,
-             kAllocated | kMemory};
+  const Section section = TakeSection(data_size + kAlignment - 1);
+  if (section.view == nullptr) return false;
+  const auto offset =
+      static_cast<uint32_t>(-reinterpret_cast<uintptr_t>(section.view) % kAlignment);
+  *pixels = {section.handle, section.view + offset, offset, kAllocated | kMemory};
   return true;
 }
 
@@ -147,9 +143,11 @@ void ReleasePixels(BitmapHandle& record) {
   } else if ((flags & kGlobalMemory) != 0) {
     Unlock(&record);
     GlobalFree(record.storage_handle);
-  } else if ((flags & kCallerMemory) == 0) {
-    if ((flags & kMemory) != 0) UnmapViewOfFile(record.data_address - record.view_offset);
+  } else if ((flags & kDisk) != 0) {
     CloseHandle(record.storage_handle);
+  } else if ((flags & kCallerMemory) == 0) {
+    GiveBackSection({record.storage_handle, record.data_address - record.view_offset,
+                     record.data_size + kAlignment - 1});
   }
   Install({}, record);
 }
