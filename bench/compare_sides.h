@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "base/gdi_owners.h"
+#include "bench/result.h"
 
 namespace quillo::bench {
 
@@ -65,9 +66,10 @@ inline int CompareSides(const Comparison& what, const Draw& driver, const Draw& 
     ratios.push_back(driver_times.back() / direct_times.back());
   }
   const double ratio = Median(ratios);
-  std::printf("%s: driver %.2f us, direct %.2f us, ratio %.3f (at most %.2f)\n", what.name,
-              Median(driver_times), Median(direct_times), ratio, what.limit);
-  return ratio <= what.limit ? 0 : 1;
+  return PrintResult(what.name, Median(driver_times), "GDI", Median(direct_times), ratio,
+                     AtMost(what.limit))
+             ? 0
+             : 1;
 }
 
 }  // namespace quillo::bench

@@ -47,5 +47,5 @@ int main() {
     DeleteObject(pen);
     RestoreDC(page, -1);
   };
-  return bench::CompareSides({"stroke", 1.25, 801, 40}, driver, direct);
+  return bench::CompareSides({"stroke of 9 points", 1.10, 801, 40}, driver, direct);
 }

@@ -1,14 +1,11 @@
-// The kernel's arithmetic beside the libraries that people would pick instead, in one run. The last
-// lines say how many times as fast as its competitor each kernel was, by processor time.
+// The kernel's arithmetic beside the libraries that people would pick instead, in one run.
 #include <benchmark/benchmark.h>
-#include <cstdio>
 #include <cstring>
 #include <libyuv.h>
-#include <map>
 #include <pixman.h>
-#include <string>
 #include <vector>
 
+#include "bench/pair_reporter.h"
 #include "imaging/dib/dib_rows.h"
 #include "imaging/noise.h"
 #include "imaging/scaling/nearest.h"
@@ -131,41 +128,13 @@ BENCHMARK(PixmanNearest24)->Apply(Sizes);
 BENCHMARK(Rows24)->Unit(benchmark::kMicrosecond);
 BENCHMARK(Memcpy24)->Unit(benchmark::kMicrosecond);
 
-/// Prints the usual table, and the ratios at the end.
-class RatioReporter : public benchmark::ConsoleReporter {
- public:
-  void ReportRuns(const std::vector<Run>& runs) override {
-    for (const Run& run : runs) times_[run.benchmark_name()] = run.GetAdjustedCPUTime();
-    ConsoleReporter::ReportRuns(runs);
-  }
-
-  void Finalize() override {
-    struct {
-      std::string kernel, competitor;
-      double wanted;
-    } const pairs[] = {{"Nearest/32", "LibyuvNearest32", 1},
-                       {"Nearest/24", "PixmanNearest24", 5},
-                       {"Rows24", "Memcpy24", 0.9}};
-    std::printf("\n");
-    for (const auto& [kernel, competitor, wanted] : pairs) {
-      for (const std::string size : {"", "/2000/1333", "/1234/777", "/4000/3000"}) {
-        const auto own = times_.find(kernel + size), other = times_.find(competitor + size);
-        if (own == times_.end() || other == times_.end()) continue;
-        std::printf("%-22s %6.2f times as fast as %s (wanted: %.1f)\n", own->first.c_str(),
-                    other->second / own->second, other->first.c_str(), wanted);
-      }
-    }
-  }
-
- private:
-  std::map<std::string, double> times_;
+const bench::Pair kPairs[] = {
+    {"nearest neighbour, 32 bit", "Nearest/32", "LibyuvNearest32", "libyuv", 1.05},
+    {"nearest neighbour, 24 bit", "Nearest/24", "PixmanNearest24", "pixman", 5},
+    {"rows of 24 bits into a bitmap", "Rows24", "Memcpy24", "memcpy", 0.9},
 };
 
 }  // namespace
 }  // namespace quillo::imaging
 
-int main(int argc, char** argv) {
-  benchmark::Initialize(&argc, argv);
-  quillo::imaging::RatioReporter reporter;
-  benchmark::RunSpecifiedBenchmarks(&reporter);
-}
+int main(int argc, char** argv) { quillo::bench::RunPairs(argc, argv, quillo::imaging::kPairs); }
