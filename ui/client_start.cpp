@@ -17,7 +17,7 @@ constexpr DWORD kStep = 50;
 
 using Path = wchar_t[MAX_PATH];
 
-bool Fail(DWORD error) {
+bool FailWith(DWORD error) {
   SetLastError(error);
   return false;
 }
@@ -25,9 +25,9 @@ bool Fail(DWORD error) {
 /// The path of the program beside this DLL.
 bool FindClient(Path& client) {
   const DWORD length = GetModuleFileNameW(g_module_instance, client, MAX_PATH);
-  if (length == 0 || length == MAX_PATH) return Fail(ERROR_BAD_PATHNAME);
+  if (length == 0 || length == MAX_PATH) return FailWith(ERROR_BAD_PATHNAME);
   const auto folder = static_cast<size_t>(FileNamePart(client) - client);
-  if (folder + ARRAYSIZE(kClient) > MAX_PATH) return Fail(ERROR_BAD_PATHNAME);
+  if (folder + ARRAYSIZE(kClient) > MAX_PATH) return FailWith(ERROR_BAD_PATHNAME);
   CopyPadded(client + folder, kClient, ARRAYSIZE(kClient));
   return true;
 }
@@ -36,7 +36,7 @@ bool ConnectionFileOf(DWORD job_id, Path& file) {
   Path folder;
   constexpr size_t kRoom = 16;  // "\4294967295.stg"
   if (UserTempFolder(folder, MAX_PATH) == 0 || lstrlenW(folder) + kRoom > MAX_PATH) {
-    return Fail(ERROR_BAD_PATHNAME);
+    return FailWith(ERROR_BAD_PATHNAME);
   }
   wsprintfW(file, L"%s\\%u.stg", folder, job_id);
   return true;
@@ -89,10 +89,10 @@ bool StartClient(DWORD job_id) {
   const KernelHandle process = StartProcess(client, job_id);
   if (!process) return false;
   for (DWORD waited = 0; !Stands(connection); waited += kStep) {
-    if (waited >= kLimit) return Fail(ERROR_TIMEOUT);
+    if (waited >= kLimit) return FailWith(ERROR_TIMEOUT);
     if (WaitForSingleObject(process.Get(), kStep) == WAIT_OBJECT_0) {
       // Another client may have taken the job meanwhile.
-      return IsClaimed(job_id) || Fail(ERROR_PROCESS_ABORTED);
+      return IsClaimed(job_id) || FailWith(ERROR_PROCESS_ABORTED);
     }
   }
   return true;
