@@ -8,8 +8,8 @@
 #include "imaging/painting/paint_method.h"
 #include "imaging/pixels/packed_rows.h"
 #include "imaging/storage/storage_choice.h"
-#include "imaging/table.h"
 #include "support/case_table.h"
+#include "support/digest.h"
 #include "support/line.h"
 
 namespace quillo::imaging {
@@ -81,7 +81,7 @@ TEST(ErrorDiffuser, ColouredRows_ChooseKnownEntries) {
       row[i] = static_cast<std::byte>(i / 3 * 37 + y * 91 + i % 3 * 53);
     }
     diffuser.Row(row.data(), 8, indexes.data());
-    EXPECT_EQ(indexes, HexBytes(kRows[y])) << y;
+    EXPECT_EQ(indexes, test::HexBytes(kRows[y])) << y;
   }
 }
 
