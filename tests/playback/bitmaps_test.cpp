@@ -10,42 +10,12 @@
 #include "support/canvas.h"
 #include "support/watch.h"
 
-// What the scripts of playback do not show of bitmaps: patterns of every depth, masks and pages.
+// What the scripts of playback do not show of bitmaps: masks, and pages that are one bitmap.
 // Pictures on their way from hook to page are in round_trip_test.cpp.
 namespace quillo::test {
 namespace {
 
 using namespace records;
-
-TEST(PatternBrush, EveryDepth_PictureInFillsAndPens) {
-  for (const uint16_t depth : {1, 4, 8, 16, 24, 32}) {
-    const Picture picture{.bit_count = depth, .width = 8, .height = 8};
-    const Payload pattern = picture.Packed();
-    const auto brush = [&pattern](BrushUsage usage) {
-      return PayloadOf(uint32_t{BS_DIBPATTERNPT}, 0u, 0u, usage,
-                       static_cast<uint32_t>(pattern.size()), pattern, uint8_t{0});
-    };
-    Page page;
-    page.Play(REC_CREATEBRUSH, brush(kFillBrush));
-    page.Play(REC_FILLRECT, PayloadOf(0, 0, 8, 8));
-    Canvas fill(8, 8);
-    fill.Play(page.Close().Get());
-    // This Wine's metafiles drop a pen's brush: this one draws on the canvas itself.
-    const Canvas stroke(8, 8);
-    page.context.page_dc = stroke.Dc();
-    page.Play(REC_CREATEBRUSH, brush(kPenBrush));
-    page.Play(REC_EXTCREATEPEN, PayloadOf(uint32_t{PS_GEOMETRIC | PS_ENDCAP_FLAT}, 8u, 0u, 0u));
-    page.Play(REC_MOVETO, PayloadOf(0, 4));
-    page.Play(REC_LINETO, PayloadOf(8, 4));
-    ReleaseDrawingObjects(page.context);
-    for (int y = 0; y < 8; ++y) {
-      for (int x = 0; x < 8; ++x) {
-        ASSERT_EQ(fill.Pixel(x, y), picture.Colour(x, y)) << depth << ' ' << x << ' ' << y;
-        ASSERT_EQ(stroke.Pixel(x, y), picture.Colour(x, y)) << depth << ' ' << x << ' ' << y;
-      }
-    }
-  }
-}
 
 // A printer of the test's own.
 const HANDLE kPrinter = reinterpret_cast<HANDLE>(0x1234);
@@ -130,24 +100,6 @@ TEST(PageBitmap, OwnPalette_IsThatOfTheDcMeanwhile) {
   EXPECT_NE(std::get<HPALETTE>(select.calls.at(0)), nullptr);
   EXPECT_EQ(select.calls.at(1), std::tuple(dc, reinterpret_cast<HPALETTE>(0x5000), FALSE));
   EXPECT_EQ(realise.calls, std::vector(2, std::tuple(dc)));
-}
-
-TEST(PageBitmap, NotDrawn_JobFailed) {
-  const Payload header = PayloadOf(HeaderOf(1, 2, 24), 0u);
-  const struct {
-    Payload header, bits;
-    bool with_page;
-  } kCases[] = {{header, Payload(7), true},
-                {header, {}, true},
-                {{}, Payload(8), true},
-                {header, Payload(8), false}};
-  for (const auto& c : kCases) {
-    Page page;
-    if (!c.with_page) page.context.page_dc = nullptr;
-    page.Play(REC_DIBHEADER, c.header);
-    EXPECT_EQ(page.Play(REC_PAGEBITMAP, c.bits), 0);
-    EXPECT_TRUE(page.job_failed);
-  }
 }
 
 }  // namespace

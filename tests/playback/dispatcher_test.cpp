@@ -6,28 +6,12 @@
 #include "capture/records/types.h"
 #include "playback/page.h"
 #include "playback/picture.h"
+#include "support/guarded_bytes.h"
 
 namespace quillo::test {
 namespace {
 
 using namespace records;
-
-// Blocks that end where the readable memory ends.
-class GuardedPage {
- public:
-  GuardedPage()
-      : base_(
-            static_cast<std::byte*>(VirtualAlloc(nullptr, 2 * kSize, MEM_COMMIT, PAGE_READWRITE))) {
-    DWORD old = 0;
-    VirtualProtect(base_ + kSize, kSize, PAGE_NOACCESS, &old);
-  }
-  ~GuardedPage() { VirtualFree(base_, 0, MEM_RELEASE); }
-  MutableBytes Last(size_t size) { return {base_ + kSize - size, size}; }
-
- private:
-  static constexpr size_t kSize = 4096;
-  std::byte* base_;
-};
 
 TEST(DispatchRecord, UnknownTypesAndShortPayloads_IgnoredAndDrawNothing) {
   Page page;
@@ -36,11 +20,10 @@ TEST(DispatchRecord, UnknownTypesAndShortPayloads_IgnoredAndDrawNothing) {
         0x10010035u, 0x10010037u, 0x10000008u, 0x1001FFFFu, 0u, UINT32_MAX}) {
     EXPECT_EQ(page.Play(type, Payload(64)), 0) << std::hex << type;
   }
-  GuardedPage guarded;
   for (const RecordInfo& info : kRecordInfos) {
     const uint32_t needed = info.rule == kNeedsPayload ? info.payload_size : 0;
     for (uint32_t size = 0; size < needed; ++size) {
-      EXPECT_EQ(DispatchRecord(page.context, info.type, guarded.Last(size)), 0)
+      EXPECT_EQ(DispatchRecord(page.context, info.type, GuardedBytes(size).All()), 0)
           << info.name << ' ' << size;
     }
   }
@@ -70,10 +53,10 @@ TEST(DispatchRecord, AnyContent_ReadsOnlyItsPayload) {
     }
   }
   constexpr uint32_t kNumbers[] = {0, 1, 4, 15, 24, 41, 300, 0x7FFFFFFF, 0x80000000, 0xFFFFFFFF};
-  GuardedPage guarded;
   Page page;
   for (const auto& [type, record] : records) {
-    const MutableBytes payload = guarded.Last(record.size());
+    const GuardedBytes guarded(record.size());
+    const MutableBytes payload = guarded.All();
     for (size_t offset = 0; offset + 4 <= std::min<size_t>(record.size(), 108); offset += 4) {
       for (const uint32_t number : kNumbers) {
         std::copy(record.begin(), record.end(), payload.begin());

@@ -66,6 +66,7 @@ class PlaybackScript : public testing::TestWithParam<const char*> {
       command = number;
       CarryOut(line);
     }
+    canvas_.reset();
     page_.reset();
     EXPECT_LE(LiveGdiObjects(), objects + 10);
   }
@@ -82,6 +83,7 @@ class PlaybackScript : public testing::TestWithParam<const char*> {
     page_->context.glyph_translator.reset();  // as when there was no memory for it
     answers_.clear();
     no_section_.reset();
+    canvas_.reset();
     objects_.clear();
     dc_ = page_->context.page_dc;
     calls_.clear();
@@ -99,6 +101,12 @@ class PlaybackScript : public testing::TestWithParam<const char*> {
       words >> page_->context.job.bitmap_limits.width >> page_->context.job.bitmap_limits.height;
     } else if (name == "unshown") {
       no_section_.emplace(nullptr);
+    } else if (name == "canvas") {
+      int width = 0, height = 0;
+      words >> width >> height;
+      dc_ = page_->context.page_dc = canvas_.emplace(width, height).Dc();
+    } else if (name == "pageless") {
+      page_->context.page_dc = nullptr;
     } else if (name == "room") {
       words >> page_->context.run_length_pixels_left;
     } else if (name == "pixels") {
@@ -152,14 +160,17 @@ class PlaybackScript : public testing::TestWithParam<const char*> {
   void ShowPixels(std::istream& words) {
     int width = 0, height = 0;
     words >> width >> height;
-    Canvas canvas(width, height);
-    canvas.Play(page_->Close().Get());
+    if (canvas_) {
+      ReleaseDrawingObjects(page_->context);
+    } else {
+      canvas_.emplace(width, height).Play(page_->Close().Get());
+    }
     calls_.clear();
     for (int y = 0; y < height; ++y) {
       std::ostringstream row;
       for (int x = 0; x < width; ++x) {
         row << (x == 0 ? "" : " ") << std::hex << std::setw(6) << std::setfill('0')
-            << canvas.Pixel(x, y);
+            << canvas_->Pixel(x, y);
       }
       calls_.push_back(row.str());
     }
@@ -172,6 +183,7 @@ class PlaybackScript : public testing::TestWithParam<const char*> {
     out << "page value " << context.page_value.x << ' ' << context.page_value.y << " | non-ASCII "
         << context.non_ascii_text_seen << " | fonts";
     context.seen_fonts.ForEach([&](const SeenFont& font) { out << ' ' << font.key.lfHeight; });
+    if (page_->job_failed) out << " | job failed";
     calls_.push_back(out.str());
   }
 
@@ -271,6 +283,7 @@ class PlaybackScript : public testing::TestWithParam<const char*> {
 
   std::optional<Page> page_;
   HDC dc_ = nullptr;
+  std::optional<Canvas> canvas_;
   std::vector<std::string> calls_;          // and other outcomes of the last line
   std::map<std::string, int64_t> answers_;  // of functions that are not to be called
   std::vector<HGDIOBJ> objects_;            // by their number
