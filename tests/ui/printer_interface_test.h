@@ -3,16 +3,14 @@
 #include "base/windows.h"
 
 #include <gtest/gtest.h>
-#include <sstream>
 #include <string>
-#include <type_traits>
-#include <vector>
 
 #include "base/system_owners.h"
 #include "config/device_mode/device_mode.h"
 #include "host/printer/printer_setup.h"
 #include "support/built_file.h"
 #include "support/guarded_bytes.h"
+#include "support/mode_members.h"
 #include "ui/printer_interface.h"
 
 namespace quillo::test {
@@ -48,46 +46,6 @@ inline DeviceMode DefaultMode() {
   mode.pub.dmPaperWidth = 2159;
   mode.pub.dmPaperLength = 2794;
   return mode;
-}
-
-/// Calls `visit` with each "name=value" of a row's field, and with a reference to the member of the
-/// device mode that has the name.
-template <typename Visit>
-void ForEachMember(DeviceMode& mode, const std::string& members, Visit visit) {
-  DEVMODEW& pub = mode.pub;
-  std::istringstream words(members);
-  for (std::string word; words >> word;) {
-    const size_t equals = word.find('=');
-    const std::string name = word.substr(0, equals);
-    const long value = std::stol(word.substr(equals + 1));
-    const auto is = [&](const char* known, auto& member) {
-      if (name == known) visit(member, value);
-      return name == known;
-    };
-    EXPECT_TRUE(is("paper", pub.dmPaperSize) || is("width", pub.dmPaperWidth) ||
-                is("length", pub.dmPaperLength) || is("orientation", pub.dmOrientation) ||
-                is("quality", pub.dmPrintQuality) || is("yres", pub.dmYResolution) ||
-                is("copies", pub.dmCopies) || is("source", pub.dmDefaultSource) ||
-                is("color", pub.dmColor) || is("bits", pub.dmBitsPerPel) ||
-                is("fields", pub.dmFields) || is("specversion", pub.dmSpecVersion) ||
-                is("version", pub.dmDriverVersion) || is("size", pub.dmSize) ||
-                is("extra", pub.dmDriverExtra) || is("left", mode.own.left.value) ||
-                is("margins", mode.own.margins_given) ||
-                is("private", mode.own.reserved_before_flag[7]))
-        << word;
-  }
-}
-
-inline void SetMembers(DeviceMode& mode, const std::string& members) {
-  ForEachMember(mode, members, [](auto& member, long value) {
-    member = static_cast<std::remove_reference_t<decltype(member)>>(value);
-  });
-}
-
-inline void ExpectMembers(DeviceMode mode, const std::string& members) {
-  ForEachMember(mode, members, [&](auto& member, long value) {
-    EXPECT_EQ(static_cast<long>(member), value) << members;
-  });
 }
 
 }  // namespace quillo::test

@@ -115,11 +115,11 @@ TEST_F(SettingsPage, Actions_LeadToSettings) {
   for (const CaseRow& row : ReadCases("ui/settings_page.txt")) {
     SCOPED_TRACE(row.place);
     warned_ = false;
-    ExpectMembers(Prompt(
-                      row.fields[0].starts_with("readonly") ? kNoPermission : 0,
-                      [&](HWND page) { Act(page, row.fields[0]); },
-                      row.fields[1] == "ok" ? PSBTN_OK : PSBTN_CANCEL),
-                  row.fields[3]);
+    const DeviceMode mode = Prompt(
+        row.fields[0].starts_with("readonly") ? kNoPermission : 0,
+        [&](HWND page) { Act(page, row.fields[0]); },
+        row.fields[1] == "ok" ? PSBTN_OK : PSBTN_CANCEL);
+    EXPECT_EQ(ExpectMembers(mode, row.fields[3]), "");
     EXPECT_EQ(warned_, row.fields[2] == "warned");
   }
 }
