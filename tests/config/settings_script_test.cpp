@@ -1,6 +1,4 @@
 #include <array>
-#include <filesystem>
-#include <fstream>
 #include <functional>
 #include <gtest/gtest.h>
 #include <iomanip>
@@ -15,6 +13,7 @@
 #include "config/user/user_paths.h"
 #include "support/holdings.h"
 #include "support/late_functions.h"
+#include "support/script.h"
 #include "support/watch.h"
 
 // The scripts of tests/corpus/settings. Empty lines stand between cases; each starts with an empty
@@ -147,27 +146,20 @@ void ExpectReads(const PrinterSettings& settings, const std::string& place, cons
 class SettingsScripts : public SettingsTest {
  protected:
   void RunScript(const std::string& name) {
-    std::ifstream script(std::filesystem::path(QUILLO_SOURCE_DIR) / "tests/corpus/settings" / name);
-    ASSERT_TRUE(script);
-    bool afresh = true;
-    std::string text;
-    for (int number = 1; std::getline(script, text); ++number) {
-      SCOPED_TRACE(name + ":" + std::to_string(number) + ": " + text);
-      if (text.empty()) afresh = true;
-      if (text.empty() || text[0] == '#') continue;
-      if (std::exchange(afresh, false)) {
+    for (const ScriptLine& script_line : ReadScriptLines("settings/" + name)) {
+      SCOPED_TRACE(script_line.place + ": " + script_line.text);
+      if (script_line.begins_case) {
         StartAfresh();
         functions_.Restore();
         spooler_default_.reset();
         get_printer_.calls.clear();
       }
-      const size_t end = text.find(" > ");
-      std::istringstream line(text.substr(0, end));
+      std::istringstream line(script_line.text);
       const auto command = commands_.find(Word(line));
       ASSERT_NE(command, commands_.end());
       out_.str("");
       command->second(line);
-      EXPECT_EQ(out_.str(), end == std::string::npos ? "" : text.substr(end + 3));
+      EXPECT_EQ(out_.str(), script_line.expected);
     }
   }
 

@@ -1,7 +1,6 @@
 #include <algorithm>
 #include <cstdlib>
 #include <cstring>
-#include <fstream>
 #include <gtest/gtest.h>
 #include <map>
 #include <sstream>
@@ -13,9 +12,11 @@
 #include "support/guarded_bytes.h"
 #include "support/line.h"
 #include "support/mode_members.h"
+#include "support/script.h"
 
 // The script tests/corpus/driver/devices.txt. A line is members of a caller's device mode, the
-// driver's default but for those, and after ">" what becomes of it, each as NAME=VALUE.
+// driver's default but for those ("none": there is none), and after ">" what becomes of it, each as
+// NAME=VALUE.
 namespace quillo {
 namespace {
 
@@ -64,22 +65,19 @@ Outcome Enabled(DEVMODEW* caller) {
 }
 
 TEST(DeviceScript, Corpus) {
-  std::ifstream script(QUILLO_SOURCE_DIR "/tests/corpus/driver/devices.txt");
-  ASSERT_TRUE(script);
-  for (std::string line; std::getline(script, line);) {
-    if (line.empty() || line[0] == '#') continue;
-    SCOPED_TRACE(line);
-    const size_t end = line.find('>');
+  for (const test::ScriptLine& line : test::ReadScriptLines("driver/devices.txt")) {
+    SCOPED_TRACE(line.place);
+    const bool none = line.text == "none";
     DeviceMode mode;
     BuildDefaultDeviceMode(mode, L"0123456789012345678901234567890123456789");
     EXPECT_STREQ(mode.pub.dmDeviceName, L"0123456789012345678901234567890");
-    test::SetMembers(mode, line.substr(0, end));
+    if (!none) test::SetMembers(mode, line.text);
     mode.own.margin_unit = kMarginMillimetres;  // which is not looked at
     // No byte after those that it says it has.
     const test::GuardedBytes caller(size_t{mode.pub.dmSize} + mode.pub.dmDriverExtra);
     std::memcpy(caller.Get(), &mode, std::min(caller.Size(), sizeof mode));
-    Outcome outcome = Enabled(end == 0 ? nullptr : caller.Mode());
-    std::istringstream others(test::ExpectMembers(outcome.mode, line.substr(end + 1)));
+    Outcome outcome = Enabled(none ? nullptr : caller.Mode());
+    std::istringstream others(test::ExpectMembers(outcome.mode, line.expected));
     for (std::string name; std::getline(others >> std::ws, name, '=');) {
       std::string value;
       others >> value;

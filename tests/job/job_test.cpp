@@ -13,6 +13,7 @@
 #include "job/spooled_job.h"
 #include "support/line.h"
 #include "support/margins.h"
+#include "support/script.h"
 #include "support/watch.h"
 
 namespace quillo {
@@ -72,6 +73,7 @@ class Job : test::SpooledJob {
   Job() {
     client_.on_call = [this](const Json& call) { Note(call); };
   }
+  ~Job() { EXPECT_EQ(TakeOutcome(), ""); }
   void Execute(const std::string& line) {
     std::istringstream fields(line);
     std::string word, argument;
@@ -123,9 +125,8 @@ class Job : test::SpooledJob {
       const records::Point value = job_->playback.page_value;
       POINT origin = {};
       GetViewportOrgEx(job_->playback.page_dc, &origin);
-      outcome_ +=
-          Line("> value ", value.x, ",", value.y, " origin ", origin.x, ",", origin.y, " unread ",
-               job_->record_buffer.Unread().size(), " pages ", job_->pages_started, "\n");
+      Come(Line("value ", value.x, ",", value.y, " origin ", origin.x, ",", origin.y, " unread ",
+                job_->record_buffer.Unread().size(), " pages ", job_->pages_started));
     } else {
       ADD_FAILURE() << "no such line: " << line;
     }
@@ -134,9 +135,11 @@ class Job : test::SpooledJob {
     }
   }
 
-  const std::string& Outcome() const { return outcome_; }
+  /// What came since the last call, the parts joined by " | ".
+  std::string TakeOutcome() { return std::exchange(outcome_, {}); }
 
  private:
+  void Come(const std::string& part) { outcome_ += (outcome_.empty() ? "" : " | ") + part; }
   void Write(const void* data, size_t size) {
     uint32_t written = 0;
     EXPECT_EQ(WriteJob(job_, data, static_cast<uint32_t>(size), &written), 1);
@@ -149,7 +152,7 @@ class Job : test::SpooledJob {
     if (done) return;
     const DWORD error = GetLastError();
     EXPECT_NE(error, 0u);
-    outcome_ += "> no " + step + (error == ERROR_DISK_FULL ? ": disk full\n" : "\n");
+    Come("no " + step + (error == ERROR_DISK_FULL ? ": disk full" : ""));
     EXPECT_EQ(LeftFiles(), files_before_);
   }
 
@@ -162,7 +165,7 @@ class Job : test::SpooledJob {
     const Json& holder = call.contains("page_object") ? call["page_object"] : call;
     if (holder.contains("path")) line += FileAt(holder["path"].get<std::string>());
     if (waiter_ && WaitForSingleObject(waiter_.Get(), 0) == WAIT_OBJECT_0) line += " signalled";
-    outcome_ += "> " + line + "\n";
+    Come(line);
   }
   std::string FileAt(const fs::path& path) const {
     EXPECT_EQ(path.parent_path(), test::TempFolder());
@@ -190,12 +193,12 @@ class Job : test::SpooledJob {
   const WATCH(MessageBoxW) boxes_{[this](auto, auto, LPCWSTR caption, UINT style) -> int {
     EXPECT_STREQ(caption, L"Error");
     EXPECT_EQ(style, static_cast<UINT>(MB_SETFOREGROUND));
-    outcome_ += "> box\n";
+    Come("box");
     return IDOK;
   }};
   WATCH(SafeArrayDestroy)
   arrays_{[this](SAFEARRAY* array) {
-    outcome_ += "> array freed\n";
+    Come("array freed");
     return arrays_.CallOriginal(array);
   }};
   WATCH(CreateDCW)
@@ -207,31 +210,18 @@ class Job : test::SpooledJob {
 };
 
 TEST(JobScript, Jobs_ComeToWhatTheySay) {
-  std::ifstream script(QUILLO_SOURCE_DIR "/tests/corpus/job/jobs.txt");
   std::optional<Job> job;
-  std::string expected;
-  int number = 0, jobs = 0;
-  const auto finish = [&] {
-    if (!job) return;
-    EXPECT_EQ(job->Outcome(), expected) << "before jobs.txt:" << number;
-    job.reset();
-    ++jobs;
-    expected.clear();
-  };
-  for (std::string line; std::getline(script, line);) {
-    ++number;
-    if (line.empty()) finish();
-    if (line.empty() || line[0] == '#') continue;
-    if (line[0] == '>') {
-      expected += line + "\n";
-      continue;
+  for (const test::ScriptLine& line : test::ReadScriptLines("job/jobs.txt")) {
+    SCOPED_TRACE(line.place);
+    if (line.begins_case) {
+      job.reset();
+      job.emplace();
     }
-    if (!job) job.emplace();
-    SCOPED_TRACE(Line("jobs.txt:", number));
-    job->Execute(line);
+    job->Execute(line.text);
+    if (!line.expected.empty()) {
+      EXPECT_EQ(job->TakeOutcome(), line.expected);
+    }
   }
-  finish();
-  EXPECT_GT(jobs, 0);
 }
 
 }  // namespace

@@ -1,5 +1,5 @@
-#include <deque>
-#include <fstream>
+#include "support/script.h"
+
 #include <gtest/gtest.h>
 #include <iomanip>
 #include <map>
@@ -42,29 +42,13 @@ std::string Narrow(std::wstring_view text) {
 class PlaybackScript : public testing::TestWithParam<const char*> {
  protected:
   void Run() {
-    const std::string path =
-        std::string(QUILLO_SOURCE_DIR "/tests/corpus/playback/") + GetParam() + ".txt";
-    std::ifstream file(path);
-    ASSERT_TRUE(file) << path;
-    std::string line, expected;
-    int number = 1, command = 1;
     const uintptr_t objects = LiveGdiObjects();
-    BeginCase();
-    for (bool more = true; more; ++number) {
-      more = static_cast<bool>(std::getline(file, line));
-      if (more && line.starts_with("> ")) {
-        expected += (expected.empty() ? "" : " | ") + line.substr(2);
-        continue;
-      }
-      if (Outcome() != expected) {
-        ADD_FAILURE_AT(path.c_str(), command) << "expected " << expected << "\ncame " << Outcome();
-      }
+    for (const ScriptLine& line : ReadScriptLines(std::string("playback/") + GetParam() + ".txt")) {
+      SCOPED_TRACE(line.place);
+      if (line.begins_case) BeginCase();
       calls_.clear();
-      expected.clear();
-      if (line.empty()) BeginCase();
-      if (!more || line.empty() || line[0] == '#') continue;
-      command = number;
-      CarryOut(line);
+      CarryOut(line.text);
+      EXPECT_EQ(Outcome(), line.expected);
     }
     canvas_.reset();
     page_.reset();
