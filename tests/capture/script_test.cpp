@@ -1,8 +1,8 @@
+#include "support/script.h"
+
 #include <algorithm>
-#include <fstream>
 #include <map>
 #include <optional>
-#include <sstream>
 
 #include "capture/stage.h"
 #include "support/capture_fixture.h"
@@ -10,31 +10,19 @@
 namespace quillo::test {
 namespace {
 
-/// A call of a script and what is expected of it.
-struct ExpectedCall {
-  std::string name;
-  int line;
-  std::string result = {};                                // empty: any that begins with TRUE
-  bool whole = false;                                     // `records` hold the bracket too
-  std::vector<std::pair<int, std::string>> records = {};  // line in the script, text
-};
-
 /// Runs a script of tests/corpus/capture; the README there describes them.
 class CaptureScript : public CaptureTest, public testing::WithParamInterface<const char*> {
  protected:
   void Run() {
-    std::ifstream file(path_);
-    ASSERT_TRUE(file) << path_;
-    BeginCase();
-    for (std::string line; std::getline(file, line);) {
-      ++line_;
+    for (const ScriptLine& line : ReadScriptLines(std::string("capture/") + GetParam() + ".txt")) {
+      SCOPED_TRACE(line.place);
+      if (line.begins_case) BeginCase();
       try {
-        if (!line.starts_with('#')) Read(line);
+        CarryOut(line);
       } catch (const std::exception& error) {
-        ADD_FAILURE_AT(path_.c_str(), line_) << error.what();
+        ADD_FAILURE() << error.what();
       }
     }
-    MakeCall();
   }
 
  private:
@@ -47,28 +35,19 @@ class CaptureScript : public CaptureTest, public testing::WithParamInterface<con
     in_setup_ = false;
   }
 
-  void Read(const std::string& line) {
-    const std::string word = line.substr(0, line.find(' '));
-    const std::string rest = Expanded(line.substr(std::min(word.size() + 1, line.size())));
+  void CarryOut(const ScriptLine& line) {
+    const std::string word = line.text.substr(0, line.text.find(' '));
+    const std::string rest =
+        Expanded(line.text.substr(std::min(word.size() + 1, line.text.size())));
     if (word.starts_with('$')) {
       names_[word] = rest.substr(rest.find_first_not_of("= "));
-    } else if (word == ">" || word == ">>") {
-      call_.value().whole |= word == ">>";
-      Expect(rest);
-    } else if (word == "=") {
-      call_.value().result = rest;
+    } else if (word == "setup") {
+      in_setup_ = true;
+    } else if (Stage::IsCall(word)) {
+      Call(word, rest, Records(Expanded(line.expected)));
     } else {
-      MakeCall();
-      if (word.empty()) {
-        BeginCase();
-      } else if (word == "setup") {
-        in_setup_ = true;
-      } else if (Stage::IsCall(word)) {
-        call_ = ExpectedCall{word, line_};
-      } else {
-        stage_->Set(word + ' ' + rest);
-        if (in_setup_) setup_.push_back(word + ' ' + rest);
-      }
+      stage_->Set(word + ' ' + rest);
+      if (in_setup_) setup_.push_back(word + ' ' + rest);
     }
   }
 
@@ -82,47 +61,34 @@ class CaptureScript : public CaptureTest, public testing::WithParamInterface<con
     return text;
   }
 
-  /// Records with bars between them. Blanks between the bytes of a bitmap are for the reader.
-  void Expect(const std::string& text) {
+  /// A record a line, of records with bars between them. Blanks between the bytes of a bitmap are
+  /// for the reader.
+  static std::string Records(const std::string& text) {
+    std::string records;
     for (size_t at = 0; at < text.size();) {
       const size_t end = std::min(text.find(" | ", at), text.size());
       std::string record = text.substr(at, end - at);
       record.erase(std::remove(std::ranges::find(record, '['), record.end(), ' '), record.end());
-      call_->records.emplace_back(line_, record);
+      records += record + '\n';
       at = end + 3;
     }
+    return records;
   }
 
-  void MakeCall() {
-    if (!call_) return;
-    const ExpectedCall call = *std::exchange(call_, std::nullopt);
-    const testing::ScopedTrace trace(path_.c_str(), call.line, call.name);
-    const std::string result = stage_->Call(call.name);
-    if (call.result.empty() ? !result.starts_with("TRUE") : result != call.result) {
-      ADD_FAILURE_AT(path_.c_str(), call.line) << "returned " << result;
-    }
-    const bool whole = call.whole || !call.name.starts_with("Drv");
-    std::istringstream actual(whole ? TakeRecords() : TakeDrawing());
-    std::string record;
-    for (const auto& [line, expected] : call.records) {
-      if (!std::getline(actual, record)) record = "nothing more";
-      if (record == expected) continue;
-      ADD_FAILURE_AT(path_.c_str(), line) << "expected " << expected << "\nrecorded " << record;
-      return;
-    }
-    if (std::getline(actual, record)) {
-      ADD_FAILURE_AT(path_.c_str(), call.line) << "recorded too: " << record;
-    }
+  /// `how`: "whole", for all records of the call, and "= " with the result.
+  void Call(const std::string& name, const std::string& how, const std::string& expected) {
+    const std::string result = stage_->Call(name);
+    const size_t equals = how.find("= ");
+    EXPECT_TRUE(equals == how.npos ? result.starts_with("TRUE") : result == how.substr(equals + 2))
+        << "returned " << result;
+    const bool whole = how.starts_with("whole") || !name.starts_with("Drv");
+    EXPECT_EQ(whole ? TakeRecords() : TakeDrawing(), expected);
   }
 
-  const std::string path_ =
-      std::string(QUILLO_SOURCE_DIR "/tests/corpus/capture/") + GetParam() + ".txt";
-  int line_ = 0;
   std::map<std::string, std::string> names_;
   std::vector<std::string> setup_;  // lines that every later case begins with
   bool in_setup_ = false;
   std::optional<Stage> stage_;
-  std::optional<ExpectedCall> call_;
 };
 
 TEST_P(CaptureScript, CallsGiveTheirRecords) { Run(); }
