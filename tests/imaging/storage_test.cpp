@@ -142,69 +142,72 @@ void MakeGlobal(BitmapHandle& record, uint32_t bits, uint32_t offset) {
 }
 
 TEST(Lock, GlobalMemory_HasAnAddressWhileLocked) {
-  BitmapHandle record{};
-  MakeGlobal(record, 24, 16);
-  EXPECT_TRUE(IsValid(record));
-  ASSERT_EQ(Lock(&record), kSuccess);
-  EXPECT_EQ(record.flags & kLocked, kLocked);
-  auto* const block = static_cast<std::byte*>(GlobalLock(record.storage_handle));
-  GlobalUnlock(record.storage_handle);
-  EXPECT_EQ(record.data_address, block + 16);
-  EXPECT_EQ(Lock(&record), kSuccess);
-  EXPECT_EQ(GlobalFlags(record.storage_handle) & GMEM_LOCKCOUNT, 1u);
-  FillRows(record);
-  ExpectRows(record, "global memory");
-  const HGLOBAL handle = record.storage_handle;
-  Free(&record);
-  EXPECT_EQ(GlobalFlags(handle), static_cast<UINT>(GMEM_INVALID_HANDLE));
   EXPECT_EQ(Lock(nullptr), kInvalidArgument);
+  for (const bool presented : {false, true}) {
+    const uintptr_t handles = test::LiveKernelHandles();
+    BitmapHandle record{};
+    MakeGlobal(record, 24, 16);
+    EXPECT_TRUE(IsValid(record));
+    const HGLOBAL memory = record.storage_handle;
+    ASSERT_EQ(Lock(&record), kSuccess);
+    EXPECT_EQ(record.flags & kLocked, kLocked);
+    auto* const block = static_cast<std::byte*>(GlobalLock(memory));
+    GlobalUnlock(memory);
+    EXPECT_EQ(record.data_address, block + 16);
+    EXPECT_EQ(Lock(&record), kSuccess);
+    EXPECT_EQ(GlobalFlags(memory) & GMEM_LOCKCOUNT, 1u);
+    FillRows(record);
+    ExpectRows(record, "global memory");
+    if (presented) {
+      Unlock(&record);
+      const DibSectionDc dc(PresentAsDibSection(&record));
+      ASSERT_TRUE(dc);
+      EXPECT_EQ(record.flags, kInMemory);
+      ExpectRows(record, "in a section");
+    }
+    Free(&record);
+    EXPECT_EQ(GlobalFlags(memory), static_cast<UINT>(GMEM_INVALID_HANDLE));
+    EXPECT_EQ(test::LiveKernelHandles(), handles);
+  }
 }
 
-TEST(PresentAsDibSection, BitmapsWithoutADib_GiveNull) {
-  std::byte data[64];
-  struct {
-    uint32_t type, bits, order;
-  } const cases[] = {{1, 2, 0},  {1, 7, 0},  {1, 12, 1}, {1, 48, 1},
-                     {1, 64, 1}, {1, 16, 2}, {2, 32, 1}};
-  for (const auto& c : cases) {
-    BitmapScope bitmap;
-    ASSERT_EQ(Create(bitmap.Get(), {.memory_type = c.type,
-                                    .width = 4,
-                                    .height = 4,
-                                    .bits_per_pixel = c.bits,
-                                    .colour_order = c.order,
-                                    .caller_data = c.type == 2 ? data : nullptr,
-                                    .caller_data_size = sizeof(data)}),
-              kSuccess);
-    EXPECT_EQ(PresentAsDibSection(bitmap.Get()), nullptr) << c.bits << ' ' << c.order;
-  }
+/// What is seen of a bitmap whose pixel in column 3 of row 0 is white.
+TEST(PresentAsDibSection, EveryBitmap_IsTurnedOrRefused) {
+  SettingsScope settings;
+  const TemporaryDirectory directory;
+  settings->memory_threshold = 1;
+  test::CheckCases("imaging/dib_sections.txt", [](const auto& fields) {
+    const uintptr_t handles = test::LiveKernelHandles();
+    std::string seen = "none";
+    {
+      BitmapDescription d = {.width = 5, .height = 3};
+      test::Scan(fields[0], d.memory_type, d.bits_per_pixel, d.colour_order, d.view_perspective);
+      std::byte data[5 * 3 * 4];
+      d.caller_data = d.memory_type == kMemoryCaller ? data : nullptr;
+      d.caller_data_size = sizeof data;
+      BitmapScope bitmap;
+      EXPECT_EQ(Create(bitmap.Get(), d), kSuccess);
+      std::vector<std::byte> row(bitmap->bytes_per_line);
+      for (uint32_t bit = 3 * d.bits_per_pixel; bit < 4 * d.bits_per_pixel; ++bit) {
+        row[bit / 8] |= static_cast<std::byte>(0x80 >> bit % 8);
+      }
+      StoreRow(*bitmap.Get(), 0, row);
+      const DibSectionDc dc(PresentAsDibSection(bitmap.Get()));
+      const int width = static_cast<int>(bitmap->width);
+      if (dc)
+        seen = test::Line(std::hex, bitmap->flags, ' ', width, " view ", bitmap->view_perspective);
+      for (int i = 0; dc && i < 15; ++i) {
+        if (GetPixel(dc.Get(), i % width, i / width) == 0) continue;
+        seen += test::Line(' ', i % width, ',', i / width);
+      }
+    }
+    EXPECT_EQ(test::LiveKernelHandles(), handles);
+    return seen;
+  });
   EXPECT_EQ(PresentAsDibSection(nullptr), nullptr);
   BitmapHandle empty{};
   Init(&empty, kCurrentForm, 4, 4, 24);
   EXPECT_EQ(PresentAsDibSection(&empty), nullptr);
-}
-
-TEST(PresentAsDibSection, GlobalMemoryAndChunks_MoveIntoASection) {
-  for (const bool global : {true, false}) {
-    const uintptr_t handles = test::LiveKernelHandles();
-    BitmapHandle record{};
-    if (global) {
-      MakeGlobal(record, 1, 0);
-    } else {
-      Create(&record, Sized(kWidth, kHeight, 1, kMemoryChunks, kBottomRowFirst));
-    }
-    ASSERT_EQ(Lock(&record), kSuccess);
-    FillRows(record);
-    Unlock(&record);
-    {
-      const DibSectionDc dc(PresentAsDibSection(&record));
-      ASSERT_TRUE(dc);
-      EXPECT_EQ(record.flags, kAllocated | kMemory);
-      ExpectRows(record, global ? "global" : "chunks");
-    }
-    Free(&record);
-    EXPECT_EQ(test::LiveKernelHandles(), handles);
-  }
 }
 
 TEST(ReleaseDibSectionDc, ACallFails_LeavesNothing) {
@@ -228,40 +231,6 @@ TEST(ReleaseDibSectionDc, ACallFails_LeavesNothing) {
     dc.Reset();
     EXPECT_EQ(GetObjectType(shown), 0u);
     EXPECT_EQ(test::LiveKernelHandles(), handles);
-  }
-}
-
-TEST(PresentAsDibSection, TilesAndOtherViews_AreRefusedAndTurned) {
-  SettingsScope settings;
-  const TemporaryDirectory directory;
-  settings->memory_threshold = 1;
-  BitmapScope tiled;
-  ASSERT_EQ(Create(tiled.Get(), Sized(40, 40, 24, kMemoryDisk)), kSuccess);
-  EXPECT_EQ(PresentAsDibSection(tiled.Get()), nullptr);
-
-  // Every depth and every view of a bitmap with one white pixel, in column 3 of row 0.
-  const POINT seen[] = {{3, 0}, {1, 0}, {1, 2}, {3, 2}, {0, 3}, {2, 3}, {2, 1}, {0, 1}};
-  for (const uint32_t bits : {1u, 4u, 8u, 16u, 24u, 32u}) {
-    for (uint32_t view = 1; view <= 8; ++view) {
-      SCOPED_TRACE(std::to_string(bits) + " bits, view " + std::to_string(view));
-      BitmapScope bitmap;
-      const uint32_t type = view % 2 != 0 ? kMemorySection : kMemoryFile;
-      ASSERT_EQ(Create(bitmap.Get(), Sized(5, 3, bits, type, view)), kSuccess);
-      std::vector<std::byte> row(bitmap->bytes_per_line);
-      for (uint32_t bit = 3 * bits; bit < 4 * bits; ++bit) {
-        row[bit / 8] |= static_cast<std::byte>(0x80 >> bit % 8);
-      }
-      StoreRow(*bitmap.Get(), 0, row);
-      const DibSectionDc dc(PresentAsDibSection(bitmap.Get()));
-      ASSERT_TRUE(dc);
-      const POINT at = seen[view - 1];
-      EXPECT_EQ(bitmap->width, view < 5 ? 5u : 3u);
-      for (int i = 0; i < 15; ++i) {
-        const int width = static_cast<int>(bitmap->width), x = i % width, y = i / width;
-        EXPECT_EQ(GetPixel(dc.Get(), x, y) == 0xFFFFFF, x == at.x && y == at.y) << x << ',' << y;
-      }
-      EXPECT_EQ(bitmap->view_perspective, view == 1 ? kTopRowFirst : kBottomRowFirst);
-    }
   }
 }
 
