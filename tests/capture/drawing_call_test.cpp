@@ -15,6 +15,7 @@
 #include "host/engine/services/paths.h"
 #include "host/engine/services/surfaces.h"
 #include "support/capture_fixture.h"
+#include "support/case_table.h"
 #include "support/record_dump.h"
 
 namespace quillo {
@@ -197,32 +198,18 @@ TEST_F(CaptureLimits, SurfaceToPackedBitmap_SizesAndRefusals) {
 
 TEST_F(CaptureLimits, PackedBitmapSize_NoMoreThanTheBitsAccountFor) {
   std::vector<uint32_t> bits(500'000);
-  const struct {
-    SIZEL size;
-    ULONG format;
-    bool has_bits;
-    LONG delta;  // of top-down surfaces; 0 = bottom-up
-    ULONG bytes;
-    bool packed;
-  } cases[] = {{{8192, 8192}, BMF_8RLE, true, 0, 4, true},
-               {{8192, 8193}, BMF_8RLE, true, 0, 4, false},
-               {{32767, 32767}, BMF_4RLE, true, 0, 4, false},
-               {{16384, 16384}, BMF_1BPP, true, 0, 4, true},
-               {{16384, -16385}, BMF_1BPP, true, 0, 4, false},
-               {{5, 3}, BMF_1BPP, true, 500'000, 1'000'004, true},  // a short last row
-               {{5, 2}, BMF_1BPP, true, 1 << 20, 4, false},
-               {{5, 1}, BMF_1BPP, true, 1 << 20, 4, true},
-               {{5, 1}, BMF_1BPP, true, INT32_MIN, 4, false},
-               {{4096, 4096}, BMF_8BPP, false, 4096, 0, true},
-               {{4096, 4096}, BMF_8BPP, false, 1 << 14, 0, false}};
-  for (const auto& c : cases) {
-    SCOPED_TRACE(&c - cases);
-    host::Surface picture({1, 1}, c.format, c.delta != 0, bits.data(), c.bytes, c.delta);
-    picture.sizlBitmap = c.size;
-    picture.lDelta = c.delta;
-    if (!c.has_bits) picture.pvBits = nullptr;
-    EXPECT_EQ(PackedBitmapSize(&picture) != 0, c.packed);
-  }
+  test::CheckCases("capture/records/packed_sizes.txt", [&](const auto& fields) {
+    SIZEL size = {};
+    ULONG format = 0, bytes = 0;
+    LONG delta = 0;
+    bool has_bits = false;
+    test::Scan(fields[0], size.cx, size.cy, format, has_bits, delta, bytes);
+    host::Surface picture({1, 1}, format, delta != 0, bits.data(), bytes, delta);
+    picture.sizlBitmap = size;
+    picture.lDelta = delta;
+    if (!has_bits) picture.pvBits = nullptr;
+    return std::to_string(PackedBitmapSize(&picture));
+  });
 }
 
 }  // namespace

@@ -38,6 +38,17 @@ std::shared_ptr<void> Failing(const std::string& function) {
     return std::make_shared<WATCH(CreateEnhMetaFileW)>(
         [](auto...) { return SetLastError(ERROR_DISK_FULL), HDC{}; });
   }
+  if (function == "StgCreateDocfile") {
+    return std::make_shared<WATCH(StgCreateDocfile)>(STG_E_ACCESSDENIED);
+  }
+  if (function == "StgOpenStorage") {  // once
+    auto opening = std::make_shared<std::optional<WATCH(StgOpenStorage)>>();
+    opening->emplace([original = opening.get()](auto... arguments) -> HRESULT {
+      return (*original)->calls.size() == 1 ? STG_E_SHAREVIOLATION
+                                            : (*original)->CallOriginal(arguments...);
+    });
+    return opening;
+  }
   if (function == "HeapReAlloc") return std::make_shared<WATCH(HeapReAlloc)>(nullptr);
   // The client's page objects take only arrays of one dimension.
   if (function == "SafeArrayGetDim") return std::make_shared<WATCH(SafeArrayGetDim)>(2u);
@@ -67,6 +78,15 @@ std::shared_ptr<void> Failing(const std::string& function) {
   return closing;
 }
 
+const IID* TableOf(const std::string& name) {
+  // A dual interface of three methods.
+  static constexpr IID kDrives = {
+      0xC7C3F5A1, 0x88A3, 0x11D0, {0xAB, 0xCB, 0, 0xA0, 0xC9, 0x0F, 0xFF, 0xC0}};
+  return name == "page"       ? &__uuidof(IQuilloPage)
+         : name == "dispatch" ? &__uuidof(IDispatch)
+                              : &kDrives;
+}
+
 /// A job of tests/corpus/job/jobs.txt, whose head says what its lines mean, and what came of it.
 class Job : test::SpooledJob {
  public:
@@ -82,8 +102,12 @@ class Job : test::SpooledJob {
     if (word == "client") {
       const auto fault = host::ParseClientFault(argument);
       Connect(fault.value_or(host::ClientFault::kNone), argument == "session");
-    } else if (word == "unreadable") {
-      std::ofstream(Connection()).flush();
+    } else if (word == "client-table" || word == "page-table") {
+      (word == "page-table" ? client_.page_table : client_.client_table) = TableOf(argument);
+    } else if (word == "unreadable" || word == "fonts-file") {
+      std::ofstream(word == "unreadable" ? Connection() : FontsFile()).flush();
+    } else if (word == "remove-fonts-file") {
+      EXPECT_TRUE(fs::remove(FontsFile()));
     } else if (word == "waiter") {
       const auto id = std::to_wstring(Id());
       waiter_.Reset(CreateEventW(nullptr, TRUE, FALSE,

@@ -66,16 +66,6 @@ TEST_F(UsersFiles, ReferenceToAnythingButTheClientsInterface_NeverReachesTheSyst
   }
 }
 
-TEST_F(UsersFiles, ConnectionFileInUse_ReadAtTheSecondAttempt) {
-  Connect();
-  WATCH(StgOpenStorage)
-  opens([&opens](auto... arguments) -> HRESULT {
-    return opens.calls.size() == 1 ? STG_E_SHAREVIOLATION : opens.CallOriginal(arguments...);
-  });
-  Close(Open());
-  EXPECT_FALSE(client_.calls.empty());
-}
-
 int as_user = 0;  // levels of working as the user
 
 // Only the calls are seen here: Wine has no second user.
@@ -156,39 +146,6 @@ TEST_F(UsersFiles, LinkInTheWay_LeadsNowhere) {
   }
   fs::remove(fonts);
   fs::remove(other);
-}
-
-TEST_F(UsersFiles, FontsFile_OnlyWhatTheJobMadeIsDeleted) {
-  MakeEmpty(FontsFile());
-  {
-    const WATCH(StgCreateDocfile) refused(STG_E_ACCESSDENIED);
-    Close(Open());
-  }
-  EXPECT_TRUE(fs::remove(FontsFile()));
-}
-
-TEST_F(UsersFiles, ObjectThatDescribesAShorterTable_IsNotCalled) {
-  // A dual interface of three methods.
-  constexpr IID kDrives = {
-      0xC7C3F5A1, 0x88A3, 0x11D0, {0xAB, 0xCB, 0, 0xA0, 0xC9, 0x0F, 0xFF, 0xC0}};
-  for (const bool of_page : {false, true}) {
-    for (const IID* table : {&__uuidof(IQuilloPage), &__uuidof(IDispatch), &kDrives}) {
-      const bool whole = table == &__uuidof(IQuilloPage);
-      (of_page ? client_.page_table : client_.client_table) = table;
-      Connect();
-      CQloPrinter* job = Open();
-      EXPECT_EQ(StartPage(job), of_page || whole);
-      SendPage(job);
-      Close(job);
-      const auto& calls = client_.calls;
-      const auto count = [&](const char* method) {
-        return std::ranges::count_if(calls, [=](auto& call) { return call.starts_with(method); });
-      };
-      EXPECT_EQ(count("NotifyJobStart"), of_page || whole);
-      EXPECT_EQ(count("NotifyPageStart"), whole);
-      client_.page_table = client_.client_table = nullptr;
-    }
-  }
 }
 
 }  // namespace

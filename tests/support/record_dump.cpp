@@ -1,36 +1,28 @@
 #include "support/record_dump.h"
 
 #include <iomanip>
-#include <map>
 #include <sstream>
+#include <string>
 #include <string_view>
 #include <vector>
 
 #include "capture/records/framing.h"
 #include "capture/records/types.h"
+#include "support/case_table.h"
 
 namespace quillo::test {
 namespace {
 
 using namespace records;
 
-// How the payload of each type reads, a letter a field of 4 bytes: i signed, u unsigned, x in
-// hexadecimal, f floating point; '*' repeats the last letter to the end. b is one byte, t UTF-16
-// units to the end. The rest are bytes.
-const std::map<uint32_t, std::string_view> kFieldLetters = {
-    // clang-format off
-    {REC_CREATEPEN, "uiix"},        {REC_EXTCREATEPEN, "xiu*"},      {REC_CREATEBRUSH, "uxuuu"},
-    {REC_MOVETO, "ii"},             {REC_LINETO, "ii"},              {REC_POLYBEZIER, "ui*"},
-    {REC_SETBKCOLOR, "x"},          {REC_SETBKMODE, "u"},            {REC_RECTANGLE, "iiii"},
-    {REC_SETWORLDTRANSFORM, "f*"},  {REC_SETMITERLIMIT, "f"},        {REC_SETPOLYFILLMODE, "u"},
-    {REC_SETBRUSHORG, "ii"},        {REC_SETROP2, "u"},              {REC_FILLRECT, "iiii"},
-    {REC_MASKBLT, "iiiiiiiixuu"},   {REC_BITBLT, "iiiiiixu"},        {REC_PATBLT, "iiiix"},
-    {REC_CREATEFONT, "iiiiibbbbbbbbt"}, {REC_SETTEXTCOLOR, "x"},         {REC_EXTTEXTOUT, "iixiiiiuut"},
-    {REC_SETDIBITSTODEVICE, "iiiiiiu"}, {REC_STRETCHBLT, "iiiiiiiiuxxxxxxuu"},
-    {REC_SETTEXTALIGN, "u"},        {REC_PAGEVALUE, "ii"},           {REC_TEXTRUN, "iiuuuuuu"},
-    {REC_ALPHABLEND, "iiiiiiiixu"},
-    // clang-format on
-};
+/// The letters of a record's fields: capture/records/fields.txt says what they mean.
+std::string FieldLetters(const std::string& record) {
+  static const std::vector<CaseRow> rows = ReadCases("capture/records/fields.txt");
+  for (const CaseRow& row : rows) {
+    if (row.fields[0] == record) return row.fields[1];
+  }
+  return "";
+}
 
 // ASCII as it is, other units as \\xHEX; zero units at the end as their number.
 void DumpText(Bytes text, std::ostream& out) {
@@ -91,13 +83,14 @@ std::string DumpRecords(Bytes stream) {
   std::ostringstream out;
   while (const auto frame = NextFrame(rest)) {
     const RecordInfo* info = FindRecordInfo(frame->type);
+    std::ostringstream name;
     if (info != nullptr) {
-      out << std::string_view(info->name).substr(std::string_view("REC_").size());
+      name << std::string_view(info->name).substr(std::string_view("REC_").size());
     } else {
-      out << std::hex << "0x" << frame->type << std::dec;
+      name << std::hex << "0x" << frame->type;
     }
-    const auto letters = kFieldLetters.find(frame->type);
-    DumpPayload(letters != kFieldLetters.end() ? letters->second : "", frame->payload, out);
+    out << name.str();
+    DumpPayload(FieldLetters(name.str()), frame->payload, out);
     out << '\n';
     rest = rest.subspan(frame->size);
   }
