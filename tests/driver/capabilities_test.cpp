@@ -62,31 +62,5 @@ TEST(DescribeGraphics, HalftoneCell_StepsAtEachLimit) {
   });
 }
 
-TEST(DescribeDevice, Fonts_TenPoints) {
-  DEVICE_PDEV device = Device(600);
-  device.resolution.x = 1200;
-  device.palette = reinterpret_cast<HPALETTE>(uintptr_t{0x1234});
-  const DEVINFO info = DescribeDevice(device);
-  EXPECT_EQ(info.flGraphicsCaps, 0x0020053Eu);
-  EXPECT_EQ(info.flGraphicsCaps2, 0u);
-  EXPECT_EQ(info.iDitherFormat, static_cast<ULONG>(BMF_24BPP));
-  EXPECT_EQ(info.hpalDefault, device.palette);
-  EXPECT_EQ(info.cFonts, 0u);
-
-  const struct {
-    const LOGFONTW& font;
-    const wchar_t* face;
-    BYTE pitch_and_family;
-  } fonts[] = {{info.lfDefaultFont, L"Courier", 0x31},
-               {info.lfAnsiVarFont, L"Helvetica", 0x22},
-               {info.lfAnsiFixFont, L"Courier", 0x31}};
-  for (const auto& f : fonts) {
-    EXPECT_EQ(f.font.lfHeight, -83);
-    EXPECT_EQ(f.font.lfWeight, 400);
-    EXPECT_STREQ(f.font.lfFaceName, f.face);
-    EXPECT_EQ(f.font.lfPitchAndFamily, f.pitch_and_family);
-  }
-}
-
 }  // namespace
 }  // namespace quillo

@@ -3,7 +3,9 @@
 #include <cstring>
 #include <gtest/gtest.h>
 #include <map>
+#include <span>
 #include <sstream>
+#include <utility>
 
 #include "base/module_instance.h"
 #include "driver/callbacks.h"
@@ -28,23 +30,34 @@ struct Outcome {
   std::map<std::string, std::string> others;  // values that are no members of the mode
 };
 
-/// The others are the resolution, `caps` (the words of its GDIINFO that are not zero, by index),
-/// the physical offset, and the surface.
+/// The words that are not zero, each with its index.
+std::string NumberedWords(std::span<const ULONG> words) {
+  std::string text;
+  for (size_t i = 0; i < words.size(); ++i) {
+    if (words[i] != 0) text += Line(i, ':', words[i], ',');
+  }
+  return text;
+}
+
+/// The others are the resolution, `caps` and `info` (the words of GDIINFO and DEVINFO), the
+/// physical offset, and the surface.
 Outcome Enabled(DEVMODEW* caller) {
   g_module_instance = GetModuleHandleW(nullptr);
   ULONG caps[sizeof(GDIINFO) / sizeof(ULONG)] = {};
-  const DHPDEV handle = quillo::DrvEnablePDEV(caller, nullptr, 0, nullptr, sizeof caps, caps, 0,
-                                              nullptr, nullptr, nullptr, nullptr);
+  alignas(DEVINFO) ULONG info[sizeof(DEVINFO) / sizeof(ULONG)] = {};
+  const DHPDEV handle =
+      quillo::DrvEnablePDEV(caller, nullptr, 0, nullptr, sizeof caps, caps, sizeof info,
+                            reinterpret_cast<DEVINFO*>(info), nullptr, nullptr, nullptr);
   host::EngineDevice engine_device;
   quillo::DrvCompletePDEV(handle, engine_device.Handle());
   const HSURF surface = quillo::DrvEnableSurface(handle);
   const DEVICE_PDEV& device = *FindDevice(handle);
   Outcome outcome = {device.mode, {}};
   auto& values = outcome.others;
-  for (size_t i = 0; i < std::size(caps); ++i) {
-    if (caps[i] == 0) continue;
-    values["caps"] += Line(i, ':', caps[i], ',');
-  }
+  values["caps"] = NumberedWords(caps);
+  auto& palette = reinterpret_cast<DEVINFO*>(info)->hpalDefault;
+  EXPECT_EQ(std::exchange(palette, nullptr), device.palette);
+  values["info"] = NumberedWords(info);
   EXPECT_EQ(device.mode.own.margin_unit, kMarginInches);
   EXPECT_EQ(device.resolution.x, device.resolution.y);
   values["dpi"] = std::to_string(device.resolution.x);

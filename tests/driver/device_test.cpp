@@ -217,6 +217,7 @@ TEST_F(DocumentStart, Raster_HasTheResolutionOfEachAxis) {
   const GDIINFO raster = DescribeGraphics(device_);
   EXPECT_EQ(raster.ulLogPixelsX, 600u);
   EXPECT_EQ(raster.ulLogPixelsY, 300u);
+  EXPECT_EQ(DescribeDevice(device_).lfDefaultFont.lfHeight, -42);  // ten points
 }
 
 }  // namespace

@@ -2,6 +2,7 @@
 
 #include "base/windows.h"
 
+#include <filesystem>
 #include <string>
 
 #include "imaging/bitmap/kernel_settings.h"
@@ -39,31 +40,24 @@ class SettingsScope {
 class TemporaryDirectory {
  public:
   TemporaryDirectory() {
-    wchar_t base[MAX_PATH + 1];
-    GetTempPathW(MAX_PATH, base);
-    path_ = std::wstring(base) + L"qk-test-" + std::to_wstring(GetCurrentProcessId());
-    CreateDirectoryW(path_.c_str(), nullptr);
+    std::filesystem::create_directory(path_);
     wcscpy_s(ThreadSettings().temporary_directory, path_.c_str());
   }
-  /// Windows removes no directory that has files in it.
-  ~TemporaryDirectory() { RemoveDirectoryW(path_.c_str()); }
+  /// No directory that has files in it is removed.
+  ~TemporaryDirectory() {
+    std::error_code not_empty;
+    std::filesystem::remove(path_, not_empty);
+  }
   TemporaryDirectory(const TemporaryDirectory&) = delete;
   TemporaryDirectory& operator=(const TemporaryDirectory&) = delete;
 
-  [[nodiscard]] int Files() const {
-    WIN32_FIND_DATAW found;
-    const HANDLE search = FindFirstFileW((path_ + L"\\*").c_str(), &found);
-    if (search == INVALID_HANDLE_VALUE) return -1;
-    int files = 0;
-    do {
-      if ((found.dwFileAttributes & FILE_ATTRIBUTE_DIRECTORY) == 0) ++files;
-    } while (FindNextFileW(search, &found));
-    FindClose(search);
-    return files;
+  [[nodiscard]] auto Files() const {
+    return std::distance(std::filesystem::directory_iterator(path_), {});
   }
 
  private:
-  std::wstring path_;
+  const std::filesystem::path path_ = std::filesystem::temp_directory_path() /
+                                      (L"qk-test-" + std::to_wstring(GetCurrentProcessId()));
 };
 
 }  // namespace quillo::imaging

@@ -51,9 +51,7 @@ class Traces {
     AddKey(HKEY_CURRENT_USER, L"Software\\Wow6432Node\\Halvard Technologies, Inc.");
     AddKey(HKEY_CURRENT_USER, L"Printers");
     for (const auto& entry : fs::recursive_directory_iterator(L"C:\\windows\\system32\\spool")) {
-      if (!entry.is_regular_file()) continue;
-      std::ifstream file(entry.path(), std::ios::binary);
-      found_[entry.path().wstring()] = {std::istreambuf_iterator<char>(file), {}};
+      if (entry.is_regular_file()) found_[entry.path()] = test::ReadText(entry.path());
     }
   }
   /// What is in one and not the same in the other.
@@ -102,7 +100,6 @@ InstallationPlan Plan() {
 class FailingSystem : public PrintSystem {
  public:
   explicit FailingSystem(int fails) : left_(fails) {}
-  bool HasFailed() const { return left_ <= 0; }
 
  private:
   void Begin(const char* change) override {
@@ -111,41 +108,33 @@ class FailingSystem : public PrintSystem {
   int left_;
 };
 
+/// Refuses each change of an installation in turn, until none is left, and expects no traces of the
+/// attempts. Returns how many changes it takes.
+int RefuseEachChange(const InstallationPlan& plan) {
+  const Traces before;
+  for (int change = 1;; ++change) {
+    FailingSystem failing(change);
+    SCOPED_TRACE(change);
+    try {
+      Installation(failing, plan).Install();
+      return change - 1;
+    } catch (const SystemFailure&) {
+      EXPECT_EQ(Difference(before, Traces()), "");
+    }
+  }
+}
+
 // First of all tests: Wine makes some keys of its own with the first printer.
 TEST(Installation, EachCallFails_EverythingIsAsBefore) {
   PrintSystem system;
   Installation(system, Plan()).Install();
   RemoveInstallation(system);
   const Traces before;
-  int calls = 0;
-  for (bool failed = true; failed;) {
-    FailingSystem failing(++calls);
-    SCOPED_TRACE(calls);
-    try {
-      Installation(failing, Plan()).Install();
-      failed = false;
-    } catch (const SystemFailure&) {
-      EXPECT_EQ(Difference(before, Traces()), "");
-    }
-  }
-  EXPECT_GT(calls, 15);
-  // An update that fails leaves what was there.
-  const Traces installed;
+  EXPECT_GT(RefuseEachChange(Plan()), 14);
   InstallationPlan update = Plan();
   update.data_file.second = "second";
   update.printer = L"Another printer";
-  int update_calls = 0;
-  for (bool failed = true; failed;) {
-    FailingSystem failing(++update_calls);
-    SCOPED_TRACE(update_calls);
-    try {
-      Installation(failing, update).Install();
-      failed = false;
-    } catch (const SystemFailure&) {
-      EXPECT_EQ(Difference(installed, Traces()), "");
-    }
-  }
-  EXPECT_GT(update_calls, 4);
+  EXPECT_GT(RefuseEachChange(update), 3);
   // Removal goes on after a failure, and a second one finishes it.
   FailingSystem failing(1);
   EXPECT_THROW(RemoveInstallation(failing), SystemFailure);
@@ -191,14 +180,11 @@ TEST(DriverPackage, Inf_NamesTheBuiltFiles) {
     }
     return std::wstring(text);
   };
-  EXPECT_EQ(value(L"Version", L"CatalogFile"), L"quillo.cat");
-  EXPECT_EQ(value(L"Manufacturer", L"Halvard Technologies, Inc.", 2), L"NTamd64");
-  EXPECT_EQ(value(L"Quillo.NTamd64", kDriverName), L"Install");
-  EXPECT_EQ(value(L"Quillo.NTamd64", kDriverName, 2), L"");
-  EXPECT_EQ(value(L"Install", L"DriverCategory"), L"PrintFax.Printer.Virtual");
-  EXPECT_EQ(value(L"Install", L"DriverIsolation"), L"2");
-  EXPECT_EQ(value(L"PrinterPackageInstallation.amd64", L"PackageAware"), L"TRUE");
-  EXPECT_EQ(value(L"DestinationDirs", L"DefaultDestDir"), L"66000");
+  for (const test::CaseRow& row : test::ReadCases("setup/inf.txt")) {
+    const std::wstring section = ToWide(row.fields[0]), key = ToWide(row.fields[1]);
+    const auto field = static_cast<DWORD>(std::stoi(row.fields[2]));
+    EXPECT_EQ(ToUtf8(value(section.c_str(), key.c_str(), field)), row.fields[3]) << row.place;
+  }
   const std::wstring version = value(L"Version", L"DriverVer", 2);
   const std::wstring files = value(L"Install", L"CopyFiles");
   std::vector<std::wstring> copied;
