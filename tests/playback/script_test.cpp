@@ -1,10 +1,13 @@
 #include "support/script.h"
 
+#include "base/windows.h"
+
 #include <gtest/gtest.h>
 #include <iomanip>
 #include <map>
 #include <optional>
 #include <sstream>
+#include <winspool.h>
 
 #include "capture/records/types.h"
 #include "playback/page.h"
@@ -36,6 +39,17 @@ std::string Narrow(std::wstring_view text) {
     if (c < 32 || c > 126) out << "\\x" << std::hex << int{c};
   }
   return out.str();
+}
+
+const HANDLE kPrinter = reinterpret_cast<HANDLE>(0x1234);
+
+/// Knows the printer alone.
+BOOL WINAPI FakeGetPrinter(HANDLE printer, DWORD level, BYTE* info, DWORD size, DWORD* needed) {
+  static wchar_t name[] = L"A printer";
+  *needed = sizeof(PRINTER_INFO_4W);
+  if (printer != kPrinter || level != 4 || size < *needed) return FALSE;
+  *reinterpret_cast<PRINTER_INFO_4W*>(info) = {name, nullptr, 0};
+  return TRUE;
 }
 
 /// Runs a script of tests/corpus/playback; the README there describes them.
@@ -91,6 +105,8 @@ class PlaybackScript : public testing::TestWithParam<const char*> {
       dc_ = page_->context.page_dc = canvas_.emplace(width, height).Dc();
     } else if (name == "pageless") {
       page_->context.page_dc = nullptr;
+    } else if (name == "printer") {
+      page_->context.job.printer = kPrinter;
     } else if (name == "room") {
       words >> page_->context.run_length_pixels_left;
     } else if (name == "pixels") {
@@ -185,7 +201,8 @@ class PlaybackScript : public testing::TestWithParam<const char*> {
       if (argument == dc_) return;
       GetObjectW(GetCurrentObject(argument, OBJ_BITMAP), sizeof bitmap, &bitmap);
       out << ' ' << bitmap.bmWidth << 'x' << bitmap.bmHeight;
-    } else if constexpr (std::is_same_v<T, HGDIOBJ> || std::is_same_v<T, HBRUSH>) {
+    } else if constexpr (std::is_same_v<T, HGDIOBJ> || std::is_same_v<T, HBRUSH> ||
+                         std::is_same_v<T, HBITMAP>) {
       out << NumberOf(argument);
     } else if constexpr (std::is_same_v<T, BLENDFUNCTION>) {
       ShowNumber(out, std::bit_cast<DWORD>(argument));
@@ -209,6 +226,10 @@ class PlaybackScript : public testing::TestWithParam<const char*> {
       ShowFields<WORD>(out, argument, sizeof *argument / sizeof(WORD));
     } else if constexpr (std::is_same_v<T, const XFORM*>) {
       ShowFields<float>(out, argument, 6);
+    } else if constexpr (std::is_same_v<T, const void*>) {
+      ShowFields<DWORD>(out, argument, 1);
+    } else if constexpr (std::is_same_v<T, const BITMAPINFO*>) {
+      ShowFields<DWORD>(out, argument->bmiColors, 2);
     } else if constexpr (std::is_same_v<T, const wchar_t*>) {
       out << " '" << Narrow({argument, static_cast<size_t>(behind)}) << '\'';
     } else {
@@ -272,6 +293,13 @@ class PlaybackScript : public testing::TestWithParam<const char*> {
   std::map<std::string, int64_t> answers_;  // of functions that are not to be called
   std::vector<HGDIOBJ> objects_;            // by their number
   std::optional<WATCH(CreateDIBSection)> no_section_;
+  const WATCH(GetPrinterW) printers_{FakeGetPrinter};
+  const WATCH(CreateDCW) printer_dcs_{
+      [this](auto, const WCHAR* printer, auto, const DEVMODEW* settings) {
+        EXPECT_EQ(settings, &page_->settings.pub);
+        calls_.push_back("CreateDCW " + Narrow(printer));
+        return answers_.contains("CreateDCW") ? nullptr : CreateCompatibleDC(nullptr);
+      }};
 
 #define CALL(function) \
   WATCH(function)      \
@@ -285,7 +313,7 @@ class PlaybackScript : public testing::TestWithParam<const char*> {
   CALL(ModifyWorldTransform) CALL(CreatePenIndirect) CALL(ExtCreatePen) CALL(CreateBrushIndirect)
   CALL(CreateFontIndirectW) CALL(SelectObject) CALL(DeleteObject) CALL(SetTextAlign)
   CALL(SetTextColor) CALL(ExtTextOutW) CALL(BitBlt) CALL(StretchBlt) CALL(AlphaBlend)
-  CALL(SetColorAdjustment) CALL(SetStretchBltMode)
+  CALL(SetColorAdjustment) CALL(SetStretchBltMode) CALL(CreateDIBitmap) CALL(MaskBlt)
   // clang-format on
 #undef CALL
 };
