@@ -10,6 +10,7 @@
 #include "config/settings/printer_options.h"
 #include "config/settings/stored_device_mode.h"
 #include "config/settings_test.h"
+#include "config/user/user_files.h"
 #include "config/user/user_paths.h"
 #include "support/holdings.h"
 #include "support/late_functions.h"
@@ -314,6 +315,18 @@ class SettingsScripts : public SettingsTest {
          GetTempPathW(MAX_PATH, spoolers);
          if (folder[0] == L'\0') return;
          out_ << ' ' << (lstrcmpW(folder, spoolers) == 0 ? "the spooler's" : Narrow(folder));
+       }},
+      {"files-folder",  // DRIVE, its kind: whether files can be there, the folder, the drive asked
+       [this](auto& line) {
+         const auto kind = Integral<UINT>(line);
+         std::wstring root = L"none";
+         const WATCH(GetDriveTypeW) drive([&](LPCWSTR asked) {
+           root = asked;
+           return kind;
+         });
+         wchar_t folder[MAX_PATH];
+         out_ << UserFilesFolder(folder) << ' ' << Narrow(folder);
+         out_ << ' ' << Narrow(root.c_str());
        }},
   };
 };

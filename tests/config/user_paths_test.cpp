@@ -89,29 +89,6 @@ TEST(UserTempFolder, NoRoomAndNoExpansion) {
   EXPECT_EQ(UserTempFolder(folder, MAX_PATH), 0u);
 }
 
-TEST(UserFilesFolder, AbsoluteOnALocalDriveOnly) {
-  const RegistrySandbox sandbox;
-  const struct {
-    const wchar_t* folder;
-    UINT drive;
-    bool there;
-  } cases[] = {{L"C:\\tmp", DRIVE_FIXED, true},        {L"c:/tmp", DRIVE_RAMDISK, true},
-               {L"z:\\", DRIVE_REMOVABLE, true},       {L"C:\\tmp", DRIVE_REMOTE, false},
-               {L"C:\\tmp", DRIVE_NO_ROOT_DIR, false}, {L"C:tmp", DRIVE_FIXED, false},
-               {L"tmp", DRIVE_FIXED, false},           {L"\\tmp", DRIVE_FIXED, false},
-               {L"\\\\host\\tmp", DRIVE_FIXED, false}, {L"[:\\tmp", DRIVE_FIXED, false}};
-  for (const auto& c : cases) {
-    PutValue(HKEY_CURRENT_USER, L"Environment", L"TMP", Terminated(c.folder));
-    const WATCH(GetDriveTypeW) drive([&](LPCWSTR root) {
-      EXPECT_EQ(std::wstring(root), std::wstring(1, c.folder[0]) + L":\\");
-      return c.drive;
-    });
-    wchar_t folder[MAX_PATH];
-    EXPECT_EQ(UserFilesFolder(folder), c.there) << &c - cases;
-    EXPECT_STREQ(folder, c.folder);
-  }
-}
-
 int tries, reverts;
 bool works;
 

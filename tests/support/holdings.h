@@ -11,27 +11,27 @@
 
 namespace quillo::test {
 
-/// The number of GDI objects of the process but for a constant: freed handles are used again before
-/// others, so that the highest among many new ones grows with each leak.
-inline uintptr_t LiveGdiObjects() {
-  std::vector<Pen> fresh;
+/// The number of objects of a kind but for a constant: freed handles are used again before others,
+/// so that the highest among many new ones grows with each leak.
+template <typename Owner, typename Make>
+uintptr_t HighestHandle(int count, uintptr_t mask, Make make) {
+  std::vector<Owner> fresh;
   uintptr_t highest = 0;
-  for (int i = 0; i < 1000; ++i) {
-    fresh.emplace_back(CreatePen(PS_SOLID, 1, 0));
-    highest = std::max(highest, reinterpret_cast<uintptr_t>(fresh.back().Get()) & 0xFFFF);
+  for (int i = 0; i < count; ++i) {
+    fresh.emplace_back(make());
+    highest = std::max(highest, reinterpret_cast<uintptr_t>(fresh.back().Get()) & mask);
   }
   return highest;
 }
 
-/// The same for kernel handles, which Wine does not count either.
+inline uintptr_t LiveGdiObjects() {
+  return HighestHandle<Pen>(1000, 0xFFFF, [] { return CreatePen(PS_SOLID, 1, 0); });
+}
+
+/// Wine does not count these either.
 inline uintptr_t LiveKernelHandles() {
-  std::vector<KernelHandle> fresh;
-  uintptr_t highest = 0;
-  for (int i = 0; i < 100; ++i) {
-    fresh.emplace_back(CreateEventW(nullptr, TRUE, FALSE, nullptr));
-    highest = std::max(highest, reinterpret_cast<uintptr_t>(fresh.back().Get()));
-  }
-  return highest;
+  return HighestHandle<KernelHandle>(100, ~uintptr_t{0},
+                                     [] { return CreateEventW(nullptr, TRUE, FALSE, nullptr); });
 }
 
 /// What the process holds.

@@ -91,29 +91,15 @@ TEST_F(Capabilities, JobOnUnknownPaper_IsHeldWithAReason) {
   auto* query = Export<decltype(DevQueryPrintEx)>("DevQueryPrintEx");
   DeviceMode mode;
   BuildDefaultDeviceMode(mode, kUiPrinter);
-  constexpr struct {
-    short paper;
-    DWORD fields;
-    WORD size;
-    bool prints;
-  } kCases[] = {{DMPAPER_A4, DM_PAPERSIZE, 220, true},
-                {300, DM_PAPERSIZE, 220, true},
-                {DMPAPER_USER, DM_PAPERSIZE, 220, true},
-                {12, DM_PAPERSIZE, 220, false},
-                {301, DM_PAPERSIZE, 220, false},
-                {-1, DM_PAPERSIZE, 220, false},
-                {301, DM_COPIES, 220, true},
-                {301, DM_PAPERSIZE, 78, true}};
-  for (const auto& c : kCases) {
-    SCOPED_TRACE(c.paper);
-    mode.pub.dmPaperSize = c.paper;
-    mode.pub.dmFields = c.fields;
-    mode.pub.dmSize = c.size;
+  for (const CaseRow& row : ReadCases("ui/held_jobs.txt")) {
+    SCOPED_TRACE(row.place);
+    const bool prints = row.fields[1] == "prints";
+    SetMembers(mode, row.fields[0]);
     wchar_t reason[8] = L"#######";
     DEVQUERYPRINT_INFO info{sizeof info, 1, printer_.Get(), &mode.pub, reason, 7, 0};
-    EXPECT_EQ(query(&info), c.prints);
-    EXPECT_STREQ(reason, c.prints ? L"#######" : L"The pr");
-    EXPECT_EQ(info.cchNeeded, c.prints ? 0u : 65u);
+    EXPECT_EQ(query(&info), prints);
+    EXPECT_STREQ(reason, prints ? L"#######" : L"The pr");
+    EXPECT_EQ(info.cchNeeded, prints ? 0u : 65u);
     EXPECT_EQ(reason[7], L'\0');
   }
   EXPECT_FALSE(query(nullptr));

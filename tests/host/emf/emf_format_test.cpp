@@ -149,6 +149,7 @@ TEST(Transform, Inverse_UndoesTheMap) {
   EXPECT_FALSE((Transform{1, 0, 0, NAN, 0, 0}.Usable()));
 }
 
+/// Of a device of 1000 by 500 pixels, 200 by 100 mm.
 MetafileHeader HeaderOf(RectL frame, RectL bounds) {
   MetafileHeader header;
   header.frame = frame;
@@ -158,16 +159,14 @@ MetafileHeader HeaderOf(RectL frame, RectL bounds) {
   return header;
 }
 
-std::string Describe(const FrameRect& frame) {
-  return test::Line(frame.left, ",", frame.top, " ", frame.width, "x", frame.height);
-}
-
 TEST(PageMapping, EmptyFrame_FallsBackToBoundsThenDevice) {
-  EXPECT_EQ(Describe(FrameOf(HeaderOf({100, 200, 1100, 700}, {}))), "5,10 50x25");
-  EXPECT_EQ(Describe(FrameOf(HeaderOf({0, 0, -1, -1}, {10, 20, 19, 24}))), "10,20 10x5");
-  EXPECT_EQ(Describe(FrameOf(HeaderOf({}, {}))), "0,0 1000x500");
-  EXPECT_EQ(Describe(FrameOf(HeaderOf({INT32_MIN, 0, INT32_MAX, 100}, {}))),
-            "-1.07374e+08,0 2.14748e+08x5");
+  test::CheckCases("host/page_frames.txt", [](const auto& fields) {
+    RectL frame{}, bounds{};
+    test::Scan(fields[0], frame.left, frame.top, frame.right, frame.bottom);
+    test::Scan(fields[1], bounds.left, bounds.top, bounds.right, bounds.bottom);
+    const FrameRect rect = FrameOf(HeaderOf(frame, bounds));
+    return test::Line(rect.left, ",", rect.top, " ", rect.width, "x", rect.height);
+  });
 }
 
 TEST(PageMapping, FitFrame_KeepsProportionsAndCentres) {
