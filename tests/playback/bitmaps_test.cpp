@@ -10,7 +10,6 @@
 #include "support/watch.h"
 
 // What the scripts of playback do not show of pages that are one bitmap.
-// Pictures on their way from hook to page are in round_trip_test.cpp.
 namespace quillo::test {
 namespace {
 
