@@ -1,7 +1,5 @@
 #include "faults/scenarios.h"
 
-#include <fstream>
-#include <map>
 #include <optional>
 
 #include "fuzz/harness/guarded_heap.h"
@@ -9,8 +7,7 @@
 #include "fuzz/harness/page_content.h"
 #include "host/base/com_apartment.h"
 #include "host/client/client_process.h"
-#include "host/emf/metafile_script.h"
-#include "host/emf_player/emf_player.h"
+#include "host/emf/drawn_script.h"
 #include "host/engine/driver_module.h"
 #include "host/engine/print_session.h"
 #include "host/printer/printer_setup.h"
@@ -37,19 +34,6 @@ void WINAPI ReportMemory(MEMORYSTATUS* status) {
   if (machine_is_small) status->dwAvailPhys = status->dwAvailPageFile = 0;
 }
 int WINAPI NobodyReads(HWND, LPCWSTR, LPCWSTR, UINT) { return IDOK; }
-
-void DrawScript(host::Graphics& page, const char* name) {
-  static std::map<std::string, std::vector<host::emf::ScriptCase>> read;
-  auto& cases = read[name];
-  if (cases.empty()) {
-    std::ifstream script(std::string(QUILLO_SOURCE_DIR "/tests/corpus/") + name);
-    cases = host::emf::ReadScript(script, name);
-  }
-  for (const host::emf::ScriptCase& c : cases) {
-    host::emf::MetafileReader reader(c.metafile);
-    host::emf::EmfPlayer(reader, c.to_page, page).Play();
-  }
-}
 
 void DrawLargePicture(host::Graphics& page) {
   static host::BitmapSource large;
@@ -174,7 +158,7 @@ class Stage::Job {
     interposer.phase = "beginning";
     host::Graphics& page = session.StartPage(mode.pub);
     interposer.phase = phase;
-    for (const char* script : scenario_.scripts) DrawScript(page, script);
+    for (const char* script : scenario_.scripts) host::emf::DrawScript(page, script);
     if (scenario_.short_of_memory) DrawLargePicture(page);
     page.Finish();
     int32_t units[4] = {};

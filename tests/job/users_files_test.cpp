@@ -2,6 +2,7 @@
 // somebody else.
 
 #include <filesystem>
+#include <fstream>
 #include <gtest/gtest.h>
 
 #include "capture/records/types.h"
@@ -29,10 +30,6 @@ class UsersFiles : public testing::Test, protected test::SpooledJob {
     return test::Line(method, " VORNIX Quillo 6 ", Id(), rest);
   }
 };
-
-void MakeEmpty(const fs::path& path) {
-  CloseHandle(CreateFileW(path.c_str(), GENERIC_WRITE, 0, nullptr, CREATE_ALWAYS, 0, nullptr));
-}
 
 TEST_F(UsersFiles, ReferenceToAnythingButTheClientsInterface_NeverReachesTheSystem) {
   const Bytes id = std::as_bytes(std::span(&__uuidof(IQuilloClient), 1));
@@ -114,7 +111,7 @@ TEST_F(UsersFiles, UsersFiles_TouchedAsTheUserAndNothingElseIs) {
 TEST_F(UsersFiles, LinkInTheWay_LeadsNowhere) {
   const fs::path other = test::TempFolder() + L"\\somebody else's";
   const fs::path fonts = FontsFile();
-  MakeEmpty(other);
+  std::ofstream(other).flush();
   CreateHardLinkW(fonts.c_str(), other.c_str(), nullptr);
   Connect();
   {

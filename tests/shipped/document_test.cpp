@@ -1,8 +1,7 @@
 #include <gtest/gtest.h>
 #include <optional>
 
-#include "host/emf/metafile_script.h"
-#include "host/emf_player/emf_player.h"
+#include "host/emf/drawn_script.h"
 #include "host/engine/driver_module.h"
 #include "host/engine/print_session.h"
 #include "host/printer/printer_setup.h"
@@ -51,27 +50,15 @@ class Document : public testing::Test {
   std::optional<host::SpoolJob> spool_job_;
 };
 
-/// Plays scripts of metafiles. (Bitmaps are not among them: Wine leaks objects of its own there.)
-void DrawScripts(host::Graphics& page) {
-  static const auto kCases = [] {
-    std::vector<host::emf::ScriptCase> all;
-    for (const char* name : {"lines.txt", "pens_brushes.txt", "paths_clips.txt", "text.txt"}) {
-      const auto cases = host::emf::ReadScript(name);
-      all.insert(all.end(), cases.begin(), cases.end());
-    }
-    return all;
-  }();
-  for (const host::emf::ScriptCase& c : kCases) {
-    host::emf::MetafileReader reader(c.metafile);
-    host::emf::EmfPlayer(reader, c.to_page, page).Play();
-  }
-}
-
 TEST_F(Document, TwoHundredPages_HoldNoMoreThanTwoAndAnotherDocumentFollows) {
   const auto session = Start();
   test::Holdings after_two = {};
   for (int page = 1; page <= 200; ++page) {
-    DrawScripts(session->StartPage(mode_.pub));
+    host::Graphics& drawn = session->StartPage(mode_.pub);
+    // (Not bitmaps: Wine leaks objects of its own there.)
+    for (const char* script : {"lines", "pens_brushes", "paths_clips", "text"}) {
+      host::emf::DrawScript(drawn, test::Line("emf/", script, ".txt"));
+    }
     session->SendPage();
     client_.calls.clear();
     if (page == 2) after_two = test::Holdings::Now();

@@ -52,7 +52,7 @@ std::string Outcome(Bytes file) {
 }
 
 TEST(MetafileReader, Script_GivesItsRecordsAndFaults) {
-  for (const ScriptCase& c : ReadScript("reading.txt")) {
+  for (const ScriptCase& c : ReadScript("emf/reading.txt")) {
     EXPECT_EQ(Outcome(c.metafile), c.expected) << c.place;
   }
 }
@@ -111,7 +111,7 @@ TEST(PayloadReader, Reads_StayInsideTheRecord) {
 
 TEST(CarriedRecords, ReplaceTheirComments) {
   // Pairs of a metafile with carried records, and what becomes of it.
-  const std::vector<ScriptCase> cases = ReadScript("carried.txt");
+  const std::vector<ScriptCase> cases = ReadScript("emf/carried.txt");
   for (size_t i = 0; i + 1 < cases.size(); i += 2) {
     auto bytes = cases[i].metafile;
     const auto size = UnpackCarriedRecords(bytes);
@@ -122,7 +122,7 @@ TEST(CarriedRecords, ReplaceTheirComments) {
 }
 
 TEST(CarriedRecords, BrokenMetafiles_AreRefused) {
-  const auto whole = ReadScript("carried.txt")[0].metafile;
+  const auto whole = ReadScript("emf/carried.txt")[0].metafile;
   for (size_t size = 0; size < whole.size(); ++size) {
     std::vector<std::byte> cut(whole.begin(), whole.begin() + static_cast<ptrdiff_t>(size));
     EXPECT_FALSE(UnpackCarriedRecords(cut)) << size;

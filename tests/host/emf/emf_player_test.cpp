@@ -59,9 +59,9 @@ GlyphOrder GlyphOrderOf(const std::string& name) {
 }
 
 TEST_F(Player, Scripts_GiveTheirCallsAndFaults) {
-  for (const char* name : {"lines.txt", "driver.txt", "state.txt", "pens_brushes.txt",
-                           "paths_clips.txt", "bitmaps.txt", "text.txt", "damaged.txt"}) {
-    for (const ScriptCase& c : ReadScript(name)) {
+  for (const std::string name :
+       {"lines", "driver", "state", "pens_brushes", "paths_clips", "bitmaps", "text", "damaged"}) {
+    for (const ScriptCase& c : ReadScript("emf/" + name + ".txt")) {
       driver_.refusing = c.refusing;
       driver_.graphics_caps = c.curves ? GCAPS_BEZIERS : 0;
       EXPECT_EQ(Play(c.metafile, c.to_page, {GlyphOrderOf(c.glyph_order)}), c.expected) << c.place;
@@ -70,7 +70,7 @@ TEST_F(Player, Scripts_GiveTheirCallsAndFaults) {
 }
 
 TEST_F(Player, EveryTruncationOfARecord_IsRefused) {
-  for (const ScriptCase& c : ReadScript("truncated.txt")) {
+  for (const ScriptCase& c : ReadScript("emf/truncated.txt")) {
     EXPECT_EQ(Play(c.metafile).find('!'), std::string::npos) << c.place;
     MetafileReader reader(c.metafile);
     reader.Next();

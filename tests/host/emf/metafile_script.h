@@ -11,7 +11,7 @@ namespace quillo::host::emf {
 
 /// A metafile as text, and its expected outcome.
 struct ScriptCase {
-  std::string place;  // "lines.txt:12"
+  std::string place;  // "emf/lines.txt:12"
   std::vector<std::byte> metafile;
   Transform to_page;
   std::string refusing;  // the driver's function that fails
@@ -42,7 +42,7 @@ struct ScriptCase {
 /// zeros up to 24 words of fields. `name:` marks a place, and @name is its offset in the record.
 std::vector<ScriptCase> ReadScript(std::istream& script, const std::string& name);
 
-/// Reads tests/corpus/emf/`name`.
+/// Reads tests/corpus/`name`.
 std::vector<ScriptCase> ReadScript(const std::string& name);
 
 }  // namespace quillo::host::emf

@@ -46,8 +46,7 @@ TEST(PdfPages, AreMadeOfMetafiles) {
   pdf.AddFont(folder / L"locked.tmp");
   pdf.AddFont(folder / L"upright.tmp");
   std::ofstream expected(folder / L"expected", std::ios::binary);
-  std::ifstream script(QUILLO_SOURCE_DIR "/tests/corpus/pdf/pages.txt");
-  for (const auto& c : emf::ReadScript(script, "pages.txt")) {
+  for (const auto& c : emf::ReadScript("pdf/pages.txt")) {
     char name[32];
     std::snprintf(name, sizeof name, "page-%04d", ++page);
     const fs::path emf = folder / (std::string(name) + ".emf");
