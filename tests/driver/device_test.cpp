@@ -2,6 +2,7 @@
 
 #include <array>
 #include <cstring>
+#include <functional>
 #include <gtest/gtest.h>
 #include <memory>
 #include <vector>
@@ -103,26 +104,21 @@ TEST_F(Device, ForeignHandle_RefusedWithLastError) {
   const DHPDEV good = Enable();
   const DHPDEV freed = Enable();
   quillo::DrvDisablePDEV(freed);
+  const std::function<bool(DHPDEV)> calls[] = {
+      [=](DHPDEV handle) { return quillo::DrvResetPDEV(handle, good); },
+      [=](DHPDEV handle) { return quillo::DrvResetPDEV(good, handle); },
+      [](DHPDEV handle) { return quillo::DrvCompletePDEV(handle, nullptr), false; },
+      [](DHPDEV handle) { return quillo::DrvDisablePDEV(handle), false; },
+      [](DHPDEV handle) { return quillo::DrvEnableSurface(handle) != nullptr; },
+      [](DHPDEV handle) { return quillo::DrvDisableSurface(handle), false; }};
   int index = 0;
   for (const DHPDEV handle : ForeignHandles(freed)) {
     SCOPED_TRACE(index++);
-    const auto refused = [](auto result) {
-      const DWORD error = GetLastError();
+    for (const auto& call : calls) {
       SetLastError(0);
-      return !result && error == ERROR_INVALID_PARAMETER;
-    };
-    const auto done = [](auto&& call) {
-      call();
-      return false;
-    };
-    SetLastError(0);
-    EXPECT_TRUE(refused(quillo::DrvResetPDEV(handle, good)));
-    EXPECT_TRUE(refused(quillo::DrvResetPDEV(good, handle)));
-    EXPECT_TRUE(refused(done([handle] { quillo::DrvCompletePDEV(handle, nullptr); })));
-    EXPECT_TRUE(refused(done([handle] { quillo::DrvDisablePDEV(handle); })));
-    EXPECT_TRUE(refused(quillo::DrvEnableSurface(handle) != nullptr));
-    EXPECT_TRUE(refused(done([handle] { quillo::DrvDisableSurface(handle); })));
-
+      EXPECT_FALSE(call(handle)) << &call - calls;
+      EXPECT_EQ(GetLastError(), static_cast<DWORD>(ERROR_INVALID_PARAMETER)) << &call - calls;
+    }
     SURFOBJ surface = {};
     surface.dhpdev = handle;
     EXPECT_FALSE(quillo::DrvStartDoc(&surface, nullptr, 1));

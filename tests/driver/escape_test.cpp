@@ -1,32 +1,20 @@
 #include "base/ddi.h"
 
 #include <array>
-#include <cstring>
 #include <gtest/gtest.h>
 
 #include "driver/callbacks.h"
-#include "driver/device/device.h"
-#include "job/job.h"
+#include "support/driver_job.h"
 
 namespace quillo {
 namespace {
 
-class EscapeTest : public testing::Test {
+class EscapeTest : public testing::Test, protected test::DriverJob {
  protected:
-  EscapeTest() {
-    device_.signature = device_.closing_signature = kDeviceSignature;
-    BuildDefaultDeviceMode(device_.mode, nullptr);
-    device_.mode.pub.dmPrintQuality = DMRES_MEDIUM;
-    surface_.dhpdev = reinterpret_cast<DHPDEV>(&device_);
-  }
-
   /// The sizes are not looked at, so none are given.
   static ULONG Escape(SURFOBJ* surface, ULONG code, void* input, void* output) {
     return quillo::DrvEscape(surface, code, 0, input, 0, output);
   }
-
-  DEVICE_PDEV device_ = {};
-  SURFOBJ surface_ = {};
 };
 
 TEST_F(EscapeTest, Query_AnswersForTheFour) {
@@ -56,15 +44,14 @@ TEST_F(EscapeTest, BadArguments_AnswerZero) {
 }
 
 TEST_F(EscapeTest, JobMark_IsWrittenOnlyIntoAnOpenJob) {
-  EXPECT_EQ(Escape(&surface_, 5001, nullptr, nullptr), 1u);
-  device_.job = OpenJob(nullptr, 1);
-  ASSERT_NE(device_.job, nullptr);
   EXPECT_EQ(Escape(&surface_, 5000, nullptr, nullptr), 1u);
-  EXPECT_EQ(device_.job->record_count, 0u);
+  EXPECT_EQ(job_.record_count, 0u);
   EXPECT_EQ(Escape(&surface_, 5001, nullptr, nullptr), 1u);
-  EXPECT_EQ(device_.job->record_count, 1u);
-  EXPECT_TRUE(device_.job->record_buffer.Unread().empty());  // whole, and passed over
-  SignalEndAndDestroy(device_.job);
+  EXPECT_EQ(job_.record_count, 1u);
+  EXPECT_TRUE(job_.record_buffer.Unread().empty());  // whole, and passed over
+  device_.job = nullptr;
+  EXPECT_EQ(Escape(&surface_, 5001, nullptr, nullptr), 1u);
+  EXPECT_EQ(job_.record_count, 1u);
 }
 
 }  // namespace

@@ -109,11 +109,11 @@ class PrintScript : public testing::Test {
     if (word == "metafile") {
       std::stringstream lines;
       while (std::getline(more, text) && !text.empty()) lines << text << '\n';
-      Write(file, host::emf::ReadScript(lines, "print.txt").front().metafile);
+      WriteWhole(file, host::emf::ReadScript(lines, "print.txt").front().metafile);
     } else if (word == "file") {
       std::getline(fields >> std::ws, text);
       text = Unescaped(text);
-      Write(file, std::as_bytes(std::span(text)));
+      WriteWhole(file, std::as_bytes(std::span(text)));
     } else if (word == "copy") {
       std::getline(fields >> std::ws, text);
       fs::copy_file(file, folder_ / host::ToWide(text), fs::copy_options::overwrite_existing);
@@ -143,11 +143,6 @@ class PrintScript : public testing::Test {
     }
   }
 
-  static void Write(const fs::path& file, Bytes content) {
-    std::ofstream(file, std::ios::binary)
-        .write(reinterpret_cast<const char*>(content.data()),
-               static_cast<std::streamsize>(content.size()));
-  }
   /// "RRGGBB"; each channel is rounded to one hexadecimal digit, twice.
   static std::string ColourOf(const fs::path& picture, size_t x, size_t y) {
     const std::vector<std::byte> bytes = ReadFile(picture);

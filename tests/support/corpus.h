@@ -32,4 +32,10 @@ inline std::vector<std::byte> ReadFile(const std::filesystem::path& path) {
   return bytes;
 }
 
+inline void WriteWhole(const std::filesystem::path& path, Bytes content) {
+  std::ofstream(path, std::ios::binary)
+      .write(reinterpret_cast<const char*>(content.data()),
+             static_cast<std::streamsize>(content.size()));
+}
+
 }  // namespace quillo::test

@@ -78,15 +78,15 @@ std::string Describe(CLIPOBJ* clip) {
   return text;
 }
 
-std::string DescribeMix(MIX mix) {
+std::string DescribeOrigin(const POINTL* origin) {
+  return origin->x == 0 && origin->y == 0 ? "" : ", origin " + Describe(*origin);
+}
+
+std::string Describe(MIX mix, CLIPOBJ* clip, const POINTL* origin = nullptr) {
   std::string text;
   if ((mix & 0xFF) != R2_COPYPEN) text += Line(", mix ", mix & 0xFF);
   if (mix >> 8 != (mix & 0xFF)) text += Line(", background mix ", mix >> 8);
-  return text;
-}
-
-std::string DescribeOrigin(const POINTL* origin) {
-  return origin->x == 0 && origin->y == 0 ? "" : ", origin " + Describe(*origin);
+  return text + (origin != nullptr ? DescribeOrigin(origin) : "") + Describe(clip);
 }
 
 std::string Describe(BRUSHOBJ* brush) {
@@ -177,31 +177,31 @@ WINBOOL APIENTRY RealizeBrush(BRUSHOBJ* brush, SURFOBJ*, SURFOBJ* pattern, SURFO
 WINBOOL APIENTRY StrokePath(SURFOBJ*, PATHOBJ* path, CLIPOBJ* clip, XFORMOBJ* transform,
                             BRUSHOBJ* brush, POINTL* origin, LINEATTRS* line, MIX mix) {
   return Note("StrokePath", Describe(*line, transform, brush), ",", Describe(path),
-              DescribeMix(mix), DescribeOrigin(origin), Describe(clip));
+              Describe(mix, clip, origin));
 }
 
 WINBOOL APIENTRY FillPath(SURFOBJ*, PATHOBJ* path, CLIPOBJ* clip, BRUSHOBJ* brush, POINTL* origin,
                           MIX mix, FLONG mode) {
   return Note("FillPath", Describe(brush), mode == FP_WINDINGMODE ? " winding" : "", ",",
-              Describe(path), DescribeMix(mix), DescribeOrigin(origin), Describe(clip));
+              Describe(path), Describe(mix, clip, origin));
 }
 
 WINBOOL APIENTRY StrokeAndFillPath(SURFOBJ*, PATHOBJ* path, CLIPOBJ* clip, XFORMOBJ* transform,
                                    BRUSHOBJ* stroke, LINEATTRS* line, BRUSHOBJ* fill,
                                    POINTL* origin, MIX mix, FLONG mode) {
   return Note("StrokeAndFillPath", Describe(*line, transform, stroke), ", ", Describe(fill),
-              mode == FP_WINDINGMODE ? " winding" : "", ",", Describe(path), DescribeMix(mix),
-              DescribeOrigin(origin), Describe(clip));
+              mode == FP_WINDINGMODE ? " winding" : "", ",", Describe(path),
+              Describe(mix, clip, origin));
 }
 
 WINBOOL APIENTRY LineTo(SURFOBJ*, CLIPOBJ* clip, BRUSHOBJ* brush, LONG x1, LONG y1, LONG x2,
                         LONG y2, RECTL*, MIX mix) {
-  return Note("LineTo", Describe(brush), ", ", Describe(RECTL{x1, y1, x2, y2}), DescribeMix(mix),
-              Describe(clip));
+  return Note("LineTo", Describe(brush), ", ", Describe(RECTL{x1, y1, x2, y2}),
+              Describe(mix, clip));
 }
 
 WINBOOL APIENTRY Paint(SURFOBJ*, CLIPOBJ* clip, BRUSHOBJ* brush, POINTL* origin, MIX mix) {
-  return Note("Paint", Describe(brush), DescribeMix(mix), DescribeOrigin(origin), Describe(clip));
+  return Note("Paint", Describe(brush), Describe(mix, clip, origin));
 }
 
 /// Size, depth and, of small pictures, all pixels as the driver would copy them.

@@ -9,18 +9,13 @@
 #include "host/client/pdf_maker.h"
 #include "host/emf/metafile_script.h"
 #include "host/preview/preview.h"
+#include "support/corpus.h"
 #include "support/renamed_font.h"
 
 namespace quillo::host {
 namespace {
 
 namespace fs = std::filesystem;
-
-void Write(const fs::path& path, const std::vector<std::byte>& content) {
-  std::ofstream(path, std::ios::binary)
-      .write(reinterpret_cast<const char*>(content.data()),
-             static_cast<std::streamsize>(content.size()));
-}
 
 /// A font whose licence forbids it to be embedded (OS/2, "fsType").
 std::vector<std::byte> LockedFont() {
@@ -38,8 +33,8 @@ TEST(PdfPages, AreMadeOfMetafiles) {
   const fs::path folder = QUILLO_PDF_PAGES;
   fs::remove_all(folder);
   fs::create_directories(folder);
-  Write(folder / L"locked.tmp", LockedFont());
-  Write(folder / L"upright.tmp", test::RenamedFont(u"Quillo Upright.tmp"));
+  test::WriteWhole(folder / L"locked.tmp", LockedFont());
+  test::WriteWhole(folder / L"upright.tmp", test::RenamedFont(u"Quillo Upright.tmp"));
   int done = 0, page = 0;
   PdfMaker pdf(folder / L"pages.pdf", [&done](int) { ++done; });
   pdf.SetTitle("Title \xCE\xA9");
@@ -50,7 +45,7 @@ TEST(PdfPages, AreMadeOfMetafiles) {
     char name[32];
     std::snprintf(name, sizeof name, "page-%04d", ++page);
     const fs::path emf = folder / (std::string(name) + ".emf");
-    Write(emf, c.metafile);
+    test::WriteWhole(emf, c.metafile);
     pdf.AddPage(emf, 200, 100);
     std::istringstream lines(c.expected);
     std::string kind, value;
