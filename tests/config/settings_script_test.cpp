@@ -78,11 +78,14 @@ HKEY Hive(std::istream& line) {
   return Word(line) == "user" ? HKEY_CURRENT_USER : HKEY_LOCAL_MACHINE;
 }
 
-/// "own" stands for the printer's own key.
-std::wstring Key(std::istream& line) {
-  std::wstring key = WideWord(line);
-  return key.starts_with(L"own") ? kOwnKey + key.substr(3) : key;
-}
+/// HIVE KEY; "own" stands for the printer's own key.
+struct HiveKey {
+  explicit HiveKey(std::istream& line) : hive(Hive(line)), path(WideWord(line)) {
+    if (path.starts_with(L"own")) path.replace(0, 3, kOwnKey);
+  }
+  HKEY hive;
+  std::wstring path;
+};
 
 /// NUMBER KIND LENGTH WIDTH NAME
 CustomPaper Paper(std::istream& line) {
@@ -183,15 +186,15 @@ class SettingsScripts : public SettingsTest {
   const Commands commands_ = {
       {"put",  // HIVE KEY NAME VALUE
        [](auto& line) {
-         const HKEY hive = Hive(line);
-         const std::wstring key = Key(line), name = WideWord(line);
-         PutValue(hive, key, name.c_str(), *Value(line));
+         const HiveKey key(line);
+         const std::wstring name = WideWord(line);
+         PutValue(key.hive, key.path, name.c_str(), *Value(line));
        }},
       {"has",  // HIVE KEY NAME VALUE: it is stored
        [](auto& line) {
-         const HKEY hive = Hive(line);
-         const std::wstring key = Key(line), name = WideWord(line);
-         EXPECT_EQ(GetValue(hive, key, name.c_str()), Value(line));
+         const HiveKey key(line);
+         const std::wstring name = WideWord(line);
+         EXPECT_EQ(GetValue(key.hive, key.path, name.c_str()), Value(line));
        }},
       {"data",  // NAME VALUE: of the printer's data
        [this](auto& line) {
@@ -200,8 +203,8 @@ class SettingsScripts : public SettingsTest {
        }},
       {"delete",  // HIVE KEY
        [](auto& line) {
-         const HKEY hive = Hive(line);
-         RegDeleteTreeW(hive, Key(line).c_str());
+         const HiveKey key(line);
+         RegDeleteTreeW(key.hive, key.path.c_str());
        }},
       {"person", [this](auto& line) { sandbox_->SwitchUser(WideWord(line).c_str()); }},  // NAME
       {"without", [this](auto& line) { functions_.Miss(Word(line).c_str()); }},          // FUNCTION

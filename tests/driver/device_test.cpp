@@ -4,7 +4,6 @@
 #include <cstring>
 #include <functional>
 #include <gtest/gtest.h>
-#include <memory>
 #include <vector>
 
 #include "base/module_instance.h"

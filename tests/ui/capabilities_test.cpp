@@ -1,4 +1,3 @@
-#include <cstring>
 
 #include "config/papers/paper_table.h"
 #include "host/printer/printer_values.h"

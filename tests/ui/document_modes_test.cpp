@@ -87,36 +87,24 @@ TEST_F(DocumentModes, Request_SizeIsOnlyWritten) {
 TEST_F(DocumentModes, Conversions_RefuseOrFillTheBuffer) {
   auto* convert = Export<decltype(DrvConvertDevMode)>("DrvConvertDevMode");
   std::wstring name = kUiPrinter;
-  const struct {
-    DEVMODEW* in;
-    bool out;
-    LONG room;
-    DWORD kind;
-    DWORD error;  // 0: done
-  } cases[] = {
-      {&default_.pub, true, 1052, kConvert, 0},
-      {&default_.pub, true, 4000, kConvert351, 0},
-      {nullptr, true, 1052, kDefaultMode, 0},
-      {nullptr, true, 1052, kConvert, ERROR_INVALID_PARAMETER},
-      {&default_.pub, true, 1052, 0, ERROR_INVALID_PARAMETER},
-      {&default_.pub, true, 1052, 4, ERROR_INVALID_PARAMETER},
-      {&default_.pub, true, 1051, kConvert, ERROR_INSUFFICIENT_BUFFER},
-      {&default_.pub, true, -1, kConvert, ERROR_INSUFFICIENT_BUFFER},
-      {nullptr, false, 0, kDefaultMode, ERROR_INSUFFICIENT_BUFFER},
-      {nullptr, false, 1052, kDefaultMode, ERROR_INSUFFICIENT_BUFFER},
-  };
-  for (const auto& c : cases) {
-    SCOPED_TRACE(&c - cases);
+  for (const CaseRow& row : ReadCases("ui/conversions.txt")) {
+    SCOPED_TRACE(row.place);
+    bool has_in = false, has_out = false;
+    LONG room = 0;
+    DWORD kind = 0;
+    Scan(row.fields[0], has_in, has_out, room, kind);
+    const auto error = static_cast<DWORD>(std::stoul(row.fields[1]));
     const GuardedBytes out(sizeof(DeviceMode));
-    LONG needed = c.room;
+    LONG needed = room;
     SetLastError(0);
-    EXPECT_EQ(convert(name.data(), c.in, c.out ? out.Mode() : nullptr, &needed, c.kind),
-              c.error == 0);
-    EXPECT_EQ(GetLastError(), c.error);
-    EXPECT_EQ(needed, c.error == ERROR_INVALID_PARAMETER ? c.room : 1052);
+    EXPECT_EQ(convert(name.data(), has_in ? &default_.pub : nullptr, has_out ? out.Mode() : nullptr,
+                      &needed, kind),
+              error == 0);
+    EXPECT_EQ(GetLastError(), error);
+    EXPECT_EQ(needed, error == ERROR_INVALID_PARAMETER ? room : 1052);
     DeviceMode expected = default_;
-    if (c.in == nullptr) BuildDefaultDeviceMode(expected, kUiPrinter);
-    EXPECT_EQ(std::memcmp(out.Get(), &expected, sizeof expected) == 0, c.error == 0);
+    if (!has_in) BuildDefaultDeviceMode(expected, kUiPrinter);
+    EXPECT_EQ(std::memcmp(out.Get(), &expected, sizeof expected) == 0, error == 0);
   }
   EXPECT_FALSE(convert(name.data(), &default_.pub, &default_.pub, nullptr, kConvert));
 }
