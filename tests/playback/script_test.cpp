@@ -10,6 +10,7 @@
 #include <winspool.h>
 
 #include "capture/records/types.h"
+#include "imaging/painting/display_mode.h"
 #include "playback/page.h"
 #include "playback/picture.h"
 #include "support/canvas.h"
@@ -61,8 +62,10 @@ class PlaybackScript : public testing::TestWithParam<const char*> {
       SCOPED_TRACE(line.place);
       if (line.begins_case) BeginCase();
       calls_.clear();
+      const uint32_t mode = imaging::SetDisplayMode(0, 0);
       CarryOut(line.text);
       EXPECT_EQ(Outcome(), line.expected);
+      EXPECT_EQ(imaging::SetDisplayMode(0, 0), mode);
     }
     canvas_.reset();
     page_.reset();
@@ -202,7 +205,7 @@ class PlaybackScript : public testing::TestWithParam<const char*> {
       GetObjectW(GetCurrentObject(argument, OBJ_BITMAP), sizeof bitmap, &bitmap);
       out << ' ' << bitmap.bmWidth << 'x' << bitmap.bmHeight;
     } else if constexpr (std::is_same_v<T, HGDIOBJ> || std::is_same_v<T, HBRUSH> ||
-                         std::is_same_v<T, HBITMAP>) {
+                         std::is_same_v<T, HBITMAP> || std::is_same_v<T, HPALETTE>) {
       out << NumberOf(argument);
     } else if constexpr (std::is_same_v<T, BLENDFUNCTION>) {
       ShowNumber(out, std::bit_cast<DWORD>(argument));
@@ -274,7 +277,7 @@ class PlaybackScript : public testing::TestWithParam<const char*> {
     const Result result = answer != answers_.end() ? Answer<Result>(answer->second)
                                                    : watch.CallOriginal(arguments...);
     if constexpr (std::is_pointer_v<Result>) {
-      if (name != "SelectObject" && result != nullptr) {
+      if (!name.starts_with("Select") && result != nullptr) {
         objects_.push_back(result);
         out << " = #" << objects_.size();
       }
@@ -294,6 +297,10 @@ class PlaybackScript : public testing::TestWithParam<const char*> {
   std::vector<HGDIOBJ> objects_;            // by their number
   std::optional<WATCH(CreateDIBSection)> no_section_;
   const WATCH(GetPrinterW) printers_{FakeGetPrinter};
+  WATCH(GetDeviceCaps)
+  sizes_{[this](HDC dc, int index) {  // every device is 8 pixels wide and high
+    return index == HORZRES || index == VERTRES ? 8 : sizes_.CallOriginal(dc, index);
+  }};
   const WATCH(CreateDCW) printer_dcs_{
       [this](auto, const WCHAR* printer, auto, const DEVMODEW* settings) {
         EXPECT_EQ(settings, &page_->settings.pub);
@@ -314,6 +321,7 @@ class PlaybackScript : public testing::TestWithParam<const char*> {
   CALL(CreateFontIndirectW) CALL(SelectObject) CALL(DeleteObject) CALL(SetTextAlign)
   CALL(SetTextColor) CALL(ExtTextOutW) CALL(BitBlt) CALL(StretchBlt) CALL(AlphaBlend)
   CALL(SetColorAdjustment) CALL(SetStretchBltMode) CALL(CreateDIBitmap) CALL(MaskBlt)
+  CALL(SelectPalette) CALL(RealizePalette)
   // clang-format on
 #undef CALL
 };

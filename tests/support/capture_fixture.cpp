@@ -37,14 +37,4 @@ std::string CaptureTest::TakeDrawing() {
   return text.substr(kOpening.size(), text.size() - kOpening.size() - kClosing.size());
 }
 
-void* WINAPI FailingAllocation::Allocate(HANDLE heap, DWORD flags, SIZE_T bytes) {
-  if (heap == GetProcessHeap()) {
-    const int left = granted_--;
-    if (left == 0 || (left < 0 && rest_)) return nullptr;
-  }
-  static const auto system_allocate = reinterpret_cast<decltype(&HeapAlloc)>(
-      reinterpret_cast<void*>(GetProcAddress(GetModuleHandleW(L"kernel32"), "HeapAlloc")));
-  return system_allocate(heap, flags, bytes);
-}
-
 }  // namespace quillo::test

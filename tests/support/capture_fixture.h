@@ -6,7 +6,7 @@
 #include <string>
 
 #include "support/driver_job.h"
-#include "support/import_patch.h"
+#include "support/watch.h"
 
 namespace quillo::test {
 
@@ -31,17 +31,17 @@ class CaptureTest : public testing::Test, protected DriverJob {
 class FailingAllocation {
  public:
   /// The one after `granted` successful ones fails; with `rest`, all that follow it too.
-  explicit FailingAllocation(int granted, bool rest = false) {
-    granted_ = granted;
-    rest_ = rest;
-  }
+  explicit FailingAllocation(int granted, bool rest = false) : granted_(granted), rest_(rest) {}
 
  private:
-  static void* WINAPI Allocate(HANDLE heap, DWORD flags, SIZE_T bytes);
-
-  static inline int granted_ = 0;
-  static inline bool rest_ = false;
-  ImportPatch patch_{"HeapAlloc", &Allocate};
+  int granted_;
+  bool rest_;
+  WATCH(HeapAlloc)
+  allocate_{[this](HANDLE heap, DWORD flags, SIZE_T bytes) -> void* {
+    const int left = heap == GetProcessHeap() ? granted_-- : 1;
+    const bool fails = left == 0 || (left < 0 && rest_);
+    return fails ? nullptr : allocate_.CallOriginal(heap, flags, bytes);
+  }};
 };
 
 }  // namespace quillo::test

@@ -14,27 +14,16 @@
 namespace quillo::test {
 namespace {
 
-/// The property sheet of this process while it is open.
-struct OpenSheet {
-  HWND sheet = nullptr;
-  HWND page = nullptr;
-};
-
-OpenSheet FindSheet() {
-  OpenSheet found;
-  EnumWindows(
-      [](HWND window, LPARAM result) -> BOOL {
-        DWORD process = 0;
-        GetWindowThreadProcessId(window, &process);
-        auto& open = *reinterpret_cast<OpenSheet*>(result);
-        if (process != GetCurrentProcessId()) return TRUE;
-        open.page = FindWindowExW(window, nullptr, L"#32770", nullptr);
-        if (open.page == nullptr || GetDlgItem(open.page, IDC_PAPER) == nullptr) return TRUE;
-        open.sheet = window;
-        return FALSE;
-      },
-      reinterpret_cast<LPARAM>(&found));
-  return found;
+/// The page in the property sheet of this process, while one is open.
+HWND FindPage() {
+  for (HWND sheet = nullptr;
+       (sheet = FindWindowExW(nullptr, sheet, L"#32770", nullptr)) != nullptr;) {
+    const HWND page = FindWindowExW(sheet, nullptr, L"#32770", nullptr);
+    DWORD process = 0;
+    GetWindowThreadProcessId(sheet, &process);
+    if (process == GetCurrentProcessId() && GetDlgItem(page, IDC_PAPER) != nullptr) return page;
+  }
+  return nullptr;
 }
 
 class SettingsPage : public PrinterInterface {
@@ -43,21 +32,22 @@ class SettingsPage : public PrinterInterface {
   DeviceMode Prompt(DWORD flags, const std::function<void(HWND page)>& act, int button) {
     DeviceMode out = mode_;
     std::thread user([&] {
-      OpenSheet open;
-      for (int tries = 0; open.sheet == nullptr && tries < 400; ++tries) {
+      HWND page = nullptr;
+      for (int tries = 0; page == nullptr && tries < 400; ++tries) {
         Sleep(25);
-        open = FindSheet();
+        page = FindPage();
       }
-      if (open.sheet == nullptr) return;
-      SendMessageW(open.page, WM_NULL, 0, 0);  // returns once the page is filled
-      act(open.page);
-      PostMessageW(open.sheet, PSM_PRESSBUTTON, static_cast<WPARAM>(button), 0);
-      for (int tries = 0; IsWindow(open.sheet) && tries < 100; ++tries) {
+      if (page == nullptr) return;
+      const HWND sheet = GetParent(page);
+      SendMessageW(page, WM_NULL, 0, 0);  // returns once the page is filled
+      act(page);
+      PostMessageW(sheet, PSM_PRESSBUTTON, static_cast<WPARAM>(button), 0);
+      for (int tries = 0; IsWindow(sheet) && tries < 100; ++tries) {
         Sleep(25);
         if (const HWND warning = FindWindowW(L"#32770", L"Page"); warning != nullptr) {
           warned_ = true;
           PostMessageW(warning, WM_CLOSE, 0, 0);
-          PostMessageW(open.sheet, PSM_PRESSBUTTON, PSBTN_CANCEL, 0);
+          PostMessageW(sheet, PSM_PRESSBUTTON, PSBTN_CANCEL, 0);
         }
       }
     });
