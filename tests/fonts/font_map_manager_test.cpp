@@ -93,30 +93,21 @@ TEST_F(FontMapManagerTest, SixtyFonts_OnlyTheFirstSlotIsReplaced) {
 }
 
 TEST_F(FontMapManagerTest, Fonts_AreToldApartByFaceAndDecidingMetrics) {
-  using M = TEXTMETRICW;
-  const size_t deciding[] = {
-      offsetof(M, tmHeight),           offsetof(M, tmWeight),      offsetof(M, tmOverhang),
-      offsetof(M, tmDigitizedAspectX), offsetof(M, tmFirstChar),   offsetof(M, tmDigitizedAspectY),
-      offsetof(M, tmLastChar),         offsetof(M, tmDefaultChar), offsetof(M, tmBreakChar),
-      offsetof(M, tmItalic),           offsetof(M, tmUnderlined),  offsetof(M, tmStruckOut),
-      offsetof(M, tmPitchAndFamily),   offsetof(M, tmCharSet)};
-  const size_t others[] = {offsetof(M, tmAscent),          offsetof(M, tmDescent),
-                           offsetof(M, tmInternalLeading), offsetof(M, tmExternalLeading),
-                           offsetof(M, tmAveCharWidth),    offsetof(M, tmMaxCharWidth)};
   FakeFont first;
   EXPECT_TRUE(BuildsFor(first));
   CFontMapper mapper;
   EXPECT_TRUE(mapper.Build(first.Dc()));
-  const auto check = [&](size_t offset, bool decides) {
+  // Ascent, descent, leadings and widths do not decide.
+  for (size_t offset = 0; offset <= offsetof(TEXTMETRICW, tmCharSet); ++offset) {
     FakeFont font;
     reinterpret_cast<BYTE*>(&font.metrics)[offset] = 1;
     CFontMapper other;
     EXPECT_TRUE(other.Build(font.Dc()));
     EXPECT_FALSE(other == mapper) << offset;
-    EXPECT_EQ(BuildsFor(font), decides) << offset;
-  };
-  for (const size_t offset : others) check(offset, false);
-  for (const size_t offset : deciding) check(offset, true);
+    EXPECT_EQ(BuildsFor(font),
+              offset < offsetof(TEXTMETRICW, tmAscent) || offset >= offsetof(TEXTMETRICW, tmWeight))
+        << offset;
+  }
   FakeFont other_face{.face = L"Some Other Face"}, other_case{.face = L"some face"};
   EXPECT_TRUE(BuildsFor(other_face));
   EXPECT_TRUE(BuildsFor(other_case));

@@ -108,18 +108,13 @@ TEST(PackRow, AnyRow_UnpacksToItselfWithinTheBound) {
 }
 
 TEST(StorageChoice, LargeBitmaps_GoToDiskWhenMemoryIsShort) {
-  const MemoryState memory{.total = 1000, .free_physical = 300, .free_page_file = 200};
-  struct {
-    uint64_t size;
-    int64_t reserve, maximum;  // bytes, or percentages below zero
-    uint32_t type;
-  } const cases[] = {{500, 0, 1000, 1},   {501, 0, 1000, 5}, {401, 100, 1000, 5},
-                     {301, -20, 1000, 5}, {1, -90, 1000, 5}, {400, 0, 399, 5},
-                     {400, 0, -39, 5},    {400, 0, -40, 1},  {400, INT64_MIN, INT64_MIN, 5}};
-  for (const auto& c : cases) {
-    EXPECT_EQ(ChooseForLarge(1, c.size, {0, c.reserve, c.maximum}, memory), c.type)
-        << c.size << ' ' << c.reserve << ' ' << c.maximum;
-  }
+  test::CheckCases("imaging/storage_choices.txt", [](const auto& fields) {
+    uint64_t size = 0;
+    MemoryLimits limits{};
+    test::Scan(fields[0], size, limits.reserve, limits.maximum);
+    return std::to_string(ChooseForLarge(
+        1, size, limits, {.total = 1000, .free_physical = 300, .free_page_file = 200}));
+  });
   EXPECT_EQ(KeepSmallInMemory(4), 1u);
   EXPECT_EQ(KeepSmallInMemory(8), 8u);
   EXPECT_EQ(SmallSize({0, 0, 0}), 16u << 20);
