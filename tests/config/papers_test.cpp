@@ -100,23 +100,5 @@ TEST(SubtractMargins, AbsurdMargins_NeitherTrapNorTurnNegative) {
   EXPECT_EQ(SubtractMargins(sheet, {INT32_MIN, 1, INT32_MIN, 0}), (Extent{INT32_MAX, 49}));
 }
 
-TEST(CustomPaperList, TakeDuplicates_FirstOfANumberStays) {
-  using List = std::vector<uint16_t>;
-  CustomPaper papers[8] = {};
-  const uint16_t numbers[] = {300, 301, 300, 302, 301, 0, 65535, 0};
-  for (size_t i = 0; i < 8; ++i) {
-    papers[i].number = numbers[i];
-    papers[i].next = i < 7 ? &papers[i + 1] : nullptr;
-  }
-  const auto numbers_of = [](const CustomPaper* paper) {
-    List list;
-    for (; paper != nullptr; paper = paper->next) list.push_back(paper->number);
-    return list;
-  };
-  EXPECT_EQ(numbers_of(TakeDuplicates(papers)), (List{0, 301, 300}));
-  EXPECT_EQ(numbers_of(papers), (List{300, 301, 302, 0, 65535}));
-  EXPECT_EQ(TakeDuplicates(papers), nullptr);
-}
-
 }  // namespace
 }  // namespace quillo
