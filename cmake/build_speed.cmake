@@ -12,8 +12,10 @@ function(quillo_precompile)
   endforeach()
 endfunction()
 
+option(QUILLO_COMPILE_TOGETHER "Compile some sources at a time (off: for clang-tidy)" ON)
 function(quillo_compile_together)
-  set_target_properties(${ARGN} PROPERTIES UNITY_BUILD ON UNITY_BUILD_BATCH_SIZE 8)
+  set_target_properties(${ARGN} PROPERTIES
+    UNITY_BUILD ${QUILLO_COMPILE_TOGETHER} UNITY_BUILD_BATCH_SIZE 8)
 endfunction()
 
 if(WIN32)

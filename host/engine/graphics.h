@@ -152,7 +152,7 @@ class Graphics : public Canvas {
   ClipShape last_clip_on_surface_;
   // The driver has been asked about these. It does not keep them open.
   std::set<std::weak_ptr<const TextFont>, std::owner_less<>> known_fonts_;
-  std::vector<HeldStretch> held_;                          // all in one place
+  std::vector<HeldStretch> held_;  // all in one place
   PictureBudget budget_;
   DdiCalls calls_;
 };

@@ -1,7 +1,6 @@
 #pragma once
 
-#include "base/windows.h"
-
+#include <atomic>
 #include <utility>
 
 namespace quillo {
@@ -10,16 +9,16 @@ namespace quillo {
 template <typename T>
 class Spare {
  public:
-  /// Keeps `next` and returns what was kept.
+  /// Keeps `next` and returns what was kept; returns `next` while another thread is at it.
   T Exchange(T next) {
-    AcquireSRWLockExclusive(&lock_);
+    if (busy_.test_and_set(std::memory_order_acquire)) return next;
     std::swap(kept_, next);
-    ReleaseSRWLockExclusive(&lock_);
+    busy_.clear(std::memory_order_release);
     return next;
   }
 
  private:
-  SRWLOCK lock_ = SRWLOCK_INIT;
+  std::atomic_flag busy_;
   T kept_{};
 };
 

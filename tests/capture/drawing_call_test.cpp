@@ -4,18 +4,22 @@
 #include <array>
 
 #include "capture/brush.h"
+#include "capture/builders.h"
 #include "capture/hooks.h"
 #include "capture/packed_surface.h"
 #include "capture/pen.h"
 #include "capture/records/framing.h"
 #include "capture/stage.h"
 #include "capture/writer.h"
+#include "driver/callbacks.h"
 #include "host/engine/services/brushes.h"
 #include "host/engine/services/guard.h"
 #include "host/engine/services/paths.h"
 #include "host/engine/services/surfaces.h"
 #include "support/capture_fixture.h"
 #include "support/case_table.h"
+#include "support/holdings.h"
+#include "support/line.h"
 #include "support/record_dump.h"
 
 namespace quillo {
@@ -210,6 +214,34 @@ TEST_F(CaptureLimits, PackedBitmapSize_NoMoreThanTheBitsAccountFor) {
     if (!has_bits) picture.pvBits = nullptr;
     return std::to_string(PackedBitmapSize(&picture));
   });
+}
+
+TEST(PayloadBlock, TheLastLargeOne_IsUsedAgainForTheSameSize) {
+  DropSparePayload();
+  const size_t before = test::Holdings::Now().heap_bytes;
+  const auto make = [before](uint32_t size) {
+    const PayloadBlock block(size);
+    const MutableBytes content = block.Content();
+    const bool zero = std::ranges::count(content, std::byte{0}) == static_cast<ptrdiff_t>(size);
+    std::ranges::fill(content, std::byte{1});
+    return test::Line(content.size(), zero ? "" : " not zero", " kept ",
+                      (test::Holdings::Now().heap_bytes - before) / 100'000);
+  };
+  constexpr uint32_t kLarge = 800'000;
+  for (const auto& [size, outcome] : std::initializer_list<std::pair<uint32_t, std::string>>{
+           {200'000, "200000 kept 2"},     // small ones are freed
+           {kLarge, "800000 kept 8"},      //
+           {kLarge / 2, "400000 kept 8"},  // in the one that is kept
+           {kLarge + 1, "800001 kept 8"},  //
+           {kLarge / 2 - 1, "399999 kept 3"}}) {
+    EXPECT_EQ(make(size), outcome);
+  }
+  EXPECT_LT(test::Holdings::Now().heap_bytes, before + 410'000);
+  make(40 << 20);
+  EXPECT_LT(test::Holdings::Now().heap_bytes, before + 1000);
+  make(kLarge);
+  quillo::DrvSendPage(nullptr);
+  EXPECT_LT(test::Holdings::Now().heap_bytes, before + 1000);
 }
 
 }  // namespace

@@ -66,9 +66,9 @@ double ToNumber(const std::string& word) {
 }
 
 /// The words of a line; quotes hold blanks together.
-class Words {
+class LineWords {
  public:
-  explicit Words(const std::string& line) {
+  explicit LineWords(const std::string& line) {
     std::istringstream rest(line);
     for (std::string word; rest >> std::quoted(word, '\'');) words_.push_back(word);
   }
@@ -112,14 +112,14 @@ class Words {
 };
 
 using Thing = std::shared_ptr<void>;
-using Maker = Thing (*)(Words& words, const Stage& stage);
+using Maker = Thing (*)(LineWords& words, const Stage& stage);
 
 template <typename T, typename Field>
-Thing MakeFields(Words& words, const Stage&) {
+Thing MakeFields(LineWords& words, const Stage&) {
   return std::make_shared<T>(words.NextFields<T, Field>());
 }
 
-std::vector<host::PathRun> NextRuns(Words& words) {
+std::vector<host::PathRun> NextRuns(LineWords& words) {
   std::vector<host::PathRun> runs;
   while (!words.AtEnd()) {
     const std::string word = words.Next();
@@ -148,7 +148,7 @@ struct Picture : host::Surface {
   std::vector<std::byte> bits;
 };
 
-Thing MakePicture(Words& words, const Stage&) {
+Thing MakePicture(LineWords& words, const Stage&) {
   const auto format = words.Next<ULONG>();
   const auto size = words.NextFields<SIZEL, LONG>();
   const bool top_down = words.Take("top-down");
@@ -167,7 +167,7 @@ Thing MakePicture(Words& words, const Stage&) {
   return picture;
 }
 
-Thing MakeTranslation(Words& words, const Stage&) {
+Thing MakeTranslation(LineWords& words, const Stage&) {
   const bool enquiry = words.Take("enquiry"), palette = words.Take("palette");
   std::vector<ULONG> vector;
   while (!words.AtEnd()) vector.push_back(words.Next<ULONG>());
@@ -177,7 +177,7 @@ Thing MakeTranslation(Words& words, const Stage&) {
   return translation;
 }
 
-Thing MakeBrush(Words& words, const Stage& stage) {
+Thing MakeBrush(LineWords& words, const Stage& stage) {
   using Brush = host::BrushObject;
   if (words.Take("unrealisable")) return std::make_shared<Brush>(Brush::Pattern());
   if (words.Take("hatch")) {
@@ -198,7 +198,7 @@ struct Pen : LINEATTRS {
   std::vector<FLOAT_LONG> entries;
 };
 
-Thing MakePen(Words& words, const Stage&) {
+Thing MakePen(LineWords& words, const Stage&) {
   auto pen = std::make_shared<Pen>();
   pen->fl = words.Next<FLONG>();
   const auto next = [&words, geometric = (pen->fl & LA_GEOMETRIC) != 0] {
@@ -216,14 +216,14 @@ Thing MakePen(Words& words, const Stage&) {
   return pen;
 }
 
-Thing MakeClip(Words& words, const Stage&) {
+Thing MakeClip(LineWords& words, const Stage&) {
   const auto complexity = words.Next<BYTE>();
   const auto bounds = words.NextFields<RECTL, LONG>();
   if (complexity == DC_COMPLEX) return std::make_shared<host::ClipObject>(bounds, NextRuns(words));
   return std::make_shared<host::ClipObject>(complexity, bounds);
 }
 
-Thing MakeFont(Words& words, const Stage&) {
+Thing MakeFont(LineWords& words, const Stage&) {
   const std::string family = words.Next();
   IFIMETRICS metrics = {};
   metrics.fwdUnitsPerEm = words.After<FWORD>("em");
@@ -240,7 +240,7 @@ Thing MakeFont(Words& words, const Stage&) {
 }
 
 /// A glyph a character, 10 pixels apart and slowly sinking.
-Thing MakeText(Words& words, const Stage&) {
+Thing MakeText(LineWords& words, const Stage&) {
   const std::string text = words.Next();
   std::vector<GLYPHPOS> glyphs;
   for (LONG i = 0; i < static_cast<LONG>(text.size()); ++i) {
@@ -256,11 +256,11 @@ Thing MakeText(Words& words, const Stage&) {
 }
 
 template <typename T>
-Thing MakeOfRuns(Words& words, const Stage&) {
+Thing MakeOfRuns(LineWords& words, const Stage&) {
   return std::make_shared<T>(NextRuns(words));
 }
 
-Thing MakeTransform(Words& words, const Stage&) {
+Thing MakeTransform(LineWords& words, const Stage&) {
   return std::make_shared<host::XformObject>(words.NextFields<XFORML, float>());
 }
 
@@ -331,7 +331,7 @@ const std::map<std::string, Call> kCalls = {
 }  // namespace
 
 void Stage::Set(const std::string& line) {
-  Words words(line);
+  LineWords words(line);
   const std::string name = words.Next();
   if (name == "remembered") {
     device_.remembered_colour = words.Next<uint32_t>();

@@ -70,6 +70,13 @@ TEST(IsAdministrator, GroupEnabledDenyOnlyOrAbsent) {
   // No token without the group can be made from one that has it, so its group list stands in.
   functions.Replace("GetTokenInformation", OneOtherGroup);
   EXPECT_FALSE(IsAdministrator());
+  functions.Replace(
+      "GetTokenInformation",
+      +[](HANDLE, TOKEN_INFORMATION_CLASS, void*, DWORD, DWORD* needed) WINAPI {
+        *needed = sizeof(TOKEN_GROUPS);
+        return FALSE;
+      });
+  EXPECT_FALSE(IsAdministrator());
 }
 
 TEST(IsAdministrator, FunctionsMissing_OnlyThe9xFamilyIs) {

@@ -58,6 +58,8 @@ TEST(Resizing, Arguments_GiveTheirCodes) {
   MakeRows(bitmap.Get(), 4, 4, 1);
   EXPECT_EQ(SizeBitmap(bitmap.Get(), 0, 4, 0), kInvalidArgument);
   EXPECT_EQ(SizeBitmap(bitmap.Get(), 4, -1, 0), kInvalidArgument);
+  EXPECT_EQ(ResizeInto(nullptr, bitmap.Get(), 0), kInvalidArgument);
+  EXPECT_EQ(ResizeInto(bitmap.Get(), nullptr, 0), kInvalidArgument);
   const std::byte* storage = bitmap->data_address;
   EXPECT_EQ(SizeBitmap(bitmap.Get(), 4, 4, 0), kSuccess);
   EXPECT_EQ(bitmap->data_address, storage);

@@ -11,6 +11,7 @@
 #include "imaging/lifecycle/dib_section.h"
 #include "imaging/settings_scope.h"
 #include "imaging/storage/rows.h"
+#include "imaging/storage/section.h"
 #include "support/case_table.h"
 #include "support/holdings.h"
 #include "support/line.h"
@@ -49,6 +50,12 @@ void ExpectRows(const BitmapHandle& record, const char* name) {
   }
 }
 
+/// But for those of the section that is kept.
+uintptr_t HandlesInUse() {
+  DropSpareSection();
+  return test::LiveKernelHandles();
+}
+
 TEST(Storage, EveryKind_KeepsRowsAndLeavesNothing) {
   test::CheckCases("imaging/storage_kinds.txt", [](const auto& fields) {
     const char* name = fields[0].c_str();
@@ -57,6 +64,7 @@ TEST(Storage, EveryKind_KeepsRowsAndLeavesNothing) {
     uint32_t type = 0, bits = 0;
     test::Scan(fields[1], type, bits, settings->memory_threshold, settings->maximum_memory);
     settings->tile_size = 1300;  // four rows of 24 bits
+    DropSpareSection();
     const auto before = test::Holdings::Now();
     BitmapHandle record{};
     EXPECT_EQ(Create(&record, Sized(kWidth, kHeight, bits, type)), kSuccess) << name;
@@ -80,6 +88,7 @@ TEST(Storage, EveryKind_KeepsRowsAndLeavesNothing) {
     ExpectRows(record, name);
     Free(&record);
     EXPECT_EQ(directory.Files(), 0) << name;
+    DropSpareSection();
     const auto after = test::Holdings::Now();
     EXPECT_EQ(after.kernel_handles, before.kernel_handles) << name;
     EXPECT_LT(after.heap_bytes, before.heap_bytes + 4096) << name;
@@ -108,10 +117,46 @@ TEST(Storage, CompressedRowsThatGrow_AreKept) {
       }
     }
   }
-  EXPECT_LT(test::Holdings::Now().heap_bytes, before + 4096);
+  EXPECT_LT(test::Holdings::Now().heap_bytes, before + 512);
+}
+
+TEST(Storage, CompressedRowsWithoutMemory_LeaveNothing) {
+  for (size_t given = 0; given < 8; ++given) {
+    const size_t before = test::Holdings::Now().heap_bytes;
+    {
+      WATCH(GlobalAlloc)
+      scarce([&](UINT flags, SIZE_T size) {
+        return scarce.calls.size() > given ? nullptr : scarce.CallOriginal(flags, size);
+      });
+      BitmapScope record;
+      EXPECT_EQ(Create(record.Get(), Sized(4000, 40000, 1, kMemoryChunks)), kOutOfMemory) << given;
+    }
+    EXPECT_LT(test::Holdings::Now().heap_bytes, before + 64) << given;
+  }
+}
+
+TEST(Section, TheLastOne_IsUsedAgainForTheSameSize) {
+  DropSpareSection();
+  const uintptr_t handles = test::LiveKernelHandles();
+  const auto take = [](uint64_t size) {
+    const Section section = TakeSection(size);
+    const bool zero = std::all_of(section.view, section.view + size,
+                                  [](std::byte value) { return value == std::byte{0}; });
+    std::fill_n(section.view, section.size, std::byte{1});
+    GiveBackSection(section);
+    return test::Line(section.size, zero ? "" : " not zero");
+  };
+  EXPECT_EQ(take(10000), "10000");
+  EXPECT_EQ(take(5000), "10000");
+  EXPECT_EQ(take(10001), "10001");
+  EXPECT_EQ(take(4999), "4999");
+  EXPECT_EQ(test::LiveKernelHandles(), handles + 4);  // of a kept one
+  EXPECT_EQ(take(uint64_t{40} << 20), test::Line(40 << 20));
+  EXPECT_EQ(test::LiveKernelHandles(), handles);
 }
 
 TEST(Storage, SectionsAndFilesThatFail_GiveWay) {
+  DropSpareSection();
   SettingsScope settings;
   const TemporaryDirectory directory;
   const auto create = [](uint32_t type, BitmapHandle* record) {
@@ -131,6 +176,11 @@ TEST(Storage, SectionsAndFilesThatFail_GiveWay) {
     EXPECT_EQ(FetchRow(*file.Get(), 0, row), kFileError);
   }
   EXPECT_EQ(directory.Files(), 1);
+  settings->temporary_directory[0] = L'\0';  // the user's
+  const WATCH(GetTempPathW) no_folder(DWORD{0});
+  const WATCH(CreateFileW) opened(INVALID_HANDLE_VALUE);
+  EXPECT_EQ(create(kMemorySection, none.Get()), kOutOfMemory);
+  EXPECT_TRUE(opened.calls.empty());
 }
 
 /// A record over a GlobalAlloc block, as a caller may hand one over.
@@ -144,7 +194,7 @@ void MakeGlobal(BitmapHandle& record, uint32_t bits, uint32_t offset) {
 TEST(Lock, GlobalMemory_HasAnAddressWhileLocked) {
   EXPECT_EQ(Lock(nullptr), kInvalidArgument);
   for (const bool presented : {false, true}) {
-    const uintptr_t handles = test::LiveKernelHandles();
+    const uintptr_t handles = HandlesInUse();
     BitmapHandle record{};
     MakeGlobal(record, 24, 16);
     EXPECT_TRUE(IsValid(record));
@@ -167,7 +217,7 @@ TEST(Lock, GlobalMemory_HasAnAddressWhileLocked) {
     }
     Free(&record);
     EXPECT_EQ(GlobalFlags(memory), static_cast<UINT>(GMEM_INVALID_HANDLE));
-    EXPECT_EQ(test::LiveKernelHandles(), handles);
+    EXPECT_EQ(HandlesInUse(), handles);
   }
 }
 
@@ -177,7 +227,7 @@ TEST(PresentAsDibSection, EveryBitmap_IsTurnedOrRefused) {
   const TemporaryDirectory directory;
   settings->memory_threshold = 1;
   test::CheckCases("imaging/dib_sections.txt", [](const auto& fields) {
-    const uintptr_t handles = test::LiveKernelHandles();
+    const uintptr_t handles = HandlesInUse();
     std::string seen = "none";
     {
       BitmapDescription d = {.width = 5, .height = 3};
@@ -201,7 +251,7 @@ TEST(PresentAsDibSection, EveryBitmap_IsTurnedOrRefused) {
         seen += test::Line(' ', i % width, ',', i / width);
       }
     }
-    EXPECT_EQ(test::LiveKernelHandles(), handles);
+    EXPECT_EQ(HandlesInUse(), handles);
     return seen;
   });
   EXPECT_EQ(PresentAsDibSection(nullptr), nullptr);
@@ -215,7 +265,7 @@ TEST(ReleaseDibSectionDc, ACallFails_LeavesNothing) {
     SCOPED_TRACE(failing);
     BitmapScope bitmap;
     ASSERT_EQ(Create(bitmap.Get(), Sized(4, 4, 24)), kSuccess);
-    const uintptr_t handles = test::LiveKernelHandles();
+    const uintptr_t handles = HandlesInUse();
     DibSectionDc dc(PresentAsDibSection(bitmap.Get()));
     const HGDIOBJ shown = GetCurrentObject(dc.Get(), OBJ_BITMAP);
     std::optional<WATCH(CreateBitmap)> no_stand_in;
@@ -230,7 +280,7 @@ TEST(ReleaseDibSectionDc, ACallFails_LeavesNothing) {
     }
     dc.Reset();
     EXPECT_EQ(GetObjectType(shown), 0u);
-    EXPECT_EQ(test::LiveKernelHandles(), handles);
+    EXPECT_EQ(HandlesInUse(), handles);
   }
 }
 

@@ -8,8 +8,6 @@
 
 namespace quillo::test {
 
-namespace {
-
 std::wstring TypeLibrary() { return BuiltFile(L"..\\interface\\quillo.tlb"); }
 
 std::string LineOf(const nlohmann::ordered_json& call) {
@@ -53,6 +51,8 @@ class Described : public Object {
  private:
   const IID* const& table_;
 };
+
+namespace {
 
 /// For the standard marshaller. Once: Wine leaks handles each time.
 void RegisterTypeLibrary() {
