@@ -23,7 +23,7 @@ if(WIN32)
   set(windows "${PROJECT_SOURCE_DIR}/src/base/windows.h" <oleauto.h> <winspool.h>)
   set(standard <filesystem> <functional> <map> <optional> <string> <vector>)
   set(engine host_engine_services host_engine host_emf_player host_pdf)
-  set(host host_pages host_client host_client_app host_inputs host_pictures host_plain_text
+  set(host host_pages host_app host_client host_client_app host_inputs host_pictures host_plain_text
     host_preview host_printer host_printing)
   set(tests driver_tests host_tests shipped_tests ui_tests e2e_tests faults)
   quillo_precompile(TARGETS quillo_driver QXUI06X HEADERS ${ddi})

@@ -18,6 +18,9 @@ constexpr char kFooter[] =
     "--paper, --landscape and --portrait hold for the inputs that follow them; after the last\n"
     "input they hold for every input that has none of its own:\n"
     "  print --paper A4 a.emf --paper A3 --landscape b.emf --paper Letter --portrait c.emf\n"
+    "A program's pages have the sheets that it chooses, and these in the place of the default "
+    "one:\n"
+    "  print --paper A4 --app notepad.exe /p letter.txt\n"
     "\n"
     "Results: page-0001.emf and page-0001.png ..., a PDF file, embedded fonts, and job.json.\n"
     "Exit codes: 0 printed; 2 wrong command line; 3 an input cannot be read or printed (the "
@@ -104,6 +107,19 @@ class Parser {
     printer_value_ =
         AddRepeated("--printer-data", printer_values_, "NAME=VALUE",
                     "Store a value in the printer's data: a text, dword:N or hex:..; it stays");
+    app_option_ = app_.add_option("--app", program_,
+                                  "Run a Windows program and print what it prints; this option is "
+                                  "the last")
+                      ->type_name("PROGRAM [ARGS...]")
+                      ->excludes(input_);
+    confirm_ = AddFlag("--app-confirm", "Press OK in the program's dialogs, where nobody sees them")
+                   ->needs(app_option_);
+    timeout_ = app_.add_option("--app-timeout", seconds_,
+                               "How long the program may take to the first document, and be silent "
+                               "inside one; by default 60 without a display, else for ever")
+                   ->type_name("SECONDS")
+                   ->check(CLI::Range(1, 1'000'000))
+                   ->needs(app_option_);
     app_.add_flag("--strict", options_.strict,
                   "Exit with 3 when a page lacks something or has a substitute for it, and list "
                   "everything");
@@ -113,6 +129,7 @@ class Parser {
   }
 
   std::variant<Options, Answer> Parse(std::vector<std::string> arguments) {
+    TakeProgramArguments(arguments);
     std::reverse(arguments.begin(), arguments.end());
     try {
       app_.parse(std::move(arguments));
@@ -176,7 +193,10 @@ class Parser {
     TakeInputs();
     const bool settings_only =
         options_.list_papers || !options_.custom_papers.empty() || !options_.printer_values.empty();
-    if (options_.inputs.empty() && !settings_only) throw CLI::RequiredError("INPUT");
+    TakeProgram();
+    if (options_.inputs.empty() && !options_.app && !settings_only) {
+      throw CLI::RequiredError("INPUT");
+    }
     options_.document = ToWide(document_);
     if (document_.empty() && !options_.inputs.empty()) {
       options_.document = options_.inputs.front().path.filename().wstring();
@@ -184,10 +204,36 @@ class Parser {
     return std::move(options_);
   }
 
+  /// Takes what follows --app and its program off the command line: it is the program's.
+  void TakeProgramArguments(std::vector<std::string>& arguments) {
+    const auto app = std::ranges::find(arguments, "--app");
+    if (arguments.end() - app < 2) return;
+    for (auto argument = app + 2; argument != arguments.end(); ++argument) {
+      program_arguments_.push_back(ToWide(*argument));
+    }
+    arguments.erase(app + 2, arguments.end());
+  }
+
+  void TakeProgram() {
+    if (app_option_->count() == 0) return;
+    AppOptions& app = options_.app.emplace();
+    app.program = ToPath(program_).wstring();
+    app.arguments = std::move(program_arguments_);
+    app.confirm = confirm_->count() != 0;
+    if (timeout_->count() != 0) app.timeout = seconds_;
+    if (last_wish_.paper || last_wish_.landscape) app.sheet = last_wish_.ToSheet(KnownPapers());
+  }
+
+  std::vector<NamedSheet> KnownPapers() const {
+    std::vector<NamedSheet> papers = options_.custom_papers;
+    papers.insert(papers.end(), stored_papers_.begin(), stored_papers_.end());
+    return papers;
+  }
+
   /// Goes through the command line in order, and gives each input its sheet.
   void TakeInputs() {
-    SheetWish wish;      // holds for the next inputs
-    SheetWish trailing;  // named since the last input
+    SheetWish& wish = last_wish_;  // holds for the next inputs
+    SheetWish trailing;            // named since the last input
     std::vector<SheetWish> wishes;
     std::map<const CLI::Option*, size_t> seen;
     for (const CLI::Option* option : app_.parse_order()) {
@@ -202,8 +248,7 @@ class Parser {
         wish.landscape = trailing.landscape = option == landscape_;
       }
     }
-    std::vector<NamedSheet> papers = options_.custom_papers;
-    papers.insert(papers.end(), stored_papers_.begin(), stored_papers_.end());
+    const std::vector<NamedSheet> papers = KnownPapers();
     for (size_t i = 0; i < wishes.size(); ++i) {
       options_.inputs[i].sheet = wishes[i].Or(trailing).ToSheet(papers);
     }
@@ -218,6 +263,9 @@ class Parser {
   CLI::Option* actual_size_ = nullptr;
   CLI::Option* no_pdf_ = nullptr;
   CLI::Option* glyph_order_ = nullptr;
+  CLI::Option* app_option_ = nullptr;
+  CLI::Option* confirm_ = nullptr;
+  CLI::Option* timeout_ = nullptr;
   CLI::Option* custom_paper_ = nullptr;
   CLI::Option* printer_value_ = nullptr;
   std::vector<std::string> inputs_;
@@ -228,6 +276,10 @@ class Parser {
   std::string document_;
   std::string pdf_;
   std::string client_ = "none";
+  std::string program_;
+  std::vector<std::wstring> program_arguments_;
+  int seconds_ = 0;
+  SheetWish last_wish_;  // of the end of the command line
   Options options_;
 };
 

@@ -6,6 +6,7 @@
 #include <variant>
 #include <vector>
 
+#include "host/app/print_app.h"
 #include "host/base/text.h"
 #include "host/cli/command_line.h"
 #include "host/client/client_main.h"
@@ -37,6 +38,7 @@ int RunCommand(const std::vector<std::string>& arguments) {
   const Options& options = std::get<Options>(parsed);
   Console console(options.quiet);
   try {
+    if (options.app) return PrintApp(options, console);
     if (options.inputs.empty()) return SetUpPrinter(options, console);
     return Print(options, console);
   } catch (const std::exception& failure) {  // out of memory and the like

@@ -11,8 +11,8 @@ namespace {
 
 class MetafileInput : public PrintInput {
  public:
-  explicit MetafileInput(std::vector<std::byte> content)
-      : content_(std::move(content)), reader_(content_) {}
+  MetafileInput(std::vector<std::byte> content, bool placed)
+      : content_(std::move(content)), reader_(content_), placed_(placed) {}
 
   bool PreparePage() override { return !drawn_; }
 
@@ -20,8 +20,9 @@ class MetafileInput : public PrintInput {
     drawn_ = true;
     const SIZEL size = canvas.Size();
     const emf::Transform to_page =
-        setup.fit ? emf::FitFrame(reader_.header(), {size.cx, size.cy})
-                  : emf::ActualSize(reader_.header(), static_cast<uint32_t>(setup.dpi));
+        placed_     ? emf::Transform{}
+        : setup.fit ? emf::FitFrame(reader_.header(), {size.cx, size.cy})
+                    : emf::ActualSize(reader_.header(), static_cast<uint32_t>(setup.dpi));
     emf::PlayResult played = emf::EmfPlayer(reader_, to_page, canvas, {setup.glyph_order}).Play();
 
     DrawResult result;
@@ -43,8 +44,17 @@ class MetafileInput : public PrintInput {
  private:
   const std::vector<std::byte> content_;
   emf::MetafileReader reader_;
+  const bool placed_;  // in pixels of the page
   bool drawn_ = false;
 };
+
+std::unique_ptr<PrintInput> Open(std::vector<std::byte> content, bool placed) {
+  try {
+    return std::make_unique<MetafileInput>(std::move(content), placed);
+  } catch (const emf::UnreadableMetafile& refused) {
+    throw UnreadableInput(refused.what());
+  }
+}
 
 }  // namespace
 
@@ -55,11 +65,11 @@ bool LooksLikeMetafile(Bytes head) {
 }
 
 std::unique_ptr<PrintInput> OpenMetafile(std::vector<std::byte> content) {
-  try {
-    return std::make_unique<MetafileInput>(std::move(content));
-  } catch (const emf::UnreadableMetafile& refused) {
-    throw UnreadableInput(refused.what());
-  }
+  return Open(std::move(content), false);
+}
+
+std::unique_ptr<PrintInput> OpenPrintedPage(std::vector<std::byte> content) {
+  return Open(std::move(content), true);
 }
 
 }  // namespace quillo::host

@@ -15,4 +15,8 @@ bool LooksLikeMetafile(Bytes head);
 /// An enhanced metafile: one page. Throws UnreadableInput.
 std::unique_ptr<PrintInput> OpenMetafile(std::vector<std::byte> content);
 
+/// What a program has drawn on one page of the printer, as a metafile: its reference device is the
+/// page, whose pixels are kept. Throws UnreadableInput.
+std::unique_ptr<PrintInput> OpenPrintedPage(std::vector<std::byte> content);
+
 }  // namespace quillo::host

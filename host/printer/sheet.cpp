@@ -58,6 +58,16 @@ std::optional<SheetChoice> ParsePaper(std::string_view text, std::span<const Nam
   return ParseSize(Simplified(text, " "));
 }
 
+SheetChoice SheetOf(const DEVMODEW& mode) {
+  SheetChoice sheet{.paper = mode.dmPaperSize,
+                    .landscape = mode.dmOrientation == DMORIENT_LANDSCAPE};
+  if (sheet.paper >= DMPAPER_USER) {
+    sheet.width = mode.dmPaperWidth;
+    sheet.height = mode.dmPaperLength;
+  }
+  return sheet;
+}
+
 std::string DescribeSheet(const SheetChoice& sheet) {
   const auto names = PaperNames();
   const auto known = std::ranges::find(names, sheet.paper, &PaperName::paper);

@@ -34,6 +34,9 @@ struct NamedSheet {
 std::optional<SheetChoice> ParsePaper(std::string_view text,
                                       std::span<const NamedSheet> custom = {});
 
+/// The sheet of a device mode.
+SheetChoice SheetOf(const DEVMODEW& mode);
+
 /// "A4", "A4 landscape", "100 x 150.5 mm".
 std::string DescribeSheet(const SheetChoice& sheet);
 

@@ -12,4 +12,12 @@ enum ExitCode : int {
   kResultsLost = 5,
 };
 
+/// The one that weighs more: a later, lesser problem does not change a result.
+inline ExitCode Worse(ExitCode a, ExitCode b) {
+  const auto weight = [](ExitCode code) {
+    return code == kDriverFailed ? 3 : code == kResultsLost ? 2 : code == kInputRefused ? 1 : 0;
+  };
+  return weight(b) > weight(a) ? b : a;
+}
+
 }  // namespace quillo::host

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <filesystem>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -11,6 +12,15 @@
 
 namespace quillo::host {
 
+/// A program to print from.
+struct AppOptions {
+  std::wstring program;
+  std::vector<std::wstring> arguments;
+  bool confirm = false;              // press OK in dialogs that nobody can see
+  std::optional<int> timeout;        // seconds; nothing: by whether there is a display
+  std::optional<SheetChoice> sheet;  // in the place of the printer's default one
+};
+
 /// What the print command is asked for.
 struct Options {
   struct Input {
@@ -20,10 +30,11 @@ struct Options {
   };
 
   std::vector<Input> inputs;  // empty only where the command does something else
+  std::optional<AppOptions> app;
   std::filesystem::path output;
   int dpi = 600;
   bool fit = true;        // else pictures keep their size
-  std::wstring document;  // never empty
+  std::wstring document;  // empty only where a program names its own
   bool make_pdf = true;
   std::filesystem::path pdf;  // empty: DIR/<document>.pdf
   int preview_dpi = 96;       // 0: no previews

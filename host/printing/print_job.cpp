@@ -42,20 +42,21 @@ class PrintJob {
  public:
   PrintJob(const Options& options, Console& console) : options_(options), console_(console) {}
 
-  ExitCode Run() {
+  /// The files that the options name.
+  ExitCode PrintFiles() {
     const ComApartment apartment;  // for pictures
     OpenInputs();
-    if (inputs_.empty()) return result_;
-    try {
-      const ResultFolder folder(options_.output);
-      PrintInputs(folder);
-      folder.WriteReport(ToJson(report_));
-    } catch (const ResultFailure& failure) {
-      Fail(kResultsLost, failure.what());
-    } catch (const std::runtime_error& failure) {  // the spooler, the client or the driver
-      Fail(kDriverFailed, failure.what());
-    }
-    return result_;
+    return Run([this](const ResultFolder& folder) {
+      EnsurePrinter(kPrinterName, options_.dpi, UserSizes());
+      StoreSettings(options_);
+      PrintInputs(folder, nullptr);
+    });
+  }
+
+  ExitCode PrintDocument(const DriverModule& driver, const std::string& program,
+                         std::unique_ptr<PrintInput> document) {
+    inputs_.push_back({program, {}, std::move(document)});
+    return Run([&](const ResultFolder& folder) { PrintInputs(folder, &driver); });
   }
 
  private:
@@ -64,6 +65,21 @@ class PrintJob {
     SheetChoice sheet;
     std::unique_ptr<PrintInput> content;
   };
+
+  template <typename PrintThem>
+  ExitCode Run(PrintThem print_them) {
+    if (inputs_.empty()) return result_;
+    try {
+      const ResultFolder folder(options_.output);
+      print_them(folder);
+      folder.WriteReport(ToJson(report_));
+    } catch (const ResultFailure& failure) {
+      Fail(kResultsLost, failure.what());
+    } catch (const std::runtime_error& failure) {  // the spooler, the client or the driver
+      Fail(kDriverFailed, failure.what());
+    }
+    return result_;
+  }
 
   void OpenInputs() {
     for (const Options::Input& input : options_.inputs) {
@@ -75,10 +91,9 @@ class PrintJob {
     }
   }
 
-  void PrintInputs(const ResultFolder& folder) {
+  /// `loaded`: the driver; null: it is loaded for this job.
+  void PrintInputs(const ResultFolder& folder, const DriverModule* loaded) {
     const fs::path program = ThisProgram();
-    EnsurePrinter(kPrinterName, options_.dpi, UserSizes());
-    StoreSettings(options_);
     const SpoolJob spool(kPrinterName, options_.document);
     report_.printer = ToUtf8(kPrinterName);
     report_.document = ToUtf8(options_.document);
@@ -92,11 +107,13 @@ class PrintJob {
     const bool late = options_.client == ClientFault::kLate;
     if (!late && options_.client != ClientFault::kAbsent) start_client();
     {  // the driver's job ends before the client
-      const DriverModule driver((program.parent_path() / kDriverFile).wstring());
+      std::optional<DriverModule> own;
+      const DriverModule& driver = loaded ? *loaded : own.emplace(DriverFile().wstring());
       PrintSession session(driver.Functions(), {spool.Printer(), kPrinterName, L"FILE:"},
-                           ModeFor(inputs_.front().sheet).pub);
+                           ModeFor(inputs_.front()).pub);
       session.StartDocument(options_.document, spool.Id());
       if (late) start_client();
+      inputs_.front().content->JobStarted(spool.Id(), session);
       for (OpenedInput& input : inputs_) PrintInputPages(input, session, folder);
       session.EndDocument();
     }
@@ -118,11 +135,13 @@ class PrintJob {
 
   void PrintPage(OpenedInput& input, PrintSession& session, const ResultFolder& folder) {
     const int number = static_cast<int>(report_.pages.size()) + 1;
+    const DeviceMode mode = ModeFor(input);
     const std::string title =
-        "page " + std::to_string(number) + ": " + input.name + ", " + DescribeSheet(input.sheet);
+        "page " + std::to_string(number) + ": " + input.name + ", " +
+        DescribeSheet(input.content->Mode() ? SheetOf(mode.pub) : input.sheet);
     console_.PageBegins(title);
+    if (number == 1) report_.copies = input.content->WantedCopies();
 
-    const DeviceMode mode = ModeFor(input.sheet);
     Graphics& graphics = session.StartPage(mode.pub);
     PageReport& page = report_.pages.emplace_back();
     page.input = input.name;
@@ -209,8 +228,9 @@ class PrintJob {
     for (const std::string& what : sentences) console_.Problem(page.input + ": " + what);
   }
 
-  DeviceMode ModeFor(const SheetChoice& sheet) const {
-    return MakeDeviceMode(kPrinterName, sheet, options_.dpi);
+  DeviceMode ModeFor(const OpenedInput& input) const {
+    const DeviceMode* own = input.content->Mode();
+    return own != nullptr ? *own : MakeDeviceMode(kPrinterName, input.sheet, options_.dpi);
   }
 
   /// The sizes of the papers that are not standard forms, by their number. All sheets given as WxH
@@ -227,13 +247,7 @@ class PrintJob {
     return sizes;
   }
 
-  /// A later, lesser problem does not change the result.
-  void Raise(ExitCode result) {
-    const auto weight = [](ExitCode code) {
-      return code == kDriverFailed ? 3 : code == kResultsLost ? 2 : code == kInputRefused ? 1 : 0;
-    };
-    if (weight(result) > weight(result_)) result_ = result;
-  }
+  void Raise(ExitCode result) { result_ = Worse(result_, result); }
   void Fail(ExitCode result, const std::string& problem) {
     Raise(result);
     console_.Problem(problem);
@@ -250,7 +264,14 @@ class PrintJob {
 }  // namespace
 
 ExitCode Print(const Options& options, Console& console) {
-  return PrintJob(options, console).Run();
+  return PrintJob(options, console).PrintFiles();
 }
+
+ExitCode PrintDocument(const Options& options, Console& console, const DriverModule& driver,
+                       const std::string& program, std::unique_ptr<PrintInput> document) {
+  return PrintJob(options, console).PrintDocument(driver, program, std::move(document));
+}
+
+fs::path DriverFile() { return ThisProgram().parent_path() / kDriverFile; }
 
 }  // namespace quillo::host

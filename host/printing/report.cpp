@@ -124,6 +124,7 @@ Json ToJson(const JobReport& report) {
   return {{"printer", report.printer},
           {"document", report.document},
           {"job_id", report.job_id},
+          {"copies", {{"count", report.copies.count}, {"collated", report.copies.collated}}},
           {"pages", std::move(pages)},
           {"pdf", NameOrNull(report.pdf)},
           {"pdf_approximated", report.client.pdf.is_object()

@@ -46,6 +46,7 @@ struct JobReport {
   std::string printer;
   std::string document;
   DWORD job_id = 0;
+  Copies copies;  // asked for; each page is there once
   std::vector<PageReport> pages;
   ClientReport client;
   std::string pdf;  // the PDF file, relative to the result folder when it is there; empty: none
