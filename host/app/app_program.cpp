@@ -71,7 +71,7 @@ AppProgram::~AppProgram() {
 }
 
 std::optional<AppProgram::Document> AppProgram::NextDocument() {
-  const ULONGLONG deadline = Deadline(has_printed_ ? kGrace : silence_);
+  const ULONGLONG deadline = Deadline(has_printed_ ? std::min(kGrace, silence_) : silence_);
   for (;;) {
     switch (Next(deadline)) {
       case Outcome::kEnded:

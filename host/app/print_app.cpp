@@ -1,51 +1,25 @@
 #include "host/app/print_app.h"
 
-#include <cstdio>
 #include <filesystem>
 #include <map>
 #include <optional>
 
 #include "host/app/app_program.h"
+#include "host/app/recorder_setup.h"
 #include "host/base/com_apartment.h"
 #include "host/base/failure.h"
 #include "host/base/text.h"
-#include "host/installation/installation.h"
 #include "host/printer/printer_setup.h"
 #include "host/printer/printer_values.h"
 #include "host/printing/print_job.h"
 #include "host/printing/printer_command.h"
+#include "host/printing/result_folder.h"
 
 namespace quillo::host {
 
 namespace {
 
 namespace fs = std::filesystem;
-
-constexpr wchar_t kRecorderFile[] = L"quillo-app.drv";
-constexpr wchar_t kDevice[] = L"quillo-app.drv,NUL:";  // as the profile names driver and port
-
-/// Makes Wine's GDI ask the recorder for the printer's DCs. It hands out Wine's own driver to
-/// programs that no print host has started.
-void InstallRecorder() {
-  PrintSystem system;
-  const fs::path source = DriverFile().parent_path() / kRecorderFile;
-  const fs::path target = system.DriverFolder() / kRecorderFile;
-  if (!PrintSystem::HasSameContent(source, target)) {
-    // An earlier one may be in use.
-    const fs::path copy = fs::path(target) += L".new";
-    system.PutFile(source, copy);
-    system.Rename(copy, target);
-    system.WriteNote(DescribePart({PartKind::kFile, kRecorderFile}), {});
-  }
-  if (!WriteProfileStringW(L"devices", kPrinterName, kDevice)) {
-    throw SystemFailure("cannot name the recorder of the printer", "WriteProfileString");
-  }
-  // On that port GDI asks for a file at each document.
-  const std::wstring printer =
-      std::wstring(L"System\\CurrentControlSet\\Control\\Print\\Printers\\") + kPrinterName;
-  RegSetKeyValueW(HKEY_LOCAL_MACHINE, printer.c_str(), L"Port", REG_SZ, kNullPort, sizeof(L"NUL:"));
-  if (system.DefaultPrinter() != kPrinterName) system.MakeDefault(kPrinterName);
-}
 
 /// The sizes of the papers that programs may choose and that are not standard forms.
 std::map<int, PaperSize> UserSizes(const Options& options) {
@@ -59,13 +33,6 @@ std::map<int, PaperSize> UserSizes(const Options& options) {
   return sizes;
 }
 
-fs::path FolderOf(const Options& options, int document) {
-  if (document == 1) return options.output;
-  char name[32];
-  std::snprintf(name, sizeof name, "document-%04d", document);
-  return options.output / name;
-}
-
 /// Prints the program's documents. Throws UnreadableInput where it does not print.
 ExitCode PrintDocuments(const Options& options, AppProgram& program, const DriverModule& driver,
                         Console& console) {
@@ -74,8 +41,8 @@ ExitCode PrintDocuments(const Options& options, AppProgram& program, const Drive
   while (auto document = program.NextDocument()) {
     ++count;
     Options own = options;
-    own.output = FolderOf(options, count);
     if (count > 1) {
+      own.output /= ResultFolder::DocumentFolder(count);
       own.pdf.clear();
       console.PageDone("document " + std::to_string(count) + ": " + ToUtf8(document->name) +
                        " -> " + ToUtf8(own.output.wstring()));
@@ -96,7 +63,7 @@ ExitCode PrintApp(const Options& options, Console& console) {
     const ComApartment apartment;
     EnsurePrinter(kPrinterName, options.dpi, UserSizes(options));
     StoreSettings(options);
-    InstallRecorder();
+    InstallRecorder(DriverFile().parent_path());
     const DriverModule driver(DriverFile().wstring());
     std::optional<AppProgram> program;
     try {

@@ -33,11 +33,16 @@ constexpr Number kNumbers[] = {
     QUILLO_NUMBER(GetTextAlign, SetTextAlign, UINT, TA_LEFT | TA_TOP),
     QUILLO_NUMBER(GetTextCharacterExtra, SetTextCharacterExtra, int, 0),
     QUILLO_NUMBER(GetArcDirection, SetArcDirection, int, AD_COUNTERCLOCKWISE),
+};
+/// The same, of the pen and the brush that have the DC's own colours: recorded once they are
+/// selected.
+constexpr Number kColours[] = {
     QUILLO_NUMBER(GetDCPenColor, SetDCPenColor, COLORREF, 0),
     QUILLO_NUMBER(GetDCBrushColor, SetDCBrushColor, COLORREF, 0xFFFFFF),
 };
 #undef QUILLO_NUMBER
 static_assert(std::size(kNumbers) == DcState::kNumbers);
+static_assert(std::size(kColours) == DcState::kColours);
 constexpr size_t kMapMode = 2;
 
 template <typename T>
@@ -60,6 +65,7 @@ bool SameRegion(HRGN a, HRGN b) {
 DcState InitialState() {
   DcState state = {};
   for (size_t i = 0; i < DcState::kNumbers; ++i) state.numbers[i] = kNumbers[i].initial;
+  for (size_t i = 0; i < DcState::kColours; ++i) state.colours[i] = kColours[i].initial;
   state.window_extent = state.viewport_extent = {1, 1};
   state.world = {1, 0, 0, 1, 0, 0};
   state.miter_limit = 10;
@@ -73,6 +79,7 @@ DcState InitialState() {
 DcState StateOf(HDC dc) {
   DcState state = {};
   for (size_t i = 0; i < DcState::kNumbers; ++i) state.numbers[i] = kNumbers[i].get(dc);
+  for (size_t i = 0; i < DcState::kColours; ++i) state.colours[i] = kColours[i].get(dc);
   GetWindowExtEx(dc, &state.window_extent);
   GetViewportExtEx(dc, &state.viewport_extent);
   GetWindowOrgEx(dc, &state.window_origin);
@@ -130,6 +137,10 @@ void Change(HDC dc, const DcState& from, const DcState& to) {
   if (from.font != to.font) SelectObject(dc, to.font);
   if (from.palette != to.palette) {
     SelectPalette(dc, static_cast<HPALETTE>(to.palette), FALSE);
+  }
+  const bool selects[] = {from.pen != to.pen, from.brush != to.brush};
+  for (size_t i = 0; i < DcState::kColours; ++i) {
+    if (selects[i] || from.colours[i] != to.colours[i]) kColours[i].set(dc, to.colours[i]);
   }
   if (Differ(from.brush_origin, to.brush_origin)) {
     SetBrushOrgEx(dc, to.brush_origin.x, to.brush_origin.y, nullptr);

@@ -8,9 +8,11 @@ namespace quillo::app {
 /// What a DC's drawing depends on, but for its path, its text justification and mapper flags, which
 /// GDI does not tell. Owns its regions; the objects are the program's.
 struct DcState {
-  static constexpr size_t kNumbers = 14;
+  static constexpr size_t kNumbers = 12;
+  static constexpr size_t kColours = 2;
 
   int numbers[kNumbers];
+  int colours[kColours];
   SIZE window_extent, viewport_extent;
   POINT window_origin, viewport_origin;
   POINT position, brush_origin;

@@ -40,11 +40,18 @@ ResultFolder::ResultFolder(const fs::path& path) : path_(path) {
                         static_cast<DWORD>(error ? error.value() : ERROR_DIRECTORY));
   }
   RemoveEarlierResults();
+  RemoveFurtherDocuments();
 }
 
 std::string ResultFolder::PageFile(int number, const char* extension) {
   char name[32];
   std::snprintf(name, sizeof name, "page-%04d.%s", number, extension);
+  return name;
+}
+
+std::string ResultFolder::DocumentFolder(int number) {
+  char name[32];
+  std::snprintf(name, sizeof name, "document-%04d", number);
   return name;
 }
 
@@ -58,6 +65,16 @@ void ResultFolder::WriteReport(const Json& report) const {
   file.close();
   if (!file) {
     throw ResultFailure("cannot write " + ToUtf8((path_ / kReportName).wstring()), "WriteFile");
+  }
+}
+
+void ResultFolder::RemoveFurtherDocuments() const {
+  for (int number = 2;; ++number) {
+    const fs::path folder = path_ / DocumentFolder(number);
+    if (!fs::exists(folder / kReportName)) return;
+    const ResultFolder emptied(folder);
+    std::error_code in_use;  // by files of others
+    fs::remove(folder, in_use);
   }
 }
 

@@ -6,6 +6,7 @@
 #include <nlohmann/json.hpp>
 #include <span>
 #include <sstream>
+#include <tlhelp32.h>
 
 #include "base/gdi_owners.h"
 #include "base/system_owners.h"
@@ -50,7 +51,19 @@ struct Page {
   }
 };
 
-/// Runs tests/corpus/e2e/print.txt, whose head says what its lines mean.
+/// Whether a process of this program runs.
+bool Runs(const wchar_t* program) {
+  const KernelHandle list(CreateToolhelp32Snapshot(TH32CS_SNAPPROCESS, 0));
+  PROCESSENTRY32W process{};
+  process.dwSize = sizeof process;
+  for (BOOL more = Process32FirstW(list.Get(), &process); more;
+       more = Process32NextW(list.Get(), &process)) {
+    if (_wcsicmp(process.szExeFile, program) == 0) return true;
+  }
+  return false;
+}
+
+/// Runs a script of tests/corpus/e2e; the head of print.txt says what its lines mean.
 class PrintScript : public testing::Test {
  protected:
   PrintScript() {
@@ -59,6 +72,7 @@ class PrintScript : public testing::Test {
     GetDesktopWindow();
     fs::remove_all(folder_);
     fs::create_directories(folder_);
+    fs::copy_file(BuiltFile(L"../tests/printing-program.exe"), folder_ / kProgram);
   }
   ~PrintScript() override {
     fs::remove_all(folder_);
@@ -68,11 +82,30 @@ class PrintScript : public testing::Test {
     }
   }
 
+  void RunScript(const std::string& name) {
+    std::ifstream script(QUILLO_SOURCE_DIR "/tests/corpus/e2e/" + name);
+    ASSERT_TRUE(script);
+    std::string run;
+    for (std::string line; std::getline(script, line);) {
+      const size_t blank = line.find(' ');
+      if (const std::string_view word = std::string_view(line).substr(0, blank);
+          word == "print" || word == "run") {
+        run = line;
+      }
+      SCOPED_TRACE(Line(run, "\n", line));
+      if (line.empty() || line[0] == '#') continue;
+      Execute(line.substr(0, blank), blank == std::string::npos ? "" : line.substr(blank + 1),
+              script);
+    }
+  }
+
+ private:
   /// `more`: where a line takes those from that belong to it.
   void Execute(const std::string& word, const std::string& rest, std::istream& more) {
     if (word == "print" || word == "run") {
       result_ = RunProgram(BuiltFile(L"quillo-print.exe"),
                            WithPaths(word == "run" ? rest : rest + " -o [out]"), folder_);
+      EXPECT_FALSE(Runs(kProgram));
       const std::string report = ReadText(folder_ / L"out" / L"job.json");
       report_ = report.empty() ? Json() : Json::parse(report);
     } else if (word == "exit") {
@@ -84,6 +117,10 @@ class PrintScript : public testing::Test {
       std::string calls;
       for (const Json& call : report_["notifications"]) calls += " " + Initials(call["method"]);
       EXPECT_EQ(calls, rest.empty() ? "" : " " + rest);
+    } else if (word == "words") {
+      std::string words = ReadText(folder_ / rest);
+      std::erase(words, '\n');
+      EXPECT_EQ(WordsOfPages(), words);
     } else if (word == "papers") {
       StorePapers(std::stoi(rest));
     } else if (word == "exists" || word == "absent") {
@@ -101,7 +138,6 @@ class PrintScript : public testing::Test {
     }
   }
 
- private:
   void ExecuteOnFile(const std::string& word, const fs::path& file, std::istream& fields,
                      std::istream& more) {
     std::string text;
@@ -178,33 +214,32 @@ class PrintScript : public testing::Test {
     }
     return line;
   }
+  /// Those of the pages' text that begin with "w", each with a blank.
+  std::string WordsOfPages() const {
+    std::string words;
+    for (const Json& page : report_["pages"]) {
+      for (const Json& run : page["text"]) {
+        std::istringstream all(run.get<std::string>());
+        for (std::string word; all >> word;) words += word[0] == 'w' ? word + " " : "";
+      }
+    }
+    return words;
+  }
   static std::string Initials(std::string method) {
     std::erase_if(method, [](char c) { return c < 'A' || c > 'Z'; });
     return method.substr(method[0] == 'N' ? 1 : 0);
   }
 
   const host::ComApartment apartment_;
+  static constexpr wchar_t kProgram[] = L"printing-program.exe";
   const fs::path folder_ = fs::temp_directory_path() / L"quillo print";
   ProgramResult result_;
   Json report_;
 };
 
-TEST_F(PrintScript, Lines_Hold) {
-  std::ifstream script(QUILLO_SOURCE_DIR "/tests/corpus/e2e/print.txt");
-  ASSERT_TRUE(script);
-  std::string run;
-  for (std::string line; std::getline(script, line);) {
-    const size_t blank = line.find(' ');
-    if (const std::string_view word = std::string_view(line).substr(0, blank);
-        word == "print" || word == "run") {
-      run = line;
-    }
-    SCOPED_TRACE(Line(run, "\n", line));
-    if (line.empty() || line[0] == '#') continue;
-    Execute(line.substr(0, blank), blank == std::string::npos ? "" : line.substr(blank + 1),
-            script);
-  }
-}
+TEST_F(PrintScript, OfFiles_Holds) { RunScript("print.txt"); }
+
+TEST_F(PrintScript, OfPrograms_Holds) { RunScript("programs.txt"); }
 
 }  // namespace
 }  // namespace quillo::test

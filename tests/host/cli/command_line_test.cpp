@@ -16,6 +16,13 @@ std::string Describe(const Options& options) {
     const int paper = input.sheet.paper;
     if (paper > DMPAPER_USER) text += " (" + std::to_string(paper) + ")";
   }
+  if (const auto& app = options.app) {
+    text += ToUtf8(app->program);
+    for (const std::wstring& argument : app->arguments) text += "," + ToUtf8(argument);
+    if (app->sheet) text += ": " + DescribeSheet(*app->sheet);
+    if (app->confirm) text += "; confirm";
+    if (app->timeout) text += "; " + std::to_string(*app->timeout) + " s";
+  }
   const Options usual;
   if (options.dpi != usual.dpi) text += "; " + std::to_string(options.dpi) + " dpi";
   if (!options.fit) text += "; actual size";
