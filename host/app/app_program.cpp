@@ -1,6 +1,7 @@
 #include "host/app/app_program.h"
 
 #include <algorithm>
+#include <cstring>
 #include <utility>
 #include <vector>
 
@@ -20,8 +21,15 @@ constexpr DWORD kUnseenSilence = 60'000;  // of a program whose dialogs nobody c
 constexpr DWORD kGrace = 5000;            // for another document
 constexpr DWORD kLastExceptionless = 0xC0000000;
 
+/// Whether Wine has somewhere to show windows, and may.
 bool HasDisplay() {
-  return GetEnvironmentVariableW(L"DISPLAY", nullptr, 0) > 1;  // with its terminator
+  wchar_t driver[16] = {};
+  DWORD size = sizeof driver;
+  RegGetValueW(HKEY_CURRENT_USER, L"Software\\Wine\\Drivers", L"Graphics", RRF_RT_REG_SZ, nullptr,
+               driver, &size);
+  constexpr DWORD kEmpty = 1;  // its terminator
+  return GetEnvironmentVariableW(L"DISPLAY", nullptr, 0) > kEmpty &&
+         std::wstring_view(driver) != L"null";
 }
 
 DWORD SilenceOf(const AppOptions& options) {
@@ -38,8 +46,10 @@ std::filesystem::path TemporaryFile() {
   return file;
 }
 
-std::wstring_view TextOf(std::span<const std::byte> data) {
-  return {reinterpret_cast<const wchar_t*>(data.data()), data.size() / sizeof(wchar_t)};
+std::wstring TextOf(std::span<const std::byte> data) {
+  std::wstring text(data.size() / sizeof(wchar_t), L'\0');
+  std::memcpy(text.data(), data.data(), text.size() * sizeof(wchar_t));
+  return text;
 }
 
 }  // namespace
@@ -96,8 +106,7 @@ std::optional<AppProgram::Document> AppProgram::NextDocument() {
           break;
         }
         has_printed_ = true;
-        return Document{std::wstring(TextOf(request.data)),
-                        std::make_unique<AppDocument>(*this, *mode)};
+        return Document{TextOf(request.data), std::make_unique<AppDocument>(*this, *mode)};
     }
   }
 }
@@ -118,9 +127,9 @@ AppProgram::Outcome AppProgram::Next(ULONGLONG deadline) {
     if (!running) return Outcome::kEnded;
     const ULONGLONG now = GetTickCount64();
     if (deadline != 0 && now > deadline) return Outcome::kSilent;
-    if (!seen_ && now - watched_ > kDialogStep) {
+    if (options_.confirm && now - watched_ > kDialogStep) {
       watched_ = now;
-      WatchDialogs();
+      ConfirmDialogs();
     }
   }
 }
@@ -181,8 +190,7 @@ std::unique_ptr<PrintDevice> AppProgram::MakeDevice(const app::Request& request)
   }
 }
 
-void AppProgram::WatchDialogs() {
-  if (!options_.confirm) return;
+void AppProgram::ConfirmDialogs() {
   const ULONGLONG now = GetTickCount64();
   for (const HWND dialog : process_.Dialogs()) {
     const auto pressed = pressed_.find(dialog);

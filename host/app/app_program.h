@@ -58,7 +58,7 @@ class AppProgram {
   std::unique_ptr<PrintDevice> MakeDevice(const app::Request& request) const;
   /// "shows the dialog "Print"..."; empty without one.
   std::string HiddenDialog() const;
-  void WatchDialogs();
+  void ConfirmDialogs();
   /// "crashed", "ended": how the process that printed went.
   std::string HowItWent() const;
   [[nodiscard]] ULONGLONG Deadline(DWORD milliseconds) const;

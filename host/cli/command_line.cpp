@@ -112,8 +112,7 @@ class Parser {
                                   "the last")
                       ->type_name("PROGRAM [ARGS...]")
                       ->excludes(input_);
-    confirm_ = AddFlag("--app-confirm", "Press OK in the program's dialogs, where nobody sees them")
-                   ->needs(app_option_);
+    confirm_ = AddFlag("--app-confirm", "Press OK in the program's dialogs")->needs(app_option_);
     timeout_ = app_.add_option("--app-timeout", seconds_,
                                "How long the program may take to the first document, and be silent "
                                "inside one; by default 60 without a display, else for ever")

@@ -89,6 +89,15 @@ void SendRubbish() {
   Sleep(INFINITE);
 }
 
+/// Asks the printer's driver as another version of Wine would.
+void AskAsOtherWine() {
+  const HMODULE driver = GetModuleHandleW(L"quillo-app.drv");
+  using Function = const void*(unsigned);
+  auto* ask = reinterpret_cast<Function*>(
+      reinterpret_cast<void*>(GetProcAddress(driver, "wine_get_gdi_driver")));
+  if (ask(80) == nullptr) Sleep(INFINITE);
+}
+
 /// Leaves another process of this program that hangs.
 void LeaveChild() {
   wchar_t program[MAX_PATH];
@@ -113,6 +122,10 @@ int wmain(int count, wchar_t** arguments) {
     return 0;
   }
   const HDC dc = MakeDc();
+  if (how == L"wine") {
+    DeleteDC(dc);
+    AskAsOtherWine();
+  }
   Start(dc, L"A document");
   const int pages = count > 2 ? _wtoi(arguments[2]) : 1;
   for (int page = 1; page <= pages; ++page) Page(dc, L"page " + std::to_wstring(page));
