@@ -54,13 +54,11 @@ std::wstring TextOf(std::span<const std::byte> data) {
 
 }  // namespace
 
-AppProgram::AppProgram(const AppOptions& options, int dpi, const DriverModule& driver,
-                       Console& console)
+AppProgram::AppProgram(const AppOptions& options, int dpi, const DriverModule& driver)
     : options_(options),
       name_(ToUtf8(options.program)),
       sheet_{options.sheet, dpi},
       driver_(driver),
-      console_(console),
       seen_(HasDisplay()),
       silence_(SilenceOf(options)),
       page_file_(TemporaryFile()),
@@ -176,7 +174,6 @@ void AppProgram::AnswerEscape(const app::Request& request, SURFOBJ* surface) {
   pipe_.Answer(static_cast<int32_t>(result), output);
 }
 
-/// Null when the driver refuses the request's device mode.
 std::unique_ptr<PrintDevice> AppProgram::MakeDevice(const app::Request& request) const {
   const auto mode = ReadAppMode(request.mode, sheet_);
   if (!mode) return nullptr;

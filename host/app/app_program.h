@@ -13,7 +13,6 @@
 #include "host/app/app_process.h"
 #include "host/engine/driver_module.h"
 #include "host/inputs/input.h"
-#include "host/printing/console.h"
 #include "host/printing/options.h"
 
 namespace quillo::host {
@@ -21,8 +20,8 @@ namespace quillo::host {
 /// A program that prints, and what its recorder says.
 class AppProgram {
  public:
-  /// Starts the program. The others must outlive this. Throws SystemFailure.
-  AppProgram(const AppOptions& options, int dpi, const DriverModule& driver, Console& console);
+  /// Starts the program. `options` and `driver` must outlive this. Throws SystemFailure.
+  AppProgram(const AppOptions& options, int dpi, const DriverModule& driver);
   ~AppProgram();
   AppProgram(const AppProgram&) = delete;
   AppProgram& operator=(const AppProgram&) = delete;
@@ -44,7 +43,7 @@ class AppProgram {
 
   enum class Outcome {
     kRequest,  // in pipe_
-    kGone,     // the process that prints has gone
+    kGone,     // the process that prints has gone, or lets others print
     kEnded,    // no process is left
     kSilent,   // for too long
     kRefused,  // what it sent is no request
@@ -52,22 +51,24 @@ class AppProgram {
 
   /// Waits until `deadline`, a GetTickCount64; 0: for ever.
   Outcome Next(ULONGLONG deadline);
-  /// Whatever is asked at any time. `surface`: of an open document.
+  /// What may be asked at any time; refuses the rest. `surface`: of an open document, or null.
+  /// Throws DriverFailure on a Wine that cannot be recorded.
   void AnswerQuestion(const app::Request& request, SURFOBJ* surface);
   void AnswerEscape(const app::Request& request, SURFOBJ* surface);
-  std::unique_ptr<PrintDevice> MakeDevice(const app::Request& request) const;
-  /// "shows the dialog "Print"..."; empty without one.
-  std::string HiddenDialog() const;
+  /// A device of the request's mode, with its surface; null where the driver refuses it.
+  [[nodiscard]] std::unique_ptr<PrintDevice> MakeDevice(const app::Request& request) const;
+  /// "; it shows the dialog "Print", ...", for the end of a sentence; empty without one that is
+  /// hidden.
+  [[nodiscard]] std::string HiddenDialog() const;
   void ConfirmDialogs();
   /// "crashed", "ended": how the process that printed went.
-  std::string HowItWent() const;
+  [[nodiscard]] std::string HowItWent() const;
   [[nodiscard]] ULONGLONG Deadline(DWORD milliseconds) const;
 
   const AppOptions& options_;
   const std::string name_;
   const AppSheet sheet_;
   const DriverModule& driver_;
-  Console& console_;
   const bool seen_;      // there is a display
   const DWORD silence_;  // the longest, milliseconds; 0: any
   std::filesystem::path page_file_;

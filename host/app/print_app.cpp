@@ -8,6 +8,7 @@
 #include "host/app/recorder_setup.h"
 #include "host/base/com_apartment.h"
 #include "host/base/failure.h"
+#include "host/base/platform.h"
 #include "host/base/text.h"
 #include "host/printer/printer_setup.h"
 #include "host/printer/printer_values.h"
@@ -59,6 +60,10 @@ ExitCode PrintDocuments(const Options& options, AppProgram& program, const Drive
 }  // namespace
 
 ExitCode PrintApp(const Options& options, Console& console) {
+  if (!RunsUnderWine()) {
+    console.Problem("--app works under Wine only; on Windows, print to the installed printer");
+    return kDriverFailed;
+  }
   try {
     const ComApartment apartment;
     EnsurePrinter(kPrinterName, options.dpi, UserSizes(options));
@@ -67,7 +72,7 @@ ExitCode PrintApp(const Options& options, Console& console) {
     const DriverModule driver(DriverFile().wstring());
     std::optional<AppProgram> program;
     try {
-      program.emplace(*options.app, options.dpi, driver, console);
+      program.emplace(*options.app, options.dpi, driver);
     } catch (const SystemFailure& failure) {
       console.Problem(failure.what());
       return kInputRefused;

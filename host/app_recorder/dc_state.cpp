@@ -1,6 +1,5 @@
 #include "host/app_recorder/dc_state.h"
 
-#include <cstring>
 #include <iterator>
 
 namespace quillo::app {
@@ -45,9 +44,11 @@ static_assert(std::size(kNumbers) == DcState::kNumbers);
 static_assert(std::size(kColours) == DcState::kColours);
 constexpr size_t kMapMode = 2;
 
-template <typename T>
-bool Differ(const T& a, const T& b) {
-  return std::memcmp(&a, &b, sizeof a) != 0;
+bool Differ(const SIZE& a, const SIZE& b) { return a.cx != b.cx || a.cy != b.cy; }
+bool Differ(const POINT& a, const POINT& b) { return a.x != b.x || a.y != b.y; }
+bool Differ(const XFORM& a, const XFORM& b) {
+  return a.eM11 != b.eM11 || a.eM12 != b.eM12 || a.eM21 != b.eM21 || a.eM22 != b.eM22 ||
+         a.eDx != b.eDx || a.eDy != b.eDy;
 }
 
 /// A copy of a region of the DC; null when it has none. `which`: 1 the clip, 2 the meta region.

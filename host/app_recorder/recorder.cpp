@@ -60,8 +60,7 @@ bool TakeMode(Device& device, const DEVMODEW* mode) {
   return true;
 }
 
-// -- Recording
-// -------------------------------------------------------------------------------------
+// -- Recording ------------------------------------------------------------------------------
 
 /// Lets the DC record a page, which begins with the DC's state.
 bool BeginRecording(Device& device) {
@@ -103,8 +102,7 @@ bool CloseDocument(Device& device, RequestKind how) {
   return Ask({how, 0, 0, 0, 0}, {}, {}).result > 0;
 }
 
-// -- The driver's functions
-// ------------------------------------------------------------------------
+// -- The driver's functions -------------------------------------------------------------------
 
 BOOL OnDeleteDc(PhysicalDevice* base) {
   Device& device = DeviceOf(base);

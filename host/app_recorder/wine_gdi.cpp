@@ -62,10 +62,11 @@ bool IsReadable(const void* data, size_t size) {
 /// Null when there are none that can be read.
 DcAttributes* AttributesOf(HDC dc) {
   const auto* environment = reinterpret_cast<const std::byte*>(RtlGetCurrentPeb());
-  const HandleEntry* table = nullptr;
+  uintptr_t table = 0;
   std::memcpy(&table, environment + kPebHandleTable, sizeof table);
-  const HandleEntry* entry = table + LOWORD(reinterpret_cast<uintptr_t>(dc));
-  if (table == nullptr || !IsReadable(entry, sizeof *entry)) return nullptr;
+  const auto* entry =
+      reinterpret_cast<const HandleEntry*>(table) + LOWORD(reinterpret_cast<uintptr_t>(dc));
+  if (table == 0 || !IsReadable(entry, sizeof *entry)) return nullptr;
   auto* attributes = reinterpret_cast<DcAttributes*>(entry->user_pointer);
   const bool fits =
       IsReadable(attributes, sizeof *attributes) && attributes->handle == HandleToULong(dc);
