@@ -26,6 +26,24 @@ class VariableScope {
   const wchar_t* name_;
 };
 
+/// Finds the program as CreateProcess would. Throws SystemFailure when there is none, or none that
+/// the recorder fits: Wine would start a program of the system beneath it, too.
+std::wstring FindProgram(const std::wstring& name) {
+  std::wstring path(32'768, L'\0');
+  const DWORD length = SearchPathW(nullptr, name.c_str(), L".exe", static_cast<DWORD>(path.size()),
+                                   path.data(), nullptr);
+  if (length == 0 || length >= path.size()) {
+    throw SystemFailure("cannot find " + ToUtf8(name), "SearchPath");
+  }
+  path.resize(length);
+  DWORD type = 0;
+  if (!GetBinaryTypeW(path.c_str(), &type) || type != SCS_64BIT_BINARY) {
+    throw SystemFailure(ToUtf8(name) + " is not a Windows program for 64 bits", "GetBinaryType",
+                        ERROR_BAD_EXE_FORMAT);
+  }
+  return path;
+}
+
 KernelHandle MakeJob() {
   KernelHandle job(CreateJobObjectW(nullptr, nullptr));
   JOBOBJECT_EXTENDED_LIMIT_INFORMATION limits{};
@@ -55,6 +73,7 @@ std::wstring QuotedArgument(const std::wstring& argument) {
 AppProcess::AppProcess(const std::wstring& program, const std::vector<std::wstring>& arguments,
                        const wchar_t* variable, const std::wstring& value)
     : job_(MakeJob()) {
+  const std::wstring file = FindProgram(program);
   std::wstring command = QuotedArgument(program);
   for (const std::wstring& argument : arguments) {
     // Some programs look for their switches in the command line as it is.
@@ -65,8 +84,8 @@ AppProcess::AppProcess(const std::wstring& program, const std::vector<std::wstri
   startup.cb = sizeof startup;
   PROCESS_INFORMATION info{};
   const VariableScope scope(variable, value);
-  if (!CreateProcessW(nullptr, command.data(), nullptr, nullptr, FALSE, CREATE_SUSPENDED, nullptr,
-                      nullptr, &startup, &info)) {
+  if (!CreateProcessW(file.c_str(), command.data(), nullptr, nullptr, FALSE, CREATE_SUSPENDED,
+                      nullptr, nullptr, &startup, &info)) {
     throw SystemFailure("cannot start " + ToUtf8(program), "CreateProcess");
   }
   process_.Reset(info.hProcess);

@@ -1,3 +1,4 @@
+#include <atomic>
 #include <cstddef>
 #include <cstring>
 #include <iterator>
@@ -263,38 +264,35 @@ BOOL OnDraw() { return TRUE; }
 BOOL OnCreateDc(PhysicalDevice** stack, const wchar_t* printer, const wchar_t* port,
                 const DEVMODEW* mode);
 
-const DriverTable* Table() {
-  static const DriverTable table = [] {
-    DriverTable made = {};
-    const auto put = [&made](DriverFunction place, auto* function) {
-      made.functions[place] = reinterpret_cast<const void*>(function);
-    };
-    put(kCreateDc, OnCreateDc);
-    put(kDeleteDc, OnDeleteDc);
-    put(kResetDc, OnResetDc);
-    put(kStartDoc, OnStartDoc);
-    put(kStartPage, OnStartPage);
-    put(kEndPage, OnEndPage);
-    put(kEndDoc, OnEndDoc);
-    put(kAbortDoc, OnAbortDoc);
-    put(kExtEscape, OnExtEscape);
-    put(kGetDeviceCaps, OnGetDeviceCaps);
-    put(kExtTextOut, OnExtTextOut);
-    put(kSetDibitsToDevice, OnSetDibitsToDevice);
-    put(kStretchDibits, OnStretchDibits);
-    put(kPutImage, OnImage);
-    put(kBlendImage, OnImage);
-    for (const DriverFunction drawing :
-         {kAlphaBlend, kEllipse, kExtFloodFill, kFillRgn, kFrameRgn, kGradientFill, kInvertRgn,
-          kLineTo, kPaintRgn, kPatBlt, kPie, kPolyPolygon, kPolyPolyline, kRectangle, kRoundRect,
-          kStretchBlt}) {
-      put(drawing, OnDraw);
-    }
-    made.priority = kPrinterPriority;
-    return made;
-  }();
-  return &table;
-}
+const DriverTable g_table = [] {
+  DriverTable made = {};
+  const auto put = [&made](DriverFunction place, auto* function) {
+    made.functions[place] = reinterpret_cast<const void*>(function);
+  };
+  put(kCreateDc, OnCreateDc);
+  put(kDeleteDc, OnDeleteDc);
+  put(kResetDc, OnResetDc);
+  put(kStartDoc, OnStartDoc);
+  put(kStartPage, OnStartPage);
+  put(kEndPage, OnEndPage);
+  put(kEndDoc, OnEndDoc);
+  put(kAbortDoc, OnAbortDoc);
+  put(kExtEscape, OnExtEscape);
+  put(kGetDeviceCaps, OnGetDeviceCaps);
+  put(kExtTextOut, OnExtTextOut);
+  put(kSetDibitsToDevice, OnSetDibitsToDevice);
+  put(kStretchDibits, OnStretchDibits);
+  put(kPutImage, OnImage);
+  put(kBlendImage, OnImage);
+  for (const DriverFunction drawing :
+       {kAlphaBlend, kEllipse, kExtFloodFill, kFillRgn, kFrameRgn, kGradientFill, kInvertRgn,
+        kLineTo, kPaintRgn, kPatBlt, kPie, kPolyPolygon, kPolyPolyline, kRectangle, kRoundRect,
+        kStretchBlt}) {
+    put(drawing, OnDraw);
+  }
+  made.priority = kPrinterPriority;
+  return made;
+}();
 
 BOOL OnCreateDc(PhysicalDevice** stack, const wchar_t* /*printer*/, const wchar_t* /*port*/,
                 const DEVMODEW* mode) {
@@ -306,7 +304,7 @@ BOOL OnCreateDc(PhysicalDevice** stack, const wchar_t* /*printer*/, const wchar_
     HeapFree(GetProcessHeap(), 0, memory);
     return FALSE;
   }
-  PushDevice(stack, &device->base, Table());
+  PushDevice(stack, &device->base, &g_table);
   return TRUE;
 }
 
@@ -326,8 +324,9 @@ const void* WinesOwnDriver(unsigned version) {
 }
 
 bool IsKnownWine(unsigned version) {
-  static const bool fits = LayoutsFit();
-  return version == kDriverVersion && fits;
+  static std::atomic<bool> known = false;  // it is asked for each DC
+  if (version == kDriverVersion && !known) known = LayoutsFit();
+  return version == kDriverVersion && known;
 }
 
 /// Tells the host why nothing can be recorded.
@@ -348,7 +347,7 @@ void ReportOtherWine() {
 extern "C" const void* wine_get_gdi_driver(unsigned version) {
   using namespace quillo::app;
   if (!HasHost()) return WinesOwnDriver(version);
-  if (IsKnownWine(version)) return Table();
+  if (IsKnownWine(version)) return &g_table;
   ReportOtherWine();
   return nullptr;
 }
