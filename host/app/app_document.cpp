@@ -85,7 +85,12 @@ bool AppDocument::PreparePage() {
 
 DrawResult AppDocument::DrawPage(Graphics& canvas, const PageSetup& setup) {
   ++pages_;
-  return page_->DrawPage(canvas, setup);
+  PageSetup own = setup;
+  // The program has its glyph numbers from the fonts of this system, substitutes included.
+  if (own.glyph_order == GlyphOrder::kAsSubstitute) own.glyph_order = GlyphOrder::kAssume;
+  DrawResult result = page_->DrawPage(canvas, own);
+  for (auto& [face, use] : result.fonts) use.assumed_glyphs = 0;
+  return result;
 }
 
 void AppDocument::Answer(int32_t result, std::span<const std::byte> data) {

@@ -22,10 +22,12 @@ void InstallRecorder(const fs::path& folder) {
   const fs::path source = folder / kRecorderFile;
   const fs::path target = system.DriverFolder() / kRecorderFile;
   if (!PrintSystem::HasSameContent(source, target)) {
-    // An earlier one may be in use.
-    const fs::path copy = fs::path(target) += L".new";
-    system.PutFile(source, copy);
-    system.Rename(copy, target);
+    // One that a program has loaded can be renamed, but neither be overwritten nor removed.
+    const fs::path old = fs::path(target) += L".old";
+    if (fs::exists(target)) system.Rename(target, old);
+    system.PutFile(source, target);
+    std::error_code in_use;
+    fs::remove(old, in_use);
     system.WriteNote(DescribePart({PartKind::kFile, kRecorderFile}), {});
   }
   if (!WriteProfileStringW(L"devices", kPrinterName, kDevice)) {

@@ -9,6 +9,7 @@
 #include "host/app_protocol/app_protocol.h"
 #include "host/app_recorder/dc_state.h"
 #include "host/app_recorder/host_connection.h"
+#include "host/app_recorder/pen_record.h"
 #include "host/app_recorder/text_record.h"
 #include "host/app_recorder/wine_gdi.h"
 
@@ -21,11 +22,16 @@ using Bytes = std::span<const std::byte>;
 
 constexpr DWORD kMaxPath = 1024;
 
-/// A printer's DC.
-struct Device {
+/// A DC of memory that is compatible with a printer's: it is drawn on by GDI, and measures like the
+/// printer.
+struct MemoryDevice {
   PhysicalDevice base;  // GDI knows this part; first
-  HostConnection connection;
   Capabilities capabilities;
+};
+
+/// A printer's DC.
+struct Device : MemoryDevice {
+  HostConnection connection;
   bool document_open;
   bool page_open;
   bool has_started_page;  // programs of old end pages that they never start
@@ -35,7 +41,9 @@ struct Device {
   std::byte mode[kMaxModeBytes];  // the DEVMODEW that holds
 };
 
-Device& DeviceOf(PhysicalDevice* base) { return *reinterpret_cast<Device*>(base); }
+MemoryDevice& MemoryOf(PhysicalDevice* base) { return *reinterpret_cast<MemoryDevice*>(base); }
+
+Device& DeviceOf(PhysicalDevice* base) { return static_cast<Device&>(MemoryOf(base)); }
 
 Bytes ModeOf(const Device& device) { return {device.mode, device.mode_bytes}; }
 
@@ -182,7 +190,7 @@ int OnGetDeviceCaps(PhysicalDevice* base, int capability) {
   // With none, programs mix colours themselves, or draw opaquely.
   constexpr int kBlends =
       SB_CONST_ALPHA | SB_PIXEL_ALPHA | SB_PREMULT_ALPHA | SB_GRAD_RECT | SB_GRAD_TRI;
-  const Capabilities& known = DeviceOf(base).capabilities;
+  const Capabilities& known = MemoryOf(base).capabilities;
   switch (capability) {
     case TECHNOLOGY:
       return DT_RASPRINTER;
@@ -246,6 +254,11 @@ BOOL OnExtTextOut(PhysicalDevice* base, int /*x*/, int /*y*/, UINT /*options*/,
   return TRUE;
 }
 
+HPEN OnSelectPen(PhysicalDevice* base, HPEN pen, const void* /*pattern*/) {
+  MendPenRecord(base->dc, pen);
+  return pen;
+}
+
 int OnSetDibitsToDevice(PhysicalDevice* /*base*/, int /*x*/, int /*y*/, DWORD /*width*/,
                         DWORD height) {
   return static_cast<int>(height);
@@ -263,12 +276,18 @@ BOOL OnDraw() { return TRUE; }
 
 BOOL OnCreateDc(PhysicalDevice** stack, const wchar_t* printer, const wchar_t* port,
                 const DEVMODEW* mode);
+BOOL OnCreateCompatibleDc(PhysicalDevice* base, PhysicalDevice** stack);
+
+BOOL OnDeleteMemoryDc(PhysicalDevice* base) {
+  return HeapFree(GetProcessHeap(), 0, &MemoryOf(base));
+}
 
 const DriverTable g_table = [] {
   DriverTable made = {};
   const auto put = [&made](DriverFunction place, auto* function) {
     made.functions[place] = reinterpret_cast<const void*>(function);
   };
+  put(kCreateCompatibleDc, OnCreateCompatibleDc);
   put(kCreateDc, OnCreateDc);
   put(kDeleteDc, OnDeleteDc);
   put(kResetDc, OnResetDc);
@@ -280,6 +299,7 @@ const DriverTable g_table = [] {
   put(kExtEscape, OnExtEscape);
   put(kGetDeviceCaps, OnGetDeviceCaps);
   put(kExtTextOut, OnExtTextOut);
+  put(kSelectPen, OnSelectPen);
   put(kSetDibitsToDevice, OnSetDibitsToDevice);
   put(kStretchDibits, OnStretchDibits);
   put(kPutImage, OnImage);
@@ -290,6 +310,15 @@ const DriverTable g_table = [] {
         kStretchBlt}) {
     put(drawing, OnDraw);
   }
+  made.priority = kPrinterPriority;
+  return made;
+}();
+
+const DriverTable g_memory_table = [] {
+  DriverTable made = {};
+  made.functions[kCreateCompatibleDc] = g_table.functions[kCreateCompatibleDc];
+  made.functions[kGetDeviceCaps] = g_table.functions[kGetDeviceCaps];
+  made.functions[kDeleteDc] = reinterpret_cast<const void*>(OnDeleteMemoryDc);
   made.priority = kPrinterPriority;
   return made;
 }();
@@ -305,6 +334,15 @@ BOOL OnCreateDc(PhysicalDevice** stack, const wchar_t* /*printer*/, const wchar_
     return FALSE;
   }
   PushDevice(stack, &device->base, &g_table);
+  return TRUE;
+}
+
+BOOL OnCreateCompatibleDc(PhysicalDevice* base, PhysicalDevice** stack) {
+  auto* device = static_cast<MemoryDevice*>(
+      HeapAlloc(GetProcessHeap(), HEAP_ZERO_MEMORY, sizeof(MemoryDevice)));
+  if (device == nullptr) return FALSE;
+  device->capabilities = MemoryOf(base).capabilities;
+  PushDevice(stack, &device->base, &g_memory_table);
   return TRUE;
 }
 

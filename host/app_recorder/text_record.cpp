@@ -88,11 +88,12 @@ void ToLogical(HDC dc, const POINT* pixels, UINT count, INT* advances) {
 void MendTextRecord(HDC dc, UINT count, const POINT* advances) {
   if (count == 0 || count > kMostCharacters) return;
   const size_t size = kStringOffset + StringBytes(count) + count * sizeof(INT);
-  const std::span<std::byte> record = LastRecord(dc, EMR_EXTTEXTOUTW, size);
+  const std::span<std::byte> record = LastRecords(dc, size);
   if (record.empty()) return;
   EMREXTTEXTOUTW text;
   std::memcpy(&text, record.data(), sizeof text);
-  if (text.emrtext.nChars != count || text.emrtext.offString != kStringOffset ||
+  if (text.emr.iType != EMR_EXTTEXTOUTW || text.emr.nSize != size || text.emrtext.nChars != count ||
+      text.emrtext.offString != kStringOffset ||
       text.emrtext.offDx != kStringOffset + StringBytes(count)) {
     return;
   }
@@ -105,7 +106,7 @@ void MendTextRecord(HDC dc, UINT count, const POINT* advances) {
     text.emr.nSize = static_cast<DWORD>(size + count * sizeof(INT));
     std::memcpy(bytes, &text, sizeof text);
     ToLogical(dc, advances, count, reinterpret_cast<INT*>(bytes + text.emrtext.offDx));
-    ReplaceLastRecord(dc, size, {bytes, text.emr.nSize});
+    ReplaceLastRecords(dc, size, {bytes, text.emr.nSize});
   } else if ((text.emrtext.fOptions & ETO_GLYPH_INDEX) != 0) {
     const auto* glyphs = reinterpret_cast<const WCHAR*>(record.data() + text.emrtext.offString);
     auto* recorded = reinterpret_cast<INT*>(record.data() + text.emrtext.offDx);

@@ -160,30 +160,26 @@ bool IsRecordingPath(HDC dc) {
   return recorder != nullptr && recorder->in_path;
 }
 
-std::span<std::byte> LastRecord(HDC dc, DWORD type, size_t size) {
+std::span<std::byte> LastRecords(HDC dc, size_t size) {
   const Recorder* recorder = RecorderOf(AttributesOf(dc));
   if (recorder == nullptr) return {};
   const size_t used = recorder->metafile->nBytes;
-  if (size < sizeof(EMR) || used < sizeof(ENHMETAHEADER) + size) return {};
-  std::byte* record = reinterpret_cast<std::byte*>(recorder->metafile) + used - size;
-  EMR head;
-  std::memcpy(&head, record, sizeof head);
-  if (head.iType != type || head.nSize != size) return {};
-  return {record, size};
+  if (used < sizeof(ENHMETAHEADER) + size) return {};
+  return {reinterpret_cast<std::byte*>(recorder->metafile) + used - size, size};
 }
 
-bool ReplaceLastRecord(HDC dc, size_t old_size, std::span<const std::byte> record) {
+bool ReplaceLastRecords(HDC dc, size_t old_size, std::span<const std::byte> records) {
   Recorder* recorder = RecorderOf(AttributesOf(dc));
   if (recorder == nullptr) return false;
   const size_t kept = recorder->metafile->nBytes - old_size;
-  const size_t size = kept + record.size();
+  const size_t size = kept + records.size();
   if (size > HeapSize(GetProcessHeap(), 0, recorder->metafile)) {
     void* grown = HeapReAlloc(GetProcessHeap(), 0, recorder->metafile, size + size / 2);
     if (grown == nullptr) return false;
     recorder->metafile = static_cast<ENHMETAHEADER*>(grown);
   }
-  std::memcpy(reinterpret_cast<std::byte*>(recorder->metafile) + kept, record.data(),
-              record.size());
+  std::memcpy(reinterpret_cast<std::byte*>(recorder->metafile) + kept, records.data(),
+              records.size());
   recorder->metafile->nBytes = static_cast<DWORD>(size);
   return true;
 }

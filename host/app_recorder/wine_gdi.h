@@ -21,7 +21,8 @@ enum DriverFunction : size_t {
   kAbortDoc = 0,
   kAlphaBlend = 2,
   kBlendImage = 7,
-  kCreateDc = 11,
+  kCreateCompatibleDc = 10,
+  kCreateDc,
   kDeleteDc,
   kEllipse = 14,
   kEndDoc,
@@ -44,6 +45,7 @@ enum DriverFunction : size_t {
   kRectangle = 66,
   kResetDc,
   kRoundRect,
+  kSelectPen = 72,
   kSetDibitsToDevice = 77,
   kSetPixel = 80,
   kStartDoc = 82,
@@ -78,9 +80,10 @@ HENHMETAFILE StopRecording(HDC dc);
 /// Whether the DC records a path that is still open.
 bool IsRecordingPath(HDC dc);
 
-/// The last record of the DC's recorder if it has this type and size; else nothing.
-std::span<std::byte> LastRecord(HDC dc, DWORD type, size_t size);
-/// Puts `record`, whose size is in it, in the place of the last one. False when memory is short.
-bool ReplaceLastRecord(HDC dc, size_t old_size, std::span<const std::byte> record);
+/// The last `size` bytes that the DC has recorded; nothing when it has not recorded as many.
+std::span<std::byte> LastRecords(HDC dc, size_t size);
+/// Puts as many other records in the place of the last `old_size` bytes. False when memory is
+/// short.
+bool ReplaceLastRecords(HDC dc, size_t old_size, std::span<const std::byte> records);
 
 }  // namespace quillo::app

@@ -56,6 +56,21 @@ void BlendRed(HDC dc) {
   Gdiplus::GdiplusShutdown(token);
 }
 
+/// A bitmap that has the printer's colours.
+void CopyGreen(HDC dc) {
+  const HDC memory = CreateCompatibleDC(dc);
+  const HBITMAP bitmap = CreateCompatibleBitmap(dc, 50, 50);
+  const HGDIOBJ former = SelectObject(memory, bitmap);
+  const HBRUSH brush = CreateSolidBrush(RGB(0, 0xFF, 0));
+  const RECT all = {0, 0, 50, 50};
+  FillRect(memory, &all, brush);
+  DeleteObject(brush);
+  BitBlt(dc, 500, 300, 50, 50, memory, 0, 0, SRCCOPY);
+  SelectObject(memory, former);
+  DeleteObject(bitmap);
+  DeleteDC(memory);
+}
+
 /// Two documents: state that goes on to the next page, a sheet that changes, blended colours.
 void PrintDocuments() {
   const DEVMODEW first = Sheet(DMPAPER_A4, DMORIENT_PORTRAIT);
@@ -72,6 +87,7 @@ void PrintDocuments() {
   SelectClipRgn(dc, nullptr);
   StartPage(dc);
   BlendRed(dc);
+  CopyGreen(dc);
   EndPage(dc);
   EndDoc(dc);
   Start(dc, L"Another");

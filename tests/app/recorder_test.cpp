@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "base/gdi_owners.h"
+#include "base/system_owners.h"
 #include "host/app/app_pipe.h"
 #include "host/app/recorder_setup.h"
 #include "host/printer/printer_setup.h"
@@ -69,6 +70,8 @@ class PrintHost {
 class Recorder : public testing::Test {
  protected:
   Recorder() {
+    // GDI asks for it by its name alone, and shall not find one of an earlier build.
+    static const Library kBuilt(LoadLibraryW(BuiltFile(L"quillo-app.drv").c_str()));
     host::EnsurePrinter(host::kPrinterName, 254, {});
     host::InstallRecorder(fs::path(BuiltFile(L"quillo-app.drv")).parent_path());
     host_.emplace();
@@ -252,6 +255,23 @@ TEST_F(Recorder, AdvancesInBothDirections_AreRecordedWhole) {
   // GDI by itself records the first half; without this gap there is nothing to mend.
   EXPECT_EQ(advances(Plain([](HDC dc) { GlyphText(dc, ETO_PDY, kPairs); })).size(),
             sizeof kPairs / 2);
+}
+
+TEST_F(Recorder, ExtendedPens_AreRecordedWithTheirDashes) {
+  constexpr DWORD kDashes[] = {7, 8, 9};
+  const LOGBRUSH brush = {BS_HATCHED, 0x123456, HS_CROSS};
+  const Pen pen(ExtCreatePen(PS_GEOMETRIC | PS_USERSTYLE | PS_ENDCAP_FLAT, 5, &brush, 3, kDashes));
+  BeginDocument();
+  StartPage(dc_.Get());
+  SelectObject(dc_.Get(), pen.Get());
+  EndPage(dc_.Get());
+  EndDoc(dc_.Get());
+  const std::vector<std::string> records = Records(host_->pages.at(0));
+  constexpr DWORD kRecord[] = {EMR_EXTCREATEPEN, 64,       1,        0, 0, 0, 0, 0x10207, 5,
+                               BS_HATCHED,       0x123456, HS_CROSS, 3, 7, 8, 9};
+  EXPECT_EQ(records.at(0), std::string(reinterpret_cast<const char*>(kRecord), sizeof kRecord));
+  EXPECT_EQ(records.at(1)[0], EMR_SELECTOBJECT);
+  EXPECT_EQ(records.size(), 3u);
 }
 
 /// Calls by their letters, and what they answer: d for StartDoc, s StartPage, e EndPage, E EndDoc,
