@@ -45,9 +45,9 @@ void AppDocument::JobStarted(DWORD job_id, const PrintSession& session) {
 
 bool AppDocument::PreparePage() {
   Answer(1);
-  const std::string taken = pages_ == 0
-                                ? "before its first page"
-                                : "after " + std::to_string(pages_) + " pages, which are printed";
+  const std::string taken =
+      pages_ == 0 ? "before its first page"
+                  : "after page " + std::to_string(pages_) + "; the pages so far are printed";
   for (;;) {
     switch (program_.Next(program_.Deadline(program_.silence_))) {
       case AppProgram::Outcome::kEnded:

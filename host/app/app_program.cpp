@@ -19,7 +19,7 @@ constexpr DWORD kDialogStep = 250;        // and at its dialogs
 constexpr ULONGLONG kPressAgain = 1000;   // a dialog that has taken an OK may need it again
 constexpr DWORD kUnseenSilence = 60'000;  // of a program whose dialogs nobody can see
 constexpr DWORD kGrace = 5000;            // for another document
-constexpr DWORD kLastExceptionless = 0xC0000000;
+constexpr DWORD kFirstException = 0xC0000000;
 
 /// Whether Wine has somewhere to show windows, and may.
 bool HasDisplay() {
@@ -208,7 +208,7 @@ std::string AppProgram::HowItWent() const {
   DWORD code = 0;
   WaitForSingleObject(client_.Get(), kGrace);
   GetExitCodeProcess(client_.Get(), &code);
-  return code > kLastExceptionless ? "crashed" : "ended";
+  return code >= kFirstException ? "crashed" : "ended";
 }
 
 ULONGLONG AppProgram::Deadline(DWORD milliseconds) const {

@@ -16,7 +16,7 @@ namespace quillo::host {
 struct AppOptions {
   std::wstring program;
   std::vector<std::wstring> arguments;
-  bool confirm = false;              // press OK in dialogs that nobody can see
+  bool confirm = false;              // press OK in its dialogs
   std::optional<int> timeout;        // seconds; nothing: by whether there is a display
   std::optional<SheetChoice> sheet;  // in the place of the printer's default one
 };

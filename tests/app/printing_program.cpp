@@ -1,12 +1,11 @@
-#include <algorithm>  // gdiplus.h wants min and max
-#include <objidl.h>
-#include <windows.h>
-using std::max;
-using std::min;
+#include "base/windows.h"
+
 #include <cstdlib>
-#include <gdiplus.h>
+#include <objidl.h>
 #include <string>
 #include <string_view>
+// It needs what comes before it.
+#include <gdiplus.h>
 
 // A program that prints on the default printer, one way or another: its argument says which.
 namespace {

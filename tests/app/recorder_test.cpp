@@ -117,6 +117,20 @@ class Recorder : public testing::Test {
     ASSERT_EQ(StartDocW(dc_.Get(), &document), 1);
   }
 
+  /// The records of a document's only page.
+  std::vector<std::string> PageOf(void (*draw)(HDC)) const {
+    BeginDocument();
+    StartPage(dc_.Get());
+    draw(dc_.Get());
+    EndPage(dc_.Get());
+    EndDoc(dc_.Get());
+    return Records(host_->pages.at(0));
+  }
+  template <typename Array>
+  static std::string BytesOf(const Array& array) {
+    return {reinterpret_cast<const char*>(array), sizeof array};
+  }
+
   std::optional<PrintHost> host_;
   CreatedDc dc_;
 };
@@ -241,35 +255,24 @@ TEST_F(Recorder, Pages_HoldTheRecordsOfTheirCallsAndTheStateOfThePageBefore) {
 TEST_F(Recorder, AdvancesInBothDirections_AreRecordedWhole) {
   const Font font(CreateFontW(-50, 0, 0, 0, 400, 0, 0, 0, 0, 0, 0, 0, 0, L"Liberation Sans"));
   g_font = font.Get();
-  BeginDocument();
-  StartPage(dc_.Get());
-  GlyphText(dc_.Get(), ETO_PDY, kPairs);
-  EndPage(dc_.Get());
-  EndDoc(dc_.Get());
+  const auto draw = [](HDC dc) { GlyphText(dc, ETO_PDY, kPairs); };
   const auto advances = [](const std::vector<std::string>& records) {
-    const std::string& text = records.at(records.size() - 2);
-    return text.substr(sizeof(EMREXTTEXTOUTW) + 8);
+    return records.at(records.size() - 2).substr(sizeof(EMREXTTEXTOUTW) + 8);
   };
-  EXPECT_EQ(advances(Records(host_->pages.at(0))),
-            std::string(reinterpret_cast<const char*>(kPairs), sizeof kPairs));
+  EXPECT_EQ(advances(PageOf(draw)), BytesOf(kPairs));
   // GDI by itself records the first half; without this gap there is nothing to mend.
-  EXPECT_EQ(advances(Plain([](HDC dc) { GlyphText(dc, ETO_PDY, kPairs); })).size(),
-            sizeof kPairs / 2);
+  EXPECT_EQ(advances(Plain(draw)).size(), sizeof kPairs / 2);
 }
 
 TEST_F(Recorder, ExtendedPens_AreRecordedWithTheirDashes) {
   constexpr DWORD kDashes[] = {7, 8, 9};
-  const LOGBRUSH brush = {BS_HATCHED, 0x123456, HS_CROSS};
-  const Pen pen(ExtCreatePen(PS_GEOMETRIC | PS_USERSTYLE | PS_ENDCAP_FLAT, 5, &brush, 3, kDashes));
-  BeginDocument();
-  StartPage(dc_.Get());
-  SelectObject(dc_.Get(), pen.Get());
-  EndPage(dc_.Get());
-  EndDoc(dc_.Get());
-  const std::vector<std::string> records = Records(host_->pages.at(0));
+  constexpr LOGBRUSH kBrush = {BS_HATCHED, 0x123456, HS_CROSS};
+  const Pen pen(ExtCreatePen(PS_GEOMETRIC | PS_USERSTYLE | PS_ENDCAP_FLAT, 5, &kBrush, 3, kDashes));
+  g_pen = pen.Get();
+  const std::vector<std::string> records = PageOf([](HDC dc) { SelectObject(dc, g_pen); });
   constexpr DWORD kRecord[] = {EMR_EXTCREATEPEN, 64,       1,        0, 0, 0, 0, 0x10207, 5,
                                BS_HATCHED,       0x123456, HS_CROSS, 3, 7, 8, 9};
-  EXPECT_EQ(records.at(0), std::string(reinterpret_cast<const char*>(kRecord), sizeof kRecord));
+  EXPECT_EQ(records.at(0), BytesOf(kRecord));
   EXPECT_EQ(records.at(1)[0], EMR_SELECTOBJECT);
   EXPECT_EQ(records.size(), 3u);
 }
