@@ -46,7 +46,7 @@ ExitCode PrintDocuments(const Options& options, AppProgram& program, const Drive
       own.output /= ResultFolder::DocumentFolder(count);
       own.pdf.clear();
       console.PageDone("document " + std::to_string(count) + ": " + ToUtf8(document->name) +
-                       " -> " + ToUtf8(own.output.wstring()));
+                       " -> " + ToUtf8(own.output.generic_wstring()));
     }
     if (own.document.empty()) own.document = document->name;
     if (own.document.empty()) own.document = fs::path(options.app->program).filename().wstring();
