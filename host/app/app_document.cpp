@@ -54,9 +54,11 @@ bool AppDocument::PreparePage() {
       case AppProgram::Outcome::kGone:
         throw UnreadableInput(program_.HowItWent() + " inside the document, " + taken);
       case AppProgram::Outcome::kSilent:
+        program_.given_up_ = true;
         throw UnreadableInput("was silent for " + std::to_string(program_.silence_ / 1000) +
                               " s inside the document, " + taken + program_.HiddenDialog());
       case AppProgram::Outcome::kRefused:
+        program_.given_up_ = true;
         throw UnreadableInput("sent what its recorder does not send, " + taken);
       case AppProgram::Outcome::kRequest:
         break;

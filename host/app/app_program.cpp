@@ -79,6 +79,7 @@ AppProgram::~AppProgram() {
 }
 
 std::optional<AppProgram::Document> AppProgram::NextDocument() {
+  if (given_up_) return std::nullopt;
   const ULONGLONG deadline = Deadline(has_printed_ ? std::min(kGrace, silence_) : silence_);
   for (;;) {
     switch (Next(deadline)) {

@@ -77,6 +77,7 @@ class AppProgram {
   AppPipe pipe_;
   AppProcess process_;
   bool has_printed_ = false;
+  bool given_up_ = false;              // it hangs, or sends what no recorder does
   ULONGLONG watched_ = 0;              // when dialogs were looked for
   std::map<HWND, ULONGLONG> pressed_;  // when OK was, last
 };

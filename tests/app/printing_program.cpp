@@ -129,7 +129,10 @@ void LeaveChild() {
 int wmain(int count, wchar_t** arguments) {
   const std::wstring_view how = count > 1 ? arguments[1] : L"";
   if (how == L"dialog") MessageBoxW(nullptr, L"May it print?", L"A question", MB_OK);
-  if (how == L"rubbish") SendRubbish();
+  if (how == L"rubbish") {
+    LeaveChild();
+    SendRubbish();
+  }
   if (how == L"hang") Sleep(INFINITE);
   if (how == L"nothing") return 0;
   if (how == L"documents") {
@@ -144,11 +147,7 @@ int wmain(int count, wchar_t** arguments) {
   Start(dc, L"A document");
   const int pages = count > 2 ? _wtoi(arguments[2]) : 1;
   for (int page = 1; page <= pages; ++page) Page(dc, L"page " + std::to_wstring(page));
-  if (how == L"abort") {
-    LeaveChild();
-    AbortDoc(dc);
-    Sleep(INFINITE);
-  }
+  if (how == L"abort") AbortDoc(dc);
   if (how == L"exit") ExitProcess(0);
   if (how == L"crash") RaiseException(EXCEPTION_ACCESS_VIOLATION, 0, 0, nullptr);
   if (how == L"silent") Sleep(INFINITE);
