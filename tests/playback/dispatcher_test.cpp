@@ -4,9 +4,11 @@
 #include <random>
 
 #include "capture/records/types.h"
+#include "imaging/storage/section.h"
 #include "playback/page.h"
 #include "playback/picture.h"
 #include "support/guarded_bytes.h"
+#include "support/holdings.h"
 
 namespace quillo::test {
 namespace {
@@ -97,6 +99,14 @@ TEST(DispatchRecord, WithoutPage_NothingHappens) {
   ReleaseDrawingObjects(page.context);
   page.context.page_dc = dc;
   EXPECT_TRUE(page.EndsEmpty());
+}
+
+TEST(EndPagePlayback, ASectionThatIsKept_IsReleased) {
+  imaging::DropSpareSection();
+  const uintptr_t handles = LiveKernelHandles();
+  imaging::GiveBackSection(imaging::TakeSection(1000));
+  Page().Close();
+  EXPECT_EQ(LiveKernelHandles(), handles);
 }
 
 }  // namespace

@@ -55,7 +55,7 @@ class Page final : private PlaybackEvents {
     context.page_dc = dc_.Get();
   }
   ~Page() {
-    ReleaseDrawingObjects(context);
+    EndPagePlayback(context);
     context.seen_fonts.Clear();
     context.run_list.Clear();
     HeapDestroy(heap_);
@@ -69,7 +69,7 @@ class Page final : private PlaybackEvents {
 
   /// Ends the page as the job does.
   EnhMetafile Close() {
-    ReleaseDrawingObjects(context);
+    EndPagePlayback(context);
     context.page_dc = nullptr;
     return dc_.Close();
   }
