@@ -20,7 +20,7 @@ class AppPipe {
     kNothing,  // within the time
     kRequest,  // in Last(); to be answered
     kGone,     // the client has gone; the next may come
-    kRefused,  // a message that is none; its sender was sent away
+    kRefused,  // not a message of the protocol; its sender was sent away
   };
 
   /// `admits`: whether a process may be the client; asked with its id. Throws SystemFailure.

@@ -26,8 +26,8 @@ class VariableScope {
   const wchar_t* name_;
 };
 
-/// Finds the program as CreateProcess would. Throws SystemFailure when there is none, or none that
-/// the recorder fits: Wine would start a program of the system beneath it, too.
+/// Finds the program as CreateProcess would. Throws SystemFailure when it is not there, or is no
+/// program that the recorder can be loaded into: Wine would start one of the host system, too.
 std::wstring FindProgram(const std::wstring& name) {
   std::wstring path(32'768, L'\0');
   const DWORD length = SearchPathW(nullptr, name.c_str(), L".exe", static_cast<DWORD>(path.size()),

@@ -151,7 +151,7 @@ void AppProgram::AnswerQuestion(const app::Request& request, SURFOBJ* surface) {
                               " and not " + version + ",",
                           ERROR_NOT_SUPPORTED);
     }
-    default:  // of a document, and there is none
+    default:  // of a document, outside of any
       return pipe_.Answer(0);
   }
 }

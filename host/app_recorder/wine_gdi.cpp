@@ -59,7 +59,7 @@ bool IsReadable(const void* data, size_t size) {
          size <= block.RegionSize - offset;
 }
 
-/// Null when there are none that can be read.
+/// Null when they cannot be read.
 DcAttributes* AttributesOf(HDC dc) {
   const auto* environment = reinterpret_cast<const std::byte*>(RtlGetCurrentPeb());
   uintptr_t table = 0;
@@ -146,8 +146,8 @@ HENHMETAFILE StopRecording(HDC dc) {
   const HDC closer = CreateCompatibleDC(dc);  // CloseEnhMetaFile ends it
   DcAttributes* to = AttributesOf(closer);
   if (to == nullptr) return nullptr;
-  // The recorder still names its own DC, and the DC has it: GDI lets go of the objects that were
-  // selected there by that name, and records there that it deletes its own.
+  // The recorder still has the handle of its own DC, and that DC still has the recorder: objects
+  // selected into it are released by that handle, and what it deletes of its own is recorded.
   to->recorder = from->recorder;
   to->metafile_bounds = from->metafile_bounds;
   const HENHMETAFILE metafile = CloseEnhMetaFile(closer);

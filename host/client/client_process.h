@@ -18,7 +18,7 @@ namespace quillo::host {
 struct ClientReport {
   nlohmann::ordered_json calls = nlohmann::ordered_json::array();  // as ClientObject reports them
   bool job_end_event = false;                                      // whether it was seen
-  nlohmann::ordered_json pdf;  // PdfMaker's result; null when there is none
+  nlohmann::ordered_json pdf;  // PdfMaker's result; null without a PDF file
 };
 
 /// The client of one job as its parent sees it. The client copies pages and fonts into a folder

@@ -20,7 +20,7 @@ struct InstallationPlan {
   bool with_client = true;
   /// A driver package is uploaded, else files are copied and registered one by one.
   bool as_package = false;
-  /// The driver's data file where it is none of the product's own: name and content.
+  /// The driver's data file where it is not one of the product: name and content.
   std::pair<std::wstring, std::string> data_file;
 };
 

@@ -55,7 +55,7 @@ class PrintSystem {
   /// With its jobs, and with the settings of the machine and of this user.
   void RemovePrinter(const std::wstring& name);
 
-  /// Empty when there is none.
+  /// Empty without one.
   std::wstring DefaultPrinter();
   void MakeDefault(const std::wstring& name);
 
