@@ -50,6 +50,12 @@ TEST_F(PrinterSettingsTest, CustomPapers_UnwritableValue) {
     unwritable = name;
     EXPECT_EQ(SaveCustomPapers(kTestPrinter, paper.Get()), SETTINGS_SET_FAILED);
   }
+  unwritable.clear();
+  paper.Get()->number = 300;
+  paper.Get()->length = paper.Get()->width = 1000;
+  ASSERT_EQ(AddCustomPaper(kTestPrinter, *paper.Get()), SETTINGS_OK);
+  const WATCH(RegQueryInfoKeyW) unlisted(LSTATUS{ERROR_ACCESS_DENIED});
+  EXPECT_EQ(AddCustomPaper(kTestPrinter, *paper.Get()), SETTINGS_READ_FAILED);
 }
 
 TEST_F(PrinterSettingsTest, ValueChangedBetweenQueryAndRead) {

@@ -210,6 +210,8 @@ TEST(Lock, GlobalMemory_HasAnAddressWhileLocked) {
     ExpectRows(record, "global memory");
     if (presented) {
       Unlock(&record);
+      EXPECT_EQ(GlobalFlags(memory) & GMEM_LOCKCOUNT, 0u);
+      EXPECT_EQ(record.flags & kLocked, 0u);
       const DibSectionDc dc(PresentAsDibSection(&record));
       ASSERT_TRUE(dc);
       EXPECT_EQ(record.flags, kInMemory);
