@@ -133,6 +133,10 @@ TEST(Storage, CompressedRowsWithoutMemory_LeaveNothing) {
     }
     EXPECT_LT(test::Holdings::Now().heap_bytes, before + 64) << given;
   }
+  BitmapScope record;
+  ASSERT_EQ(Create(record.Get(), Sized(4000, 8, 1, kMemoryChunks)), kSuccess);
+  const WATCH(GlobalAlloc) none(HGLOBAL{nullptr});
+  EXPECT_EQ(StoreRow(*record.Get(), 0, RowOf(*record.Get(), 0)), kOutOfMemory);
 }
 
 TEST(Section, TheLastOne_IsUsedAgainForTheSameSize) {
