@@ -30,6 +30,11 @@ if(WIN32)
   quillo_precompile(TARGETS ${engine} HEADERS ${ddi} ${standard})
   quillo_precompile(TARGETS ${host} HEADERS ${windows} ${standard} <nlohmann/json.hpp>)
   quillo_precompile(TARGETS ${tests} HEADERS ${ddi} ${standard} <gtest/gtest.h>)
+  # Nothing but reading the command line.
+  foreach(program host_cli quillo-print quillo-client quillo-setup)
+    target_compile_options(${program} PRIVATE
+      $<$<AND:$<COMPILE_LANGUAGE:CXX>,$<CONFIG:Release>>:-O1>)
+  endforeach()
   quillo_compile_together(${engine} ${host} ${tests} QXUI06X)
 endif()
 quillo_precompile(TARGETS pure_tests HEADERS <gtest/gtest.h>)
