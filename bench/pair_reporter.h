@@ -34,6 +34,7 @@ class PairReporter : public benchmark::ConsoleReporter {
   }
 
   void Finalize() override {
+    std::printf("\n");  // after the colours of the last line
     for (const Pair& pair : pairs_) {
       for (const auto& [name, ours] : times_) {
         if (!name.starts_with(pair.ours)) continue;

@@ -18,7 +18,16 @@ LONG WINAPI EndWithError(EXCEPTION_POINTERS* exception) {
   return EXCEPTION_CONTINUE_SEARCH;
 }
 
+/// Nothing but the exit: the stack that is left does not last for more.
+LONG WINAPI EndOnOverflow(EXCEPTION_POINTERS* exception) {
+  if (exception->ExceptionRecord->ExceptionCode == EXCEPTION_STACK_OVERFLOW) {
+    TerminateProcess(GetCurrentProcess(), kCrashed);
+  }
+  return EXCEPTION_CONTINUE_SEARCH;
+}
+
 [[maybe_unused]] const auto g_previous = SetUnhandledExceptionFilter(EndWithError);
+[[maybe_unused]] const auto g_handler = AddVectoredExceptionHandler(1, EndOnOverflow);
 
 }  // namespace
 }  // namespace quillo::host
