@@ -1,7 +1,7 @@
 # How the time of the whole print command grows, without previews. Sourced by tools/bench.
 #
 # Prints each series' times and its slope over the last decade, in decades of time for one of the
-# count: 1 is linear. The time of the least count, which is that of the start, is taken off first.
+# count: 1 is linear. The shortest time, which is that of the start, is taken off first.
 table=$out/growth.tsv
 : >"$table"
 while read -r series counts; do
@@ -10,21 +10,21 @@ while read -r series counts; do
     printf '%s\t%s\t%s\n' "$series" "$count" "$seconds" | tee -a "$table"
   done
   awk -v "series=$series" '
-    $1 == series { before = last; last = $3; if (!start) start = $3 }
+    $1 == series { before = last; last = $3; if (!start || $3 < start) start = $3 }
     END {
       if (before <= start) { print series ": no slope, all are as fast as the start"; exit }
       slope = log((last - start) / (before - start)) / log(10)
-      printf "%s: slope %.2f%s\n", series, slope, slope > 1.15 ? ", MORE THAN LINEAR" : ""
+      printf "%s: slope %.2f%s\n", series, slope, (slope > 1.15 ? ", MORE THAN LINEAR" : "")
     }' "$table"
   printf '\n\n' >>"$table" # a data set of the plot
 done <<'SERIES'
-pages 1 20 200 2000
 lines 100 1000 10000 100000
 points 100 1000 10000 100000
 texts 100 1000 10000 100000
 fonts 10 100 1000 10000
 clips 100 1000 10000 100000
 picture 6 66 660 6600
+pages 1 20 200 2000
 SERIES
 
 gnuplot <<PLOT
@@ -35,7 +35,7 @@ set key left top reverse Left
 set xlabel "count"
 set ylabel "seconds"
 set grid
-names = "pages lines points texts fonts clips picture"
+names = "lines points texts fonts clips picture pages"
 plot for [i=1:words(names)] "$table" index i-1 using 2:3 with linespoints \
   title word(names, i)
 PLOT
