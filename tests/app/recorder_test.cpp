@@ -78,7 +78,7 @@ class Recorder : public testing::Test {
     dc_.Reset(CreateDCW(nullptr, host::kPrinterName, nullptr, nullptr));
   }
 
-  /// A metafile's records without its header, the bounds of text and what GDI leaves behind the
+  /// A metafile's records without its header, the bounds of text and what GDI leaves after the
   /// description of a font.
   static std::vector<std::string> Records(const std::vector<std::byte>& metafile) {
     std::vector<std::string> records;

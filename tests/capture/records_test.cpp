@@ -50,7 +50,7 @@ std::vector<std::byte> PackedBlock(const DibHeader& header, size_t bits, size_t 
   return block;
 }
 
-// Blocks end exactly where their memory does, so that a sanitizer sees every read behind them.
+// Blocks end exactly where their memory does, so that a sanitizer sees every read past them.
 TEST(LocatePackedDib, HeaderAndBits_FoundOrRefused_NothingReadBehindThem) {
   test::CheckCases("capture/records/packed_dibs.txt", [](const auto& fields) -> std::string {
     DibHeader header = {};

@@ -17,8 +17,8 @@
 #include "support/script.h"
 
 // The script tests/corpus/driver/devices.txt. A line is members of a caller's device mode, the
-// driver's default but for those ("none": there is none), and after ">" what becomes of it, each as
-// NAME=VALUE.
+// driver's default but for those ("none": no device mode), and after ">" what becomes of it, each
+// as NAME=VALUE.
 namespace quillo {
 namespace {
 
