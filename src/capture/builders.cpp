@@ -11,9 +11,8 @@ namespace {
 
 using namespace records;
 
-// Smaller blocks cost little, and larger ones would be missed elsewhere. Bytes.
+// Bytes. Smaller blocks cost little.
 constexpr uint32_t kMinSpareSize = 256 << 10;
-constexpr uint32_t kMaxSpareSize = 32 << 20;
 
 struct SparePayload {
   HeapBlock block;
@@ -45,7 +44,7 @@ PayloadBlock::PayloadBlock(std::optional<uint32_t> size)
   if (!size) return;
   if (size_ >= kMinSpareSize) {
     SparePayload spare = g_spare.Exchange({});
-    if (spare.size >= size_ && spare.size / 2 <= size_) {
+    if (ServesAsSpare(spare.size, size_)) {
       std::memset(spare.block.Get(), 0, size_);
       block_ = std::move(spare.block);
       capacity_ = spare.size;

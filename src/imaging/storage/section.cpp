@@ -8,8 +8,6 @@
 namespace quillo::imaging {
 namespace {
 
-constexpr uint64_t kMaxSpareSize = 32 << 20;  // bytes
-
 Spare<Section> g_spare;
 
 void Release(const Section& section) {
@@ -21,7 +19,7 @@ void Release(const Section& section) {
 
 Section TakeSection(uint64_t size) {
   const Section spare = g_spare.Exchange({});
-  if (spare.size >= size && spare.size / 2 <= size) {
+  if (ServesAsSpare(spare.size, size)) {
     std::memset(spare.view, 0, static_cast<size_t>(size));
     return spare;
   }
