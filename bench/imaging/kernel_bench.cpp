@@ -39,10 +39,13 @@ void Nearest(benchmark::State& state, uint32_t bits) {
   std::vector<std::byte> row(b.target.bytes_per_line);
   for (auto _ : state) {
     ResizeNearest(
-        b.source, b.target, columns, row,
-        [&](uint32_t y) { return b.from.data() + size_t{y} * b.source.bytes_per_line; },
-        [&](uint32_t y) { return b.to.data() + size_t{y} * b.target.bytes_per_line; },
-        [](uint32_t, Bytes) { return 1; }, Progress(nullptr, nullptr, b.target.height));
+        {.source = b.source,
+         .destination = b.target,
+         .fetch = [&](uint32_t y) { return b.from.data() + size_t{y} * b.source.bytes_per_line; },
+         .store = [](uint32_t, Bytes) { return 1; },
+         .row = row,
+         .progress = {nullptr, nullptr, b.target.height}},
+        [&](uint32_t y) { return b.to.data() + size_t{y} * b.target.bytes_per_line; }, columns);
     benchmark::ClobberMemory();
   }
 }

@@ -29,23 +29,27 @@ struct Image {
 };
 
 /// One scaling of a picture of noise by a method of the table.
-struct Scaling {
-  Scaling(uint32_t bits, uint32_t width, uint32_t height, const Geometry& to)
+struct NoisyPicture {
+  NoisyPicture(uint32_t bits, uint32_t width, uint32_t height, const Geometry& to)
       : source(width, height, bits),
         target(to.width, to.height, to.bits_per_pixel),
         row(target.size.bytes_per_line) {
     source.rows = Noise(source.rows.size());
   }
 
+  Scaling AsScaling() {
+    return {source.size, target.size, fetch, store, row, {nullptr, nullptr, target.size.height}};
+  }
+
   int Nearest(bool in_place) {
     std::vector<uint32_t> columns(target.size.width);
     const auto place = [&](uint32_t y) { return in_place ? target.Row(y) : nullptr; };
-    return ResizeNearest(source.size, target.size, columns, row, fetch, place, store, progress);
+    return ResizeNearest(AsScaling(), place, columns);
   }
 
   int Area(AreaRule rule) {
     std::vector<uint64_t> sums(target.size.width);
-    return ScaleByArea(rule, source.size, target.size, sums, row, fetch, store, progress);
+    return ScaleByArea(AsScaling(), rule, sums);
   }
 
   int Filter(CubicFilter filter) {
@@ -54,8 +58,8 @@ struct Scaling {
     if (!palette.empty()) FillDefaultPalette(palette);
     const uint32_t order = bits == 12 ? kOrderGrey : bits > 8 ? kOrderColour : kOrderPalette;
     std::vector<double> work(ResampleWorkSize(source.size, target.size) / sizeof(double) + 1);
-    return Resample(filter, {bits, order, palette}, source.size, target.size,
-                    std::as_writable_bytes(std::span(work)), row, fetch, store, progress);
+    return Resample(AsScaling(), filter, {bits, order, palette},
+                    std::as_writable_bytes(std::span(work)));
   }
 
   /// Turns it upright in bands of two rows.
@@ -71,7 +75,6 @@ struct Scaling {
 
   Image source, target;
   std::vector<std::byte> row;
-  const Progress progress{nullptr, nullptr, target.size.height};
   const std::function<const std::byte*(uint32_t)> fetch = [this](uint32_t y) {
     return source.Row(y);
   };
@@ -93,13 +96,13 @@ TEST(Scaling, NoiseOfEveryDepth_BecomesKnownRows) {
     uint32_t bits = 0, width = 0, height = 0, new_width = 0, new_height = 0;
     test::Scan(fields[0], method, bits, width, height, new_width, new_height);
     const uint32_t new_bits = method == "levels" ? 8 : bits;
-    Scaling scaling(bits, width, height, *MakeGeometry(new_width, new_height, new_bits));
-    const int result = rules.contains(method)         ? scaling.Area(rules.at(method))
-                       : filters.contains(method)     ? scaling.Filter(filters.at(method))
-                       : method.starts_with("turned") ? scaling.Turn(method.back() - '0')
-                                                      : scaling.Nearest(method == "in-place");
+    NoisyPicture picture(bits, width, height, *MakeGeometry(new_width, new_height, new_bits));
+    const int result = rules.contains(method)         ? picture.Area(rules.at(method))
+                       : filters.contains(method)     ? picture.Filter(filters.at(method))
+                       : method.starts_with("turned") ? picture.Turn(method.back() - '0')
+                                                      : picture.Nearest(method == "in-place");
     EXPECT_EQ(result, kSuccess);
-    return test::Line("0x", std::hex, test::Digest(scaling.target.rows));
+    return test::Line("0x", std::hex, test::Digest(picture.target.rows));
   });
 }
 

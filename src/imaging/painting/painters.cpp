@@ -227,11 +227,13 @@ int CopyByArea(const PaintJob& job, const BitmapHandle& bitmap, AreaRule rule, B
   const HeapBlock sums(size_t{copy.width} * sizeof(uint64_t));
   const HeapBlock line(copy.bytes_per_line);
   if (!rows || !sums || !line) return kOutOfMemory;
-  return ScaleByArea(
-      rule, rows.Part(), GeometryOf(copy), {sums.As<uint64_t>(), copy.width},
-      {line.As<std::byte>(), copy.bytes_per_line}, [&rows](uint32_t y) { return rows.Fetch(y); },
-      [&copy](uint32_t y, Bytes data) { return StoreRow(copy, y, data); },
-      Progress(nullptr, nullptr, copy.height));
+  return ScaleByArea({.source = rows.Part(),
+                      .destination = GeometryOf(copy),
+                      .fetch = [&rows](uint32_t y) { return rows.Fetch(y); },
+                      .store = [&copy](uint32_t y, Bytes data) { return StoreRow(copy, y, data); },
+                      .row = {line.As<std::byte>(), copy.bytes_per_line},
+                      .progress = {nullptr, nullptr, copy.height}},
+                     rule, {sums.As<uint64_t>(), copy.width});
 }
 
 /// Draws a black and white bitmap in 256 grey levels, those of its lookup table. `variant` 1 means

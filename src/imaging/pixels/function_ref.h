@@ -10,7 +10,7 @@ template <typename Signature>
 class FunctionRef;
 
 /// A view of a callable: no ownership, no allocation. The callable must outlive it, so it is for
-/// parameters only.
+/// parameters and for structs that carry them.
 template <typename Result, typename... Arguments>
 class FunctionRef<Result(Arguments...)> {
  public:

@@ -53,17 +53,17 @@ void WriteRow(AreaRule rule, std::span<const uint64_t> sums, uint64_t whole, std
 
 }  // namespace
 
-int ScaleByArea(AreaRule rule, const Geometry& source, const Geometry& destination,
-                std::span<uint64_t> sums, MutableBytes row, RowFetch fetch, RowStore store,
-                Progress progress) {
+int ScaleByArea(Scaling scaling, AreaRule rule, std::span<uint64_t> sums) {
+  const Geometry& source = scaling.source;
+  const Geometry& destination = scaling.destination;
   const uint64_t whole = uint64_t{source.width} * source.height;
-  int result = progress.Start();
+  int result = scaling.progress.Start();
   for (uint32_t y = 0; y < destination.height && result == kSuccess; ++y) {
     std::ranges::fill(sums, 0);
     const bool fetched = VisitOverlaps(
         source.height, destination.height, y, uint64_t{y} + 1,
         [&](uint32_t source_row, uint32_t, uint64_t height) {
-          const std::byte* pixels = fetch(source_row);
+          const std::byte* pixels = scaling.fetch(source_row);
           if (pixels == nullptr) return false;
           return VisitOverlaps(source.width, destination.width, 0, destination.width,
                                [&](uint32_t from, uint32_t to, uint64_t width) {
@@ -72,9 +72,9 @@ int ScaleByArea(AreaRule rule, const Geometry& source, const Geometry& destinati
                                });
         });
     if (!fetched) return kFileError;
-    WriteRow(rule, sums, whole, row.data());
-    result = store(y, row);
-    if (result == kSuccess) result = progress.RowDone();
+    WriteRow(rule, sums, whole, scaling.row.data());
+    result = scaling.store(y, scaling.row);
+    if (result == kSuccess) result = scaling.progress.RowDone();
   }
   return result;
 }

@@ -3,10 +3,7 @@
 #include <cstdint>
 #include <span>
 
-#include "base/bytes.h"
-#include "imaging/pixels/geometry.h"
-#include "imaging/pixels/progress.h"
-#include "imaging/pixels/row_access.h"
+#include "imaging/scaling/scaling.h"
 
 namespace quillo::imaging {
 
@@ -21,11 +18,8 @@ enum class AreaRule {
 /// Scales a 1-bit bitmap by area averaging (box filter): every destination pixel is a rectangle of
 /// the source, whose pixels count by the part of them that lies in it. Exact, in integers.
 ///
-/// `source` and `destination` are not empty; `sums` (destination.width) and `row` (a zeroed row of
-/// the result) are work space. kSuccess, kFileError for a row that cannot be fetched, or what
-/// stopped `store` or `progress`.
-int ScaleByArea(AreaRule rule, const Geometry& source, const Geometry& destination,
-                std::span<uint64_t> sums, MutableBytes row, RowFetch fetch, RowStore store,
-                Progress progress);
+/// `sums` (destination.width) is work space. kSuccess, kFileError for a row that cannot be fetched,
+/// or what stopped `store` or `progress`.
+int ScaleByArea(Scaling scaling, AreaRule rule, std::span<uint64_t> sums);
 
 }  // namespace quillo::imaging

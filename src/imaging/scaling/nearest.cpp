@@ -64,19 +64,19 @@ void FillColumns(uint32_t source_width, std::span<uint32_t> columns) {
   }
 }
 
-int ResizeNearest(const Geometry& source, const Geometry& destination, std::span<uint32_t> columns,
-                  MutableBytes row, RowFetch fetch, RowPlace place, RowStore store,
-                  Progress progress) {
+int ResizeNearest(Scaling scaling, RowPlace place, std::span<uint32_t> columns) {
+  const Geometry& source = scaling.source;
+  const MutableBytes row = scaling.row;
   FillColumns(source.width, columns);
-  NearestSteps steps(source.height, destination.height);
+  NearestSteps steps(source.height, scaling.destination.height);
   const std::byte* scaled = nullptr;  // the last row that was scaled, where it lies
   int64_t fetched = -1;
-  int result = progress.Start();
-  for (uint32_t y = 0; y < destination.height && result == kSuccess; ++y) {
+  int result = scaling.progress.Start();
+  for (uint32_t y = 0; y < scaling.destination.height && result == kSuccess; ++y) {
     std::byte* target = place(y);
     if (steps.Position() > fetched) {
       fetched = steps.Position();
-      const std::byte* from = fetch(steps.Position());
+      const std::byte* from = scaling.fetch(steps.Position());
       if (from == nullptr) return kFileError;
       std::byte* to = target != nullptr ? target : row.data();
       ScaleRow(source.bits_per_pixel, from, columns, to);
@@ -85,8 +85,8 @@ int ResizeNearest(const Geometry& source, const Geometry& destination, std::span
       std::memcpy(target, scaled, row.size());
     }
     steps.Advance();
-    if (target == nullptr) result = store(y, {scaled, row.size()});
-    if (result == kSuccess) result = progress.RowDone();
+    if (target == nullptr) result = scaling.store(y, {scaled, row.size()});
+    if (result == kSuccess) result = scaling.progress.RowDone();
   }
   return result;
 }

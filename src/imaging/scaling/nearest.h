@@ -3,10 +3,7 @@
 #include <cstdint>
 #include <span>
 
-#include "base/bytes.h"
-#include "imaging/pixels/geometry.h"
-#include "imaging/pixels/progress.h"
-#include "imaging/pixels/row_access.h"
+#include "imaging/scaling/scaling.h"
 
 namespace quillo::imaging {
 
@@ -42,13 +39,10 @@ class NearestSteps {
 /// Source column of every destination column.
 void FillColumns(uint32_t source_width, std::span<uint32_t> columns);
 
-/// Nearest neighbour of a whole bitmap; both have the same depth. Destination rows are written in
-/// place, or assembled in `row` and stored. `columns` (destination.width) and `row`
-/// (destination.bytes_per_line, zero) are work space. Source rows are fetched once, in rising
-/// order. kSuccess, kFileError for a row that cannot be fetched, or what stopped `store` or
-/// `progress`.
-int ResizeNearest(const Geometry& source, const Geometry& destination, std::span<uint32_t> columns,
-                  MutableBytes row, RowFetch fetch, RowPlace place, RowStore store,
-                  Progress progress);
+/// Nearest neighbour of a whole bitmap; both have the same depth. Destination rows are written
+/// where `place` says, or assembled and stored. `columns` (destination.width) is work space. Source
+/// rows are fetched once, in rising order. kSuccess, kFileError for a row that cannot be fetched,
+/// or what stopped `store` or `progress`.
+int ResizeNearest(Scaling scaling, RowPlace place, std::span<uint32_t> columns);
 
 }  // namespace quillo::imaging

@@ -175,15 +175,16 @@ size_t ResampleWorkSize(const Geometry& source, const Geometry& destination) {
   return LayOut(source, destination, nullptr, &work);
 }
 
-int Resample(CubicFilter filter, const RowFormat& format, const Geometry& source,
-             const Geometry& destination, MutableBytes work_space, MutableBytes row, RowFetch fetch,
-             RowStore store, Progress progress) {
+int Resample(Scaling scaling, CubicFilter filter, const RowFormat& format,
+             MutableBytes work_space) {
+  const Geometry& source = scaling.source;
+  const Geometry& destination = scaling.destination;
   Work work;
   LayOut(source, destination, work_space.data(), &work);
   const uint32_t width = destination.width;
   const Direction direction(filter, source.height, destination.height);
-  RowScaler rows(filter, format, source, width, work, fetch);
-  int result = progress.Start();
+  RowScaler rows(filter, format, source, width, work, scaling.fetch);
+  int result = scaling.progress.Start();
   for (uint32_t y = 0; y < destination.height && result == kSuccess; ++y) {
     const Taps taps = direction.Weights(y, work.y_weights);
     std::fill_n(&work.sum[0][0], size_t{width} * 4, 0.0f);
@@ -197,9 +198,9 @@ int Resample(CubicFilter filter, const RowFormat& format, const Geometry& source
       work.colours[x] = {ToChannel(sum[0]), ToChannel(sum[1]), ToChannel(sum[2]),
                          ToChannel(sum[3])};
     }
-    EncodeRow(format, {work.colours, width}, row.data());
-    result = store(y, row);
-    if (result == kSuccess) result = progress.RowDone();
+    EncodeRow(format, {work.colours, width}, scaling.row.data());
+    result = scaling.store(y, scaling.row);
+    if (result == kSuccess) result = scaling.progress.RowDone();
   }
   return result;
 }

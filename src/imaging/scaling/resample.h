@@ -4,9 +4,8 @@
 
 #include "base/bytes.h"
 #include "imaging/pixels/geometry.h"
-#include "imaging/pixels/progress.h"
-#include "imaging/pixels/row_access.h"
 #include "imaging/pixels/row_format.h"
+#include "imaging/scaling/scaling.h"
 
 namespace quillo::imaging {
 
@@ -27,12 +26,9 @@ size_t ResampleWorkSize(const Geometry& source, const Geometry& destination);
 /// shrinking, the filter is widened to cover all source pixels; beyond the edges the edge pixels
 /// repeat. Pixels with a palette are filtered as colours and go to the nearest entry.
 ///
-/// Source and destination are not empty and share `format`. `work` has ResampleWorkSize bytes,
-/// aligned for double; `row` is a zeroed destination row. Source rows may be fetched more than
-/// once. kSuccess, kFileError for a row that cannot be fetched, or what stopped `store` or
-/// `progress`.
-int Resample(CubicFilter filter, const RowFormat& format, const Geometry& source,
-             const Geometry& destination, MutableBytes work, MutableBytes row, RowFetch fetch,
-             RowStore store, Progress progress);
+/// Source and destination share `format`. `work` has ResampleWorkSize bytes, aligned for double.
+/// Source rows may be fetched more than once. kSuccess, kFileError for a row that cannot be
+/// fetched, or what stopped `store` or `progress`.
+int Resample(Scaling scaling, CubicFilter filter, const RowFormat& format, MutableBytes work);
 
 }  // namespace quillo::imaging

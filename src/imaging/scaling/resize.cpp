@@ -90,25 +90,26 @@ int Scale(Method method, const BitmapHandle& source, const BitmapHandle& destina
   if (!rows || !row || !work) return kOutOfMemory;
   const auto fetch = [&rows](uint32_t y) { return rows.Fetch(y); };
   const auto store = [&rows](uint32_t y, Bytes data) { return rows.Store(y, data); };
-  const MutableBytes line(row.As<std::byte>(), to.bytes_per_line);
   const KernelSettings& settings = ThreadSettings();
-  const Progress progress(settings.status, settings.status_user, to.height);
+  const Scaling scaling{.source = from,
+                        .destination = to,
+                        .fetch = fetch,
+                        .store = store,
+                        .row = {row.As<std::byte>(), to.bytes_per_line},
+                        .progress = {settings.status, settings.status_user, to.height}};
   switch (method) {
     case Method::kNearest:
-      return ResizeNearest(
-          from, to, {work.As<uint32_t>(), to.width}, line, fetch,
-          [&rows](uint32_t y) { return rows.Place(y); }, store, progress);
+      return ResizeNearest(scaling, [&rows](uint32_t y) { return rows.Place(y); },
+                           {work.As<uint32_t>(), to.width});
     case Method::kArea:
-      return ScaleByArea(AreaRule::kMajority, from, to, {work.As<uint64_t>(), to.width}, line,
-                         fetch, store, progress);
+      return ScaleByArea(scaling, AreaRule::kMajority, {work.As<uint64_t>(), to.width});
     case Method::kResample:
     case Method::kEnlarge:
       break;
   }
   const CubicFilter filter =
       method == Method::kEnlarge ? CubicFilter::kCatmullRom : CubicFilter::kMitchell;
-  return Resample(filter, FormatOf(source), from, to, {work.As<std::byte>(), work_size}, line,
-                  fetch, store, progress);
+  return Resample(scaling, filter, FormatOf(source), {work.As<std::byte>(), work_size});
 }
 
 }  // namespace
