@@ -74,8 +74,11 @@ void Resident::Step() {
   std::erase_if(served_, [&](DWORD job) { return std::ranges::find(jobs, job) == jobs.end(); });
   for (const DWORD job : jobs) {
     if (running_.size() >= limit_) return;
-    if (!served_.insert(job).second || running_.contains(job)) continue;
-    if (KernelHandle process = start_(job)) running_.emplace(job, std::move(process));
+    if (served_.contains(job) || running_.contains(job)) continue;
+    KernelHandle process = start_(job);
+    if (!process) continue;
+    served_.insert(job);
+    running_.emplace(job, std::move(process));
   }
 }
 

@@ -18,7 +18,8 @@ std::vector<DWORD> WaitingJobs();
 /// Whether a queue of this product's printers has the job.
 bool IsQueued(DWORD job_id);
 
-/// Starts a client for each job that appears, a limited number at a time; the others wait.
+/// Starts a client for each job that appears, a limited number at a time; the others wait. A client
+/// that did not start is tried again.
 class Resident {
  public:
   using Jobs = std::function<std::vector<DWORD>()>;

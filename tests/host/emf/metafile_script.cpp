@@ -88,7 +88,7 @@ uint32_t TypeOf(const std::string& name) {
 
 std::vector<ScriptCase> ReadScript(const std::string& name) {
   std::ifstream script(QUILLO_SOURCE_DIR "/tests/corpus/" + name);
-  const std::vector<ScriptCase> cases = ReadScript(script, name);
+  std::vector<ScriptCase> cases = ReadScript(script, name);
   EXPECT_FALSE(cases.empty()) << name;
   return cases;
 }
