@@ -1,9 +1,9 @@
 #include "config/papers/paper_geometry.h"
 
-#include <cstring>
 #include <gtest/gtest.h>
 
 #include "support/margins.h"
+#include "support/mode_members.h"
 
 namespace quillo {
 namespace {
@@ -49,7 +49,7 @@ TEST(GetMargins, AreInchesAndTheUnitFieldSaysSo) {
     Margins margins = {9, 9, 9, 9};
     GetMargins(mode, &margins, unit);
     EXPECT_EQ(margins, expected[unit]) << unit;
-    EXPECT_EQ(std::memcmp(&mode, &inches, sizeof mode), 0);
+    EXPECT_TRUE(test::SameModes(mode, inches));
   }
 }
 

@@ -153,7 +153,7 @@ class Checker {
 }  // namespace
 }  // namespace quillo::faults
 
-int main(int count, char** arguments) {
+int main(int count, char** arguments) {  // NOLINT(bugprone-exception-escape)
   quillo::harness::Runs runs(count, arguments);
   return quillo::faults::Checker(runs).CheckAll();
 }

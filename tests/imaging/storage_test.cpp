@@ -68,7 +68,7 @@ TEST(Storage, EveryKind_KeepsRowsAndLeavesNothing) {
     const auto before = test::Holdings::Now();
     BitmapHandle record{};
     EXPECT_EQ(Create(&record, Sized(kWidth, kHeight, bits, type)), kSuccess) << name;
-    const std::string outcome = test::Line(std::hex, record.flags, ' ', directory.Files());
+    std::string outcome = test::Line(std::hex, record.flags, ' ', directory.Files());
     if ((record.flags & (kTiled | kCompressed)) == 0) {
       EXPECT_EQ(reinterpret_cast<uintptr_t>(record.data_address) % 32, 0u) << name;
     }

@@ -276,7 +276,7 @@ TEST(Resident, OneASession_UntilItIsStopped) {
 fs::path Documents() {
   wchar_t* path = nullptr;
   SHGetKnownFolderPath(FOLDERID_Documents, KF_FLAG_CREATE, nullptr, &path);
-  const fs::path folder = path;
+  fs::path folder = path;
   CoTaskMemFree(path);
   return folder;
 }

@@ -1,6 +1,8 @@
 #pragma once
 
+#include <algorithm>
 #include <gtest/gtest.h>
+#include <span>
 #include <sstream>
 #include <string>
 #include <type_traits>
@@ -10,6 +12,11 @@
 
 // Device modes as text: members of one, a NAME=VALUE each. Margins are in inches.
 namespace quillo::test {
+
+/// Whether two modes are the same to the last byte.
+inline bool SameModes(const DeviceMode& a, const DeviceMode& b) {
+  return std::ranges::equal(std::as_bytes(std::span(&a, 1)), std::as_bytes(std::span(&b, 1)));
+}
 
 /// Calls `visit` with each word of `members`, the member that it names and its value. The words of
 /// other names are returned.

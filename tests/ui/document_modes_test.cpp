@@ -4,6 +4,7 @@
 
 #include "config/papers/paper_geometry.h"
 #include "support/case_table.h"
+#include "support/mode_members.h"
 #include "ui/printer_interface_test.h"
 
 namespace quillo::test {
@@ -50,7 +51,7 @@ TEST_F(DocumentModes, Application_SizedDefaultedAndMerged) {
   EXPECT_EQ(Ask(nullptr, 0, nullptr), 1052);
   DeviceMode mode;
   EXPECT_EQ(Ask(nullptr, DM_OUT_BUFFER, &mode), IDOK);
-  EXPECT_EQ(std::memcmp(&mode, &default_, sizeof mode), 0);
+  EXPECT_TRUE(SameModes(mode, default_));
   for (const CaseRow& row : ReadCases("ui/modes.txt")) {
     SCOPED_TRACE(row.place);
     DeviceMode wanted = default_;
@@ -73,7 +74,7 @@ TEST_F(DocumentModes, Request_SizeIsOnlyWritten) {
                                    nullptr,        &mode.pub, stale,          DM_OUT_BUFFER};
     EXPECT_EQ(sheets(nullptr, reinterpret_cast<LPARAM>(&request)), 1);
     EXPECT_EQ(request.cbOut, 1052u);
-    EXPECT_EQ(std::memcmp(&mode, &default_, sizeof mode), 0);
+    EXPECT_TRUE(SameModes(mode, default_));
     request.pdmOut = nullptr;
     EXPECT_EQ(sheets(nullptr, reinterpret_cast<LPARAM>(&request)), 1052);
     request = {sizeof request, 0,         nullptr, nullptr,
@@ -104,7 +105,7 @@ TEST_F(DocumentModes, Conversions_RefuseOrFillTheBuffer) {
     EXPECT_EQ(needed, error == ERROR_INVALID_PARAMETER ? room : 1052);
     DeviceMode expected = default_;
     if (!has_in) BuildDefaultDeviceMode(expected, kUiPrinter);
-    EXPECT_EQ(std::memcmp(out.Get(), &expected, sizeof expected) == 0, error == 0);
+    EXPECT_EQ(SameModes(*reinterpret_cast<const DeviceMode*>(out.Get()), expected), error == 0);
   }
   EXPECT_FALSE(convert(name.data(), &default_.pub, &default_.pub, nullptr, kConvert));
 }

@@ -67,7 +67,7 @@ class RecordedPage : public testing::Test {
   /// What is in the page's file once it is closed.
   Records Close() {
     const EnhMetafile metafile(CALL(CloseEnhMetaFile)(dc_));
-    const Records records = RecordsOf(metafile.Get());
+    Records records = RecordsOf(metafile.Get());
     ENHMETAHEADER header = {};
     GetEnhMetaFileHeader(metafile.Get(), sizeof header, &header);
     EXPECT_EQ(header.nRecords, records.size() + 2);

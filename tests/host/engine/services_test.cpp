@@ -25,7 +25,7 @@ std::string Create(std::istream& fields) {
       reinterpret_cast<HSURF>(EngCreateBitmap(size, row_bytes, format, BMF_TOPDOWN, nullptr));
   if (surface == nullptr) return "refused";
   const SURFOBJ& object = *FindSurface(surface);
-  const std::string text = Line(object.lDelta, " ", object.cjBits);
+  std::string text = Line(object.lDelta, " ", object.cjBits);
   EXPECT_TRUE(EngDeleteSurface(surface));
   EXPECT_FALSE(EngDeleteSurface(surface));
   return text;

@@ -74,7 +74,7 @@ BitmapSource Picture(LONG width, LONG height, ColourOf colour_of) {
   picture.bits_per_pixel = 24;
   picture.top_down = true;
   picture.bits.resize(picture.Stride() * static_cast<size_t>(height));
-  for (size_t i = 0; i < static_cast<size_t>(width * height); ++i) {
+  for (size_t i = 0; i < static_cast<size_t>(width) * static_cast<size_t>(height); ++i) {
     const auto colour = static_cast<uint32_t>(colour_of(i));
     std::memcpy(&picture.bits[PlaceOf(picture, i)], &colour, 3);
   }
