@@ -14,8 +14,7 @@ namespace {
 
 struct Object {
   WORD kind = 0;                             // OBJ_*
-  SharedBytes bits{};                        // of a DIB section,
-  HANDLE section = {};                       // and their owner
+  SharedBytes bits{};                        // of a DIB section
   HGDIOBJ selected[OBJ_ENHMETADC + 1] = {};  // of a DC, by kind
 };
 std::set<Object*> objects;
@@ -149,13 +148,6 @@ HGDIOBJ WINAPI SelectObject(HDC dc, HGDIOBJ object) {
   HGDIOBJ before = std::exchange(place, object);
   return before != nullptr ? before : &first;
 }
-HGDIOBJ WINAPI GetCurrentObject(HDC dc, UINT kind) { return Find(dc)->selected[kind]; }
-INT WINAPI GetObjectW(HGDIOBJ object, INT size, void* out) {
-  const Object* bitmap = Find(object);
-  if (bitmap == nullptr || size < static_cast<INT>(sizeof(DIBSECTION))) return 0;
-  static_cast<DIBSECTION*>(out)->dshSection = bitmap->section;
-  return sizeof(DIBSECTION);
-}
 HBITMAP WINAPI CreateBitmap(INT, INT, UINT, UINT, LPCVOID) { return Make<HBITMAP>(OBJ_BITMAP); }
 HBITMAP WINAPI CreateDIBitmap(HDC, const BITMAPINFOHEADER* header, DWORD, LPCVOID bits,
                               const BITMAPINFO* info, UINT) {
@@ -167,7 +159,6 @@ HBITMAP WINAPI CreateDIBSection(HDC, const BITMAPINFO* info, UINT, void** bits, 
                                 DWORD offset) {
   const auto bitmap = Make<HBITMAP>(OBJ_BITMAP);
   Object* object = Find(bitmap);
-  object->section = section;
   object->bits = BytesOfSection(section);
   *bits = object->bits->data() + offset;
   ReadDib(*bits, *info);

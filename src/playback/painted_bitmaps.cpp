@@ -69,9 +69,9 @@ bool ConvertByGdi(const PackedDib& dib, imaging::BitmapHandle* bitmap) {
                                .colour_order = imaging::kOrderColour}) != imaging::kSuccess) {
     return false;
   }
-  const imaging::DibSectionDc dc(imaging::PresentAsDibSection(bitmap));
+  const imaging::DibSectionDc dc = imaging::PresentAsDibSection(bitmap);
   return dc &&
-         SetDIBitsToDevice(dc.Get(), 0, 0, width, height, 0, 0, 0, height, dib.bits.data(),
+         SetDIBitsToDevice(dc.Get().dc, 0, 0, width, height, 0, 0, 0, height, dib.bits.data(),
                            reinterpret_cast<const BITMAPINFO*>(&dib.info), DIB_RGB_COLORS) != 0;
 }
 

@@ -30,8 +30,8 @@ bool SourceBitmap::Reduce(BitmapLimits limits) {
 }
 
 HDC SourceBitmap::Present() {
-  dc_.Reset(imaging::PresentAsDibSection(bitmap_.Get()));
-  return dc_.Get();
+  dc_ = imaging::PresentAsDibSection(bitmap_.Get());
+  return dc_.Get().dc;
 }
 
 }  // namespace quillo

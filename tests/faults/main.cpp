@@ -124,8 +124,6 @@ class Checker {
       if (kForTheUser.find(" " + run.import->name + " ") != std::string_view::npos) {
         before.files = after.files;
       }
-      // Only a DIB section knows the handle of its section.
-      if (run.and_later && run.import->name == "GetObjectW") outcome.leaves_handles = false;
       leak = after.LeakSince(before, outcome);
     }
     if (leak != nullptr) runs_.Report(leak);

@@ -216,7 +216,7 @@ TEST(Lock, GlobalMemory_HasAnAddressWhileLocked) {
       Unlock(&record);
       EXPECT_EQ(GlobalFlags(memory) & GMEM_LOCKCOUNT, 0u);
       EXPECT_EQ(record.flags & kLocked, 0u);
-      const DibSectionDc dc(PresentAsDibSection(&record));
+      const DibSectionDc dc = PresentAsDibSection(&record);
       ASSERT_TRUE(dc);
       EXPECT_EQ(record.flags, kInMemory);
       ExpectRows(record, "in a section");
@@ -248,46 +248,35 @@ TEST(PresentAsDibSection, EveryBitmap_IsTurnedOrRefused) {
         row[bit / 8] |= static_cast<std::byte>(0x80 >> bit % 8);
       }
       StoreRow(*bitmap.Get(), 0, row);
-      const DibSectionDc dc(PresentAsDibSection(bitmap.Get()));
+      const DibSectionDc dc = PresentAsDibSection(bitmap.Get());
       const int width = static_cast<int>(bitmap->width);
       if (dc)
         seen = test::Line(std::hex, bitmap->flags, ' ', width, " view ", bitmap->view_perspective);
       for (int i = 0; dc && i < 15; ++i) {
-        if (GetPixel(dc.Get(), i % width, i / width) == 0) continue;
+        if (GetPixel(dc.Get().dc, i % width, i / width) == 0) continue;
         seen += test::Line(' ', i % width, ',', i / width);
       }
     }
     EXPECT_EQ(HandlesInUse(), handles);
     return seen;
   });
-  EXPECT_EQ(PresentAsDibSection(nullptr), nullptr);
+  EXPECT_FALSE(PresentAsDibSection(nullptr));
   BitmapHandle empty{};
   Init(&empty, kCurrentForm, 4, 4, 24);
-  EXPECT_EQ(PresentAsDibSection(&empty), nullptr);
+  EXPECT_FALSE(PresentAsDibSection(&empty));
 }
 
-TEST(ReleaseDibSectionDc, ACallFails_LeavesNothing) {
-  for (const int failing : {0, 1, 2}) {
-    SCOPED_TRACE(failing);
-    BitmapScope bitmap;
-    ASSERT_EQ(Create(bitmap.Get(), Sized(4, 4, 24)), kSuccess);
-    const uintptr_t handles = HandlesInUse();
-    DibSectionDc dc(PresentAsDibSection(bitmap.Get()));
-    const HGDIOBJ shown = GetCurrentObject(dc.Get(), OBJ_BITMAP);
-    std::optional<WATCH(CreateBitmap)> no_stand_in;
-    std::optional<WATCH(GetCurrentObject)> not_current;
-    std::optional<WATCH(GetObjectW)> not_at_once;
-    if (failing == 0) no_stand_in.emplace(nullptr);
-    if (failing == 1) not_current.emplace(nullptr);
-    if (failing == 2) {
-      not_at_once.emplace([&](auto... arguments) {
-        return not_at_once->calls.size() == 1 ? 0 : not_at_once->CallOriginal(arguments...);
-      });
-    }
-    dc.Reset();
-    EXPECT_EQ(GetObjectType(shown), 0u);
-    EXPECT_EQ(HandlesInUse(), handles);
-  }
+TEST(DibSectionDc, NoStandIn_LeavesNothing) {
+  BitmapScope bitmap;
+  ASSERT_EQ(Create(bitmap.Get(), Sized(4, 4, 24)), kSuccess);
+  const uintptr_t handles = HandlesInUse();
+  DibSectionDc dc = PresentAsDibSection(bitmap.Get());
+  const HGDIOBJ shown = dc.Get().bitmap;
+  EXPECT_EQ(GetObjectType(shown), static_cast<DWORD>(OBJ_BITMAP));
+  const WATCH(CreateBitmap) no_stand_in(nullptr);
+  dc.Reset();
+  EXPECT_EQ(GetObjectType(shown), 0u);
+  EXPECT_EQ(HandlesInUse(), handles);
 }
 
 TEST(ThreadSettings, OtherThread_HasItsOwn) {

@@ -69,52 +69,34 @@ CreatedDc CreateScreenCompatibleDc() {
   return CreatedDc(CreateCompatibleDC(screen.Get()));
 }
 
-/// Closes the section of a DIB section. Asks for it once more when that fails: nobody else knows
-/// it.
-void CloseSection(HBITMAP bitmap) {
-  DIBSECTION shared{};
-  for (int attempt = 0; attempt < 2; ++attempt) {
-    if (GetObjectW(bitmap, sizeof(shared), &shared) != sizeof(shared)) continue;
-    const KernelHandle section(shared.dshSection);
-    return;
-  }
-}
-
 }  // namespace
 
-HDC PresentAsDibSection(BitmapHandle* record) {
-  if (record == nullptr || !IsPresentable(*record)) return nullptr;
+DibSectionDc PresentAsDibSection(BitmapHandle* record) {
+  if (record == nullptr || !IsPresentable(*record)) return {};
   if (record->view_perspective != kTopRowFirst && record->view_perspective != kBottomRowFirst &&
       TurnUpright(*record) != kSuccess) {
-    return nullptr;
+    return {};
   }
   CreatedDc dc = CreateScreenCompatibleDc();
-  if (!dc || MoveToSection(*record) != kSuccess) return nullptr;
+  if (!dc || MoveToSection(*record) != kSuccess) return {};
   KernelHandle section = OpenSection(*record);
-  if (!section) return nullptr;
+  if (!section) return {};
   const DibInfo info = DescribeDib(*record);
   void* bits = nullptr;
   Bitmap bitmap(CreateDIBSection(dc.Get(), reinterpret_cast<const BITMAPINFO*>(&info),
                                  DIB_RGB_COLORS, &bits, section.Get(), record->view_offset));
-  if (!bitmap || SelectObject(dc.Get(), bitmap.Get()) == nullptr) return nullptr;
-  // From here on the DC owns all three; ReleaseDibSectionDc finds them through it.
-  static_cast<void>(section.Detach());
-  static_cast<void>(bitmap.Detach());
-  return dc.Detach();
+  if (!bitmap || SelectObject(dc.Get(), bitmap.Get()) == nullptr) return {};
+  return DibSectionDc({dc.Detach(), bitmap.Detach(), section.Detach()});
 }
 
-void ReleaseDibSectionDc(HDC dc) {
-  if (dc == nullptr) return;
-  // Freed from the last to the first: the stand-in has to outlive the DC that it is selected in.
+void DibSectionDcTraits::Release(const PresentedBitmap& presented) {
+  // Freed from the last to the first. The DIB section must leave the DC before it is deleted;
+  // deleting the DC takes it out, too.
+  const KernelHandle section(presented.section);
   const Bitmap stand_in(CreateBitmap(1, 1, 1, 1, nullptr));
-  CreatedDc owned_dc(dc);
-  // The DIB section must leave the DC before it is deleted; deleting the DC takes it out, too.
-  Bitmap bitmap(static_cast<HBITMAP>(stand_in ? SelectObject(dc, stand_in.Get()) : nullptr));
-  if (!bitmap) {
-    bitmap.Reset(static_cast<HBITMAP>(GetCurrentObject(dc, OBJ_BITMAP)));
-    owned_dc.Reset();
-  }
-  CloseSection(bitmap.Get());
+  const Bitmap bitmap(presented.bitmap);
+  const CreatedDc dc(presented.dc);
+  SelectObject(dc.Get(), stand_in.Get());
 }
 
 }  // namespace quillo::imaging

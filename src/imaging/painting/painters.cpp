@@ -58,20 +58,20 @@ int Blit(const PaintJob& job, const DibSectionDc& shown, const RECT& part) {
   const Size to = SizeOf(job.destination);
   const auto [left, top, right, bottom] = job.destination;
   if (from == to) {
-    return BitBlt(job.dc, left, top, to.width, to.height, shown.Get(), part.left, part.top,
+    return BitBlt(job.dc, left, top, to.width, to.height, shown.Get().dc, part.left, part.top,
                   job.raster_operation)
                ? kSuccess
                : kOutOfMemory;
   }
   const StretchModeScope mode(job.dc);
-  return StretchBlt(job.dc, left, top, to.width, to.height, shown.Get(), part.left, part.top,
+  return StretchBlt(job.dc, left, top, to.width, to.height, shown.Get().dc, part.left, part.top,
                     from.width, from.height, job.raster_operation)
              ? kSuccess
              : kOutOfMemory;
 }
 
 int BlitWhole(const PaintJob& job, BitmapHandle& bitmap) {
-  const DibSectionDc shown(PresentAsDibSection(&bitmap));
+  const DibSectionDc shown = PresentAsDibSection(&bitmap);
   return Blit(job, shown,
               {0, 0, static_cast<LONG>(bitmap.width), static_cast<LONG>(bitmap.height)});
 }
@@ -150,7 +150,7 @@ int PaintConverted(const PaintJob& job, const BitmapHandle& bitmap) {
 
 /// A bitmap that GDI cannot show as it is gets converted.
 int PaintAsIs(const PaintJob& job, BitmapHandle& bitmap) {
-  const DibSectionDc shown(PresentAsDibSection(&bitmap));
+  const DibSectionDc shown = PresentAsDibSection(&bitmap);
   return shown ? Blit(job, shown, job.source) : PaintConverted(job, bitmap);
 }
 
