@@ -47,8 +47,24 @@ void TryPapers() {
     }
     SaveCustomPapers(L"printer", papers.Get());
   }
-  const CustomPaper added = {L"Name", fuzz::platform.Take<uint16_t>(), 0, 1, 1, nullptr};
+  const CustomPaper added = {L"Name",
+                             fuzz::platform.Take<uint16_t>(),
+                             0,
+                             fuzz::platform.Take<uint16_t>(),
+                             fuzz::platform.Take<uint16_t>(),
+                             nullptr};
   AddCustomPaper(L"printer", added);
+  DeviceMode mode;
+  BuildDefaultDeviceMode(mode, nullptr);
+  mode.pub.dmPaperSize = fuzz::platform.Take<int16_t>();
+  ExactSize size{};
+  uint32_t unit_class = 0;
+  LookUpPaperSize(mode, &size.width, &size.height, &unit_class);
+  Extent extent{};
+  ConvertPaperSize(&mode, &size.width, &size.height, unit_class, fuzz::platform.Take<uint8_t>(),
+                   &extent);
+  Margins margins{};
+  GetMargins(mode, &margins, fuzz::platform.Take<uint8_t>());
 }
 
 void TrySettings() {
@@ -65,8 +81,14 @@ void TrySettings() {
     settings->Read(L"value", &value, SettingsPlace::kRegistry);
     settings->ReadLegacy(L"value", &value);
   }
+}
+
+void TryStoredMode() {
+  int handle = 0;
   DeviceMode stored;
-  if (LoadStoredDeviceMode(&handle, stored)) Check(HasOwnShape(stored.pub));
+  if (!LoadStoredDeviceMode(&handle, stored)) return;
+  Check(HasOwnShape(stored.pub));
+  WriteDeviceData(PrinterSettings(&handle), stored);
 }
 
 }  // namespace
@@ -74,10 +96,11 @@ void TrySettings() {
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
   quillo::fuzz::Input input(std::as_bytes(std::span(data, size)));
-  const auto what = input.Take<uint8_t>() % 3;
+  const auto what = input.Take<uint8_t>() % 4;
   quillo::fuzz::platform = input;
   if (what == 0) quillo::TryMerge(quillo::fuzz::platform);
   if (what == 1) quillo::TryPapers();
   if (what == 2) quillo::TrySettings();
+  if (what == 3) quillo::TryStoredMode();
   return 0;
 }

@@ -1,9 +1,10 @@
-// Every record of a metafile, and the bitmaps that its records place, out of any bytes.
-
+// Every record of a metafile, and the bitmaps that its records place, out of any bytes; again after
+// the records that comments carry have been unpacked.
 #include <cstdint>
 #include <string>
 #include <vector>
 
+#include "host/emf_format/carried_records.h"
 #include "host/emf_format/comment.h"
 #include "host/emf_format/page_mapping.h"
 #include "host/emf_format/payload_reader.h"
@@ -40,19 +41,32 @@ void TryBitmap(const Record& record, size_t at) {
   }
 }
 
-}  // namespace
-
-extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
+void TryMetafile(Bytes metafile) {
   try {
-    MetafileReader reader(std::as_bytes(std::span(data, size)));
+    MetafileReader reader(metafile);
     const Transform map = FitFrame(reader.header(), {5100, 6600});
-    if (!map.Usable()) __builtin_trap();
+    if (!map.Usable() || !ActualSize(reader.header(), 600).Usable()) __builtin_trap();
+    DrawingSurvey survey;
     while (const auto record = reader.Next()) {
       FindCommentFault(record->bytes);
+      survey.Take(record->type, record->bytes);
       for (size_t at = 0; at < 128; at += 4) TryBitmap(*record, at);
     }
     for (const MetafileFault& fault : reader.faults()) Describe(fault);
   } catch (const UnreadableMetafile&) {
+  }
+}
+
+}  // namespace
+
+extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
+  std::vector<std::byte> metafile(reinterpret_cast<const std::byte*>(data),
+                                  reinterpret_cast<const std::byte*>(data) + size);
+  TryMetafile(metafile);
+  if (const auto unpacked = UnpackCarriedRecords(metafile)) {
+    if (*unpacked > size) __builtin_trap();
+    metafile.resize(*unpacked);
+    TryMetafile(metafile);
   }
   return 0;
 }

@@ -7,6 +7,7 @@
 #include <string>
 #include <winspool.h>
 
+#include "config/device_mode/device_mode.h"
 #include "config/platform/platform.h"
 #include "platform/input.h"
 
@@ -17,12 +18,23 @@ namespace {
 
 bool Fails() { return platform.Take<uint8_t>() % 8 == 7; }
 
-/// A value: a byte of type, two of size, and its bytes, cut at the end of the input.
+/// The bytes of a value: of a size that some value has, a device mode of our own, or any.
+Bytes TakeValue() {
+  static quillo::DeviceMode own;
+  constexpr uint16_t kSizes[] = {0, sizeof(uint16_t), sizeof(uint32_t), 3 * sizeof(uint16_t)};
+  const auto kind = platform.Take<uint8_t>() % 8;
+  if (kind < 4) return platform.TakeBytes(kSizes[kind]);
+  if (kind != 4) return platform.TakeBytes(platform.Take<uint16_t>());
+  quillo::BuildDefaultDeviceMode(own, nullptr);
+  return std::as_bytes(std::span(&own, 1));
+}
+
+/// A value: a byte of type, and its bytes, cut at the end of the input.
 LSTATUS Answer(DWORD* type, void* data, DWORD* size, DWORD capacity) {
   if (Fails()) return ERROR_FILE_NOT_FOUND;
   const DWORD kind = platform.Take<uint8_t>() % 12;
   if (type != nullptr) *type = kind;
-  const Bytes value = platform.TakeBytes(platform.Take<uint16_t>());
+  const Bytes value = TakeValue();
   *size = static_cast<DWORD>(value.size());
   if (data == nullptr) return ERROR_SUCCESS;
   if (value.size() > capacity) return ERROR_MORE_DATA;
@@ -64,6 +76,10 @@ LSTATUS WINAPI RegQueryInfoKeyW(HKEY, LPWSTR, DWORD*, DWORD*, DWORD* subkeys, DW
 }
 LSTATUS WINAPI RegEnumKeyExW(HKEY, DWORD, LPWSTR name, DWORD* length, DWORD*, LPWSTR, DWORD*,
                              FILETIME*) {
+  if (platform.Take<uint8_t>() % 2 == 0) {
+    *length = static_cast<DWORD>(wsprintfW(name, L"Paper %d", platform.Take<uint8_t>()));
+    return ERROR_SUCCESS;
+  }
   DWORD bytes = 0;
   const LSTATUS status =
       Answer(nullptr, name, &bytes, (*length - 1) * static_cast<DWORD>(sizeof(wchar_t)));
@@ -89,24 +105,24 @@ DWORD WINAPI GetPrinterDataW(HANDLE, LPWSTR, DWORD* type, BYTE* data, DWORD capa
 }
 DWORD WINAPI SetPrinterDataW(HANDLE, LPWSTR, DWORD, BYTE*, DWORD) { return ERROR_SUCCESS; }
 BOOL WINAPI GetPrinterW(HANDLE, DWORD, BYTE* buffer, DWORD capacity, DWORD* size) {
-  constexpr DWORD kModeBytes = 1052;
-  constexpr DWORD kSize = sizeof(PRINTER_INFO_2W) + kModeBytes;
+  constexpr DWORD kSize = sizeof(PRINTER_INFO_2W) + sizeof(quillo::DeviceMode);
   *size = kSize;
   if (buffer == nullptr || capacity < kSize || Fails()) return FALSE;
   auto* info = reinterpret_cast<PRINTER_INFO_2W*>(buffer);
   info->pDevMode = reinterpret_cast<DEVMODEW*>(buffer + sizeof *info);
-  const Bytes mode = platform.TakeBytes(kModeBytes);
-  if (!mode.empty()) std::memcpy(info->pDevMode, mode.data(), mode.size());
+  const Bytes mode = TakeValue();
+  if (!mode.empty()) {
+    std::memcpy(info->pDevMode, mode.data(), std::min(mode.size(), sizeof(quillo::DeviceMode)));
+  }
   info->pPrinterName = info->pDevMode->dmDeviceName;
   info->pDevMode->dmDeviceName[CCHDEVICENAME - 1] = L'\0';
   return TRUE;
 }
 
 /// "Paper %d", the one format.
-int WINAPIV wsprintfW(LPWSTR text, LPCWSTR, ...) {
+int WINAPIV wsprintfW(LPWSTR text, LPCWSTR format, ...) {
   __builtin_ms_va_list arguments;
-  __builtin_ms_va_start(arguments, text);
-  (void)__builtin_va_arg(arguments, LPCWSTR);
+  __builtin_ms_va_start(arguments, format);
   const std::string narrow = "Paper " + std::to_string(__builtin_va_arg(arguments, int));
   __builtin_ms_va_end(arguments);
   std::copy_n(narrow.c_str(), narrow.size() + 1, text);

@@ -48,7 +48,7 @@ void Play(Bytes stream) {
     DispatchRecord(context, records::kFirstPlayedType + frame->type % 128, payload);
     stream = stream.subspan(frame->size);
   }
-  ReleaseDrawingObjects(context);
+  EndPagePlayback(context);
   context.seen_fonts.Clear();
   context.run_list.Clear();
 }

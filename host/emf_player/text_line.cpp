@@ -4,6 +4,8 @@
 #include <cstring>
 #include <utility>
 
+#include "host/engine/clusters.h"
+
 namespace quillo::host::emf {
 
 namespace {
@@ -43,20 +45,6 @@ void AppendWide(Bytes bytes, BYTE charset, TextLine& line) {
     i += size;
   }
   if (!line.dx.empty()) line.dx = std::move(dx);
-}
-
-/// Replaces each half of a surrogate pair that stands alone by U+FFFD; false when there is none.
-bool ReplaceLoneSurrogates(std::wstring& text) {
-  bool found = false;
-  for (size_t i = 0; i < text.size(); ++i) {
-    if (IS_HIGH_SURROGATE(text[i]) && i + 1 < text.size() && IS_LOW_SURROGATE(text[i + 1])) {
-      ++i;
-    } else if (IS_HIGH_SURROGATE(text[i]) || IS_LOW_SURROGATE(text[i])) {
-      text[i] = L'\xFFFD';
-      found = true;
-    }
-  }
-  return found;
 }
 
 /// Reads the advances of `count` characters at `offset`; offset 0: the record has none.

@@ -13,6 +13,23 @@ char32_t CharacterAt(std::wstring_view text, size_t at) {
   return 0x10000 + ((text[at] - char32_t{0xD800}) << 10) + (text[at + 1] - char32_t{0xDC00});
 }
 
+bool ReplaceLoneSurrogates(std::wstring& text) {
+  bool found = false;
+  for (size_t i = 0; i < text.size(); ++i) {
+    if (IsPair(text, i)) {
+      ++i;
+    } else if (IS_HIGH_SURROGATE(text[i]) || IS_LOW_SURROGATE(text[i])) {
+      text[i] = L'\xFFFD';
+      found = true;
+    }
+  }
+  return found;
+}
+
+bool IsNoncharacter(char32_t character) {
+  return (character >= 0xFDD0 && character <= 0xFDEF) || (character & 0xFFFE) == 0xFFFE;
+}
+
 void AppendCharacter(std::wstring& text, char32_t character) {
   if (character > 0xFFFF) {
     text += static_cast<wchar_t>(0xD800 + ((character - 0x10000) >> 10));

@@ -12,6 +12,12 @@ bool IsPair(std::wstring_view text, size_t at);
 /// The character at `at`: that of the surrogate pair, or the unit itself.
 char32_t CharacterAt(std::wstring_view text, size_t at);
 
+/// Replaces each half of a surrogate pair that stands alone by U+FFFD; false when there is none.
+bool ReplaceLoneSurrogates(std::wstring& text);
+
+/// Whether Unicode keeps the number free of characters; many programs refuse text that holds it.
+bool IsNoncharacter(char32_t character);
+
 /// Appends a character as one unit or two.
 void AppendCharacter(std::wstring& text, char32_t character);
 

@@ -283,6 +283,7 @@ void PdfPage::AddGlyphs(const TextDescription& text, const TextLayout& layout,
       character = IsPair(text.text, unit) ? text.text.substr(unit, 2)
                                           : std::wstring(1, AsSearched(text.text[unit]));
       if (ShowsNothing(character[0])) continue;
+      if (IsNoncharacter(CharacterAt(text.text, unit))) character = L"\xFFFD";
     }
     if (!run_.Continues(look, layout.origins[i])) {
       run_.Draw(context_);

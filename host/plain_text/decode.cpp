@@ -5,6 +5,8 @@
 #include <algorithm>
 #include <climits>
 
+#include "host/engine/clusters.h"
+
 namespace quillo::host {
 
 namespace {
@@ -24,6 +26,7 @@ std::wstring DecodeUtf16(Bytes bytes, bool swapped) {
     const auto unit = LoadOrZero<uint16_t>(bytes, i * 2);
     text[i] = static_cast<wchar_t>(swapped ? SwapBytes(unit) : unit);
   }
+  ReplaceLoneSurrogates(text);
   return text;
 }
 
