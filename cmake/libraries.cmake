@@ -4,7 +4,7 @@ add_custom_command(
   OUTPUT "${folder}/lib/libcairo.a" "${folder}/lib/libpixman-1.a"
   COMMAND "${PROJECT_SOURCE_DIR}/tools/build-libraries" "${folder}"
   DEPENDS "${PROJECT_SOURCE_DIR}/tools/build-libraries"
-          "${PROJECT_SOURCE_DIR}/tools/cairo-resources.patch"
+          "${PROJECT_SOURCE_DIR}/tools/cairo.patch"
   COMMENT "Building cairo" VERBATIM)
 add_custom_target(quillo_libraries DEPENDS "${folder}/lib/libcairo.a")
 
