@@ -7,13 +7,13 @@
 
 #include "host/base/text.h"
 #include "host/engine/blit_areas.h"
-#include "host/engine/brush_objects.h"
 #include "host/engine/clusters.h"
 #include "host/engine/raster.h"
 #include "host/engine/raster_operation.h"
 #include "host/engine/services/colours.h"
 #include "host/engine/text_layout.h"
 #include "host/pdf/cairo_path.h"
+#include "host/pdf/hatch.h"
 #include "host/pdf/pictures.h"
 
 // Shapes and text. The blits are in pdf_page_blits.cpp.
@@ -137,20 +137,20 @@ void PdfPage::WithInk(const BrushDescription& brush, uint8_t rop3, const std::st
                       const std::function<void()>& draw) {
   const bool hatched = brush.kind == BrushDescription::Kind::kHatched && brush.hatch < HS_DDI_MAX;
   const bool patterned = brush.kind == BrushDescription::Kind::kPattern && brush.pattern != nullptr;
-  std::vector<Mixing> mixings = {MixingOf(rop3, SwapRedBlue(brush.colour), 0)};
-  SIZEL size{1, 1};
-  if (hatched || patterned) {
-    const BitmapSource hatch = hatched ? HatchPicture(brush) : BitmapSource();
-    const ReadablePicture tile(hatched ? hatch : *brush.pattern);
+  std::vector<Mixing> mixings;  // of a hatch: of its gaps, and of its lines
+  SIZEL size{};
+  if (patterned) {
+    const ReadablePicture tile(*brush.pattern);
     const PixelReader pixels(*tile);
     size = {(*tile).width, (*tile).height};
-    mixings.clear();
     for (LONG y = 0; y < size.cy; ++y) {
-      for (LONG x = 0; x < size.cx; ++x) {
-        const bool gap = hatched && !state.opaque_background && pixels.Raw(x, y) == 0;
-        mixings.push_back(gap ? Mixing{0xFFFFFF, 0} : MixingOf(rop3, pixels.Colour(x, y), 0));
-      }
+      for (LONG x = 0; x < size.cx; ++x) mixings.push_back(MixingOf(rop3, pixels.Colour(x, y), 0));
     }
+  } else {
+    const auto mixing_of = [&](COLORREF ink) { return MixingOf(rop3, SwapRedBlue(ink), 0); };
+    const Mixing stays{0xFFFFFF, 0};
+    if (hatched) mixings.push_back(state.opaque_background ? mixing_of(brush.background) : stays);
+    mixings.push_back(mixing_of(brush.colour));
   }
   Layers layers = LayersOf(mixings);
   if (inversion_ && Contains(inversion_->area, bounds) && std::ranges::all_of(mixings, IsMask)) {
@@ -167,8 +167,16 @@ void PdfPage::WithInk(const BrushDescription& brush, uint8_t rop3, const std::st
   if (!layers.exact) ++approximations_[name];
   for (const Layers::Layer& layer : layers.list) {
     SetBlend(layer.blend);
-    if (hatched || patterned) {
-      SetPattern(AlphaPicture(layer.pixels, size.cx, size.cy).get(), state.brush_origin);
+    if (patterned) {
+      SetPattern(AlphaPicture(layer.pixels, size.cx, size.cy).get(), CAIRO_EXTEND_REPEAT,
+                 {double{1} * state.brush_origin.x, double{1} * state.brush_origin.y});
+    } else if (hatched) {
+      const double cell = kHatchCell * dot_;
+      const PointD origin{std::fmod(state.brush_origin.x, cell),
+                          std::fmod(state.brush_origin.y, cell)};
+      SetPattern(
+          HatchDrawing(brush.hatch, layer.pixels[0], layer.pixels[1], DotsOf(bounds, origin)).get(),
+          CAIRO_EXTEND_NONE, origin);
     } else {
       SetColour(layer.pixels[0]);
     }
@@ -183,9 +191,19 @@ void PdfPage::SetColour(uint32_t colour) {
                        (colour & 0xFF) / 255.0);
 }
 
-void PdfPage::SetPattern(cairo_surface_t* tile, POINTL origin) {
-  const CairoPattern pattern(cairo_pattern_create_for_surface(tile));
-  cairo_pattern_set_extend(pattern.get(), CAIRO_EXTEND_REPEAT);
+cairo_rectangle_t PdfPage::DotsOf(const RECTL& bounds, const PointD& origin) const {
+  double left = 0, top = 0, right = 0, bottom = 0;
+  cairo_clip_extents(context_, &left, &top, &right, &bottom);
+  const double x = std::floor((std::max<double>(left, bounds.left) - origin.x) / dot_);
+  const double y = std::floor((std::max<double>(top, bounds.top) - origin.y) / dot_);
+  const double end_x = std::ceil((std::min<double>(right, bounds.right) - origin.x) / dot_);
+  const double end_y = std::ceil((std::min<double>(bottom, bounds.bottom) - origin.y) / dot_);
+  return {x, y, std::max(1.0, end_x - x), std::max(1.0, end_y - y)};
+}
+
+void PdfPage::SetPattern(cairo_surface_t* picture, cairo_extend_t extend, const PointD& origin) {
+  const CairoPattern pattern(cairo_pattern_create_for_surface(picture));
+  cairo_pattern_set_extend(pattern.get(), extend);
   cairo_pattern_set_filter(pattern.get(), CAIRO_FILTER_NEAREST);
   cairo_matrix_t to_tile;
   cairo_matrix_init_scale(&to_tile, 1 / dot_, 1 / dot_);

@@ -75,7 +75,10 @@ class PdfPage : public Canvas {
   void SetBlend(Blend blend);
   /// 0x00RRGGBB.
   void SetColour(uint32_t colour);
-  void SetPattern(cairo_surface_t* tile, POINTL origin);
+  /// What of a rectangle the clip lets through, in whole dots from `origin` on.
+  cairo_rectangle_t DotsOf(const RECTL& bounds, const PointD& origin) const;
+  /// `picture`: its unit is a dot, its origin on the page is `origin`.
+  void SetPattern(cairo_surface_t* picture, cairo_extend_t extend, const PointD& origin);
   void SetPen(const PenDescription& pen);
   /// Sets each layer that the brush makes under an operation without source, and calls `draw`,
   /// which stays inside `bounds`.
