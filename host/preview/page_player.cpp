@@ -48,30 +48,32 @@ bool IsBlit(const ENHMETARECORD& record) {
   }
 }
 
-/// Copies a part of the sheet, each pixel as a square of `factor`.
+/// Copies what the sheet has of a part, each pixel as a square of `factor`.
 void Enlarge(SheetBitmap& sheet, const Enlargement& by, SheetBitmap& enlarged) {
-  const SIZE size = enlarged.Size();
-  for (LONG y = 0; y < size.cy; ++y) {
-    if (y % by.factor != 0) {
-      std::copy_n(enlarged.At(0, y - 1), enlarged.Stride(), enlarged.At(0, y));
-      continue;
+  const RECT area = sheet.Part(by.part);
+  for (LONG y = area.top; y < area.bottom; ++y) {
+    const LONG row = (y - by.part.top) * by.factor;
+    std::byte* to = enlarged.At((area.left - by.part.left) * by.factor, row);
+    for (LONG x = area.left; x < area.right; ++x) {
+      for (int copy = 0; copy < by.factor; ++copy) to = std::copy_n(sheet.At(x, y), 3, to);
     }
-    for (LONG x = 0; x < size.cx; ++x) {
-      std::copy_n(sheet.At(by.part.left + x / by.factor, by.part.top + y / by.factor), 3,
-                  enlarged.At(x, y));
+    for (int copy = 1; copy < by.factor; ++copy) {
+      std::copy_n(enlarged.At(0, row), enlarged.Stride(), enlarged.At(0, row + copy));
     }
   }
 }
 
-/// Puts the part back, each pixel as the average of its square.
-void Average(SheetBitmap& enlarged, const Enlargement& by, SheetBitmap& sheet) {
-  const SIZE size = SizeOf(by.part);
-  const auto area = static_cast<unsigned>(by.factor * by.factor);
+/// Puts an area of the sheet back, each pixel as the average of its square.
+void Average(SheetBitmap& enlarged, const Enlargement& by, const RECT& area, SheetBitmap& sheet) {
+  const SIZE size = SizeOf(area);
+  const POINT first = {(area.left - by.part.left) * by.factor,
+                       (area.top - by.part.top) * by.factor};
+  const auto square = static_cast<unsigned>(by.factor * by.factor);
   std::vector<unsigned> sums;  // of a row
   for (LONG y = 0; y < size.cy; ++y) {
-    sums.assign(static_cast<size_t>(size.cx) * 3, area / 2);
+    sums.assign(static_cast<size_t>(size.cx) * 3, square / 2);
     for (int row = 0; row < by.factor; ++row) {
-      const std::byte* at = enlarged.At(0, y * by.factor + row);
+      const std::byte* at = enlarged.At(first.x, first.y + y * by.factor + row);
       for (size_t pixel = 0; pixel < sums.size(); pixel += 3) {
         for (int column = 0; column < by.factor; ++column) {
           for (size_t channel = 0; channel < 3; ++channel) {
@@ -80,21 +82,23 @@ void Average(SheetBitmap& enlarged, const Enlargement& by, SheetBitmap& sheet) {
         }
       }
     }
-    std::transform(sums.begin(), sums.end(), sheet.At(by.part.left, by.part.top + y),
-                   [area](unsigned sum) { return static_cast<std::byte>(sum / area); });
+    std::transform(sums.begin(), sums.end(), sheet.At(area.left, area.top + y),
+                   [square](unsigned sum) { return static_cast<std::byte>(sum / square); });
   }
 }
 
-/// A DC's clip region, enlarged with a part of the sheet; null when it has none.
-Region EnlargedClip(HDC dc, const Enlargement& by) {
+/// The areas of a rectangle that lie inside a DC's clip region.
+std::vector<RECT> Clipped(HDC dc, const RECT& rect) {
+  if (IsRectEmpty(&rect)) return {};
   const Region clip(CreateRectRgn(0, 0, 0, 0));
-  if (GetClipRgn(dc, clip.Get()) != 1) return Region();
+  if (GetClipRgn(dc, clip.Get()) != 1) return {rect};
   std::vector<std::byte> data(GetRegionData(clip.Get(), 0, nullptr));
   auto* region = reinterpret_cast<RGNDATA*>(data.data());
-  const auto size = static_cast<DWORD>(data.size());
-  GetRegionData(clip.Get(), size, region);
-  const XFORM enlarge = by.Transform();
-  return Region(ExtCreateRegion(&enlarge, size, region));
+  if (GetRegionData(clip.Get(), static_cast<DWORD>(data.size()), region) == 0) return {};
+  const auto* first = reinterpret_cast<const RECT*>(region->Buffer);
+  std::vector<RECT> areas(first, first + region->rdh.nCount);
+  std::erase_if(areas, [&](RECT& area) { return !IntersectRect(&area, &area, &rect); });
+  return areas;
 }
 
 /// Pixels of the sheet for one dot of the page, for both sides alike.
@@ -172,8 +176,8 @@ class PagePlayer {
                                  handle_count) != FALSE;
   }
 
-  /// What a blit may touch of the sheet, and the factor at which every dot of the page is at least
-  /// a pixel; below 2 where that gains nothing or takes too much memory.
+  /// What a blit may touch, and the factor at which every dot of the page is at least a pixel;
+  /// below 2 where that gains nothing or takes too much memory.
   Enlargement EnlargementOf(const EMRBITBLT& blit) const {
     LONG far_x = 0, far_y = 0;
     if (__builtin_add_overflow(blit.xDest, blit.cxDest, &far_x) ||
@@ -185,24 +189,32 @@ class PagePlayer {
     if (!LPtoDP(dc_, corners, 4)) return {};
     const auto [left, right] = std::ranges::minmax(corners, {}, &POINT::x);
     const auto [top, bottom] = std::ranges::minmax(corners, {}, &POINT::y);
-    const SIZE size = sheet_.Size();
-    // One pixel more on each side, for rounding.
-    Enlargement result = {{std::max(left.x, 1L) - 1, std::max(top.y, 1L) - 1,
-                           std::min(right.x, size.cx - 2) + 2, std::min(bottom.y, size.cy - 2) + 2},
-                          0};
-    const SIZE part = SizeOf(result.part);
-    if (part.cx <= 0 || part.cy <= 0) return {};
-    const double pixels = static_cast<double>(part.cx) * part.cy;
-    result.factor = static_cast<int>(
-        std::min(std::ceil(1 / std::max(ScaleOf(dc_), 0.01)), std::sqrt(kMaxPixels / pixels)));
+    const SIZE sheet = sheet_.Size();
+    Enlargement result{};
+    for (const LONG sheets : {1L, 0L}) {  // so many of them beyond each edge
+      const SIZE beyond = {sheets * sheet.cx, sheets * sheet.cy};
+      // One pixel more on each side, for rounding.
+      result.part = {std::max(left.x, 1 - beyond.cx) - 1, std::max(top.y, 1 - beyond.cy) - 1,
+                     std::min(right.x, sheet.cx + beyond.cx - 2) + 2,
+                     std::min(bottom.y, sheet.cy + beyond.cy - 2) + 2};
+      const SIZE part = SizeOf(result.part);
+      if (part.cx <= 0 || part.cy <= 0) return {};
+      const double pixels = static_cast<double>(part.cx) * part.cy;
+      result.factor = static_cast<int>(
+          std::min(std::ceil(1 / std::max(ScaleOf(dc_), 0.01)), std::sqrt(kMaxPixels / pixels)));
+      if (result.factor >= 2) break;
+    }
     return result;
   }
 
-  /// Plays a blit onto an enlarged copy of the part of the sheet that it touches. False when it is
-  /// to be played without.
+  /// Plays a blit onto an enlarged copy of the part of the sheet that it touches, without the clip
+  /// and beyond the sheet: Wine distorts a picture that is cut. False when it is to be played
+  /// without.
   bool PlayEnlarged(HANDLETABLE& handles, const ENHMETARECORD& record, UINT handle_count) {
     const Enlargement by = EnlargementOf(reinterpret_cast<const EMRBITBLT&>(record));
     if (by.factor < 2) return false;
+    const std::vector<RECT> areas = Clipped(dc_, sheet_.Part(by.part));
+    if (areas.empty()) return true;
     const SIZE part = SizeOf(by.part);
     const SIZE size = {part.cx * by.factor, part.cy * by.factor};
     pixels_ += static_cast<double>(size.cx) * size.cy;
@@ -212,17 +224,16 @@ class PagePlayer {
     GdiFlush();
     Enlarge(sheet_, by, enlarged);
 
-    const Region clip = EnlargedClip(dc_, by);
     const int saved = SaveDC(dc_);
     SelectObject(dc_, enlarged.Handle());
-    SelectClipRgn(dc_, clip.Get());
+    SelectClipRgn(dc_, nullptr);
     const XFORM enlarge = by.Transform();
     ModifyWorldTransform(dc_, &enlarge, MWT_RIGHTMULTIPLY);
     PlayEnhMetaFileRecord(dc_, &handles, &record, handle_count);
     GdiFlush();
     RestoreDC(dc_, saved);
     SelectObject(dc_, sheet_.Handle());
-    Average(enlarged, by, sheet_);
+    for (const RECT& area : areas) Average(enlarged, by, area, sheet_);
     return true;
   }
 

@@ -19,6 +19,13 @@ class SheetBitmap {
 
   HBITMAP Handle() const { return bitmap_.Get(); }
   SIZE Size() const { return size_; }
+  /// What of a rectangle lies on the sheet.
+  RECT Part(const RECT& rect) const {
+    const RECT whole{0, 0, size_.cx, size_.cy};
+    RECT part;
+    IntersectRect(&part, &rect, &whole);  // empty: all 0
+    return part;
+  }
   /// Bytes from row to row.
   size_t Stride() const { return DibStride(static_cast<uint64_t>(size_.cx), 24); }
   MutableBytes Rows() { return {bits_, Stride() * static_cast<size_t>(size_.cy)}; }
