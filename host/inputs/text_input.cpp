@@ -74,8 +74,9 @@ class TextInput : public PrintInput {
         const double baseline = page.top + i * page.line_height + page.ascent;
         canvas.Text(Describe(line, font, page, baseline, result), DrawState());
       }
-      if (line.ends_page) break;
+      if (line.ends_page) return result;
     }
+    lines_.SkipFormFeed();
     return result;
   }
 

@@ -26,6 +26,10 @@ class LineBreaker {
   bool AtEnd() const { return at_ == text_.size(); }
   /// The next line, at least one character of it; `columns` is above 0.
   TextLine Next(int columns);
+  /// Takes a form feed that comes next: the page has ended already, as it is full.
+  void SkipFormFeed() {
+    if (!AtEnd() && text_[at_] == L'\f') ++at_;
+  }
 
  private:
   bool TakeLineEnd(TextLine& line);

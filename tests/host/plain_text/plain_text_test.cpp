@@ -58,5 +58,24 @@ TEST_F(TextInputTest, RightToLeftParagraph_BeginsAtTheRightMargin) {
       << text;
 }
 
+TEST_F(TextInputTest, FormFeedAfterAFullPage_MakesNoEmptyPage) {
+  const auto pages_of = [this](const std::string& text) {
+    const auto bytes = std::as_bytes(std::span(text));
+    const auto input = OpenText({bytes.begin(), bytes.end()});
+    int pages = 0;
+    for (; input->PreparePage(); ++pages) {
+      Graphics page = Page();
+      input->DrawPage(page, {72, true, GlyphOrder::kDrop});
+    }
+    return pages;
+  };
+  std::string full;  // one line less than two pages
+  while (pages_of(full + "x\nx") < 2) full += "x\n";
+  EXPECT_EQ(pages_of(full + "x\n\f"), 1);
+  EXPECT_EQ(pages_of(full + "x\n\fx"), 2);
+  EXPECT_EQ(pages_of(full + "x\n\f\fx"), 3);
+  EXPECT_EQ(pages_of(full + "x\fx"), 2);
+}
+
 }  // namespace
 }  // namespace quillo::host
