@@ -44,7 +44,7 @@ void WaitForEndOfInput() {
 
 void ServeJob(DWORD job_id, ClientFault fault, const std::filesystem::path& pdf_path) {
   const ComApartment apartment;
-  RegisterTypeLibrary();
+  const ComPtr<ITypeLib> type_library = RegisterTypeLibrary();
   const KernelHandle job_end = MakeJobEndEvent(job_id);
   std::optional<PdfMaker> pdf;
   if (!pdf_path.empty()) pdf.emplace(pdf_path, [](int page) { Send({{"pdf_page", page}}); });

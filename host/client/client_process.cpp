@@ -44,7 +44,7 @@ KernelHandle StartProcess(const std::filesystem::path& program, const std::wstri
   std::wstring command = L"\"" + program.wstring() + L"\" " + arguments;
   // Wine now and then loses a process while it starts, and reports this error.
   for (int tries_left = 3;
-       !CreateProcessW(program.c_str(), command.data(), nullptr, nullptr, TRUE, CREATE_NO_WINDOW,
+       !CreateProcessW(program.c_str(), command.data(), nullptr, nullptr, TRUE, DETACHED_PROCESS,
                        nullptr, folder.c_str(), &startup, &info);) {
     if (GetLastError() != ERROR_INTERNAL_ERROR || --tries_left == 0) {
       throw SystemFailure(kCannotStart, "CreateProcess");

@@ -9,8 +9,10 @@
 #include <string>
 #include <thread>
 
+#include "base/com_owners.h"
 #include "base/system_owners.h"
 #include "host/client/client_fault.h"
+#include "host/client/type_library.h"
 
 namespace quillo::host {
 
@@ -42,6 +44,7 @@ class ClientProcess {
   void ReadLines(HANDLE output);
   void TakeLine(const std::string& line);
 
+  ComPtr<ITypeLib> type_library_ = LoadTypeLibrary();  // for the driver's calls
   KernelHandle process_;
   KernelHandle input_;                // the client's standard input; closing it ends the client
   KernelHandle output_;               // the client's standard output

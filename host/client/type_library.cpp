@@ -30,21 +30,32 @@ bool InterfaceIsRegistered() {
          ERROR_SUCCESS;
 }
 
-}  // namespace
-
-void RegisterTypeLibrary() {
-  if (!RunsUnderWine() && InterfaceIsRegistered()) return;
+std::wstring ThisProgram() {
   wchar_t program[MAX_PATH];
   const DWORD length = GetModuleFileNameW(nullptr, program, MAX_PATH);
   if (length == 0 || length == MAX_PATH) throw SystemFailure(kCannotRegister, "GetModuleFileName");
+  return {program, length};
+}
+
+}  // namespace
+
+ComPtr<ITypeLib> LoadTypeLibrary() {
   ComPtr<ITypeLib> library;
-  CheckResult(LoadTypeLibEx(program, REGKIND_NONE, library.Receive()), kCannotRegister,
-              "LoadTypeLibEx");
+  CheckResult(LoadTypeLibEx(ThisProgram().c_str(), REGKIND_NONE, library.Receive()),
+              kCannotRegister, "LoadTypeLibEx");
+  return library;
+}
+
+ComPtr<ITypeLib> RegisterTypeLibrary() {
+  ComPtr<ITypeLib> library = LoadTypeLibrary();
+  if (!RunsUnderWine() && InterfaceIsRegistered()) return library;
+  std::wstring program = ThisProgram();
   // Only an administrator may register for the whole machine.
-  if (FAILED(RegisterTypeLib(library.Get(), program, nullptr))) {
-    CheckResult(RegisterTypeLibForUser(library.Get(), program, nullptr), kCannotRegister,
+  if (FAILED(RegisterTypeLib(library.Get(), program.data(), nullptr))) {
+    CheckResult(RegisterTypeLibForUser(library.Get(), program.data(), nullptr), kCannotRegister,
                 "RegisterTypeLibForUser");
   }
+  return library;
 }
 
 }  // namespace quillo::host

@@ -106,7 +106,7 @@ ServedJob ServeJob(DWORD job_id, const std::filesystem::path& folder,
                    const std::filesystem::path& pdf_path, const Patience& patience,
                    const std::function<void(const std::string&)>& report) {
   const ComApartment apartment;
-  RegisterTypeLibrary();
+  const ComPtr<ITypeLib> type_library = RegisterTypeLibrary();
   const KernelHandle job_end = MakeJobEndEvent(job_id);
   Listener listener(folder, report);
   std::optional<PdfMaker> pdf;

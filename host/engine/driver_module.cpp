@@ -10,6 +10,10 @@
 namespace quillo::host {
 namespace {
 
+Library LoadSystemLibrary(const wchar_t* name) {
+  return Library(LoadLibraryExW(name, nullptr, LOAD_LIBRARY_SEARCH_SYSTEM32));
+}
+
 /// Nobody watches the screen of a printing process, so a box would wait forever.
 int WINAPI WriteToErrorStream(HWND, LPCWSTR text, LPCWSTR caption, UINT) {
   std::fwprintf(stderr, L"the driver says: %ls: %ls\n", caption, text);
@@ -79,7 +83,8 @@ Function Export(HMODULE module, const char* name) {
 }  // namespace
 
 DriverModule::DriverModule(const std::wstring& path)
-    : module_(LoadLibraryExW(path.c_str(), nullptr, LOAD_WITH_ALTERED_SEARCH_PATH)) {
+    : used_by_driver_{LoadSystemLibrary(L"wtsapi32.dll"), LoadSystemLibrary(L"userenv.dll")},
+      module_(LoadLibraryExW(path.c_str(), nullptr, LOAD_WITH_ALTERED_SEARCH_PATH)) {
   if (!module_) throw DriverFailure("loading the driver", GetLastError());
   BindServices(module_.Get());
 
