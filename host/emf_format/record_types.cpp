@@ -1,5 +1,8 @@
 #include "host/emf_format/record_types.h"
 
+#include <algorithm>
+#include <iterator>
+
 namespace quillo::host::emf {
 
 namespace {
@@ -26,10 +29,8 @@ constexpr bool NumbersAscend() {
 static_assert(std::size(kTypes) == kRecordTypeEnd - 3 && NumbersAscend());
 
 const TypeInfo* FindType(uint32_t type) {
-  for (const TypeInfo& info : kTypes) {
-    if (info.number == type) return &info;
-  }
-  return nullptr;
+  const auto* info = std::ranges::lower_bound(kTypes, type, {}, &TypeInfo::number);
+  return info != std::end(kTypes) && info->number == type ? info : nullptr;
 }
 
 }  // namespace

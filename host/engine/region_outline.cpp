@@ -1,6 +1,7 @@
 #include <algorithm>
+#include <climits>
 #include <cmath>
-#include <map>
+#include <cstdint>
 #include <new>
 
 #include "host/engine/polygons.h"
@@ -22,28 +23,38 @@ class CornerFinder {
  public:
   /// `edges` are the sorted x positions of all span ends below the line y (empty: nothing there).
   void AddLine(LONG y, const std::vector<LONG>& edges) {
-    std::vector<LONG> turning;  // positions on one side of the line only
-    std::set_symmetric_difference(edges_above_.begin(), edges_above_.end(), edges.begin(),
-                                  edges.end(), std::back_inserter(turning));
-    for (size_t i = 0; i < turning.size(); ++i) {
+    constexpr int64_t kBeyondAll = int64_t{LONG_MAX} + 1;
+    const size_t first = corners_.size();
+    auto above = above_.begin();
+    const auto add_corner = [&](LONG x) {
       const size_t index = corners_.size();
-      Corner corner{turning[i], y, i % 2 == 0 ? index + 1 : index - 1, 0, false};
-      if (const auto upper = open_.find(corner.x); upper != open_.end()) {
-        corner.above_or_below = upper->second;
-        corners_[upper->second].above_or_below = index;
-        open_.erase(upper);
-      } else {
-        open_.emplace(corner.x, index);
+      corners_.push_back({x, y, (index - first) % 2 == 0 ? index + 1 : index - 1, 0, false});
+      return index;
+    };
+    const auto end_edges_before = [&](int64_t x) {
+      for (; above != above_.end() && above->x < x; ++above) {
+        const size_t index = add_corner(above->x);
+        corners_[index].above_or_below = above->upper;
+        corners_[above->upper].above_or_below = index;
       }
-      corners_.push_back(corner);
+    };
+    below_.clear();
+    for (const LONG x : edges) {
+      end_edges_before(x);
+      const bool continues = above != above_.end() && above->x == x;
+      below_.push_back({x, continues ? (above++)->upper : add_corner(x)});
     }
-    edges_above_ = edges;
+    end_edges_before(kBeyondAll);
+    above_.swap(below_);
   }
   std::vector<Corner>& Corners() { return corners_; }
 
  private:
-  std::vector<LONG> edges_above_;
-  std::map<LONG, size_t> open_;  // vertical edges that continue downwards, by their upper corner
+  struct VerticalEdge {
+    LONG x;
+    size_t upper;  // corner
+  };
+  std::vector<VerticalEdge> above_, below_;  // of the line, left to right
   std::vector<Corner> corners_;
 };
 
@@ -57,15 +68,21 @@ std::vector<RECT> RectanglesOf(HRGN region) {
   return {rects, rects + data->rdh.nCount};
 }
 
-/// Distance of p from the line through a and b.
-double DistanceFromLine(const POINTFIX& p, const POINTFIX& a, const POINTFIX& b) {
-  const double dx = static_cast<double>(b.x) - a.x, dy = static_cast<double>(b.y) - a.y;
-  const double length = std::hypot(dx, dy);
-  if (length == 0)
-    return std::hypot(static_cast<double>(p.x) - a.x, static_cast<double>(p.y) - a.y);
-  return std::abs(dx * (static_cast<double>(p.y) - a.y) - dy * (static_cast<double>(p.x) - a.x)) /
-         length;
-}
+/// Measures the distance of points from the line through two points, or from these if they are one.
+class DistanceFromLine {
+ public:
+  DistanceFromLine(const POINTFIX& a, const POINTFIX& b)
+      : a_(a), dx_(static_cast<double>(b.x) - a.x), dy_(static_cast<double>(b.y) - a.y) {}
+  double operator()(const POINTFIX& p) const {
+    const double x = static_cast<double>(p.x) - a_.x, y = static_cast<double>(p.y) - a_.y;
+    return length_ == 0 ? std::hypot(x, y) : std::abs(dx_ * y - dy_ * x) / length_;
+  }
+
+ private:
+  POINTFIX a_;
+  double dx_, dy_;
+  double length_ = std::hypot(dx_, dy_);
+};
 
 double Area(const Polygon& polygon) {
   double area = 0;
@@ -90,11 +107,11 @@ Polygon StraightenSteps(const Polygon& polygon) {
   while (!pending.empty()) {
     const auto [first, last] = pending.back();
     pending.pop_back();
+    const DistanceFromLine distance_of(polygon[first], polygon[last % polygon.size()]);
     double farthest = kTolerance;
     size_t split = 0;
     for (size_t i = first + 1; i < last; ++i) {
-      const double distance =
-          DistanceFromLine(polygon[i], polygon[first], polygon[last % polygon.size()]);
+      const double distance = distance_of(polygon[i]);
       if (distance > farthest) {
         farthest = distance;
         split = i;
@@ -120,10 +137,11 @@ Polygon StraightenSteps(const Polygon& polygon) {
 std::vector<Polygon> OutlineRegion(HRGN region) {
   const std::vector<RECT> rects = RectanglesOf(region);
   CornerFinder finder;
+  std::vector<LONG> edges;
   // The rectangles come in bands: equal top and bottom, left to right, not touching each other.
   for (size_t i = 0; i < rects.size();) {
     const LONG top = rects[i].top, bottom = rects[i].bottom;
-    std::vector<LONG> edges;
+    edges.clear();
     for (; i < rects.size() && rects[i].top == top; ++i) {
       edges.push_back(rects[i].left);
       edges.push_back(rects[i].right);

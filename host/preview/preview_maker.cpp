@@ -25,9 +25,10 @@ std::map<int, std::string> PreviewMaker::Finish() {
 }
 
 void PreviewMaker::Run() {
+  std::optional<ComApartment> apartment;  // for the encoder
   while (const std::optional<Work> work = queue_.Take()) {
     try {
-      const ComApartment apartment;  // for the encoder
+      if (!apartment) apartment.emplace();
       WritePreview(work->page, work->png, dpi_);
     } catch (const std::exception& failure) {
       failures_[work->number] = failure.what();
