@@ -15,6 +15,7 @@
 #include "base/bytes.h"
 #include "base/dib.h"
 #include "base/gdi_owners.h"
+#include "host/base/file_content.h"
 #include "host/emf_format/carried_records.h"
 
 namespace quillo::host {
@@ -132,18 +133,15 @@ OpenPages& Pages() {
 /// Unpacks the records that a closed page file carries. The file is replaced as a whole or, when
 /// that fails, left alone.
 bool UnpackFile(const fs::path& path) {
-  std::vector<std::byte> content(fs::file_size(path));
-  const auto bytes = reinterpret_cast<char*>(content.data());
-  std::ifstream in(path, std::ios::binary);
-  if (!in.read(bytes, static_cast<std::streamsize>(content.size()))) return false;
-  in.close();
-  const auto size = emf::UnpackCarriedRecords(content);
+  auto content = ReadContent(path);
+  if (!content) return false;
+  const auto size = emf::UnpackCarriedRecords(*content);
   if (!size) return false;
 
   fs::path rewritten = path;
   rewritten += L".new";
   std::ofstream out(rewritten, std::ios::binary);
-  out.write(bytes, static_cast<std::streamsize>(*size));
+  out.write(reinterpret_cast<const char*>(content->data()), static_cast<std::streamsize>(*size));
   out.close();
   if (out && MoveFileExW(rewritten.c_str(), path.c_str(), MOVEFILE_REPLACE_EXISTING)) return true;
   DeleteFileW(rewritten.c_str());

@@ -4,11 +4,10 @@
 
 #include <algorithm>
 #include <cstring>
-#include <fstream>
-#include <iterator>
 
 #include "base/arithmetic.h"
 #include "host/base/failure.h"
+#include "host/base/file_content.h"
 #include "host/base/text.h"
 #include "host/emf_format/reader.h"
 #include "host/emf_format/record_types.h"
@@ -16,14 +15,6 @@
 namespace quillo::host {
 
 namespace {
-
-std::vector<std::byte> ReadAll(const std::filesystem::path& path) {
-  std::ifstream file(path, std::ios::binary);
-  const std::vector<char> content{std::istreambuf_iterator<char>(file), {}};
-  if (!file) throw ResultFailure("cannot read " + ToUtf8(path.wstring()), "opening it");
-  const auto* first = reinterpret_cast<const std::byte*>(content.data());
-  return {first, first + content.size()};
-}
 
 /// The characters of an EMR_EXTTEXTOUTW record; none when it holds glyph indexes.
 std::wstring TextOf(Bytes record) {
@@ -100,15 +91,18 @@ class TextCollector {
 }  // namespace
 
 PageContent ReadPageFile(const std::filesystem::path& path, const std::vector<bool>& glyph_texts) {
-  const std::vector<std::byte> bytes = ReadAll(path);
+  const auto bytes = ReadContent(path);
+  if (!bytes) throw ResultFailure("cannot read " + ToUtf8(path.wstring()), "reading it");
   PageContent content;
   TextCollector text(glyph_texts, content);
   try {
-    emf::MetafileReader reader(bytes);
+    emf::MetafileReader reader(*bytes);
+    std::map<uint32_t, uint64_t> counts;  // by record type
     while (const auto record = reader.Next()) {
-      ++content.records[emf::RecordName(record->type)];
+      ++counts[record->type];
       text.Take(*record);
     }
+    for (const auto& [type, count] : counts) content.records[emf::RecordName(type)] = count;
   } catch (const emf::UnreadableMetafile& refused) {
     throw ResultFailure("the page " + ToUtf8(path.wstring()) + " " + refused.what(), "reading it",
                         ERROR_INVALID_DATA);

@@ -4,11 +4,11 @@
 #include <cairo-pdf.h>
 #include <cmath>
 #include <cstdio>
-#include <iterator>
 #include <utility>
 #include <vector>
 
 #include "host/base/failure.h"
+#include "host/base/file_content.h"
 #include "host/base/text.h"
 #include "host/emf_format/page_mapping.h"
 #include "host/emf_format/reader.h"
@@ -38,11 +38,6 @@ std::string Now() {
   return text;
 }
 
-std::string ReadAll(const std::filesystem::path& path) {
-  std::ifstream file(path, std::ios::binary);
-  return {std::istreambuf_iterator<char>(file), {}};
-}
-
 }  // namespace
 
 PdfDocument::PdfDocument(std::filesystem::path path)
@@ -70,9 +65,9 @@ void PdfDocument::SetTitle(const std::string& title) {
 }
 
 void PdfDocument::AddPage(const std::filesystem::path& metafile, double width, double height) {
-  const std::string content = ReadAll(metafile);
+  const std::vector<std::byte> content = ReadContent(metafile).value_or(std::vector<std::byte>());
   try {
-    emf::MetafileReader reader(std::as_bytes(std::span(content)));
+    emf::MetafileReader reader(content);
     const emf::FrameRect frame = emf::FrameOf(reader.header());
     const double points_per_tenth = kPointsPerInch / kTenthsPerInch;
     cairo_pdf_surface_set_size(surface_.get(), width * points_per_tenth, height * points_per_tenth);
