@@ -20,11 +20,10 @@
 namespace quillo::host {
 namespace {
 
-/// quillo-print --client-mode JOB-ID FAULT PDF: what ClientProcess starts.
+/// quillo-print --client-mode FAULT PDF: what ClientProcess starts.
 int RunClientMode(wchar_t** arguments) {
-  const auto fault = ParseClientFault(ToUtf8(arguments[1]));
-  return RunClient(std::wcstoul(arguments[0], nullptr, 10), fault.value_or(ClientFault::kNone),
-                   arguments[2]);
+  const auto fault = ParseClientFault(ToUtf8(arguments[0]));
+  return RunClient(fault.value_or(ClientFault::kNone), arguments[1]);
 }
 
 int RunCommand(const std::vector<std::string>& arguments) {
@@ -52,7 +51,7 @@ int RunCommand(const std::vector<std::string>& arguments) {
 
 int wmain(int count, wchar_t** arguments) {
   using namespace quillo::host;
-  if (count == 5 && std::wcscmp(arguments[1], L"--client-mode") == 0) {
+  if (count == 4 && std::wcscmp(arguments[1], L"--client-mode") == 0) {
     return RunClientMode(arguments + 2);
   }
   return RunCommand(ArgumentsOf(count, arguments));

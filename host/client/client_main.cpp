@@ -1,5 +1,6 @@
 #include "host/client/client_main.h"
 
+#include <cstdlib>
 #include <filesystem>
 #include <mutex>
 #include <optional>
@@ -34,6 +35,18 @@ void Send(const Json& message) {
   WriteLine(STD_OUTPUT_HANDLE, message.dump(-1, ' ', false, Json::error_handler_t::replace));
 }
 
+/// The number in the first line of the input; nothing when the input ends before.
+std::optional<DWORD> ReadJobId() {
+  std::string line;
+  char next = 0;
+  DWORD read = 0;
+  while (ReadFile(GetStdHandle(STD_INPUT_HANDLE), &next, 1, &read, nullptr) && read != 0) {
+    if (next == '\n') return std::strtoul(line.c_str(), nullptr, 10);
+    line += next;
+  }
+  return std::nullopt;
+}
+
 void WaitForEndOfInput() {
   char buffer[64];
   DWORD read = 0;
@@ -42,10 +55,12 @@ void WaitForEndOfInput() {
   }
 }
 
-void ServeJob(DWORD job_id, ClientFault fault, const std::filesystem::path& pdf_path) {
+void ServeJob(ClientFault fault, const std::filesystem::path& pdf_path) {
   const ComApartment apartment;
   const ComPtr<ITypeLib> type_library = RegisterTypeLibrary();
-  const KernelHandle job_end = MakeJobEndEvent(job_id);
+  const std::optional<DWORD> job_id = ReadJobId();
+  if (!job_id) return;
+  const KernelHandle job_end = MakeJobEndEvent(*job_id);
   std::optional<PdfMaker> pdf;
   if (!pdf_path.empty()) pdf.emplace(pdf_path, [](int page) { Send({{"pdf_page", page}}); });
   const ComPtr<ClientObject> client(
@@ -54,7 +69,7 @@ void ServeJob(DWORD job_id, ClientFault fault, const std::filesystem::path& pdf_
         if (pdf) pdf->Hear(call, std::filesystem::current_path());
       }));
   {
-    const ConnectionFile connection(job_id, *client.Get());
+    const ConnectionFile connection(*job_id, *client.Get());
     Send({{"ready", true}});
     WaitForEndOfInput();
   }
@@ -65,9 +80,9 @@ void ServeJob(DWORD job_id, ClientFault fault, const std::filesystem::path& pdf_
 
 }  // namespace
 
-int RunClient(DWORD job_id, ClientFault fault, const std::filesystem::path& pdf) {
+int RunClient(ClientFault fault, const std::filesystem::path& pdf) {
   try {
-    ServeJob(job_id, fault, pdf);
+    ServeJob(fault, pdf);
     return 0;
   } catch (const std::exception& failure) {
     WriteLine(STD_ERROR_HANDLE, std::string("quillo-print: the client failed: ") + failure.what());

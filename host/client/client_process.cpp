@@ -56,14 +56,14 @@ KernelHandle StartProcess(const std::filesystem::path& program, const std::wstri
 
 }  // namespace
 
-ClientProcess::ClientProcess(const std::filesystem::path& program, DWORD job_id,
+ClientProcess::ClientProcess(const std::filesystem::path& program,
                              const std::filesystem::path& folder, const std::filesystem::path& pdf,
                              ClientFault fault) {
   Pipe input = MakePipe(true);
   Pipe output = MakePipe(false);
   // A file name has no quotes.
-  const std::wstring arguments = L"--client-mode " + std::to_wstring(job_id) + L" " +
-                                 ToWide(NameOf(fault)) + L" \"" + pdf.wstring() + L"\"";
+  const std::wstring arguments =
+      L"--client-mode " + ToWide(NameOf(fault)) + L" \"" + pdf.wstring() + L"\"";
   process_ = StartProcess(program, arguments, std::filesystem::absolute(folder), input.read.Get(),
                           output.write.Get());
   input_ = std::move(input.write);
@@ -72,15 +72,18 @@ ClientProcess::ClientProcess(const std::filesystem::path& program, DWORD job_id,
   output.write.Reset();
   input.read.Reset();
 
-  std::future<bool> ready = ready_.get_future();
   reader_ = std::thread([this] { ReadLines(output_.Get()); });
-  const bool in_time = ready.wait_for(kStartLimit) == std::future_status::ready;
-  if (!in_time || !ready.get()) {
-    TerminateProcess(process_.Get(), 1);
-    reader_.join();
-    throw SystemFailure(kCannotStart, "waiting for the client",
-                        in_time ? ERROR_PROCESS_ABORTED : ERROR_TIMEOUT);
-  }
+}
+
+void ClientProcess::Serve(DWORD job_id) {
+  const std::string line = std::to_string(job_id) + "\n";
+  DWORD written = 0;
+  WriteFile(input_.Get(), line.data(), static_cast<DWORD>(line.size()), &written, nullptr);
+  const bool in_time = is_ready_.wait_for(kStartLimit) == std::future_status::ready;
+  if (in_time && is_ready_.get()) return;
+  TerminateProcess(process_.Get(), 1);
+  throw SystemFailure(kCannotStart, "waiting for the client",
+                      in_time ? ERROR_PROCESS_ABORTED : ERROR_TIMEOUT);
 }
 
 ClientProcess::~ClientProcess() {

@@ -27,16 +27,17 @@ struct ClientReport {
 /// while the job runs.
 class ClientProcess {
  public:
-  /// Starts `program` as the client of the job and waits until it can be called. `pdf`: the file
-  /// that it makes of the pages; empty: none. Throws SystemFailure.
-  ClientProcess(const std::filesystem::path& program, DWORD job_id,
-                const std::filesystem::path& folder, const std::filesystem::path& pdf,
-                ClientFault fault);
+  /// Starts `program` as a client, which takes a while. `pdf`: the file that it makes of the pages;
+  /// empty: none. Throws SystemFailure.
+  ClientProcess(const std::filesystem::path& program, const std::filesystem::path& folder,
+                const std::filesystem::path& pdf, ClientFault fault);
   /// Ends a client that still runs.
   ~ClientProcess();
   ClientProcess(const ClientProcess&) = delete;
   ClientProcess& operator=(const ClientProcess&) = delete;
 
+  /// Tells the client its job and waits until it can be called. Throws SystemFailure.
+  void Serve(DWORD job_id);
   /// Ends the client's input, which ends the client, and waits for it.
   ClientReport Finish();
 
@@ -50,6 +51,7 @@ class ClientProcess {
   KernelHandle output_;               // the client's standard output
   std::atomic<ULONGLONG> heard_ = 0;  // when it wrote last: GetTickCount64
   std::promise<bool> ready_;
+  std::future<bool> is_ready_ = ready_.get_future();
   bool ready_known_ = false;  // whether ready_ has its value
   ClientReport report_;
   std::thread reader_;  // fills ready_ and report_

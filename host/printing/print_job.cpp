@@ -71,6 +71,9 @@ class PrintJob {
     if (inputs_.empty()) return result_;
     try {
       const ResultFolder folder(options_.output);
+      if (options_.client != ClientFault::kAbsent) {  // starts while the job is prepared
+        client_.emplace(ThisProgram(), folder.Path(), PdfPath(folder), options_.client);
+      }
       print_them(folder);
       folder.WriteReport(ToJson(report_));
     } catch (const ResultFailure& failure) {
@@ -93,33 +96,28 @@ class PrintJob {
 
   /// `loaded`: the driver; null: it is loaded for this job.
   void PrintInputs(const ResultFolder& folder, const DriverModule* loaded) {
-    const fs::path program = ThisProgram();
     const SpoolJob spool(kPrinterName, options_.document);
     report_.printer = ToUtf8(kPrinterName);
     report_.document = ToUtf8(options_.document);
     report_.job_id = spool.Id();
 
     if (options_.preview_dpi != 0) previews_.emplace(options_.preview_dpi);
-    std::optional<ClientProcess> client;
-    const auto start_client = [&] {
-      client.emplace(program, spool.Id(), folder.Path(), PdfPath(folder), options_.client);
-    };
-    const bool late = options_.client == ClientFault::kLate;
-    if (!late && options_.client != ClientFault::kAbsent) start_client();
     {  // the driver's job ends before the client
       std::optional<DriverModule> own;
       const DriverModule& driver = loaded ? *loaded : own.emplace(DriverFile().wstring());
       PrintSession session(driver.Functions(), {spool.Printer(), kPrinterName, L"FILE:"},
                            ModeFor(inputs_.front()).pub);
+      const bool late = options_.client == ClientFault::kLate;
+      if (client_ && !late) client_->Serve(spool.Id());
       session.StartDocument(options_.document, spool.Id());
-      if (late) start_client();
+      if (late) client_->Serve(spool.Id());
       inputs_.front().content->JobStarted(spool.Id(), session);
       for (OpenedInput& input : inputs_) PrintInputPages(input, session, folder);
       session.EndDocument();
     }
     CheckPreviews();
-    if (!client) return;
-    report_.client = client->Finish();
+    if (!client_) return;
+    report_.client = client_->Finish();
     CheckPdf(folder);
   }
 
@@ -256,6 +254,7 @@ class PrintJob {
   const Options& options_;
   Console& console_;
   std::vector<OpenedInput> inputs_;
+  std::optional<ClientProcess> client_;
   JobReport report_;
   std::optional<PreviewMaker> previews_;
   ExitCode result_ = kPrinted;

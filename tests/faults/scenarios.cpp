@@ -108,8 +108,9 @@ class Stage::Job {
     const DWORD id = things_.spool_job->Id();
     machine_is_small = scenario_.short_of_memory;
     if (scenario_.other_process) {
-      process_.emplace(test::BuiltFile(L"quillo-print.exe"), id, things_.folder,
+      process_.emplace(test::BuiltFile(L"quillo-print.exe"), things_.folder,
                        std::filesystem::path(), host::ClientFault::kNone);
+      process_->Serve(id);
     } else {
       client_.on_call = [this](const auto& call) { Hear(call); };
       client_.LeaveConnection(id);

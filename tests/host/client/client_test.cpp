@@ -26,8 +26,8 @@ TEST(ClientProcess, RareCalls_ReachTheClient) {
   EnsurePrinter(kPrinterName, 600, {});
   {
     const SpoolJob spool(kPrinterName, L"A document");
-    ClientProcess client(test::BuiltFile(L"quillo-print.exe"), spool.Id(), folder, {},
-                         ClientFault::kNone);
+    ClientProcess client(test::BuiltFile(L"quillo-print.exe"), folder, {}, ClientFault::kNone);
+    client.Serve(spool.Id());
     CQloPrinter* job = OpenJob(spool.Printer(), spool.Id());
     ASSERT_NE(job, nullptr);
     const Bstr path(SysAllocString(font.c_str()));
