@@ -9,8 +9,8 @@
 namespace quillo::host {
 
 /// The client of one job, in a process of its own: reads the job's number from a line of standard
-/// input, makes the connection file, takes the driver's calls and copies what they announce into the
-/// current folder, until standard input ends. Unless `pdf` is empty, it makes a PDF file of the
+/// input, makes the connection file, takes the driver's calls and copies what they announce into
+/// the current folder, until standard input ends. Unless `pdf` is empty, it makes a PDF file of the
 /// pages. The result is the process's exit code.
 ///
 /// Writes a line of JSON to standard output for each thing that happens: {"ready": true} when the

@@ -58,7 +58,8 @@ KernelHandle StartProcess(const std::filesystem::path& program, const std::wstri
 
 ClientProcess::ClientProcess(const std::filesystem::path& program,
                              const std::filesystem::path& folder, const std::filesystem::path& pdf,
-                             ClientFault fault) {
+                             ClientFault fault)
+    : type_library_(LoadTypeLibrary(program)) {
   Pipe input = MakePipe(true);
   Pipe output = MakePipe(false);
   // A file name has no quotes.

@@ -45,7 +45,7 @@ class ClientProcess {
   void ReadLines(HANDLE output);
   void TakeLine(const std::string& line);
 
-  ComPtr<ITypeLib> type_library_ = LoadTypeLibrary();  // for the driver's calls
+  ComPtr<ITypeLib> type_library_;  // for the driver's calls
   KernelHandle process_;
   KernelHandle input_;                // the client's standard input; closing it ends the client
   KernelHandle output_;               // the client's standard output

@@ -39,17 +39,17 @@ std::wstring ThisProgram() {
 
 }  // namespace
 
-ComPtr<ITypeLib> LoadTypeLibrary() {
+ComPtr<ITypeLib> LoadTypeLibrary(const std::filesystem::path& program) {
   ComPtr<ITypeLib> library;
-  CheckResult(LoadTypeLibEx(ThisProgram().c_str(), REGKIND_NONE, library.Receive()),
-              kCannotRegister, "LoadTypeLibEx");
+  CheckResult(LoadTypeLibEx(program.c_str(), REGKIND_NONE, library.Receive()),
+              "cannot load the client's interface", "LoadTypeLibEx");
   return library;
 }
 
 ComPtr<ITypeLib> RegisterTypeLibrary() {
-  ComPtr<ITypeLib> library = LoadTypeLibrary();
-  if (!RunsUnderWine() && InterfaceIsRegistered()) return library;
   std::wstring program = ThisProgram();
+  ComPtr<ITypeLib> library = LoadTypeLibrary(program);
+  if (!RunsUnderWine() && InterfaceIsRegistered()) return library;
   // Only an administrator may register for the whole machine.
   if (FAILED(RegisterTypeLib(library.Get(), program.data(), nullptr))) {
     CheckResult(RegisterTypeLibForUser(library.Get(), program.data(), nullptr), kCannotRegister,

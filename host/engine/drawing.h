@@ -7,10 +7,47 @@
 #include <memory>
 #include <vector>
 
+#include "base/bytes.h"
 #include "base/dib.h"
 #include "host/engine/clip_shape.h"
 
 namespace quillo::host {
+
+/// The bytes of a picture: its own, or lent by a file in memory, which must outlive it. What
+/// changes them makes them its own first.
+class PictureBits {
+ public:
+  PictureBits() = default;
+  static PictureBits Lent(Bytes bytes) {
+    PictureBits bits;
+    bits.lent_ = bytes;
+    return bits;
+  }
+
+  operator Bytes() const { return lent_.empty() ? Bytes(own_) : lent_; }
+  const std::byte* data() const { return Bytes(*this).data(); }
+  size_t size() const { return Bytes(*this).size(); }
+
+  std::byte* data() { return Own().data(); }
+  std::byte& operator[](size_t index) { return Own()[index]; }
+  void resize(size_t size) { Own().resize(size); }
+  void assign(size_t size, std::byte value) {
+    lent_ = {};
+    own_.assign(size, value);
+  }
+
+ private:
+  std::vector<std::byte>& Own() {
+    if (!lent_.empty()) {
+      own_.assign(lent_.begin(), lent_.end());
+      lent_ = {};
+    }
+    return own_;
+  }
+
+  std::vector<std::byte> own_;
+  Bytes lent_;
+};
 
 /// A picture in memory, laid out as a DIB.
 struct BitmapSource {
@@ -23,7 +60,7 @@ struct BitmapSource {
   uint32_t green_mask = 0;
   uint32_t blue_mask = 0;
   std::vector<uint32_t> palette;  // 0x00RRGGBB, up to 8 bits; missing entries are black
-  std::vector<std::byte> bits;    // rows of whole 32-bit words; missing bytes are zero
+  PictureBits bits;               // rows of whole 32-bit words; missing bytes are zero
 
   /// Bytes of one uncompressed row.
   size_t Stride() const { return DibStride(static_cast<uint64_t>(width), bits_per_pixel); }

@@ -26,7 +26,8 @@ class DriverModule {
   HMODULE Module() const { return module_.Get(); }
 
  private:
-  // The driver loads and frees these several times a page. As in the spooler, they are there anyway.
+  // The driver loads and frees these several times a page. As in the spooler, they are there
+  // anyway.
   Library used_by_driver_[2];
   Library module_;
   PFN_DrvDisableDriver disable_driver_ = nullptr;

@@ -56,8 +56,8 @@ class PictureInput : public PrintInput {
   bool PreparePage() override {
     if (next_ == frame_count_) return false;
     DecodeFrame();
-    // Drawing a large picture takes memory enough without its file.
-    if (++next_ == frame_count_) content_ = std::vector<std::byte>();
+    // Drawing a large picture takes memory enough without its file, unless that is the picture.
+    if (++next_ == frame_count_ && !read_as_dib_) content_ = std::vector<std::byte>();
     return true;
   }
 
@@ -99,7 +99,7 @@ class PictureInput : public PrintInput {
     if (SwapsSides(orientation)) std::swap(dpi_.x, dpi_.y);
   }
 
-  std::vector<std::byte> content_;  // of the file; empty after the last frame
+  std::vector<std::byte> content_;  // of the file; empty after the last decoded frame
   UINT frame_count_ = 0;
   std::optional<GifAnimation> animation_;
   bool read_as_dib_ = false;  // a BMP file that the platform cannot decode, or not well

@@ -22,8 +22,8 @@ bool IsBmp(Bytes file);
 /// failure, and leaves skipped pixels undefined.
 bool IsRunLengthBmp(Bytes file);
 
-/// Reads a BMP file as a DIB: the platform's decoder knows few of its bit fields.
-/// Throws UnreadablePicture.
+/// Reads a BMP file, which must outlive the picture, as a DIB: the platform's decoder knows few of
+/// its bit fields. Throws UnreadablePicture.
 BmpPicture ReadBmp(Bytes file);
 
 }  // namespace quillo::host

@@ -25,7 +25,7 @@ BitmapSource SourceOf(const Dib& dib) {
   bitmap.green_mask = dib.green_mask;
   bitmap.blue_mask = dib.blue_mask;
   bitmap.palette = dib.palette;
-  bitmap.bits.assign(dib.bits.begin(), dib.bits.end());
+  bitmap.bits = PictureBits::Lent(dib.bits);
   return bitmap;
 }
 

@@ -7,7 +7,8 @@
 
 namespace quillo::host::emf {
 
-/// The picture that a DIB holds. JPEG and PNG are decoded. Throws UnreadablePicture.
+/// The picture that a DIB holds, whose bits must outlive it. JPEG and PNG are decoded. Throws
+/// UnreadablePicture.
 BitmapSource SourceOf(const Dib& dib);
 
 }  // namespace quillo::host::emf

@@ -84,7 +84,7 @@ BitmapSource Picture(LONG width, LONG height, ColourOf colour_of) {
 /// The colour of a pixel, 0x00RRGGBB.
 uint32_t Pixel(const BitmapSource& picture, size_t pixel) {
   uint32_t colour = 0;
-  std::memcpy(&colour, &picture.bits[PlaceOf(picture, pixel)], 3);
+  std::memcpy(&colour, picture.bits.data() + PlaceOf(picture, pixel), 3);
   return colour;
 }
 
