@@ -54,8 +54,8 @@ constexpr struct {
      " RegCreateKeyExW RegEnumKeyExW RegOpenKeyExW RegQueryInfoKeyW RegQueryValueExW RegQueryValueW"
      " RegSetValueExW RegSetValueW RegOpenCurrentUser GetPrinterDataW SetPrinterDataW "},
     {kResult,
-     " CoInitializeEx CoUnmarshalInterface StgCreateDocfile StgOpenStorage"
-     " SafeArrayAccessData CoSetProxyBlanket CLSIDFromString "},
+     " CoInitializeEx CoMarshalInterface CoUnmarshalInterface CreateStreamOnHGlobal"
+     " StgCreateDocfile StgOpenStorage SafeArrayAccessData CoSetProxyBlanket CLSIDFromString "},
     {kReleased,
      " CloseHandle DeleteFileW FreeLibrary HeapFree HeapDestroy FlsFree UnmapViewOfFile"
      " ClosePrinter DeleteDC DeleteObject DeleteEnhMetaFile ReleaseDC EngDeleteSurface"
@@ -63,7 +63,7 @@ constexpr struct {
     {ReleaseAndFailWith<UINTPTR_MAX>, " GlobalFree LocalFree "},
     {ReleaseAndFailWith<ERROR_INVALID_HANDLE>, " RegCloseKey "},
     {ReleaseAndFailWith<static_cast<uint32_t>(E_UNEXPECTED)>,
-     " SafeArrayDestroy SafeArrayUnaccessData "},
+     " SafeArrayDestroy SafeArrayUnaccessData CoReleaseMarshalData "},
     {CloseAndLose, " CloseEnhMetaFile "},
 };
 

@@ -1,10 +1,10 @@
 #include <vector>
 
 #include "host/emf_player/emf_player.h"
-#include "host/emf_player/far_path.h"
 #include "host/emf_player/logical_pen.h"
 #include "host/emf_player/path_work.h"
 #include "host/emf_player/rounding.h"
+#include "host/engine/far_path.h"
 
 // Drawing with the state of the DC: clip, pen, brush and open path.
 namespace quillo::host::emf {

@@ -9,6 +9,7 @@
 
 #include "host/engine/bidi.h"
 #include "host/engine/clusters.h"
+#include "host/engine/far_path.h"
 
 namespace quillo::host {
 namespace {
@@ -338,7 +339,7 @@ Path OutlineOf(const Quadrangle& corners) {
   outline.MoveTo(corners[0].x, corners[0].y);
   for (size_t i = 1; i < corners.size(); ++i) outline.LineTo(corners[i].x, corners[i].y);
   outline.CloseFigure();
-  return outline;
+  return LeadsFar(outline) ? NearInside(outline) : outline;
 }
 
 }  // namespace quillo::host

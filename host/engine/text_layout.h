@@ -60,7 +60,7 @@ using Quadrangle = std::array<PointD, 4>;
 /// bars that underline it or strike it out.
 Quadrangle CellOf(const TextDescription& text, const TextLayout& layout);
 std::vector<Quadrangle> BarsOf(const TextDescription& text, const TextLayout& layout);
-/// A closed figure.
+/// A closed figure, without what lies far from every sheet.
 Path OutlineOf(const Quadrangle& corners);
 
 }  // namespace quillo::host

@@ -104,18 +104,19 @@ void PictureDecoder::BlendFrame(UINT index, POINT at, BitmapSource& picture) con
   const ComPtr<IWICBitmapFrameDecode> frame = OpenFrame(index);
   UINT width = 0, height = 0;
   Step(frame->GetSize(&width, &height));
-  if (at.x >= picture.width || at.y >= picture.height) return;
+  if (width == 0 || at.x >= picture.width || at.y >= picture.height) return;
   width = std::min(width, static_cast<UINT>(picture.width - at.x));
   height = std::min(height, static_cast<UINT>(picture.height - at.y));
   ComPtr<IWICBitmapSource> pixels;
   Step(WICConvertBitmapSource(GUID_WICPixelFormat32bppBGRA, frame.Get(), pixels.Receive()));
 
   // A few rows at a time: a large picture is not in memory twice.
-  constexpr UINT kStripRows = 64;
+  constexpr UINT kStripBytes = 4 << 20;
   const UINT strip_stride = width * 4;
-  std::vector<BYTE> strip(size_t{strip_stride} * kStripRows);
-  for (UINT top = 0; top < height; top += kStripRows) {
-    const UINT rows = std::min(kStripRows, height - top);
+  const UINT strip_rows = std::max(kStripBytes / strip_stride, 1u);
+  std::vector<BYTE> strip(size_t{strip_stride} * strip_rows);
+  for (UINT top = 0; top < height; top += strip_rows) {
+    const UINT rows = std::min(strip_rows, height - top);
     const WICRect rect{0, static_cast<INT>(top), static_cast<INT>(width), static_cast<INT>(rows)};
     Step(pixels->CopyPixels(&rect, strip_stride, strip_stride * rows, strip.data()));
     std::byte* target = &picture.bits[picture.Stride() * (static_cast<size_t>(at.y) + top)];

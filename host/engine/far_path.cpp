@@ -1,11 +1,11 @@
-#include "host/emf_player/far_path.h"
+#include "host/engine/far_path.h"
 
 #include <algorithm>
 #include <cmath>
 
 #include "host/engine/polygons.h"
 
-namespace quillo::host::emf {
+namespace quillo::host {
 
 namespace {
 
@@ -74,4 +74,4 @@ Path NearLine(const Path& path) {
   return cut;
 }
 
-}  // namespace quillo::host::emf
+}  // namespace quillo::host

@@ -2,7 +2,7 @@
 
 #include "host/engine/path.h"
 
-namespace quillo::host::emf {
+namespace quillo::host {
 
 // Paths that lead far beyond every sheet cost time and memory for each of their rows. Only their
 // part near the sheet is drawn.
@@ -16,4 +16,4 @@ Path NearInside(const Path& path);
 /// The near part of the path's line; curves flattened, figures open where they were cut.
 Path NearLine(const Path& path);
 
-}  // namespace quillo::host::emf
+}  // namespace quillo::host
