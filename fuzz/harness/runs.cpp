@@ -2,6 +2,7 @@
 
 #include "base/windows.h"
 
+#include <algorithm>
 #include <atomic>
 #include <cstdio>
 #include <process.h>
@@ -11,8 +12,9 @@ namespace quillo::harness {
 namespace {
 
 constexpr ULONGLONG kLimit = 60'000;  // milliseconds of a run
+constexpr unsigned kProgress = 1000;  // runs between lines that say how far they are
 
-unsigned share = 1, from = 0, only = ~0u;  // of the command line
+unsigned share = 1, from = 0, to = ~0u, only = ~0u;  // of the command line
 unsigned number = 0, found = 0;
 std::function<std::string()> describe_run;
 std::atomic<ULONGLONG> started = 0;  // 0: no run is being made
@@ -32,7 +34,8 @@ void GoOnElsewhere() {
     GetModuleFileNameW(nullptr, program, MAX_PATH);
     const std::wstring every = L"--share=" + std::to_wstring(share);
     const std::wstring next = L"--from=" + std::to_wstring(number + 1);
-    rest = _wspawnl(_P_WAIT, program, L"runs", every.c_str(), next.c_str(), nullptr);
+    const std::wstring end = L"--to=" + std::to_wstring(to);
+    rest = _wspawnl(_P_WAIT, program, L"runs", every.c_str(), next.c_str(), end.c_str(), nullptr);
   }
   TerminateProcess(GetCurrentProcess(), static_cast<UINT>(rest) + 1);
 }
@@ -60,6 +63,7 @@ Runs::Runs(int count, char** arguments) {
   for (int i = 1; i < count; ++i) {
     std::sscanf(arguments[i], "--share=%u", &share);
     std::sscanf(arguments[i], "--from=%u", &from);
+    std::sscanf(arguments[i], "--to=%u", &to);
     std::sscanf(arguments[i], "--only=%u", &only);
   }
 }
@@ -73,11 +77,13 @@ int Runs::Make(unsigned count, const std::function<void(unsigned number)>& run,
                   DUPLICATE_SAME_ACCESS);
   std::thread(Watch, thread).detach();
   unsigned made = 0;
-  for (number = from; number < count; ++number) {
+  for (number = from; number < std::min(count, to); ++number) {
     if (only != ~0u ? number != only : number % share != 0) continue;
     started = GetTickCount64();
     run(number);
-    ++made;
+    if (++made % kProgress != 0) continue;
+    std::printf("at run %u\n", number);
+    std::fflush(stdout);
   }
   started = 0;
   std::printf("%u of %u runs made, %u findings\n", made, count, found);

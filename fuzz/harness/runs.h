@@ -8,7 +8,9 @@ namespace quillo::harness {
 /// Makes numbered runs of a program and prints what they find. The rest of a program that crashes
 /// or hangs in one of them is made by another process.
 ///
-///   PROGRAM [--share=N] [--from=RUN] [--only=RUN]     every Nth run, from a run on, or just one
+///   PROGRAM [--share=N] [--from=RUN] [--to=RUN] [--only=RUN]
+///
+/// Every Nth run, from a run on, those below a run, or just one.
 class Runs {
  public:
   Runs(int count, char** arguments);
