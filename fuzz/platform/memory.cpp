@@ -5,6 +5,7 @@
 #include <cstdlib>
 #include <cwchar>
 #include <map>
+#include <set>
 
 namespace {
 
@@ -15,14 +16,17 @@ thread_local DWORD last_error = 0;
 
 void* Allocate(SIZE_T size) { return size <= kLargest ? std::calloc(1, size) : nullptr; }
 
-int handles = 0;  // made
+int handles = 0;                          // made
+std::map<HANDLE, std::set<void*>> heaps;  // but the process's, and their blocks
 std::map<HANDLE, SharedBytes> sections;
 std::map<const void*, SharedBytes> views;
 void* thread_value;
 
+HANDLE NewHandle() {
+  return reinterpret_cast<HANDLE>(uintptr_t{0x1000} + 4 * static_cast<unsigned>(handles++));
+}
 HANDLE AddSection(const SharedBytes& bytes) {
-  const auto handle =
-      reinterpret_cast<HANDLE>(uintptr_t{0x1000} + 4 * static_cast<unsigned>(handles++));
+  const HANDLE handle = NewHandle();
   sections[handle] = bytes;
   return handle;
 }
@@ -38,10 +42,24 @@ DWORD WINAPI GetLastError() { return last_error; }
 void WINAPI SetLastError(DWORD error) { last_error = error; }
 
 HANDLE WINAPI GetProcessHeap() { return &last_error; }
-void* WINAPI HeapAlloc(HANDLE, DWORD, SIZE_T size) { return Allocate(size); }
-BOOL WINAPI HeapFree(HANDLE, DWORD, void* block) {
+void* WINAPI HeapAlloc(HANDLE heap, DWORD, SIZE_T size) {
+  void* block = Allocate(size);
+  if (block != nullptr && heap != GetProcessHeap()) heaps.at(heap).insert(block);
+  return block;
+}
+BOOL WINAPI HeapFree(HANDLE heap, DWORD, void* block) {
+  if (heap != GetProcessHeap()) heaps.at(heap).erase(block);
   std::free(block);
   return TRUE;
+}
+HANDLE WINAPI HeapCreate(DWORD, SIZE_T, SIZE_T) {
+  const HANDLE heap = NewHandle();
+  heaps[heap] = {};
+  return heap;
+}
+BOOL WINAPI HeapDestroy(HANDLE heap) {
+  for (void* block : heaps.at(heap)) std::free(block);
+  return heaps.erase(heap) != 0;
 }
 HGLOBAL WINAPI GlobalAlloc(UINT, SIZE_T size) { return Allocate(size); }
 HGLOBAL WINAPI GlobalHandle(LPCVOID block) { return const_cast<void*>(block); }

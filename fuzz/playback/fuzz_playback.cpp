@@ -33,8 +33,9 @@ void Play(Bytes stream) {
   DeviceMode settings;
   BuildDefaultDeviceMode(settings, nullptr);
   const CreatedDc page(CreateCompatibleDC(nullptr));
+  const HANDLE heap = HeapCreate(0, 0, 0);
   PlaybackContext context({.printer = nullptr,
-                           .heap = GetProcessHeap(),
+                           .heap = heap,
                            .device_settings = &settings,
                            .bitmap_limits = kDefaultBitmapLimits,
                            .font_directory = L"",
@@ -51,6 +52,7 @@ void Play(Bytes stream) {
   EndPagePlayback(context);
   context.seen_fonts.Clear();
   context.run_list.Clear();
+  HeapDestroy(heap);
 }
 
 }  // namespace
