@@ -14,6 +14,8 @@ constexpr size_t kMaxDashes = 16;  // of ExtCreatePen
 
 // A thinner line, in pixels, is drawn like a cosmetic one.
 constexpr double kThin = 1.5;
+// Pixels. It covers every sheet; a wider one costs time for rows that nobody sees.
+constexpr double kWidest = 1 << 17;
 
 ULONG JoinOf(uint32_t style) {
   switch (style & PS_JOIN_MASK) {
@@ -124,7 +126,7 @@ bool EmfPlayer::DescribePen(PenDescription& pen) {
   if (pen.geometric) {
     // The pen is scaled by the transform's mean factor: pens of a page are round.
     pen.world_to_device.eM11 = pen.world_to_device.eM22 = static_cast<float>(scale);
-    pen.width = static_cast<float>(std::max<double>(object.width, 1 / scale));
+    pen.width = static_cast<float>(std::clamp<double>(object.width, 1 / scale, kWidest / scale));
     pen.join = JoinOf(object.style);
     pen.end_cap = EndCapOf(object.style);
     pen.style = line_style == PS_USERSTYLE ? UserDashes(object) : DashesInWidths(line_style);
