@@ -3,9 +3,9 @@
 #include <algorithm>
 #include <fstream>
 #include <functional>
-#include <iterator>
 #include <oleauto.h>
 #include <optional>
+#include <span>
 #include <vector>
 #include <winspool.h>
 
@@ -15,6 +15,7 @@
 #include "config/platform/late_library.h"
 #include "config/settings/printer_settings.h"
 #include "host/base/failure.h"
+#include "host/base/file_content.h"
 #include "host/base/platform.h"
 #include "host/base/text.h"
 
@@ -38,11 +39,6 @@ void Check(bool done, const char* what, const char* call) {
 
 void CheckStatus(LSTATUS status, const char* what, const char* call) {
   if (status != ERROR_SUCCESS) Fail(what, call, static_cast<DWORD>(status));
-}
-
-std::string ReadAll(const fs::path& path) {
-  std::ifstream file(path, std::ios::binary);
-  return {std::istreambuf_iterator<char>(file), {}};
 }
 
 /// The spooler's list of structures of one kind; empty when it refuses.
@@ -147,14 +143,14 @@ fs::path PrintSystem::DriverFolder() {
 }
 
 bool PrintSystem::HasContent(const fs::path& file, const std::string& content) {
-  std::error_code missing;
-  return fs::file_size(file, missing) == content.size() && !missing && ReadAll(file) == content;
+  const auto held = ReadContent(file);
+  return held && std::ranges::equal(*held, std::as_bytes(std::span(content)));
 }
 
 bool PrintSystem::HasSameContent(const fs::path& a, const fs::path& b) {
   std::error_code missing;
   return fs::file_size(a, missing) == fs::file_size(b, missing) && !missing &&
-         ReadAll(a) == ReadAll(b);
+         ReadContent(a) == ReadContent(b);
 }
 
 void PrintSystem::PutFile(const fs::path& from, const fs::path& to) {

@@ -185,7 +185,8 @@ class PrintScript : public testing::Test {
     const host::BitmapSource pixels = host::PictureDecoder(bytes).Frame(0, 1'000'000);
     std::string colour;
     for (const size_t channel : {2, 1, 0}) {
-      const std::byte value = pixels.bits.data()[y * pixels.Stride() + x * 3 + channel];
+      const size_t place = y * pixels.Stride() + x * 3 + channel;
+      const auto value = LoadOrZero<std::byte>(pixels.bits, place);
       colour.append(2, "0123456789ABCDEF"[(std::to_integer<int>(value) + 8) / 17]);
     }
     return colour;
