@@ -148,9 +148,8 @@ bool PrintSystem::HasContent(const fs::path& file, const std::string& content) {
 }
 
 bool PrintSystem::HasSameContent(const fs::path& a, const fs::path& b) {
-  std::error_code missing;
-  return fs::file_size(a, missing) == fs::file_size(b, missing) && !missing &&
-         ReadContent(a) == ReadContent(b);
+  const auto content = ReadContent(a);
+  return content && content == ReadContent(b);
 }
 
 void PrintSystem::PutFile(const fs::path& from, const fs::path& to) {
