@@ -9,7 +9,7 @@ namespace quillo::host::pdf {
 
 namespace {
 
-constexpr double kFirst = kHatchCell / 2;  // where upright and level lines begin
+constexpr double kFirstLevel = 3, kFirstUpright = 4;  // as GDI draws them
 
 /// The hatches of parallel lines that a hatch consists of.
 std::vector<ULONG> DirectionsOf(ULONG hatch) {
@@ -18,29 +18,34 @@ std::vector<ULONG> DirectionsOf(ULONG hatch) {
   return {hatch};
 }
 
-/// Where the first line begins that touches what lies beyond `edge`.
-double FirstLine(double edge, double phase) {
-  return std::floor((edge - phase) / kHatchCell) * kHatchCell + phase;
+/// Where the lines begin that touch what is between two edges; `phase`: where one of them does.
+std::vector<double> LinesBetween(double first, double last, double phase) {
+  std::vector<double> lines;
+  const auto end = static_cast<int>(std::ceil((last - phase) / kHatchCell));
+  for (auto line = static_cast<int>(std::floor((first - phase) / kHatchCell)); line < end; ++line) {
+    lines.push_back(phase + kHatchCell * line);
+  }
+  return lines;
 }
 
 /// Adds the outlines of parallel lines to the path.
 void AddLines(cairo_t* context, ULONG direction, const cairo_rectangle_t& area) {
   const double right = area.x + area.width, bottom = area.y + area.height;
   if (direction == HS_HORIZONTAL) {
-    for (double y = FirstLine(area.y, kFirst); y < bottom; y += kHatchCell) {
+    for (const double y : LinesBetween(area.y, bottom, kFirstLevel)) {
       cairo_rectangle(context, area.x, y, area.width, 1);
     }
     return;
   }
   // Down an area an upright line stays, and a diagonal goes as far as the area is high.
-  const double shift = direction == HS_VERTICAL    ? 0
-                       : direction == HS_FDIAGONAL ? area.height
-                                                   : -area.height;
-  const double phase = direction == HS_VERTICAL    ? kFirst
-                       : direction == HS_FDIAGONAL ? area.y - 0.5
-                                                   : -area.y - 0.5;
-  for (double x = FirstLine(area.x - std::max(shift, 0.0), phase); x < right - std::min(shift, 0.0);
-       x += kHatchCell) {
+  double phase = kFirstUpright, shift = 0;
+  if (direction != HS_VERTICAL) {
+    const double slope = direction == HS_FDIAGONAL ? 1 : -1;
+    phase = slope * area.y - 0.5;
+    shift = slope * area.height;
+  }
+  for (const double x :
+       LinesBetween(area.x - std::max(shift, 0.0), right - std::min(shift, 0.0), phase)) {
     cairo_move_to(context, x, area.y);
     cairo_line_to(context, x + 1, area.y);
     cairo_line_to(context, x + 1 + shift, bottom);

@@ -54,12 +54,12 @@ bool IsMask(const Mixing& mixing) {
   return mixing.flip == 0 && (mixing.keep == 0 || mixing.keep == 0xFFFFFF);
 }
 
-constexpr RECTL kEverywhere{INT32_MIN, INT32_MIN, INT32_MAX, INT32_MAX};
-
-RECTL PixelBounds(const Path& path) {
+/// `reach`: how far ink goes beyond the path.
+RECTL PixelBounds(const Path& path, double reach = 0) {
   const RECTFX bounds = path.Bounds();
-  return {bounds.xLeft >> 4, bounds.yTop >> 4, (bounds.xRight + 15) >> 4,
-          (bounds.yBottom + 15) >> 4};
+  const auto beyond = static_cast<LONG>(std::min(std::ceil(reach), 0x1p28));
+  return {(bounds.xLeft >> 4) - beyond, (bounds.yTop >> 4) - beyond,
+          ((bounds.xRight + 15) >> 4) + beyond, ((bounds.yBottom + 15) >> 4) + beyond};
 }
 
 cairo_line_cap_t CapOf(ULONG end_cap) {
@@ -226,10 +226,13 @@ void PdfPage::SetPen(const PenDescription& pen) {
 
 void PdfPage::Stroke(const Path& path, const PenDescription& pen, const DrawState& state) {
   SetPen(pen);
-  WithInk(pen.brush, TernaryOf(state.rop2), NameOfRop2(state.rop2), kEverywhere, state, [&] {
-    AddToContext(context_, path);
-    cairo_stroke(context_);
-  });
+  const double miter = std::max(2.0, cairo_get_miter_limit(context_));
+  const double reach = std::max(dot_, cairo_get_line_width(context_) * miter);
+  WithInk(pen.brush, TernaryOf(state.rop2), NameOfRop2(state.rop2), PixelBounds(path, reach), state,
+          [&] {
+            AddToContext(context_, path);
+            cairo_stroke(context_);
+          });
 }
 
 void PdfPage::Fill(const Path& path, const BrushDescription& brush, FillMode mode,

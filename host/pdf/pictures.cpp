@@ -1,9 +1,11 @@
 #include "host/pdf/pictures.h"
 
+#include <algorithm>
 #include <cstdio>
 #include <cstring>
 #include <memory>
 #include <new>
+#include <span>
 #include <string>
 #include <string_view>
 
@@ -66,6 +68,46 @@ class Rows {
   CairoSurface surface_;
 };
 
+bool IsShown(uint32_t pixel) { return pixel >> 24 != 0; }
+
+/// A pixel that does not show, of the colour of one that does.
+uint32_t UnseenLike(uint32_t pixel) {
+  const uint32_t alpha = pixel >> 24;
+  uint32_t colour = 0;
+  for (int shift = 0; shift < 24; shift += 8) {
+    colour |= ((pixel >> shift & 0xFF) * 255 + alpha / 2) / alpha << shift;
+  }
+  return colour;
+}
+
+/// Gives pixels that do not show the colour of the nearest one in their row that does; of a row
+/// without any, of the row beside it. Where viewers reduce a picture they mix these colours in.
+void SpreadColours(std::vector<uint32_t>& pixels, size_t width) {
+  const auto rows = pixels.size() / width;
+  std::vector<bool> filled(rows);
+  for (size_t y = 0; y < rows; ++y) {
+    const auto row = std::span(pixels).subspan(y * width, width);
+    for (auto first = row.begin(); first != row.end();) {
+      first = std::find_if_not(first, row.end(), IsShown);
+      const auto last = std::find_if(first, row.end(), IsShown);
+      const bool from_left = first != row.begin(), from_right = last != row.end();
+      if (first == last || (!from_left && !from_right)) break;
+      const auto middle = !from_left ? first : !from_right ? last : first + (last - first) / 2;
+      if (from_left) std::fill(first, middle, UnseenLike(*(first - 1)));
+      if (from_right) std::fill(middle, last, UnseenLike(*last));
+      first = last;
+    }
+    filled[y] = std::ranges::any_of(row, IsShown);
+  }
+  const auto copy = [&](size_t from, size_t to) {
+    if (filled[to] || !filled[from]) return;
+    for (size_t x = 0; x < width; ++x) pixels[to * width + x] = pixels[from * width + x] & 0xFFFFFF;
+    filled[to] = true;
+  };
+  for (size_t y = 1; y < rows; ++y) copy(y - 1, y);
+  for (size_t y = rows; y-- > 1;) copy(y, y - 1);
+}
+
 }  // namespace
 
 CairoSurface OpaquePicture(const BitmapSource& picture, const RECTL& rect) {
@@ -82,7 +124,8 @@ CairoSurface OpaquePicture(const BitmapSource& picture, const RECTL& rect) {
   return rows.Named();
 }
 
-CairoSurface AlphaPicture(const std::vector<uint32_t>& pixels, LONG width, LONG height) {
+CairoSurface AlphaPicture(std::vector<uint32_t> pixels, LONG width, LONG height) {
+  SpreadColours(pixels, static_cast<size_t>(width));
   Rows rows(CAIRO_FORMAT_ARGB32, width, height);
   const size_t bytes = size_t{4} * static_cast<size_t>(width);
   for (LONG y = 0; y < height; ++y) {

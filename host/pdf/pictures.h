@@ -16,7 +16,7 @@ namespace quillo::host::pdf {
 CairoSurface OpaquePicture(const BitmapSource& picture, const RECTL& rect);
 
 /// Pixels 0xAARRGGBB, the colours multiplied by the alpha; rows from the top.
-CairoSurface AlphaPicture(const std::vector<uint32_t>& pixels, LONG width, LONG height);
+CairoSurface AlphaPicture(std::vector<uint32_t> pixels, LONG width, LONG height);
 
 /// The set bits of a rectangle of a picture of one bit a pixel.
 CairoSurface BitMask(const BitmapSource& picture, const RECTL& rect);
