@@ -101,7 +101,10 @@ void SpreadColours(std::vector<uint32_t>& pixels, size_t width) {
   }
   const auto copy = [&](size_t from, size_t to) {
     if (filled[to] || !filled[from]) return;
-    for (size_t x = 0; x < width; ++x) pixels[to * width + x] = pixels[from * width + x] & 0xFFFFFF;
+    for (size_t x = 0; x < width; ++x) {
+      const uint32_t pixel = pixels[from * width + x];
+      pixels[to * width + x] = IsShown(pixel) ? UnseenLike(pixel) : pixel;
+    }
     filled[to] = true;
   };
   for (size_t y = 1; y < rows; ++y) copy(y - 1, y);
