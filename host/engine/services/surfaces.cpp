@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cstring>
+#include <mutex>
 #include <set>
 
 #include "base/arithmetic.h"
@@ -12,8 +13,29 @@
 namespace quillo::host {
 namespace {
 
-std::set<EngineDevice*>& Devices() {
-  static std::set<EngineDevice*> devices;
+/// The devices that live. For any thread.
+class LivingDevices {
+ public:
+  void Add(EngineDevice* device) {
+    const std::lock_guard lock(mutex_);
+    devices_.insert(device);
+  }
+  void Remove(EngineDevice* device) {
+    const std::lock_guard lock(mutex_);
+    devices_.erase(device);
+  }
+  bool Contain(EngineDevice* device) const {
+    const std::lock_guard lock(mutex_);
+    return devices_.contains(device);
+  }
+
+ private:
+  mutable std::mutex mutex_;
+  std::set<EngineDevice*> devices_;
+};
+
+LivingDevices& Devices() {
+  static LivingDevices devices;
   return devices;
 }
 
@@ -46,13 +68,13 @@ ULONG BitsPerPixel(ULONG format) {
   return format < std::size(kBits) ? kBits[format] : 0;
 }
 
-EngineDevice::EngineDevice() { Devices().insert(this); }
+EngineDevice::EngineDevice() { Devices().Add(this); }
 
-EngineDevice::~EngineDevice() { Devices().erase(this); }
+EngineDevice::~EngineDevice() { Devices().Remove(this); }
 
 EngineDevice* EngineDevice::Find(HDEV handle) {
   const auto device = reinterpret_cast<EngineDevice*>(handle);
-  return Devices().contains(device) ? device : nullptr;
+  return Devices().Contain(device) ? device : nullptr;
 }
 
 Surface::Surface(SIZEL size, ULONG format, bool top_down, void* bits, ULONG byte_count,

@@ -2,6 +2,8 @@
 
 #include <gtest/gtest.h>
 #include <sstream>
+#include <thread>
+#include <vector>
 
 #include "host/engine/services/brushes.h"
 #include "host/engine/services/guard.h"
@@ -58,6 +60,18 @@ std::string Transform(std::istream& fields) {
   const ULONG complexity = XFORMOBJ_iGetXform(&xform, nullptr);
   if (!XFORMOBJ_bApplyXform(&xform, mode, 1, &in, &out)) return Line(complexity, " nowhere");
   return Line(complexity, " ", out.x, ",", out.y);
+}
+
+TEST(EngineDevice, ManyThreads_FindTheirOwn) {
+  std::vector<std::jthread> threads;
+  for (int i = 0; i < 8; ++i) {
+    threads.emplace_back([] {
+      for (int round = 0; round < 5000; ++round) {
+        EngineDevice device;
+        EXPECT_EQ(EngineDevice::Find(device.Handle()), &device);
+      }
+    });
+  }
 }
 
 TEST(EngineServices, Table_Holds) {
