@@ -3,7 +3,6 @@
 #include <gtest/gtest.h>
 #include <sstream>
 #include <thread>
-#include <vector>
 
 #include "host/engine/services/brushes.h"
 #include "host/engine/services/guard.h"
@@ -63,9 +62,9 @@ std::string Transform(std::istream& fields) {
 }
 
 TEST(EngineDevice, ManyThreads_FindTheirOwn) {
-  std::vector<std::jthread> threads;
-  for (int i = 0; i < 8; ++i) {
-    threads.emplace_back([] {
+  std::jthread threads[8];
+  for (std::jthread& thread : threads) {
+    thread = std::jthread([] {
       for (int round = 0; round < 5000; ++round) {
         EngineDevice device;
         EXPECT_EQ(EngineDevice::Find(device.Handle()), &device);
