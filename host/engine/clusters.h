@@ -12,7 +12,7 @@ bool IsPair(std::wstring_view text, size_t at);
 /// The character at `at`: that of the surrogate pair, or the unit itself.
 char32_t CharacterAt(std::wstring_view text, size_t at);
 
-/// Replaces each half of a surrogate pair that stands alone by U+FFFD; false when there is none.
+/// Replaces each lone surrogate by U+FFFD; returns whether there was one.
 bool ReplaceLoneSurrogates(std::wstring& text);
 
 /// Whether Unicode keeps the number free of characters; many programs refuse text that holds it.
