@@ -22,6 +22,10 @@ std::vector<Polygon> ClipPolygons(const std::vector<Polygon>& polygons, const RE
 /// The pixels inside the polygons, points rounded to whole pixels. Throws std::bad_alloc.
 Region FillPolygons(const std::vector<Polygon>& polygons, FillMode mode);
 
+/// A region's rectangles, band by band from the top, each band from the left. Throws
+/// std::bad_alloc.
+std::vector<RECT> RectanglesOf(HRGN region);
+
 /// The border of a region as polygons whose alternate fill is the region. Steps within a pixel of a
 /// straight line become that line, so that a slanted border takes two points instead of two for
 /// each row. Throws std::bad_alloc.

@@ -58,16 +58,6 @@ class CornerFinder {
   std::vector<Corner> corners_;
 };
 
-std::vector<RECT> RectanglesOf(HRGN region) {
-  std::vector<std::byte> buffer(GetRegionData(region, 0, nullptr));
-  auto* data = reinterpret_cast<RGNDATA*>(buffer.data());
-  if (buffer.empty() || GetRegionData(region, static_cast<DWORD>(buffer.size()), data) == 0) {
-    throw std::bad_alloc();
-  }
-  const auto* rects = reinterpret_cast<const RECT*>(data->Buffer);
-  return {rects, rects + data->rdh.nCount};
-}
-
 /// Measures the distance of points from the line through two points, or from these if they are one.
 class DistanceFromLine {
  public:
@@ -133,6 +123,16 @@ Polygon StraightenSteps(const Polygon& polygon) {
 }
 
 }  // namespace
+
+std::vector<RECT> RectanglesOf(HRGN region) {
+  std::vector<std::byte> buffer(GetRegionData(region, 0, nullptr));
+  auto* data = reinterpret_cast<RGNDATA*>(buffer.data());
+  if (buffer.empty() || GetRegionData(region, static_cast<DWORD>(buffer.size()), data) == 0) {
+    throw std::bad_alloc();
+  }
+  const auto* rects = reinterpret_cast<const RECT*>(data->Buffer);
+  return {rects, rects + data->rdh.nCount};
+}
 
 std::vector<Polygon> OutlineRegion(HRGN region) {
   const std::vector<RECT> rects = RectanglesOf(region);

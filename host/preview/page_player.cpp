@@ -7,6 +7,7 @@
 
 #include "base/arithmetic.h"
 #include "host/base/platform.h"
+#include "host/engine/polygons.h"
 #include "host/preview/text_record.h"
 
 namespace quillo::host {
@@ -87,16 +88,12 @@ void Average(SheetBitmap& enlarged, const Enlargement& by, const RECT& area, She
   }
 }
 
-/// The areas of a rectangle that lie inside a DC's clip region.
+/// The areas of a rectangle that lie inside a DC's clip region. Throws std::bad_alloc.
 std::vector<RECT> Clipped(HDC dc, const RECT& rect) {
   if (IsRectEmpty(&rect)) return {};
   const Region clip(CreateRectRgn(0, 0, 0, 0));
   if (GetClipRgn(dc, clip.Get()) != 1) return {rect};
-  std::vector<std::byte> data(GetRegionData(clip.Get(), 0, nullptr));
-  auto* region = reinterpret_cast<RGNDATA*>(data.data());
-  if (GetRegionData(clip.Get(), static_cast<DWORD>(data.size()), region) == 0) return {};
-  const auto* first = reinterpret_cast<const RECT*>(region->Buffer);
-  std::vector<RECT> areas(first, first + region->rdh.nCount);
+  std::vector<RECT> areas = RectanglesOf(clip.Get());
   std::erase_if(areas, [&](RECT& area) { return !IntersectRect(&area, &area, &rect); });
   return areas;
 }
