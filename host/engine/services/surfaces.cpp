@@ -2,8 +2,6 @@
 
 #include <algorithm>
 #include <cstring>
-#include <mutex>
-#include <set>
 
 #include "base/arithmetic.h"
 #include "base/dib.h"
@@ -13,29 +11,8 @@
 namespace quillo::host {
 namespace {
 
-/// The devices that live. For any thread.
-class LivingDevices {
- public:
-  void Add(EngineDevice* device) {
-    const std::lock_guard lock(mutex_);
-    devices_.insert(device);
-  }
-  void Remove(EngineDevice* device) {
-    const std::lock_guard lock(mutex_);
-    devices_.erase(device);
-  }
-  bool Contain(EngineDevice* device) const {
-    const std::lock_guard lock(mutex_);
-    return devices_.contains(device);
-  }
-
- private:
-  mutable std::mutex mutex_;
-  std::set<EngineDevice*> devices_;
-};
-
-LivingDevices& Devices() {
-  static LivingDevices devices;
+HandleTable<HDEV, EngineDevice*>& Devices() {
+  static HandleTable<HDEV, EngineDevice*> devices;
   return devices;
 }
 
@@ -68,13 +45,13 @@ ULONG BitsPerPixel(ULONG format) {
   return format < std::size(kBits) ? kBits[format] : 0;
 }
 
-EngineDevice::EngineDevice() { Devices().Add(this); }
+EngineDevice::EngineDevice() : handle_(Devices().Add(std::make_unique<EngineDevice*>(this))) {}
 
-EngineDevice::~EngineDevice() { Devices().Remove(this); }
+EngineDevice::~EngineDevice() { Devices().Remove(handle_); }
 
 EngineDevice* EngineDevice::Find(HDEV handle) {
-  const auto device = reinterpret_cast<EngineDevice*>(handle);
-  return Devices().Contain(device) ? device : nullptr;
+  EngineDevice* const* device = Devices().Find(handle);
+  return device != nullptr ? *device : nullptr;
 }
 
 Surface::Surface(SIZEL size, ULONG format, bool top_down, void* bits, ULONG byte_count,

@@ -18,11 +18,14 @@ class EngineDevice {
   EngineDevice(const EngineDevice&) = delete;
   EngineDevice& operator=(const EngineDevice&) = delete;
 
-  HDEV Handle() { return reinterpret_cast<HDEV>(this); }
+  HDEV Handle() const { return handle_; }
   /// Null for a handle of no device.
   static EngineDevice* Find(HDEV handle);
 
   DHPDEV dhpdev = nullptr;  // the driver's own handle, after DrvEnablePDEV
+
+ private:
+  const HDEV handle_;
 };
 
 /// A bitmap that the engine manages, with the public SURFOBJ in front.
