@@ -37,15 +37,14 @@ FillMode EmfPlayer::PolyFillMode() const {
 void EmfPlayer::Stroke(const Path& outline) {
   PenDescription pen;
   if (!DescribePen(pen)) return;
-  for (const Path& part :
-       SplitLine(LeadsFar(outline) ? NearLine(outline) : outline, kMaxStrokedCrossings)) {
+  for (const Path& part : SplitLine(NearLine(outline), kMaxStrokedCrossings)) {
     if (!Spend(Crossings(part) * kPointsPerCrossing)) return;
     canvas_.Stroke(part, pen, Drawing());
   }
 }
 
 std::optional<Path> EmfPlayer::Inside(const Path& path) {
-  Path shape = LeadsFar(path) ? NearInside(path) : path;
+  Path shape = NearInside(path);
   const double crossings = Crossings(shape);
   if (crossings > kMaxCrossings) {
     Fault("the interior of its path is too complex to draw");

@@ -50,10 +50,12 @@ bool LeadsFar(const Path& path) {
 }
 
 Path NearInside(const Path& path) {
+  if (!LeadsFar(path)) return path;
   return ToPath(ClipPolygons(ToPolygons(path), {-kFarthest, -kFarthest, kFarthest, kFarthest}));
 }
 
 Path NearLine(const Path& path) {
+  if (!LeadsFar(path)) return path;
   const Path flat = path.Flattened();
   Path cut;
   for (const Figure& figure : flat.Figures()) {

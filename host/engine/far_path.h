@@ -10,10 +10,12 @@ namespace quillo::host {
 /// Whether the path leaves the space around the page that can matter.
 bool LeadsFar(const Path& path);
 
-/// The near part of the path's inside, under either fill rule; curves flattened.
+/// The near part of the path's inside, under either fill rule; curves flattened. A path that does
+/// not lead far stays as it is.
 Path NearInside(const Path& path);
 
-/// The near part of the path's line; curves flattened, figures open where they were cut.
+/// The near part of the path's line; curves flattened, figures open where they were cut. A path
+/// that does not lead far stays as it is.
 Path NearLine(const Path& path);
 
 }  // namespace quillo::host

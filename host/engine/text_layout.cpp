@@ -339,7 +339,7 @@ Path OutlineOf(const Quadrangle& corners) {
   outline.MoveTo(corners[0].x, corners[0].y);
   for (size_t i = 1; i < corners.size(); ++i) outline.LineTo(corners[i].x, corners[i].y);
   outline.CloseFigure();
-  return LeadsFar(outline) ? NearInside(outline) : outline;
+  return NearInside(outline);
 }
 
 }  // namespace quillo::host
