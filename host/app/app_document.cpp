@@ -1,9 +1,9 @@
 #include "host/app/app_document.h"
 
 #include <filesystem>
-#include <fstream>
 #include <vector>
 
+#include "host/base/file_content.h"
 #include "host/base/text.h"
 #include "host/inputs/metafile_input.h"
 
@@ -19,10 +19,7 @@ std::vector<std::byte> TakeFile(const std::filesystem::path& path) {
   std::error_code error;
   const uint64_t size = std::filesystem::file_size(path, error);
   if (!error && size <= kMaxPageBytes) {
-    content.resize(size);
-    std::ifstream file(path, std::ios::binary);
-    file.read(reinterpret_cast<char*>(content.data()), static_cast<std::streamsize>(size));
-    if (!file) content.clear();
+    content = ReadContent(path).value_or(std::vector<std::byte>());
   }
   std::filesystem::remove(path, error);
   if (size > kMaxPageBytes) throw UnreadableInput("drew a page of more than 1 GB");
