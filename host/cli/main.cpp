@@ -1,5 +1,6 @@
 #include "base/windows.h"
 
+#include <cstdlib>
 #include <cwchar>
 #include <exception>
 #include <string>
@@ -7,6 +8,7 @@
 #include <vector>
 
 #include "host/app/print_app.h"
+#include "host/base/processor.h"
 #include "host/base/text.h"
 #include "host/cli/command_line.h"
 #include "host/client/client_main.h"
@@ -51,6 +53,7 @@ int RunCommand(const std::vector<std::string>& arguments) {
 
 int wmain(int count, wchar_t** arguments) {
   using namespace quillo::host;
+  const ServersProcessorScope processor(std::getenv("QUILLO_PROCESSOR"));
   if (count == 4 && std::wcscmp(arguments[1], L"--client-mode") == 0) {
     return RunClientMode(arguments + 2);
   }

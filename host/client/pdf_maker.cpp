@@ -4,6 +4,7 @@
 #include <utility>
 
 #include "host/base/com_apartment.h"
+#include "host/base/processor.h"
 #include "host/base/text.h"
 #include "host/pdf/pdf_document.h"
 
@@ -44,6 +45,7 @@ nlohmann::ordered_json PdfMaker::Finish() {
 }
 
 void PdfMaker::Run() {
+  LeaveServersProcessor();
   try {
     const ComApartment apartment;  // for coded pictures
     pdf::PdfDocument document(path_);

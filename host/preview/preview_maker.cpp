@@ -4,6 +4,7 @@
 #include <utility>
 
 #include "host/base/com_apartment.h"
+#include "host/base/processor.h"
 #include "host/preview/preview.h"
 
 namespace quillo::host {
@@ -25,6 +26,7 @@ std::map<int, std::string> PreviewMaker::Finish() {
 }
 
 void PreviewMaker::Run() {
+  LeaveServersProcessor();
   std::optional<ComApartment> apartment;  // for the encoder
   while (const std::optional<Work> work = queue_.Take()) {
     try {
