@@ -11,6 +11,10 @@ namespace {
 /// The colours of a picture, up to 256.
 class ColourTable {
  public:
+  ColourTable() = default;
+  ColourTable(const ColourTable&) = delete;
+  ColourTable& operator=(const ColourTable&) = delete;
+
   /// False when there is no room for another colour.
   bool Add(uint32_t colour) {
     Slot& slot = Find(colour);
@@ -41,12 +45,15 @@ class ColourTable {
 
   /// The colour's slot, or the free one where it belongs.
   Slot& Find(uint32_t colour) {
-    size_t at = colour * 2654435761u >> 22;  // Fibonacci hashing
+    if (last_->colour == colour) return *last_;  // most pixels are like the one before
+    size_t at = colour * 2654435761u >> 22;      // Fibonacci hashing
     while (slots_[at].colour != colour && slots_[at].colour != kFree) at = (at + 1) % kSlots;
-    return slots_[at];
+    last_ = &slots_[at];
+    return *last_;
   }
 
   std::array<Slot, kSlots> slots_;
+  Slot* last_ = slots_.data();  // found last
   std::vector<uint32_t> colours_;
 };
 

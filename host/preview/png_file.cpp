@@ -2,6 +2,7 @@
 
 #include "base/windows.h"
 
+#include <vector>
 #include <wincodec.h>
 
 #include "base/com_owners.h"
@@ -25,6 +26,19 @@ class Step {
   std::string what_;
 };
 
+WICPixelFormatGUID FormatOf(const BitmapSource& picture) {
+  switch (picture.bits_per_pixel) {
+    case 1:
+      return GUID_WICPixelFormat1bppIndexed;
+    case 4:
+      return GUID_WICPixelFormat4bppIndexed;
+    case 8:
+      return GUID_WICPixelFormat8bppIndexed;
+    default:
+      return GUID_WICPixelFormat24bppBGR;
+  }
+}
+
 /// Most of a page is blank paper, which packs as well unfiltered, in a third of the time.
 HRESULT ChooseFilter(IPropertyBag2& options) {
   wchar_t name[] = L"FilterOption";
@@ -36,7 +50,7 @@ HRESULT ChooseFilter(IPropertyBag2& options) {
   return options.Write(1, &option, &filter);
 }
 
-void Encode(const std::filesystem::path& path, const Picture& picture, int dpi) {
+void Encode(const std::filesystem::path& path, const BitmapSource& picture, int dpi) {
   const Step step(path);
   ComPtr<IWICImagingFactory> factory;
   step(CoCreateInstance(CLSID_WICImagingFactory, nullptr, CLSCTX_INPROC_SERVER,
@@ -57,12 +71,23 @@ void Encode(const std::filesystem::path& path, const Picture& picture, int dpi) 
   step(frame->SetSize(static_cast<UINT>(picture.width), static_cast<UINT>(picture.height)),
        "SetSize");
   step(frame->SetResolution(dpi, dpi), "SetResolution");
-  WICPixelFormatGUID format = GUID_WICPixelFormat24bppBGR;
+  const WICPixelFormatGUID wanted = FormatOf(picture);
+  WICPixelFormatGUID format = wanted;
   step(frame->SetPixelFormat(&format), "SetPixelFormat");
-  step(IsEqualGUID(format, GUID_WICPixelFormat24bppBGR) ? S_OK : E_NOTIMPL, "SetPixelFormat");
-  step(frame->WritePixels(static_cast<UINT>(picture.height), static_cast<UINT>(picture.stride),
-                          static_cast<UINT>(picture.rows.size()),
-                          reinterpret_cast<BYTE*>(picture.rows.data())),
+  step(IsEqualGUID(format, wanted) ? S_OK : E_NOTIMPL, "SetPixelFormat");
+  if (!picture.palette.empty()) {
+    std::vector<WICColor> colours = picture.palette;
+    for (WICColor& colour : colours) colour |= 0xFF000000;  // opaque
+    ComPtr<IWICPalette> palette;
+    step(factory->CreatePalette(palette.Receive()), "CreatePalette");
+    step(palette->InitializeCustom(colours.data(), static_cast<UINT>(colours.size())),
+         "InitializeCustom");
+    step(frame->SetPalette(palette.Get()), "SetPalette");
+  }
+  // The encoder only reads the pixels.
+  auto* const rows = reinterpret_cast<BYTE*>(const_cast<std::byte*>(picture.bits.data()));
+  step(frame->WritePixels(static_cast<UINT>(picture.height), static_cast<UINT>(picture.Stride()),
+                          static_cast<UINT>(picture.bits.size()), rows),
        "WritePixels");
   step(frame->Commit(), "Commit");
   step(encoder->Commit(), "Commit");
@@ -70,7 +95,7 @@ void Encode(const std::filesystem::path& path, const Picture& picture, int dpi) 
 
 }  // namespace
 
-void WritePng(const std::filesystem::path& path, const Picture& picture, int dpi) {
+void WritePng(const std::filesystem::path& path, const BitmapSource& picture, int dpi) {
   try {
     Encode(path, picture, dpi);
   } catch (const ResultFailure&) {

@@ -1,22 +1,13 @@
 #pragma once
 
-#include <cstddef>
 #include <filesystem>
 
-#include "base/bytes.h"
+#include "host/engine/drawing.h"
 
 namespace quillo::host {
 
-/// Rows from the top, three bytes a pixel: blue, green, red.
-struct Picture {
-  int width;  // pixels
-  int height;
-  size_t stride;  // bytes from row to row
-  MutableBytes rows;
-};
-
-/// Writes a picture as a PNG file. Needs COM on this thread. Throws ResultFailure; then no file
-/// is left.
-void WritePng(const std::filesystem::path& path, const Picture& picture, int dpi);
+/// Writes a picture of 1, 4, 8 or 24 bits a pixel, rows from the top, as a PNG file. Needs COM on
+/// this thread. Throws ResultFailure; then no file is left.
+void WritePng(const std::filesystem::path& path, const BitmapSource& picture, int dpi);
 
 }  // namespace quillo::host

@@ -2,9 +2,11 @@
 
 #include <algorithm>
 #include <cstring>
+#include <utility>
 
 #include "base/gdi_owners.h"
 #include "host/base/failure.h"
+#include "host/pictures/fewest_bits.h"
 #include "host/preview/page_player.h"
 #include "host/preview/png_file.h"
 
@@ -31,7 +33,14 @@ void WritePreview(const std::filesystem::path& page, const std::filesystem::path
   if (!sheet) throw ResultFailure(kCannotRender, "CreateDIBSection");
   std::memset(sheet.Rows().data(), 0xFF, sheet.Rows().size());
   if (!PlayPage(metafile.Get(), sheet)) throw ResultFailure(kCannotRender, "CreateCompatibleDC");
-  WritePng(png, {sheet.Size().cx, sheet.Size().cy, sheet.Stride(), sheet.Rows()}, dpi);
+  BitmapSource picture;
+  picture.width = sheet.Size().cx;
+  picture.height = sheet.Size().cy;
+  picture.bits_per_pixel = 24;
+  picture.top_down = true;
+  picture.bits = PictureBits::Lent(sheet.Rows());
+  // Most pages have few colours; fewer bits are packed faster, and into less.
+  WritePng(png, WithFewestBits(std::move(picture)), dpi);
 }
 
 }  // namespace quillo::host
