@@ -2,7 +2,9 @@
 
 #include <algorithm>
 #include <cmath>
+#include <cstring>
 #include <new>
+#include <utility>
 #include <vector>
 
 #include "base/arithmetic.h"
@@ -106,13 +108,36 @@ double ScaleOf(HDC dc) {
                             static_cast<double>(transform.eM12) * transform.eM21));
 }
 
+/// The dashes and gaps of a pen in whole pixels: as often as a pen has room for, so that what is
+/// rounded off does not add up along a line. Throws std::bad_alloc.
+std::vector<DWORD> InPixels(const std::vector<DWORD>& lengths, double scale) {
+  constexpr size_t kRoom = 16;  // of ExtCreatePen
+  const size_t count = lengths.size() * (lengths.size() > kRoom ? 1 : kRoom / lengths.size());
+  std::vector<DWORD> pixels(count);
+  double end = 0, end_in_pixels = 0;
+  for (size_t i = 0; i < count; ++i) {
+    end += lengths[i % lengths.size()] * scale;
+    const double length = std::clamp(std::round(end - end_in_pixels), 1.0, 4294967295.0);
+    end_in_pixels += length;
+    pixels[i] = static_cast<DWORD>(length);
+  }
+  return pixels;
+}
+
 class PagePlayer {
  public:
-  PagePlayer(HDC dc, SheetBitmap& sheet) : dc_(dc), sheet_(sheet) {}
+  PagePlayer(HDC dc, SheetBitmap& sheet, std::vector<bool> stroked_paths)
+      : dc_(dc), sheet_(sheet), stroked_(std::move(stroked_paths)), path_(stroked_.begin()) {}
 
   void Play(HANDLETABLE& handles, const ENHMETARECORD& record, UINT handle_count) {
     if (record.iType == EMR_HEADER) SetStretchBltMode(dc_, HALFTONE);
     if (record.iType == EMR_SETSTRETCHBLTMODE) return;
+    if (record.iType == EMR_BEGINPATH) moved_ = path_ != stroked_.end() && *path_++;
+    if (moved_ && (record.iType == EMR_BEGINPATH || record.iType == EMR_ENDPATH)) {
+      // A line leads through the middle of a dot. GDI draws it through that of a pixel.
+      const auto to_middle = static_cast<FLOAT>((std::min(ScaleOf(dc_), 1.0) - 1) / 2);
+      MoveBy(record.iType == EMR_BEGINPATH ? to_middle : -to_middle);
+    }
     try {
       if (under_wine_ && PlayForWine(handles, record, handle_count)) return;
     } catch (const std::bad_alloc&) {  // left to Wine
@@ -153,14 +178,12 @@ class PagePlayer {
       brush.lbHatch = reinterpret_cast<ULONG_PTR>(whole.data() + info_at);
     }
     const auto style = LoadOrZero<DWORD>(whole, 28);
-    const double scale = (style & PS_GEOMETRIC) != 0 ? ScaleOf(dc_) : 1;
-    std::vector<DWORD> entries(count);
-    for (size_t i = 0; i < entries.size(); ++i) {
-      const auto length = LoadOrZero<DWORD>(whole, kEntries + i * 4) * scale;
-      entries[i] = static_cast<DWORD>(std::max(1.0, std::round(length)));
-    }
-    handles.objectHandle[index] = ExtCreatePen(style, LoadOrZero<DWORD>(whole, 32), &brush, count,
-                                               count == 0 ? nullptr : entries.data());
+    std::vector<DWORD> lengths(count);
+    if (count != 0) std::memcpy(lengths.data(), whole.data() + kEntries, size_t{count} * 4);
+    if ((style & PS_GEOMETRIC) != 0 && count != 0) lengths = InPixels(lengths, ScaleOf(dc_));
+    handles.objectHandle[index] =
+        ExtCreatePen(style, LoadOrZero<DWORD>(whole, 32), &brush,
+                     static_cast<DWORD>(lengths.size()), count == 0 ? nullptr : lengths.data());
     return handles.objectHandle[index] != nullptr;
   }
 
@@ -234,11 +257,47 @@ class PagePlayer {
     return true;
   }
 
+  /// Pixels to the right and down, for what is played from here on.
+  void MoveBy(FLOAT pixels) const {
+    const XFORM move = {1, 0, 0, 1, pixels, pixels};
+    ModifyWorldTransform(dc_, &move, MWT_RIGHTMULTIPLY);
+  }
+
   HDC dc_;
   SheetBitmap& sheet_;
+  const std::vector<bool> stroked_;         // of each path of the page
+  std::vector<bool>::const_iterator path_;  // of the next one
+  bool moved_ = false;                      // whether this path is
   const bool under_wine_ = RunsUnderWine();
   double pixels_ = 0;  // drawn enlarged so far
 };
+
+int CALLBACK NoteStrokedPath(HDC, HANDLETABLE*, const ENHMETARECORD* record, int, LPARAM paths) {
+  auto& stroked = *reinterpret_cast<std::vector<bool>*>(paths);
+  switch (record->iType) {
+    case EMR_BEGINPATH:
+      try {
+        stroked.push_back(false);
+      } catch (const std::bad_alloc&) {
+        return 0;  // later lines stay where GDI draws them
+      }
+      break;
+    case EMR_STROKEPATH:
+    case EMR_STROKEANDFILLPATH:
+      if (!stroked.empty()) stroked.back() = true;
+      break;
+    default:
+      break;
+  }
+  return 1;
+}
+
+/// Whether lines are drawn, for each path of a page.
+std::vector<bool> StrokedPaths(HENHMETAFILE page) {
+  std::vector<bool> stroked;
+  EnumEnhMetaFile(nullptr, page, NoteStrokedPath, &stroked, nullptr);
+  return stroked;
+}
 
 int CALLBACK PlayRecord(HDC, HANDLETABLE* handles, const ENHMETARECORD* record, int count,
                         LPARAM player) {
@@ -253,7 +312,7 @@ bool PlayPage(HENHMETAFILE page, SheetBitmap& sheet) {
   if (!dc) return false;
   const SelectScope drawn_on(dc.Get(), sheet.Handle());
   const RECT whole{0, 0, sheet.Size().cx, sheet.Size().cy};
-  PagePlayer player(dc.Get(), sheet);
+  PagePlayer player(dc.Get(), sheet, StrokedPaths(page));
   // The result, FALSE as soon as one record fails, is no reason to give up the page.
   EnumEnhMetaFile(dc.Get(), page, PlayRecord, &player, &whole);
   GdiFlush();
