@@ -197,7 +197,7 @@ class PagePlayer {
   }
 
   /// What a blit may touch, and the factor at which every dot of the page is at least a pixel;
-  /// below 2 where that gains nothing or takes too much memory.
+  /// 0 where that takes too much memory.
   Enlargement EnlargementOf(const EMRBITBLT& blit) const {
     LONG far_x = 0, far_y = 0;
     if (__builtin_add_overflow(blit.xDest, blit.cxDest, &far_x) ||
@@ -222,7 +222,7 @@ class PagePlayer {
       const double pixels = static_cast<double>(part.cx) * part.cy;
       result.factor = static_cast<int>(
           std::min(std::ceil(1 / std::max(ScaleOf(dc_), 0.01)), std::sqrt(kMaxPixels / pixels)));
-      if (result.factor >= 2) break;
+      if (result.factor >= 1) break;
     }
     return result;
   }
@@ -232,7 +232,7 @@ class PagePlayer {
   /// without.
   bool PlayEnlarged(HANDLETABLE& handles, const ENHMETARECORD& record, UINT handle_count) {
     const Enlargement by = EnlargementOf(reinterpret_cast<const EMRBITBLT&>(record));
-    if (by.factor < 2) return false;
+    if (by.factor < 1) return false;
     const std::vector<RECT> areas = Clipped(dc_, sheet_.Part(by.part));
     if (areas.empty()) return true;
     const SIZE part = SizeOf(by.part);
