@@ -18,8 +18,8 @@ while read -r series counts; do
     }' "$table"
   printf '\n\n' >>"$table" # a data set of the plot
 done <<'SERIES'
-lines 100 1000 10000 100000
-points 100 1000 10000 100000
+lines 100 1000 10000 100000 1000000
+points 100 1000 10000 100000 1000000
 texts 100 1000 10000 100000
 fonts 10 100 1000 10000
 clips 100 1000 10000 100000
