@@ -2,6 +2,7 @@
 
 #include "base/windows.h"
 
+#include <atomic>
 #include <charconv>
 #include <cstring>
 
@@ -9,7 +10,7 @@ namespace quillo::host {
 
 namespace {
 
-DWORD_PTR g_servers = 0;  // a mask of the server's processor; 0 outside of a scope
+std::atomic<DWORD_PTR> g_servers = 0;  // a mask of the server's processor; 0 outside of a scope
 
 DWORD_PTR AllProcessors() {
   DWORD_PTR of_process = 0, all = 0;
@@ -27,8 +28,9 @@ DWORD_PTR MaskOf(const char* number) {
 }
 
 void CALLBACK OnThread(void*, DWORD reason, void*) {
-  if (reason == DLL_THREAD_ATTACH && g_servers != 0) {
-    SetThreadAffinityMask(GetCurrentThread(), g_servers);
+  const DWORD_PTR servers = g_servers;
+  if (reason == DLL_THREAD_ATTACH && servers != 0) {
+    SetThreadAffinityMask(GetCurrentThread(), servers);
   }
 }
 
