@@ -17,11 +17,15 @@ void EmitBlit(DEVICE_PDEV& device, RecordType type, Payload& blit, const PackedS
               UnpackedSource rule) {
   if (source.Size() == 0) return;
   blit.source_offset = sizeof blit;
-  const PayloadBlock block(CheckedAdd(blit.source_offset, source.Size()));
+  if (!source.HasBits() && rule == UnpackedSource::kDropsRecord) return;
+  // A picture is large, and fills the payload: the zeros would only be written over.
+  const PayloadBlock block(
+      CheckedAdd(blit.source_offset, source.Size()),
+      source.HasBits() ? PayloadBlock::Fresh::kAnything : PayloadBlock::Fresh::kZeros);
   if (!block) return;
   Store(block.Content(), 0, blit);
-  const bool packed = source.Pack(&device, block.Content().subspan(blit.source_offset));
-  if (packed || rule == UnpackedSource::kZeros) block.Emit(device, type);
+  source.Pack(&device, block.Content().subspan(blit.source_offset));
+  block.Emit(device, type);
 }
 
 }  // namespace
@@ -46,7 +50,7 @@ void EmitMaskBlt(DEVICE_PDEV& device, MaskBltPayload blit, const PackedSurface& 
   const auto mask_offset = CheckedAdd(blit.source_offset, source.Size());
   if (!mask_offset) return;
   blit.mask_offset = *mask_offset;
-  const PayloadBlock block(CheckedAdd(*mask_offset, mask.Size()));
+  const PayloadBlock block(CheckedAdd(*mask_offset, mask.Size()), PayloadBlock::Fresh::kAnything);
   if (!block) return;
 
   const MutableBytes payload = block.Content();

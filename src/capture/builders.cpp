@@ -39,19 +39,19 @@ void StoreAll(MutableBytes payload, size_t offset, std::span<const T> elements) 
 
 }  // namespace
 
-PayloadBlock::PayloadBlock(std::optional<uint32_t> size)
+PayloadBlock::PayloadBlock(std::optional<uint32_t> size, Fresh fresh)
     : size_(size.value_or(0)), capacity_(size_) {
   if (!size) return;
   if (size_ >= kMinSpareSize) {
     SparePayload spare = g_spare.Exchange({});
     if (ServesAsSpare(spare.size, size_)) {
-      std::memset(spare.block.Get(), 0, size_);
+      if (fresh == Fresh::kZeros) std::memset(spare.block.Get(), 0, size_);
       block_ = std::move(spare.block);
       capacity_ = spare.size;
       return;
     }
   }
-  block_ = HeapBlock(size_);
+  block_ = HeapBlock(size_, GetProcessHeap(), fresh == Fresh::kZeros ? HEAP_ZERO_MEMORY : 0);
 }
 
 PayloadBlock::~PayloadBlock() {

@@ -12,16 +12,19 @@
 #include "capture/records/payloads.h"
 #include "capture/writer.h"
 
-// One builder per record type. Each allocates a zero-filled payload from the process heap, fills
-// it, emits the record and frees the payload; when memory is short the record is dropped silently.
-// Records without a payload need no builder: EmitRecord(device, type).
+// One builder per record type. Each allocates a payload from the process heap, fills it (what it
+// does not set is zeros), emits the record and frees the payload; when memory is short the record
+// is dropped silently. Records without a payload need no builder: EmitRecord(device, type).
 namespace quillo {
 
 /// The payload of one record under construction.
 class PayloadBlock {
  public:
+  /// What a fresh payload holds. Anything: its builder sets all of it.
+  enum class Fresh { kZeros, kAnything };
+
   /// Empty when memory is short, and without a size (one that does not fit 32 bits).
-  explicit PayloadBlock(std::optional<uint32_t> size);
+  explicit PayloadBlock(std::optional<uint32_t> size, Fresh fresh = Fresh::kZeros);
   /// A large block is kept for the next large payload, in place of the one kept before.
   ~PayloadBlock();
   PayloadBlock(const PayloadBlock&) = delete;

@@ -216,6 +216,23 @@ TEST_F(CaptureLimits, PackedBitmapSize_NoMoreThanTheBitsAccountFor) {
   });
 }
 
+TEST_F(CaptureLimits, LargeSourceWithoutBits_IsZerosWhereAPictureWas) {
+  std::vector<BYTE> bits(300 * 900, BYTE{0x5A});
+  host::Surface source({300, 300}, BMF_24BPP, true, bits.data(), 300 * 900, 900);
+  const auto holds_picture = [&] {
+    RECTL to = {0, 0, 300, 300};
+    POINTL origin = {};
+    EXPECT_TRUE(quillo::DrvBitBlt(&surface_, &source, nullptr, nullptr, nullptr, &to, &origin,
+                                  nullptr, nullptr, nullptr, 0xCCCC));
+    const std::string records = TakeRecords();
+    EXPECT_NE(records.find("BITBLT"), std::string::npos);
+    return records.find("5a5a") != std::string::npos;
+  };
+  EXPECT_TRUE(holds_picture());
+  source.pvBits = nullptr;
+  EXPECT_FALSE(holds_picture());
+}
+
 TEST(PayloadBlock, TheLastLargeOne_IsUsedAgainForTheSameSize) {
   DropSparePayload();
   const size_t before = test::Holdings::Now().heap_bytes;
