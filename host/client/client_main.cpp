@@ -68,15 +68,11 @@ void ServeJob(ClientFault fault, const std::filesystem::path& pdf_path) {
         Send({{"call", call}});
         if (pdf) pdf->Hear(call, std::filesystem::current_path());
       }));
-  // Wine may miss the end of a call while it withdraws an object that its last user released. It
-  // does not wait for calls when it is disconnected.
-  CoLockObjectExternal(client.Get(), TRUE, FALSE);
   {
     const ConnectionFile connection(*job_id, *client.Get());
     Send({{"ready", true}});
     WaitForEndOfInput();
   }
-  CoDisconnectObject(client.Get(), 0);
   Send({{"job_end_event", WaitForSingleObject(job_end.Get(), 0) == WAIT_OBJECT_0}});
   if (pdf) Send({{"pdf", pdf->Finish()}});
 }

@@ -16,8 +16,15 @@ constexpr wchar_t kStreamName[] = L"IQuilloConnectionPiont";
 
 }  // namespace
 
+// Wine may miss the end of a call while it withdraws an object that its last user released, and
+// waits forever. So this holds the object, too: it is withdrawn when it is disconnected, which does
+// not wait for calls.
+ConnectionFile::ConnectionFile(IQuilloClient& client) : client_(client) {
+  CoLockObjectExternal(&client_, TRUE, FALSE);
+}
+
 // Delegates, so that the destructor runs also when a step fails.
-ConnectionFile::ConnectionFile(DWORD job_id, IQuilloClient& client) : ConnectionFile() {
+ConnectionFile::ConnectionFile(DWORD job_id, IQuilloClient& client) : ConnectionFile(client) {
   wchar_t folder[MAX_PATH];
   if (UserTempFolder(folder, static_cast<DWORD>(std::size(folder))) == 0) {
     throw SystemFailure(kCannotConnect, "looking up the TEMP folder");
@@ -35,6 +42,9 @@ ConnectionFile::ConnectionFile(DWORD job_id, IQuilloClient& client) : Connection
               kCannotConnect, "CoMarshalInterface");
 }
 
-ConnectionFile::~ConnectionFile() { DeleteFileW(path_.c_str()); }
+ConnectionFile::~ConnectionFile() {
+  DeleteFileW(path_.c_str());
+  CoDisconnectObject(&client_, 0);
+}
 
 }  // namespace quillo::host

@@ -120,7 +120,6 @@ ServedJob ServeJob(DWORD job_id, const std::filesystem::path& folder,
     const ConnectionFile connection(job_id, *client.Get());
     WaitForEnd(job_end.Get(), listener, patience);
   }
-  CoDisconnectObject(client.Get(), 0);
   ServedJob job = listener.Take();
   if (pdf) {
     const Json result = pdf->Finish();

@@ -16,8 +16,8 @@ template <typename Payload>
 void EmitBlit(DEVICE_PDEV& device, RecordType type, Payload& blit, const PackedSurface& source,
               UnpackedSource rule) {
   if (source.Size() == 0) return;
-  blit.source_offset = sizeof blit;
   if (!source.HasBits() && rule == UnpackedSource::kDropsRecord) return;
+  blit.source_offset = sizeof blit;
   // A picture is large, and fills the payload: the zeros would only be written over.
   const PayloadBlock block(
       CheckedAdd(blit.source_offset, source.Size()),
