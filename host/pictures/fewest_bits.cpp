@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <array>
+#include <cstring>
 #include <utility>
 
 namespace quillo::host {
@@ -11,10 +12,6 @@ namespace {
 /// The colours of a picture, up to 256.
 class ColourTable {
  public:
-  ColourTable() = default;
-  ColourTable(const ColourTable&) = delete;
-  ColourTable& operator=(const ColourTable&) = delete;
-
   /// False when there is no room for another colour.
   bool Add(uint32_t colour) {
     Slot& slot = Find(colour);
@@ -45,27 +42,48 @@ class ColourTable {
 
   /// The colour's slot, or the free one where it belongs.
   Slot& Find(uint32_t colour) {
-    if (last_->colour == colour) return *last_;  // most pixels are like the one before
-    size_t at = colour * 2654435761u >> 22;      // Fibonacci hashing
+    size_t at = colour * 2654435761u >> 22;  // Fibonacci hashing
     while (slots_[at].colour != colour && slots_[at].colour != kFree) at = (at + 1) % kSlots;
-    last_ = &slots_[at];
-    return *last_;
+    return slots_[at];
   }
 
   std::array<Slot, kSlots> slots_;
-  Slot* last_ = slots_.data();  // found last
   std::vector<uint32_t> colours_;
 };
 
-/// Calls `use` with each pixel's row, column and colour, until it returns false.
+constexpr size_t kPixel = 3;  // bytes
+
+/// How many of so many pixels have the colour of the first.
+size_t CountAlike(const uint8_t* first, size_t pixels) {
+  size_t alike = kPixel;  // bytes, each like the one a pixel before it
+  const auto eight_alike = [&] {
+    return std::memcmp(first + alike, first + alike - kPixel, 8) == 0;
+  };
+  while (alike + 8 <= pixels * kPixel && eight_alike()) alike += 8;
+  size_t count = alike / kPixel;
+  while (count < pixels && std::memcmp(first + count * kPixel, first, kPixel) == 0) ++count;
+  return count;
+}
+
+/// Pixels of one colour beside each other: columns `begin` to `end` - 1 of a row.
+struct Run {
+  size_t row;
+  size_t begin;
+  size_t end;
+  uint32_t colour;
+};
+
+/// Calls `use` with each run of a picture, until it returns false.
 template <typename Use>
-bool EachPixel(const BitmapSource& picture, Use use) {
-  for (LONG y = 0; y < picture.height; ++y) {
-    const auto* pixel = reinterpret_cast<const uint8_t*>(picture.bits.data()) +
-                        picture.Stride() * static_cast<size_t>(y);
-    for (LONG x = 0; x < picture.width; ++x, pixel += 3) {
-      const uint32_t colour = pixel[0] | uint32_t{pixel[1]} << 8 | uint32_t{pixel[2]} << 16;
-      if (!use(static_cast<size_t>(x), static_cast<size_t>(y), colour)) return false;
+bool EachRun(const BitmapSource& picture, Use use) {
+  const auto width = static_cast<size_t>(picture.width);
+  const auto* pixels = reinterpret_cast<const uint8_t*>(picture.bits.data());
+  for (size_t y = 0; y < static_cast<size_t>(picture.height); ++y, pixels += picture.Stride()) {
+    for (size_t x = 0, end = 0; x < width; x = end) {
+      const uint8_t* first = pixels + x * kPixel;
+      end = x + CountAlike(first, width - x);
+      const uint32_t colour = first[0] | uint32_t{first[1]} << 8 | uint32_t{first[2]} << 16;
+      if (!use(Run{y, x, end, colour})) return false;
     }
   }
   return true;
@@ -75,9 +93,7 @@ bool EachPixel(const BitmapSource& picture, Use use) {
 
 BitmapSource WithFewestBits(BitmapSource picture) {
   ColourTable table;
-  if (!EachPixel(picture, [&](size_t, size_t, uint32_t colour) { return table.Add(colour); })) {
-    return picture;
-  }
+  if (!EachRun(picture, [&](const Run& run) { return table.Add(run.colour); })) return picture;
   BitmapSource packed;
   packed.width = picture.width;
   packed.height = picture.height;
@@ -86,10 +102,20 @@ BitmapSource WithFewestBits(BitmapSource picture) {
   packed.bits_per_pixel = packed.palette.size() <= 2 ? 1 : packed.palette.size() <= 16 ? 4 : 8;
   const size_t stride = packed.Stride(), depth = packed.bits_per_pixel;
   packed.bits.resize(stride * static_cast<size_t>(packed.height));
-  EachPixel(picture, [&](size_t x, size_t y, uint32_t colour) {
-    const size_t bit = x * depth;
-    packed.bits[y * stride + bit / 8] |=
-        static_cast<std::byte>(table.IndexOf(colour) << (8 - depth - bit % 8));
+  std::byte* const rows = packed.bits.data();
+  EachRun(picture, [&](const Run& run) {
+    std::byte* const row = rows + run.row * stride;
+    const unsigned index = table.IndexOf(run.colour);
+    const size_t in_byte = 8 / depth;  // pixels
+    const auto put = [&](size_t x) {
+      row[x / in_byte] |= static_cast<std::byte>(index << (8 - depth - x % in_byte * depth));
+    };
+    size_t x = run.begin;
+    while (x < run.end && x % in_byte != 0) put(x++);
+    const size_t whole = (run.end - x) / in_byte;  // bytes
+    const unsigned repeated = index * (0xFF / ((1u << depth) - 1));
+    std::fill_n(row + x / in_byte, whole, static_cast<std::byte>(repeated));
+    for (x += whole * in_byte; x < run.end; ++x) put(x);
     return true;
   });
   return packed;

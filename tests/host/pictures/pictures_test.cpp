@@ -94,15 +94,20 @@ TEST(WithFewestBits, Pixels_KeepTheirColours) {
     uint16_t bits;
   } cases[] = {{1, 1}, {2, 1}, {3, 4}, {16, 4}, {17, 8}, {256, 8}, {257, 24}};
   for (const auto& test : cases) {
-    // Multiples of an odd number: all channels vary, and colours that hash alike are among them.
-    const BitmapSource picture =
-        Picture(37, 11, [&](size_t i) { return (test.colours - 1 - i % test.colours) * 0x04B5D7; });
-    const BitmapSource packed = WithFewestBits(picture);
-    EXPECT_EQ(packed.bits_per_pixel, test.bits) << test.colours;
-    EXPECT_TRUE(std::ranges::is_sorted(packed.palette)) << test.colours;
-    const PixelReader before(picture), after(packed);
-    for (LONG i = 0; i < 37 * 11; ++i) {
-      ASSERT_EQ(after.Colour(i % 37, i / 37), before.Colour(i % 37, i / 37)) << test.colours;
+    for (const size_t run : {1, 2, 7, 30}) {  // pixels of one colour, beside each other
+      SCOPED_TRACE(std::to_string(test.colours) + " colours, runs of " + std::to_string(run));
+      const LONG height = 11 * static_cast<LONG>(run);
+      // Multiples of an odd number: all channels vary, and colours that hash alike are among them.
+      const BitmapSource picture = Picture(37, height, [&](size_t i) {
+        return (test.colours - 1 - i / run % test.colours) * 0x04B5D7;
+      });
+      const BitmapSource packed = WithFewestBits(picture);
+      EXPECT_EQ(packed.bits_per_pixel, test.bits);
+      EXPECT_TRUE(std::ranges::is_sorted(packed.palette));
+      const PixelReader before(picture), after(packed);
+      for (LONG i = 0; i < 37 * height; ++i) {
+        ASSERT_EQ(after.Colour(i % 37, i / 37), before.Colour(i % 37, i / 37));
+      }
     }
   }
 }
