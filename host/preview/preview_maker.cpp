@@ -3,7 +3,6 @@
 #include <exception>
 #include <utility>
 
-#include "host/base/com_apartment.h"
 #include "host/base/processor.h"
 #include "host/preview/preview.h"
 
@@ -27,10 +26,8 @@ std::map<int, std::string> PreviewMaker::Finish() {
 
 void PreviewMaker::Run() {
   LeaveServersProcessor();
-  std::optional<ComApartment> apartment;  // for the encoder
   while (const std::optional<Work> work = queue_.Take()) {
     try {
-      if (!apartment) apartment.emplace();
       WritePreview(work->page, work->png, dpi_);
     } catch (const std::exception& failure) {
       failures_[work->number] = failure.what();
