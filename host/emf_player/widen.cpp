@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "base/gdi_owners.h"
+#include "host/engine/path_of_dc.h"
 
 namespace quillo::host::emf {
 
@@ -53,32 +54,6 @@ void Draw(HDC dc, const Figure& figure) {
   if (figure.closed) ::CloseFigure(dc);
 }
 
-/// The path of `dc`, its units read as sixteenths.
-Path ReadPath(HDC dc) {
-  Path path;
-  const int count = GetPath(dc, nullptr, nullptr, 0);
-  if (count <= 0) return path;
-  std::vector<POINT> points(static_cast<size_t>(count));
-  std::vector<BYTE> types(points.size());
-  if (GetPath(dc, points.data(), types.data(), count) != count) throw std::bad_alloc();
-  const auto at = [&points](size_t i) { return POINTFIX{points[i].x, points[i].y}; };
-  for (size_t i = 0; i < points.size(); ++i) {
-    switch (types[i] & ~PT_CLOSEFIGURE) {
-      case PT_MOVETO:
-        path.MoveTo(at(i));
-        break;
-      case PT_BEZIERTO:
-        path.BezierTo(at(i), at(i + 1), at(i + 2));  // always in threes
-        i += 2;
-        break;
-      default:
-        path.LineTo(at(i));
-    }
-    if ((types[i] & PT_CLOSEFIGURE) != 0) path.CloseFigure();
-  }
-  return path;
-}
-
 }  // namespace
 
 Path Widened(const Path& path, const PenDescription& pen) {
@@ -91,7 +66,7 @@ Path Widened(const Path& path, const PenDescription& pen) {
   for (const Figure& figure : path.Figures()) Draw(dc.Get(), figure);
   EndPath(dc.Get());
   if (!path.Empty() && !WidenPath(dc.Get())) throw std::bad_alloc();
-  return ReadPath(dc.Get());
+  return PathOf(dc.Get());
 }
 
 }  // namespace quillo::host::emf

@@ -4,7 +4,7 @@
 
 #include <cstdint>
 
-#include "host/pdf/cairo_owners.h"
+#include "host/cairo/cairo_owners.h"
 
 namespace quillo::host::pdf {
 

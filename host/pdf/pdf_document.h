@@ -7,7 +7,7 @@
 #include <string>
 #include <vector>
 
-#include "host/pdf/cairo_owners.h"
+#include "host/cairo/cairo_owners.h"
 #include "host/pdf/pdf_fonts.h"
 #include "host/pdf/pdf_page.h"
 

@@ -4,8 +4,8 @@
 #include <cairo-win32.h>
 #include <new>
 
+#include "host/cairo/cairo_path.h"
 #include "host/emf_player/text_outline.h"
-#include "host/pdf/cairo_path.h"
 
 namespace quillo::host::pdf {
 

@@ -6,8 +6,8 @@
 #include <memory>
 #include <string>
 
+#include "host/cairo/cairo_owners.h"
 #include "host/engine/text_font.h"
-#include "host/pdf/cairo_owners.h"
 
 namespace quillo::host::pdf {
 

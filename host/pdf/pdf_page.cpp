@@ -6,13 +6,13 @@
 #include <vector>
 
 #include "host/base/text.h"
+#include "host/cairo/cairo_path.h"
 #include "host/engine/blit_areas.h"
 #include "host/engine/clusters.h"
 #include "host/engine/raster.h"
 #include "host/engine/raster_operation.h"
 #include "host/engine/services/colours.h"
 #include "host/engine/text_layout.h"
-#include "host/pdf/cairo_path.h"
 #include "host/pdf/hatch.h"
 #include "host/pdf/pictures.h"
 

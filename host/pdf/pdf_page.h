@@ -8,9 +8,9 @@
 #include <optional>
 #include <string>
 
+#include "host/cairo/cairo_owners.h"
 #include "host/engine/canvas.h"
 #include "host/engine/text_layout.h"
-#include "host/pdf/cairo_owners.h"
 #include "host/pdf/mixing.h"
 #include "host/pdf/pdf_fonts.h"
 #include "host/pdf/text_run.h"

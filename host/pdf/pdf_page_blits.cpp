@@ -2,11 +2,11 @@
 #include <cmath>
 #include <vector>
 
+#include "host/cairo/cairo_path.h"
 #include "host/engine/blit_areas.h"
 #include "host/engine/raster.h"
 #include "host/engine/raster_operation.h"
 #include "host/engine/services/colours.h"
-#include "host/pdf/cairo_path.h"
 #include "host/pdf/pdf_page.h"
 #include "host/pdf/pictures.h"
 

@@ -5,8 +5,8 @@
 #include <cstdint>
 #include <vector>
 
+#include "host/cairo/cairo_owners.h"
 #include "host/engine/drawing.h"
-#include "host/pdf/cairo_owners.h"
 
 // Pictures as cairo takes them. Equal ones get the same name, so that a file stores them once.
 // Rectangles lie inside their picture, which is not run-length coded. Throws std::bad_alloc.

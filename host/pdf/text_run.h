@@ -6,8 +6,8 @@
 #include <string_view>
 #include <vector>
 
+#include "host/cairo/cairo_owners.h"
 #include "host/engine/text_layout.h"
-#include "host/pdf/cairo_owners.h"
 #include "host/pdf/pdf_fonts.h"
 
 namespace quillo::host::pdf {

@@ -9,8 +9,8 @@
 
 #include "base/arithmetic.h"
 #include "host/base/platform.h"
-#include "host/engine/polygons.h"
 #include "host/preview/text_record.h"
+#include "host/preview/wide_lines.h"
 
 namespace quillo::host {
 
@@ -90,16 +90,6 @@ void Average(SheetBitmap& enlarged, const Enlargement& by, const RECT& area, She
   }
 }
 
-/// The areas of a rectangle that lie inside a DC's clip region. Throws std::bad_alloc.
-std::vector<RECT> Clipped(HDC dc, const RECT& rect) {
-  if (IsRectEmpty(&rect)) return {};
-  const Region clip(CreateRectRgn(0, 0, 0, 0));
-  if (GetClipRgn(dc, clip.Get()) != 1) return {rect};
-  std::vector<RECT> areas = RectanglesOf(clip.Get());
-  std::erase_if(areas, [&](RECT& area) { return !IntersectRect(&area, &area, &rect); });
-  return areas;
-}
-
 /// Pixels of the sheet for one dot of the page, for both sides alike.
 double ScaleOf(HDC dc) {
   XFORM transform;
@@ -127,7 +117,11 @@ std::vector<DWORD> InPixels(const std::vector<DWORD>& lengths, double scale) {
 class PagePlayer {
  public:
   PagePlayer(HDC dc, SheetBitmap& sheet, std::vector<bool> stroked_paths)
-      : dc_(dc), sheet_(sheet), stroked_(std::move(stroked_paths)), path_(stroked_.begin()) {}
+      : dc_(dc),
+        sheet_(sheet),
+        wide_lines_(sheet),
+        stroked_(std::move(stroked_paths)),
+        path_(stroked_.begin()) {}
 
   void Play(HANDLETABLE& handles, const ENHMETARECORD& record, UINT handle_count) {
     if (record.iType == EMR_HEADER) SetStretchBltMode(dc_, HALFTONE);
@@ -155,6 +149,8 @@ class PagePlayer {
         return CreatePen(handles, record, handle_count);
       case EMR_EXTTEXTOUTW:
         return PlayPair(handles, record, handle_count);
+      case EMR_STROKEPATH:
+        return wide_lines_.Draw(dc_, ScaleOf(dc_));
       default:
         return IsBlit(record) && PlayEnlarged(handles, record, handle_count);
     }
@@ -233,7 +229,7 @@ class PagePlayer {
   bool PlayEnlarged(HANDLETABLE& handles, const ENHMETARECORD& record, UINT handle_count) {
     const Enlargement by = EnlargementOf(reinterpret_cast<const EMRBITBLT&>(record));
     if (by.factor < 1) return false;
-    const std::vector<RECT> areas = Clipped(dc_, sheet_.Part(by.part));
+    const std::vector<RECT> areas = sheet_.Visible(dc_, by.part);
     if (areas.empty()) return true;
     const SIZE part = SizeOf(by.part);
     const SIZE size = {part.cx * by.factor, part.cy * by.factor};
@@ -265,6 +261,7 @@ class PagePlayer {
 
   HDC dc_;
   SheetBitmap& sheet_;
+  WideLines wide_lines_;
   const std::vector<bool> stroked_;         // of each path of the page
   std::vector<bool>::const_iterator path_;  // of the next one
   bool moved_ = false;                      // whether this path is

@@ -3,6 +3,7 @@
 #include "base/windows.h"
 
 #include <cstddef>
+#include <vector>
 
 #include "base/bytes.h"
 #include "base/dib.h"
@@ -26,6 +27,8 @@ class SheetBitmap {
     IntersectRect(&part, &rect, &whole);  // empty: all 0
     return part;
   }
+  /// The areas of a rectangle that a DC of the sheet shows. Throws std::bad_alloc.
+  std::vector<RECT> Visible(HDC dc, const RECT& rect) const;
   /// Bytes from row to row.
   size_t Stride() const { return DibStride(static_cast<uint64_t>(size_.cx), 24); }
   MutableBytes Rows() { return {bits_, Stride() * static_cast<size_t>(size_.cy)}; }

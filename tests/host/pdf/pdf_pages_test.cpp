@@ -59,7 +59,7 @@ TEST(PdfPages, AreMadeOfMetafiles) {
   const nlohmann::ordered_json made = pdf.Finish();
   EXPECT_EQ(made["pages"], page);
   EXPECT_EQ(made["approximated"].dump(), R"({"R2_XORPEN":1})");
-  EXPECT_EQ(made["faults"].dump(), R"(["page 18: record 2 (EMR_CLOSEFIGURE): no path is open"])");
+  EXPECT_EQ(made["faults"].dump(), R"(["page 19: record 2 (EMR_CLOSEFIGURE): no path is open"])");
   EXPECT_EQ(done, page);
 
   PdfMaker lost(folder / L"missing" / L"a.pdf", [](int) {});

@@ -1,6 +1,6 @@
-#include "host/pdf/cairo_path.h"
+#include "host/cairo/cairo_path.h"
 
-namespace quillo::host::pdf {
+namespace quillo::host {
 
 void AddToContext(cairo_t* context, const Path& path) {
   constexpr double kPixel = 1.0 / 16;
@@ -22,4 +22,4 @@ void AddToContext(cairo_t* context, const Path& path) {
   }
 }
 
-}  // namespace quillo::host::pdf
+}  // namespace quillo::host

@@ -3,7 +3,7 @@
 #include <cairo.h>
 #include <memory>
 
-namespace quillo::host::pdf {
+namespace quillo::host {
 
 template <auto destroy>
 struct CairoDeleter {
@@ -18,4 +18,4 @@ using CairoSurface = std::unique_ptr<cairo_surface_t, CairoDeleter<cairo_surface
 using CairoPattern = std::unique_ptr<cairo_pattern_t, CairoDeleter<cairo_pattern_destroy>>;
 using CairoFontFace = std::unique_ptr<cairo_font_face_t, CairoDeleter<cairo_font_face_destroy>>;
 
-}  // namespace quillo::host::pdf
+}  // namespace quillo::host
