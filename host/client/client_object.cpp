@@ -100,7 +100,9 @@ HRESULT ClientObject::GetPageObject(IQuilloPage** page) {
   *page = nullptr;
   const HRESULT result = Answer({{"method", "GetPageObject"}, {"page", pages_ + 1}});
   if (FAILED(result)) return result;
+  served_page_.reset();
   page_.Reset(new PageObject(++pages_, fault_ != ClientFault::kWithoutTextRuns));
+  served_page_.emplace(*page_.Get());
   page_->AddRef();
   *page = page_.Get();
   return S_OK;

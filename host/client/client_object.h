@@ -6,11 +6,13 @@
 #include <functional>
 #include <mutex>
 #include <nlohmann/json.hpp>
+#include <optional>
 
 #include "base/com_owners.h"
 #include "host/client/client_fault.h"
 #include "host/client/com_object.h"
 #include "host/client/page_object.h"
+#include "host/client/served_object.h"
 #include "interface/quillo.h"
 
 namespace quillo::host {
@@ -49,6 +51,7 @@ class ClientObject : public ComObject<IQuilloClient> {
   const Report report_;
   std::mutex mutex_;         // calls come on COM's threads
   ComPtr<PageObject> page_;  // the latest one
+  std::optional<ServedObject> served_page_;
   int pages_ = 0;
 };
 

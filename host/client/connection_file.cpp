@@ -16,12 +16,7 @@ constexpr wchar_t kStreamName[] = L"IQuilloConnectionPiont";
 
 }  // namespace
 
-// Wine may miss the end of a call while it withdraws an object that its last user released, and
-// waits forever. So this holds the object, too: it is withdrawn when it is disconnected, which does
-// not wait for calls.
-ConnectionFile::ConnectionFile(IQuilloClient& client) : client_(client) {
-  CoLockObjectExternal(&client_, TRUE, FALSE);
-}
+ConnectionFile::ConnectionFile(IQuilloClient& client) : client_(client) {}
 
 // Delegates, so that the destructor runs also when a step fails.
 ConnectionFile::ConnectionFile(DWORD job_id, IQuilloClient& client) : ConnectionFile(client) {
@@ -42,9 +37,6 @@ ConnectionFile::ConnectionFile(DWORD job_id, IQuilloClient& client) : Connection
               kCannotConnect, "CoMarshalInterface");
 }
 
-ConnectionFile::~ConnectionFile() {
-  DeleteFileW(path_.c_str());
-  CoDisconnectObject(&client_, 0);
-}
+ConnectionFile::~ConnectionFile() { DeleteFileW(path_.c_str()); }
 
 }  // namespace quillo::host

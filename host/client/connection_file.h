@@ -5,6 +5,7 @@
 #include <string>
 
 #include "base/com_owners.h"
+#include "host/client/served_object.h"
 #include "interface/quillo.h"
 
 namespace quillo::host {
@@ -24,7 +25,7 @@ class ConnectionFile {
  private:
   explicit ConnectionFile(IQuilloClient& client);
 
-  IQuilloClient& client_;
+  const ServedObject client_;
   std::wstring path_;
 };
 
