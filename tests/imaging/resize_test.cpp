@@ -66,9 +66,14 @@ TEST(Resizing, Arguments_GiveTheirCodes) {
   bitmap->structure_size = 100;
   EXPECT_EQ(SizeBitmap(bitmap.Get(), 1, 1, 0), kWrongStructureSize);
   bitmap->structure_size = kCurrentForm;
-  BitmapScope colour;
+  BitmapScope colour, deeper, other_order;
   Create(colour.Get(), Sized(4, 4, 24));
-  EXPECT_EQ(ResizeInto(colour.Get(), bitmap.Get(), 0), kInvalidArgument);
+  Create(deeper.Get(), Sized(4, 4, 32));
+  Create(other_order.Get(), Sized(4, 4, 24));
+  other_order->colour_order = kOrderGrey;
+  for (BitmapScope* unlike : {&deeper, &other_order}) {
+    EXPECT_EQ(ResizeInto(colour.Get(), unlike->Get(), 0), kInvalidArgument);
+  }
   Free(colour.Get());
   EXPECT_EQ(ResizeInto(bitmap.Get(), colour.Get(), 0), kNoStorage);
 }
