@@ -131,7 +131,9 @@ class Job : test::SpooledJob {
     } else if (word == "work") {
       failing_.reset();
     } else if (word == "close") {
+      const HPEN pen = job_->playback.current_pen;
       Close(job_);
+      EXPECT_EQ(GetObjectType(pen), 0u);
     } else if (word == "font") {
       LOGFONTW font = {};
       font.lfHeight = std::stoi(argument);
