@@ -100,9 +100,8 @@ bool EmbedFont(const PlaybackContext& context, const LOGFONTW& font) {
 
   const ScreenDc dc(GetDC(nullptr));
   const Font created(CreateFontIndirectW(&font));
-  if (!dc || !created) return false;
   const SelectScope selected(dc.Get(), created.Get());
-  if (!selected) return false;
+  if (!selected) return false;  // without one of them, too
   DWORD size = 0;
   const HeapBlock content = ReadFontFile(dc.Get(), size);
   Path path;

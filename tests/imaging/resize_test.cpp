@@ -10,6 +10,7 @@
 #include "imaging/lifecycle/create.h"
 #include "imaging/settings_scope.h"
 #include "imaging/storage/rows.h"
+#include "imaging/storage/section.h"
 #include "support/case_table.h"
 #include "support/holdings.h"
 #include "support/line.h"
@@ -188,6 +189,7 @@ TEST(ConvertFromDib, HeaderFields_GoIntoTheRecordOrAreRefused) {
                dib.header.biCompression, dib.header.biXPelsPerMeter, dib.header.biYPelsPerMeter);
     const Bytes header = std::as_bytes(std::span(&dib, 1)).first(48);
     const Bytes bits = std::as_bytes(std::span(dib.bits));
+    DropSpareSection();
     const uintptr_t handles = test::LiveKernelHandles();
     std::string outcome;
     {
@@ -210,10 +212,25 @@ TEST(ConvertFromDib, HeaderFields_GoIntoTheRecordOrAreRefused) {
         }
       }
     }
+    DropSpareSection();
     EXPECT_EQ(test::LiveKernelHandles(), handles) << fields[0];
     return outcome;
   });
   EXPECT_EQ(ConvertFromDib(nullptr, kCurrentForm, Bytes{}, Bytes{}), kInvalidArgument);
+}
+
+TEST(ConvertFromDib, RunsAtAPointer_EndByTheHeaderOrTheirMark) {
+  for (const size_t size : {0, 2}) {
+    PackedDib dib = {{sizeof dib.header, 8, 1, 1, 8, BI_RLE8, static_cast<DWORD>(size), 0, 0, 2, 0},
+                     {},
+                     {4, 1, 4, 1, 0, 1}};
+    BitmapScope bitmap;
+    ASSERT_EQ(ConvertFromDib(bitmap.Get(), kCurrentForm, &dib, dib.bits), kSuccess);
+    std::vector<std::byte> row(8), expected(8, std::byte{1});
+    std::fill(expected.begin() + 4, expected.end(), std::byte{size == 0});
+    FetchRow(*bitmap.Get(), 0, row);
+    EXPECT_EQ(row, expected) << size;
+  }
 }
 
 }  // namespace

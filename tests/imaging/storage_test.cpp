@@ -87,6 +87,7 @@ TEST(Storage, EveryKind_KeepsRowsAndLeavesNothing) {
     FillRows(record);
     ExpectRows(record, name);
     Free(&record);
+    EXPECT_FALSE(IsValid(record)) << name;
     EXPECT_EQ(directory.Files(), 0) << name;
     DropSpareSection();
     const auto after = test::Holdings::Now();
