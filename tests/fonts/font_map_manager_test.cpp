@@ -16,6 +16,7 @@ struct FakeFont {
   TEXTMETRICW metrics = {};
   int loads = 0;                                                             // of its cmap
   std::vector<std::byte> cmap = Cmap(Subtable4({{0x41, 0x5A, 0xFFC0, 0}}));  // A is glyph 1
+  uint32_t fails_from = UINT32_MAX;                                          // in bytes of it
   HDC Dc() { return reinterpret_cast<HDC>(this); }
 };
 
@@ -62,7 +63,8 @@ class FontMapManagerTest : public testing::Test {
   font_data_{[](HDC dc, DWORD table, DWORD offset, void* buffer, DWORD size) {
     EXPECT_EQ(table, 0x70616D63u);
     FontOf(dc).loads += offset == 2;
-    return MemoryCmap(FontOf(dc).cmap).Read(offset, {static_cast<std::byte*>(buffer), size});
+    return MemoryCmap(FontOf(dc).cmap, FontOf(dc).fails_from)
+        .Read(offset, {static_cast<std::byte*>(buffer), size});
   }};
   WATCH(GetTextMetricsW)
   metrics_{[](HDC dc, TEXTMETRICW* metrics) {
@@ -154,7 +156,10 @@ TEST_F(FontMapManagerTest, QueriesOfADc_KeepNothing) {
   EXPECT_EQ(CountMappedCharacters(font.Dc()), 0);
   EXPECT_EQ(CharactersOfGlyphs(font.Dc(), 3, glyphs, characters), 3);
   EXPECT_EQ(std::u16string(characters, characters + 3), u"\u0640\u0640\u0640");
-  // What was loaded before is forgotten.
+  // What was loaded before is forgotten, also when the segments cannot be read.
+  EXPECT_EQ(cmap.Load(font.Dc()), 0);
+  font.cmap = FakeFont().cmap;
+  font.fails_from = 4 + 8 + 14;
   EXPECT_EQ(cmap.Load(font.Dc()), 0);
   EXPECT_EQ(map.Build(cmap), 0);
   EXPECT_EQ(cmap.GlyphOf('A'), 0);
