@@ -36,6 +36,9 @@ TEST_F(UsersFiles, ReferenceToAnythingButTheClientsInterface_NeverReachesTheSyst
   const Bytes base = std::as_bytes(std::span(&__uuidof(IUnknown), 1));
   const std::vector<uint16_t> here = {7, 'h', 0, 0}, elsewhere = {7, 'x', 0, 0};
   const std::vector<std::byte> own = test::MakeReference(1, base, here);
+  std::vector<std::byte> longest = test::MakeReference(1, id, {}), too_long = longest;
+  longest.resize(16384);
+  too_long.resize(16385);
   const struct {
     std::vector<std::byte> reference;
     int unmarshalled;
@@ -44,7 +47,8 @@ TEST_F(UsersFiles, ReferenceToAnythingButTheClientsInterface_NeverReachesTheSyst
                {test::MakeReference(1, id, elsewhere), 0},
                {test::MakeReference(4, id, {}), 0},
                {test::MakeReference(1, base, {}), 0},
-               {test::MakeReference(1, id, std::vector<uint16_t>(9000)), 0}};
+               {longest, 1},
+               {too_long, 0}};
   for (const auto& c : cases) {
     SCOPED_TRACE(&c - cases);
     // Wine's references have no addresses.
