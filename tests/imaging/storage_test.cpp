@@ -57,7 +57,16 @@ uintptr_t HandlesInUse() {
 }
 
 TEST(Storage, EveryKind_KeepsRowsAndLeavesNothing) {
-  test::CheckCases("imaging/storage_kinds.txt", [](const auto& fields) {
+  int blocks = 0;  // of global memory
+  const WATCH(GlobalAlloc) allocations([&](auto flags, auto size) {
+    ++blocks;
+    return allocations.CallOriginal(flags, size);
+  });
+  const WATCH(GlobalFree) releases([&](auto block) {
+    --blocks;
+    return releases.CallOriginal(block);
+  });
+  test::CheckCases("imaging/storage_kinds.txt", [&](const auto& fields) {
     const char* name = fields[0].c_str();
     SettingsScope settings;
     const TemporaryDirectory directory;
@@ -93,6 +102,7 @@ TEST(Storage, EveryKind_KeepsRowsAndLeavesNothing) {
     const auto after = test::Holdings::Now();
     EXPECT_EQ(after.kernel_handles, before.kernel_handles) << name;
     EXPECT_LT(after.heap_bytes, before.heap_bytes + 4096) << name;
+    EXPECT_EQ(blocks, 0) << name;
     EXPECT_EQ(record.lookup8, nullptr);
     EXPECT_EQ(record.lock, nullptr);
     return outcome;
