@@ -60,7 +60,7 @@ class PairReporter : public benchmark::ConsoleReporter {
 /// Runs every benchmark of the program several times, mixed, so that the machine's load hits both
 /// sides of a pair.
 inline void RunPairs(int argc, char** argv, std::span<const Pair> pairs) {
-  std::string options[] = {"--benchmark_repetitions=5", "--benchmark_min_time=0.1",
+  std::string options[] = {"--benchmark_repetitions=7", "--benchmark_min_time=0.1",
                            "--benchmark_enable_random_interleaving=true"};
   std::vector<char*> arguments(argv, argv + argc);
   for (std::string& option : options) arguments.insert(arguments.begin() + 1, option.data());
