@@ -17,28 +17,6 @@ constexpr double kThin = 1.5;
 // Pixels. It covers every sheet; a wider one costs time for rows that nobody sees.
 constexpr double kWidest = 1 << 17;
 
-ULONG JoinOf(uint32_t style) {
-  switch (style & PS_JOIN_MASK) {
-    case PS_JOIN_BEVEL:
-      return JOIN_BEVEL;
-    case PS_JOIN_MITER:
-      return JOIN_MITER;
-    default:
-      return JOIN_ROUND;
-  }
-}
-
-ULONG EndCapOf(uint32_t style) {
-  switch (style & PS_ENDCAP_MASK) {
-    case PS_ENDCAP_SQUARE:
-      return ENDCAP_SQUARE;
-    case PS_ENDCAP_FLAT:
-      return ENDCAP_BUTT;
-    default:
-      return ENDCAP_ROUND;
-  }
-}
-
 /// Dashes and gaps of a geometric pen in multiples of its width.
 std::vector<float> DashesInWidths(uint32_t line_style) {
   switch (line_style) {

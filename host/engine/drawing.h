@@ -97,6 +97,9 @@ struct PenDescription {
 
 /// Dashes and gaps of a cosmetic pen of style PS_SOLID to PS_DASHDOTDOT, in style units.
 std::vector<float> CosmeticStyle(DWORD pen_style);
+/// The join (JOIN_*) and the end cap (ENDCAP_*) that a pen's style names; round when it names none.
+ULONG JoinOf(DWORD pen_style);
+ULONG EndCapOf(DWORD pen_style);
 
 /// The state of a DC that applies to each drawing call.
 struct DrawState {

@@ -21,6 +21,28 @@ std::vector<float> CosmeticStyle(DWORD pen_style) {
   }
 }
 
+ULONG JoinOf(DWORD pen_style) {
+  switch (pen_style & PS_JOIN_MASK) {
+    case PS_JOIN_BEVEL:
+      return JOIN_BEVEL;
+    case PS_JOIN_MITER:
+      return JOIN_MITER;
+    default:
+      return JOIN_ROUND;
+  }
+}
+
+ULONG EndCapOf(DWORD pen_style) {
+  switch (pen_style & PS_ENDCAP_MASK) {
+    case PS_ENDCAP_SQUARE:
+      return ENDCAP_SQUARE;
+    case PS_ENDCAP_FLAT:
+      return ENDCAP_BUTT;
+    default:
+      return ENDCAP_ROUND;
+  }
+}
+
 StrokeObjects::StrokeObjects(const PenDescription& pen)
     : transform_(pen.geometric ? pen.world_to_device : XFORM{1, 0, 0, 1, 0, 0}) {
   for (const float length : pen.style) {

@@ -7,6 +7,7 @@
 
 #include "host/base/text.h"
 #include "host/cairo/cairo_path.h"
+#include "host/cairo/cairo_pen.h"
 #include "host/engine/blit_areas.h"
 #include "host/engine/clusters.h"
 #include "host/engine/raster.h"
@@ -60,28 +61,6 @@ RECTL PixelBounds(const Path& path, double reach = 0) {
   const auto beyond = static_cast<LONG>(std::min(std::ceil(reach), 0x1p28));
   return {(bounds.xLeft >> 4) - beyond, (bounds.yTop >> 4) - beyond,
           ((bounds.xRight + 15) >> 4) + beyond, ((bounds.yBottom + 15) >> 4) + beyond};
-}
-
-cairo_line_cap_t CapOf(ULONG end_cap) {
-  switch (end_cap) {
-    case ENDCAP_BUTT:
-      return CAIRO_LINE_CAP_BUTT;
-    case ENDCAP_SQUARE:
-      return CAIRO_LINE_CAP_SQUARE;
-    default:
-      return CAIRO_LINE_CAP_ROUND;
-  }
-}
-
-cairo_line_join_t JoinOf(ULONG join) {
-  switch (join) {
-    case JOIN_BEVEL:
-      return CAIRO_LINE_JOIN_BEVEL;
-    case JOIN_MITER:
-      return CAIRO_LINE_JOIN_MITER;
-    default:
-      return CAIRO_LINE_JOIN_ROUND;
-  }
 }
 
 }  // namespace
@@ -215,9 +194,7 @@ void PdfPage::SetPattern(cairo_surface_t* picture, cairo_extend_t extend, const 
 void PdfPage::SetPen(const PenDescription& pen) {
   const double scale = pen.geometric ? pen.world_to_device.eM11 : 1;
   cairo_set_line_width(context_, pen.geometric ? std::abs(pen.width * scale) : kThinnest);
-  cairo_set_line_cap(context_, CapOf(pen.end_cap));
-  cairo_set_line_join(context_, JoinOf(pen.join));
-  cairo_set_miter_limit(context_, std::max(1.0F, pen.miter_limit));
+  SetLineShape(context_, pen.end_cap, pen.join, pen.miter_limit);
   std::vector<double> dashes;
   for (const float length : pen.style) dashes.push_back(length * (pen.geometric ? scale : dot_));
   if (pen.alternate) dashes = {dot_, dot_};

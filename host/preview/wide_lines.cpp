@@ -7,34 +7,14 @@
 #include <vector>
 
 #include "host/cairo/cairo_path.h"
+#include "host/cairo/cairo_pen.h"
+#include "host/engine/drawing.h"
 #include "host/engine/far_path.h"
 #include "host/engine/path_of_dc.h"
 
 namespace quillo::host {
 
 namespace {
-
-cairo_line_cap_t CapOf(DWORD pen_style) {
-  switch (pen_style & PS_ENDCAP_MASK) {
-    case PS_ENDCAP_FLAT:
-      return CAIRO_LINE_CAP_BUTT;
-    case PS_ENDCAP_SQUARE:
-      return CAIRO_LINE_CAP_SQUARE;
-    default:
-      return CAIRO_LINE_CAP_ROUND;
-  }
-}
-
-cairo_line_join_t JoinOf(DWORD pen_style) {
-  switch (pen_style & PS_JOIN_MASK) {
-    case PS_JOIN_BEVEL:
-      return CAIRO_LINE_JOIN_BEVEL;
-    case PS_JOIN_MITER:
-      return CAIRO_LINE_JOIN_MITER;
-    default:
-      return CAIRO_LINE_JOIN_ROUND;
-  }
-}
 
 /// The pen of a DC when it is wide, solid, of one colour, and covers what is there.
 std::optional<EXTLOGPEN> SolidPenOf(HDC dc) {
@@ -75,9 +55,7 @@ void WideLines::Prepare(HDC dc, const EXTLOGPEN& pen, double scale) {
   // The middle of a line of odd width is that of a pixel: GDI has those at whole numbers.
   const double middle = std::fmod(width, 2) / 2;
   cairo_set_line_width(context, width);
-  cairo_set_line_cap(context, CapOf(pen.elpPenStyle));
-  cairo_set_line_join(context, JoinOf(pen.elpPenStyle));
-  cairo_set_miter_limit(context, std::max(1.0F, miter_limit));
+  SetLineShape(context, EndCapOf(pen.elpPenStyle), JoinOf(pen.elpPenStyle), miter_limit);
   cairo_save(context);
   cairo_translate(context, middle, middle);
   cairo_scale(context, 16, 16);
