@@ -5,7 +5,6 @@
 #include <gtest/gtest.h>
 #include <sstream>
 
-#include "host/base/com_apartment.h"
 #include "host/client/pdf_maker.h"
 #include "host/emf/metafile_script.h"
 #include "host/preview/preview.h"
@@ -29,7 +28,6 @@ std::vector<std::byte> LockedFont() {
 
 // Leaves pages.pdf, previews, and what is expected of the pages to the test pdf_pages.
 TEST(PdfPages, AreMadeOfMetafiles) {
-  const ComApartment apartment;
   const fs::path folder = QUILLO_PDF_PAGES;
   fs::remove_all(folder);
   fs::create_directories(folder);
